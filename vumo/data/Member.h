@@ -1,0 +1,101 @@
+#pragma once
+
+#include "vumo/foundation/DebugFwd.h"
+#include "vumo/foundation/Export.h"
+
+namespace vumo
+{
+namespace Data
+{
+/// One field of a `Structure`: a name, a data type, how many values of that type it holds, and where
+/// in an element's data block the first of them lies.
+///
+/// The members of a structure are made by `Structure::addMember`; a Member on its own is an empty record.
+class VUMO_EXPORT Member
+{
+public:
+    /// The data types; their numbers are part of the interface. A matrix is 16 entries, row after row.
+    /// A string is a `char*` to a zero-terminated text of its own, made by `strdup`, or null.
+    enum eDataType : unsigned int
+    {
+        kBoolean,
+        kDouble,
+        kDoubleMatrix4x4,
+        kFloat,
+        kFloatMatrix4x4,
+        kInt8,
+        kInt16,
+        kInt32,
+        kInt64,
+        kString,
+        kUInt8,
+        kUInt16,
+        kUInt32,
+        kUInt64,
+        kInvalidType
+    };
+
+    Member();
+    Member(const Member& other);
+    Member& operator=(const Member& other);
+    ~Member();
+
+    bool operator==(const Member& other) const;
+    bool operator!=(const Member& other) const { return !(*this == other); }
+
+    /// The following take an element's data block, from its start, and treat the values of this member
+    /// in it. A member of invalid type leaves the block alone.
+
+    /// Sets each value to its default: zero bits, for a string null. What was there is not released.
+    bool fillWithDefault(char* data) const;
+
+    /// Makes `dest`, a byte-wise copy of `src`, independent of it by copying the strings.
+    bool constructDuplicate(char* dest, const char* src) const;
+
+    /// Frees the strings and sets them to null. False for an invalid type.
+    bool destroy(char* data) const;
+
+    /// Says whether every value is the default one; false for null data. -0.0 is a default value, an
+    /// empty string is not.
+    bool isDefault(const char* data) const;
+
+    /// The following accept null and then give 0, null, 4294967295 or `kInvalidType`.
+
+    static unsigned int length(const Member* member);
+
+    /// Borrowed from the member.
+    static const char* name(const Member* member);
+
+    /// In bytes from the start of the element's data block.
+    static unsigned long long offset(const Member* member);
+
+    /// The offset of the i-th value, 0 for null; `i` is not checked.
+    static unsigned long long offset(const Member* member, unsigned int i);
+    static eDataType type(const Member* member);
+
+    /// In bytes, of one value; 0 for the invalid type and for any number that is no type.
+    static unsigned int typeSize(eDataType type);
+    static unsigned int typeAlignment(eDataType type);
+
+    /// The name used in all text forms, such as "int32"; "invalid" for any number that is no type.
+    static const char* typeName(eDataType type);
+
+    /// The type of exactly that name, else `kInvalidType`; null is no type's name.
+    static eDataType typeFromName(const char* name);
+
+    static bool Debug(const Member* object, vumo::Debug::Print& request);
+    static bool Debug(const Member* object, vumo::Debug::Footprint& request);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+private:
+    friend class Structure; // fills the members that it owns
+
+    eDataType mType = kInvalidType;
+    char* mName = nullptr; // owned, from strdup
+    unsigned int mDimension = 0;
+    unsigned long long mOffset = 0;
+};
+} // namespace Data
+} // namespace vumo

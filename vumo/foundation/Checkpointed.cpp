@@ -1,0 +1,101 @@
+#include "vumo/foundation/Checkpointed.h"
+
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+namespace vumo
+{
+unsigned long long Checkpointed::sfGlobalCheckpoint = 0;
+unsigned long long Checkpointed::sfCheckpoint = 0;
+
+Checkpointed::Checkpointed() : mCheckpoint(sClassChanged()) {}
+
+Checkpointed::Checkpointed(const Checkpointed&)
+{
+    sfGlobalCheckpoint += 2;
+    sfCheckpoint = sfGlobalCheckpoint;
+    mCheckpoint = sfGlobalCheckpoint;
+}
+
+Checkpointed& Checkpointed::operator=(const Checkpointed&)
+{
+    objectChanged();
+    return *this;
+}
+
+unsigned long long Checkpointed::classCheckpoint()
+{
+    return sClassCheckpoint();
+}
+
+bool Checkpointed::classChangedSinceCheckpoint(const unsigned long long& stamp)
+{
+    return sClassChangedSinceCheckpoint(stamp);
+}
+
+unsigned long long Checkpointed::classChanged()
+{
+    return sClassChanged();
+}
+
+Checkpointed::~Checkpointed()
+{
+    sClassChanged();
+}
+
+unsigned long long Checkpointed::objectChanged()
+{
+    mCheckpoint = classChanged();
+    return mCheckpoint;
+}
+
+unsigned long long Checkpointed::globalCheckpoint()
+{
+    return sfGlobalCheckpoint;
+}
+
+unsigned long long Checkpointed::globalChange()
+{
+    return ++sfGlobalCheckpoint;
+}
+
+unsigned long long Checkpointed::sClassCheckpoint()
+{
+    return sfCheckpoint;
+}
+
+bool Checkpointed::sClassChangedSinceCheckpoint(const unsigned long long& stamp)
+{
+    return sfCheckpoint > stamp;
+}
+
+unsigned long long Checkpointed::sClassChanged()
+{
+    sfCheckpoint = globalChange();
+    return sfCheckpoint;
+}
+
+bool Checkpointed::Debug(const Checkpointed* object, vumo::Debug::Print& request)
+{
+    if (object)
+    {
+        request << "Checkpoint : " << object->mCheckpoint << "\n";
+        return true;
+    }
+    request << "Class Checkpoint  : " << sfCheckpoint << "\n";
+    request << "Global Checkpoint : " << sfGlobalCheckpoint << "\n";
+    return true;
+}
+
+bool Checkpointed::Debug(const Checkpointed* object, vumo::Debug::Footprint& request)
+{
+    if (object)
+    {
+        request.addObject(object, sizeof(*object));
+        return true;
+    }
+    request.addMember(&sfGlobalCheckpoint, sizeof(sfGlobalCheckpoint));
+    request.addMember(&sfCheckpoint, sizeof(sfCheckpoint));
+    return true;
+}
+} // namespace vumo

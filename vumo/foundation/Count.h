@@ -1,0 +1,27 @@
+#pragma once
+
+#include "vumo/foundation/Export.h"
+
+namespace vumo
+{
+namespace Debug
+{
+/// A number that a class reports about itself.
+class VUMO_EXPORT Count
+{
+public:
+    Count() = default;
+
+    Count& operator=(unsigned long value)
+    {
+        mValue = value;
+        return *this;
+    }
+
+    unsigned long long value() const { return mValue; }
+
+private:
+    unsigned long long mValue = 0;
+};
+} // namespace Debug
+} // namespace vumo
