@@ -22,9 +22,9 @@ struct TypeInfo
 };
 
 constexpr TypeInfo kTypes[] = {
-    {"bool", 1, 1},   {"double", 8, 8}, {"dbl4x4", 128, 8}, {"float", 4, 4}, {"flt4x4", 64, 4},
-    {"int8", 1, 1},   {"int16", 2, 2},  {"int32", 4, 4},    {"int64", 8, 8}, {"string", 8, 8},
-    {"uint8", 1, 1},  {"uint16", 2, 2}, {"uint32", 4, 4},   {"uint64", 8, 8}, {"invalid", 0, 0},
+    {"bool", 1, 1},  {"double", 8, 8}, {"dbl4x4", 128, 8}, {"float", 4, 4},  {"flt4x4", 64, 4},
+    {"int8", 1, 1},  {"int16", 2, 2},  {"int32", 4, 4},    {"int64", 8, 8},  {"string", 8, 8},
+    {"uint8", 1, 1}, {"uint16", 2, 2}, {"uint32", 4, 4},   {"uint64", 8, 8}, {"invalid", 0, 0},
 };
 static_assert(sizeof(char*) == 8, "a string value takes 8 bytes");
 
@@ -70,9 +70,7 @@ Member& Member::operator=(const Member& other)
 {
     if (this == &other)
         return *this;
-    char* const name = detail::duplicateText(other.mName);
-    std::free(mName);
-    mName = name;
+    mName.reset(detail::duplicateText(other.mName.get()));
     mType = other.mType;
     mDimension = other.mDimension;
     mOffset = other.mOffset;
@@ -81,17 +79,13 @@ Member& Member::operator=(const Member& other)
 
 Member::~Member()
 {
-    std::free(mName);
-    mName = nullptr;
-    mDimension = 0;
-    mOffset = 0;
     --_objectsAlive;
 }
 
 bool Member::operator==(const Member& other) const
 {
     return mType == other.mType && mOffset == other.mOffset && mDimension == other.mDimension &&
-           detail::equalTexts(mName, other.mName);
+           detail::equalTexts(mName.get(), other.mName.get());
 }
 
 bool Member::fillWithDefault(char* data) const
@@ -143,7 +137,7 @@ unsigned int Member::length(const Member* member)
 
 const char* Member::name(const Member* member)
 {
-    return member ? member->mName : nullptr;
+    return member ? member->mName.get() : nullptr;
 }
 
 unsigned long long Member::offset(const Member* member)
@@ -190,7 +184,7 @@ bool Member::Debug(const Member* object, vumo::Debug::Print& request)
 {
     if (object)
     {
-        request << "'" << (object->mName ? object->mName : "") << "' " << typeName(object->mType) << "["
+        request << "'" << (object->mName ? object->mName.get() : "") << "' " << typeName(object->mType) << "["
                 << object->mDimension << "] +" << object->mOffset << "\n";
     }
     return true;
@@ -202,7 +196,7 @@ bool Member::Debug(const Member* object, vumo::Debug::Footprint& request)
     {
         request.addObject(object, sizeof(*object));
         if (object->mName)
-            request.addMember(object->mName, std::strlen(object->mName) + 1);
+            request.addMember(object->mName.get(), std::strlen(object->mName.get()) + 1);
     }
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
+#include "vumo/foundation/OwnedText.h"
 
 namespace vumo
 {
@@ -93,7 +94,7 @@ private:
     friend class Structure; // fills the members that it owns
 
     eDataType mType = kInvalidType;
-    char* mName = nullptr; // owned, from strdup
+    OwnedText mName; // or null
     unsigned int mDimension = 0;
     unsigned long long mOffset = 0;
 };

@@ -24,6 +24,7 @@ struct ValueLayout
 template <class Visitor>
 bool visitDataType(Member::eDataType type, Visitor&& visit)
 {
+    // clang-format off
     switch (type)
     {
     case Member::kBoolean: visit(ValueLayout<bool>()); return true;
@@ -42,6 +43,7 @@ bool visitDataType(Member::eDataType type, Visitor&& visit)
     case Member::kUInt64: visit(ValueLayout<std::uint64_t>()); return true;
     case Member::kInvalidType: break;
     }
+    // clang-format on
     return false;
 }
 

@@ -1,0 +1,124 @@
+#include "vumo/data/Associations.h"
+
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+namespace vumo
+{
+namespace Data
+{
+unsigned long long Associations::_objectsCreated = 0;
+unsigned long long Associations::_objectsAlive = 0;
+
+Associations::Associations() : Associations(nullptr) {}
+
+Associations::Associations(const Associations* other)
+    : mImpl(other ? other->mImpl : Ref<AssociationsImpl>(new AssociationsImpl()))
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Associations::Associations(const Associations& other) : Associations(&other) {}
+
+Associations& Associations::operator=(const Associations& other) = default;
+
+Associations::~Associations()
+{
+    --_objectsAlive;
+}
+
+Associations* Associations::create()
+{
+    return new Associations();
+}
+
+bool Associations::makeUnique()
+{
+    if (!mImpl->isShared())
+        return false;
+    mImpl = Ref<AssociationsImpl>(new AssociationsImpl(*mImpl));
+    return mImpl->makeUnique();
+}
+
+Channel Associations::channel(const std::string& name)
+{
+    return mImpl->channel(name);
+}
+
+Channel* Associations::findChannel(const std::string& name)
+{
+    return mImpl->findChannel(name);
+}
+
+const Channel* Associations::findChannel(const std::string& name) const
+{
+    return mImpl->findChannel(name);
+}
+
+void Associations::setChannel(Channel channel)
+{
+    mImpl->setChannel(channel);
+}
+
+bool Associations::removeChannel(const std::string& name)
+{
+    return mImpl->removeChannel(name);
+}
+
+bool Associations::renameChannel(const std::string& oldName, const std::string& newName)
+{
+    return mImpl->renameChannel(oldName, newName);
+}
+
+unsigned int Associations::size() const
+{
+    return static_cast<unsigned int>(mImpl->entries().size());
+}
+
+Channel* Associations::operator[](unsigned int n) const
+{
+    return mImpl->channelAt(n);
+}
+
+Channel Associations::channelAt(unsigned int n) const
+{
+    const Channel* const found = mImpl->channelAt(n);
+    return found ? *found : Channel();
+}
+
+AssociationsIterator Associations::begin() const
+{
+    return AssociationsIterator(*this, kIterBegin);
+}
+
+AssociationsIterator Associations::end() const
+{
+    return AssociationsIterator(*this, kIterEnd);
+}
+
+bool Associations::Debug(const Associations* object, vumo::Debug::Print& request)
+{
+    if (!object)
+        return true;
+    request.beginSection("Data Associations");
+    if (object->empty())
+        request << "No channels\n";
+    for (const Channel& channel : *object)
+        Channel::Debug(&channel, request);
+    request.endSection();
+    return true;
+}
+
+bool Associations::Debug(const Associations* object, vumo::Debug::Footprint& request)
+{
+    if (!object)
+        return true;
+    request.addObject(object, sizeof(*object));
+    request.addObject(object->impl(), sizeof(AssociationsImpl));
+    for (const Channel& channel : *object)
+        Channel::Debug(&channel, request);
+    return true;
+}
+} // namespace Data
+} // namespace vumo

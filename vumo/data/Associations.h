@@ -1,0 +1,84 @@
+#pragma once
+
+#include "vumo/data/AssociationsImpl.h"
+#include "vumo/data/AssociationsIterator.h"
+#include "vumo/data/Channel.h"
+#include "vumo/foundation/DebugFwd.h"
+#include "vumo/foundation/Export.h"
+#include "vumo/foundation/Ref.h"
+
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// All metadata of one scene object: a set of channels, each known by its name.
+///
+/// An Associations is a cheap front: copies share the channels, and a change made through one is seen by
+/// all. Nothing copies on its own when modified; call makeUnique() before changing what may be shared.
+class VUMO_EXPORT Associations
+{
+public:
+    Associations();
+
+    /// Shares the other's channels; null means none.
+    explicit Associations(const Associations* other);
+    Associations(const Associations& other);
+    Associations& operator=(const Associations& other);
+    ~Associations();
+
+    /// A new, empty object, owned by the caller.
+    static Associations* create();
+
+    /// Gives this object channels, streams and elements of its own when it is shared. Returns whether a
+    /// stream had to be copied; an unshared object is left alone, whatever its channels share.
+    bool makeUnique();
+
+    /// The channel of that name, sharing the stored one; made and stored when there is none.
+    Channel channel(const std::string& name);
+
+    /// The stored channel or null; never makes one. Valid until it is replaced or removed.
+    Channel* findChannel(const std::string& name);
+    const Channel* findChannel(const std::string& name) const;
+
+    /// Stores the channel under its own name, in place of any channel of that name.
+    void setChannel(Channel channel);
+
+    /// False when there was none.
+    bool removeChannel(const std::string& name);
+
+    /// Renames the channel for all that share it. False, with nothing changed, when there is none of the
+    /// old name or another of the new one.
+    bool renameChannel(const std::string& oldName, const std::string& newName);
+
+    bool empty() const { return size() == 0; }
+    unsigned int size() const;
+    unsigned int channelCount() const { return size(); }
+
+    /// The n-th channel in name order, counted from 0, owned by this object; null when there is none.
+    Channel* operator[](unsigned int n) const;
+
+    /// The same by value; a new channel named "Unnamed", which is not stored, when there is none.
+    Channel channelAt(unsigned int n) const;
+
+    AssociationsIterator begin() const;
+    AssociationsIterator end() const;
+    AssociationsIterator cbegin() const { return begin(); }
+    AssociationsIterator cend() const { return end(); }
+
+    static bool Debug(const Associations* object, vumo::Debug::Print& request);
+    static bool Debug(const Associations* object, vumo::Debug::Footprint& request);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+private:
+    friend class AssociationsIterator;
+
+    const AssociationsImpl* impl() const { return mImpl.get(); }
+
+    Ref<AssociationsImpl> mImpl; // never null
+};
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,107 @@
+#include "vumo/data/AssociationsImpl.h"
+
+#include "vumo/data/detail/NamedSet.h"
+#include "vumo/data/detail/Renames.h"
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+/// A set hands out its entries as const, for fear of their order; a channel's name changes only here and
+/// in those that share it, which lookups are prepared for.
+Channel* editable(const Channel& channel)
+{
+    return const_cast<Channel*>(&channel);
+}
+} // namespace
+
+unsigned long long AssociationsImpl::_objectsCreated = 0;
+unsigned long long AssociationsImpl::_objectsAlive = 0;
+
+AssociationsImpl::AssociationsImpl() : mOrderedAt(detail::renameCount())
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+AssociationsImpl::AssociationsImpl(const AssociationsImpl& other)
+    : RefCounted(other),
+      mChannels(other.mChannels.begin(), other.mChannels.end()),
+      mOrderedAt(detail::renameCount())
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+AssociationsImpl::~AssociationsImpl()
+{
+    --_objectsAlive;
+}
+
+bool AssociationsImpl::makeUnique()
+{
+    Set unique;
+    bool copied = false;
+    for (const Channel& channel : mChannels)
+    {
+        Channel copy(channel);
+        copied |= copy.makeUnique();
+        unique.insert(copy);
+    }
+    mChannels.swap(unique);
+    return copied;
+}
+
+Channel AssociationsImpl::channel(const std::string& name)
+{
+    if (const Channel* const present = findChannel(name))
+        return *present;
+    return *mChannels.insert(Channel(name));
+}
+
+Channel* AssociationsImpl::findChannel(const std::string& name) const
+{
+    const auto found = detail::findNamed(mChannels, name, mOrderedAt);
+    return found == mChannels.end() ? nullptr : editable(*found);
+}
+
+Channel* AssociationsImpl::channelAt(unsigned int n) const
+{
+    const auto found = detail::entryAt(mChannels, n);
+    return found == mChannels.end() ? nullptr : editable(*found);
+}
+
+void AssociationsImpl::setChannel(const Channel& channel)
+{
+    const Channel added(channel); // copied before it may be removed below
+    while (removeChannel(added.name()))
+        continue;
+    mChannels.insert(added);
+}
+
+bool AssociationsImpl::removeChannel(const std::string& name)
+{
+    const auto found = detail::findNamed(mChannels, name, mOrderedAt);
+    if (found == mChannels.end())
+        return false;
+    mChannels.erase(found);
+    return true;
+}
+
+bool AssociationsImpl::renameChannel(const std::string& oldName, const std::string& newName)
+{
+    const auto found = detail::findNamed(mChannels, oldName, mOrderedAt);
+    if (found == mChannels.end())
+        return false;
+    const Channel* const taken = findChannel(newName);
+    if (taken)
+        return taken == &*found;
+    auto entry = mChannels.extract(found);
+    entry.value().impl()->setName(newName);
+    mChannels.insert(std::move(entry));
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "vumo/data/Channel.h"
+#include "vumo/foundation/Export.h"
+#include "vumo/foundation/RefCounted.h"
+
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// What stands behind an `Associations`: its channels.
+class VUMO_EXPORT AssociationsImpl : public RefCounted
+{
+public:
+    /// Orders channels by name, byte by byte.
+    struct VUMO_EXPORT ChannelCompare
+    {
+        using is_transparent = void;
+        bool operator()(const Channel& left, const Channel& right) const { return left.name() < right.name(); }
+        bool operator()(const Channel& left, const std::string& right) const { return left.name() < right; }
+        bool operator()(const std::string& left, const Channel& right) const { return left < right.name(); }
+    };
+
+    /// Names are unique, but for one case that must lose nothing: a rename through a channel that another
+    /// object shares can give two entries one name.
+    using Set = std::multiset<Channel, ChannelCompare>;
+
+    AssociationsImpl();
+
+    /// Copies the set; each channel goes on sharing its implementation.
+    AssociationsImpl(const AssociationsImpl& other);
+    AssociationsImpl& operator=(const AssociationsImpl&) = delete;
+    ~AssociationsImpl() override;
+
+    /// Makes every channel unique. Returns whether one had to be copied.
+    bool makeUnique();
+
+    /// In name order.
+    const Set& entries() const { return mChannels; }
+
+    Channel channel(const std::string& name);
+    Channel* findChannel(const std::string& name) const;
+    Channel* channelAt(unsigned int n) const;
+    void setChannel(const Channel& channel);
+    bool removeChannel(const std::string& name);
+    bool renameChannel(const std::string& oldName, const std::string& newName);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+private:
+    Set mChannels;
+    mutable unsigned long long mOrderedAt; // the rename count at which the order was last known to be right
+};
+} // namespace Data
+} // namespace vumo

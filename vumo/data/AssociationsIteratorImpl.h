@@ -1,0 +1,18 @@
+#pragma once
+
+#include "vumo/data/AssociationsImpl.h"
+#include "vumo/data/ContainerIteratorImpl.h"
+#include "vumo/foundation/Export.h"
+
+namespace vumo
+{
+namespace Data
+{
+/// What stands behind an `AssociationsIterator`: a position among the channels of an associations object.
+class VUMO_EXPORT AssociationsIteratorImpl : public ContainerIteratorImpl<AssociationsImpl>
+{
+public:
+    using ContainerIteratorImpl<AssociationsImpl>::ContainerIteratorImpl;
+};
+} // namespace Data
+} // namespace vumo

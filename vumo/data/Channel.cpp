@@ -1,0 +1,152 @@
+#include "vumo/data/Channel.h"
+
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+namespace vumo
+{
+namespace Data
+{
+unsigned long long Channel::_objectsCreated = 0;
+unsigned long long Channel::_objectsAlive = 0;
+
+Channel::Channel() : mImpl(new ChannelImpl())
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Channel::Channel(const std::string& name) : mImpl(new ChannelImpl(name))
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Channel::Channel(const Channel& other) : mImpl(other.mImpl)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Channel& Channel::operator=(const Channel& other) = default;
+
+Channel::~Channel()
+{
+    --_objectsAlive;
+}
+
+bool Channel::makeUnique()
+{
+    if (!mImpl->isShared())
+        return false;
+    mImpl = Ref<ChannelImpl>(new ChannelImpl(*mImpl));
+    return mImpl->makeUnique();
+}
+
+const std::string& Channel::name() const
+{
+    return mImpl->name();
+}
+
+Stream* Channel::setDataStream(const Stream& stream)
+{
+    return mImpl->setDataStream(stream);
+}
+
+Stream* Channel::findDataStream(const std::string& name)
+{
+    return mImpl->findDataStream(name);
+}
+
+const Stream* Channel::findDataStream(const std::string& name) const
+{
+    return mImpl->findDataStream(name);
+}
+
+Stream* Channel::dataStream(const std::string& name)
+{
+    return mImpl->findDataStream(name);
+}
+
+const Stream* Channel::dataStream(const std::string& name) const
+{
+    return mImpl->findDataStream(name);
+}
+
+Stream* Channel::dataStream(unsigned int n)
+{
+    return mImpl->dataStream(n);
+}
+
+const Stream* Channel::dataStream(unsigned int n) const
+{
+    return mImpl->dataStream(n);
+}
+
+bool Channel::removeDataStream(const std::string& name)
+{
+    return mImpl->removeDataStream(name);
+}
+
+bool Channel::renameDataStream(const std::string& oldName, const std::string& newName)
+{
+    return mImpl->renameDataStream(oldName, newName);
+}
+
+unsigned int Channel::size() const
+{
+    return static_cast<unsigned int>(mImpl->entries().size());
+}
+
+bool Channel::addElement(const Index& index)
+{
+    return mImpl->addElement(index);
+}
+
+bool Channel::removeElement(const Index& index)
+{
+    return mImpl->removeElement(index);
+}
+
+ChannelIterator Channel::begin() const
+{
+    return ChannelIterator(*this, kIterBegin);
+}
+
+ChannelIterator Channel::end() const
+{
+    return ChannelIterator(*this, kIterEnd);
+}
+
+bool Channel::Debug(const Channel* object, vumo::Debug::Print& request)
+{
+    if (!object)
+        return true;
+    if (object->empty())
+    {
+        request << "Empty Channel\n";
+        return true;
+    }
+    request.beginSection(("Channel " + object->name()).c_str());
+    for (const Stream* const stream : *object)
+    {
+        request << "Stream ";
+        request.skipNextIndent(true);
+        Stream::Debug(stream, request);
+    }
+    request.endSection();
+    return true;
+}
+
+bool Channel::Debug(const Channel* object, vumo::Debug::Footprint& request)
+{
+    if (!object)
+        return true;
+    request.addObject(object, sizeof(*object));
+    request.addObject(object->impl(), sizeof(ChannelImpl));
+    for (const Stream* const stream : *object)
+        Stream::Debug(stream, request);
+    return true;
+}
+} // namespace Data
+} // namespace vumo

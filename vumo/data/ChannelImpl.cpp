@@ -1,0 +1,166 @@
+#include "vumo/data/ChannelImpl.h"
+
+#include "vumo/data/Stream.h"
+#include "vumo/data/detail/NamedSet.h"
+#include "vumo/data/detail/Renames.h"
+
+#include <memory>
+#include <stdexcept>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+const std::string& nameOf(const Stream* stream)
+{
+    if (!stream)
+        throw std::invalid_argument("Null Stream found in Channel.");
+    return stream->name();
+}
+
+/// Takes ownership once the set holds it.
+Stream* insertStream(ChannelImpl::Set& streams, std::unique_ptr<Stream> stream)
+{
+    streams.insert(stream.get());
+    return stream.release();
+}
+
+void deleteStreams(ChannelImpl::Set& streams)
+{
+    for (Stream* const stream : streams)
+        delete stream;
+    streams.clear();
+}
+} // namespace
+
+unsigned long long ChannelImpl::_objectsCreated = 0;
+unsigned long long ChannelImpl::_objectsAlive = 0;
+
+bool ChannelImpl::StreamCompare::operator()(const Stream* left, const Stream* right) const
+{
+    return nameOf(left) < nameOf(right);
+}
+
+bool ChannelImpl::StreamCompare::operator()(const Stream* left, const std::string& right) const
+{
+    return nameOf(left) < right;
+}
+
+bool ChannelImpl::StreamCompare::operator()(const std::string& left, const Stream* right) const
+{
+    return left < nameOf(right);
+}
+
+ChannelImpl::ChannelImpl(const std::string& name) : mName(name), mOrderedAt(detail::renameCount())
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+ChannelImpl::ChannelImpl(const ChannelImpl& other) : ChannelImpl(other.mName)
+{
+    for (const Stream* const stream : other.mStreams)
+        insertStream(mStreams, std::make_unique<Stream>(*stream));
+}
+
+ChannelImpl::~ChannelImpl()
+{
+    deleteStreams(mStreams);
+    --_objectsAlive;
+}
+
+bool ChannelImpl::makeUnique()
+{
+    Set unique;
+    bool copied = false;
+    for (const Stream* const stream : mStreams)
+    {
+        Stream* const added = insertStream(unique, std::make_unique<Stream>(*stream));
+        copied |= added->makeUnique();
+    }
+    mStreams.swap(unique);
+    deleteStreams(unique);
+    return copied;
+}
+
+void ChannelImpl::setName(const std::string& name)
+{
+    mName = name;
+    detail::countRename();
+}
+
+Stream* ChannelImpl::setDataStream(const Stream& stream)
+{
+    Stream* const present = findDataStream(stream.name());
+    if (present && present == &stream)
+        return present;
+    auto added = std::make_unique<Stream>(stream); // copied before it may be deleted below
+    while (removeDataStream(added->name()))
+        continue;
+    return insertStream(mStreams, std::move(added));
+}
+
+Stream* ChannelImpl::findDataStream(const std::string& name) const
+{
+    const auto found = detail::findNamed(mStreams, name, mOrderedAt);
+    return found == mStreams.end() ? nullptr : *found;
+}
+
+Stream* ChannelImpl::dataStream(unsigned int n) const
+{
+    const auto found = detail::entryAt(mStreams, n);
+    return found == mStreams.end() ? nullptr : *found;
+}
+
+bool ChannelImpl::removeDataStream(const std::string& name)
+{
+    const auto found = detail::findNamed(mStreams, name, mOrderedAt);
+    if (found == mStreams.end())
+        return false;
+    const std::unique_ptr<Stream> removed(*found);
+    mStreams.erase(found);
+    return true;
+}
+
+bool ChannelImpl::renameDataStream(const std::string& oldName, const std::string& newName)
+{
+    const auto found = detail::findNamed(mStreams, oldName, mOrderedAt);
+    if (found == mStreams.end())
+        return false;
+    std::unique_ptr<Stream> renamed(*found);
+    mStreams.erase(found);
+    const bool isTaken = findDataStream(newName) != nullptr;
+    renamed->mImpl->setName(newName);
+    if (isTaken)
+        return false;
+    insertStream(mStreams, std::move(renamed));
+    return true;
+}
+
+bool ChannelImpl::addElement(const Index& index)
+{
+    bool added = false;
+    for (Stream* const stream : mStreams)
+    {
+        if (stream->indexType() == index.typeName())
+            added |= stream->setElement(index, Handle(stream->structure()));
+    }
+    return added;
+}
+
+bool ChannelImpl::removeElement(const Index& index)
+{
+    bool removed = false;
+    for (Stream* const stream : mStreams)
+    {
+        if (stream->indexType() != index.typeName())
+            continue;
+        removed |= stream->hasElement(index);
+        stream->removeElement(index);
+    }
+    return removed;
+}
+} // namespace Data
+} // namespace vumo

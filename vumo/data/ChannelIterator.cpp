@@ -1,0 +1,70 @@
+#include "vumo/data/ChannelIterator.h"
+
+#include "vumo/data/Channel.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+#include <stdexcept>
+
+namespace vumo
+{
+namespace Data
+{
+ChannelIterator::ChannelIterator(const Channel& channel, IterLocation location) : mImpl(channel.impl(), location) {}
+
+Stream* ChannelIterator::current(const char* operation) const
+{
+    if (!mImpl.valid())
+        throw std::out_of_range(operation);
+    return *mImpl.position();
+}
+
+Stream* ChannelIterator::operator*() const
+{
+    return current("ChannelImpl::Iterator::operator*");
+}
+
+Stream* ChannelIterator::operator->()
+{
+    return current("ChannelImpl::Iterator::operator->");
+}
+
+const Stream* ChannelIterator::operator->() const
+{
+    return current("const ChannelImpl::Iterator::operator->");
+}
+
+ChannelIterator& ChannelIterator::operator++()
+{
+    mImpl.advance();
+    return *this;
+}
+
+ChannelIterator ChannelIterator::operator++(int)
+{
+    return *this;
+}
+
+bool ChannelIterator::Debug(const ChannelIterator* object, vumo::Debug::Print& request)
+{
+    if (!object)
+        return true;
+    std::ostream& line = request << "ChannelIterator ";
+    if (!object->valid())
+        line << "postioned at the end.";
+    else if (const Stream* const stream = **object)
+        line << "positioned at Stream " << stream->name() << ".";
+    else
+        line << "positioned at NULL Stream ";
+    line << "\n";
+    return true;
+}
+
+bool ChannelIterator::Debug(const ChannelIterator* object, vumo::Debug::Footprint& request)
+{
+    if (object)
+        request.addObject(object, sizeof(*object));
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "vumo/data/ChannelImpl.h"
+#include "vumo/data/ContainerIteratorImpl.h"
+#include "vumo/foundation/Export.h"
+
+namespace vumo
+{
+namespace Data
+{
+/// What stands behind a `ChannelIterator`: a position among the streams of a channel.
+class VUMO_EXPORT ChannelIteratorImpl : public ContainerIteratorImpl<ChannelImpl>
+{
+public:
+    using ContainerIteratorImpl<ChannelImpl>::ContainerIteratorImpl;
+};
+} // namespace Data
+} // namespace vumo

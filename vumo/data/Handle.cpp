@@ -1,0 +1,417 @@
+#include "vumo/data/Handle.h"
+
+#include "vumo/data/Structure.h"
+#include "vumo/data/detail/DataTypes.h"
+#include "vumo/data/detail/Text.h"
+#include "vumo/data/detail/ValueText.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+#include <cstdlib>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+std::string fallbackText(Member::eDataType type)
+{
+    switch (type)
+    {
+    case Member::kBoolean:
+        return "false";
+    case Member::kDouble:
+    case Member::kFloat:
+        return "0.0";
+    case Member::kDoubleMatrix4x4:
+    case Member::kFloatMatrix4x4:
+        return "0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0";
+    case Member::kString:
+        return "";
+    default:
+        return type < Member::kInvalidType ? "0" : "";
+    }
+}
+
+std::string unrecognizedMessage(Member::eDataType type)
+{
+    std::string word = detail::typeWord(type);
+    switch (type)
+    {
+    case Member::kBoolean:
+        word[0] = 'b';
+        break;
+    case Member::kDouble:
+    case Member::kDoubleMatrix4x4:
+        word[0] = 'd';
+        break;
+    case Member::kFloat:
+    case Member::kFloatMatrix4x4:
+        word[0] = 'f';
+        break;
+    case Member::kString:
+        word[0] = 's';
+        break;
+    default:
+        break; // the integers keep their capitals
+    }
+    return "Data not recognized as a " + word;
+}
+
+/// The number of a character in messages: 0 after a read that failed.
+long long characterNumber(std::istream& in)
+{
+    return in.fail() ? 0 : detail::readPosition(in) + 1;
+}
+
+int readEntries(Member::eDataType type, const std::string& text, char* value, std::ostream& messages)
+{
+    std::istringstream in(text);
+    in.imbue(std::locale::classic());
+    int errorCount = 0;
+    for (unsigned int i = 0; i < detail::entryCount(type); ++i)
+    {
+        std::string word;
+        if (detail::readEntry(in, type, detail::entryAddress(type, value, i), word))
+            continue;
+        messages << detail::entryMessage(type, i, characterNumber(in), word) << "\n";
+        in.setstate(std::ios::failbit); // no later entry can be told from its neighbours any more
+        ++errorCount;
+    }
+    return errorCount;
+}
+
+int storeString(const std::string& text, char* value, std::ostream& messages)
+{
+    const std::string::size_type zero = text.find('\0');
+    if (zero != std::string::npos)
+    {
+        messages << detail::entryMessage(Member::kString, 0, static_cast<long long>(zero) + 1, text) << "\n";
+        return 1; // the stored text would end there
+    }
+    char* const copy = detail::duplicateText(text.c_str());
+    std::free(detail::loadScalar<char*>(value));
+    detail::storeScalar(value, copy);
+    return 0;
+}
+
+bool isFilterSet(const vumo::Debug::Print& request, const std::string& name)
+{
+    int value = 0;
+    return request.findFilter(name, value) && value != 0;
+}
+} // namespace
+
+const std::string Handle::kDebugHex = "hex";
+const std::string Handle::kDebugType = "type";
+
+unsigned long long Handle::_objectsCreated = 0;
+unsigned long long Handle::_objectsAlive = 0;
+
+Handle::Handle(const StructureIterator& position, char* data, bool owns)
+    : mPosition(position),
+      mData(data),
+      mOwnsData(owns)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Handle::Handle() : Handle(StructureIterator(), nullptr, false) {}
+
+Handle::Handle(const Structure& structure) : Handle(structure, nullptr)
+{
+    pointToData(structure.allocateDefaultChunk(), true);
+}
+
+Handle::Handle(const Structure& structure, void* data) : Handle(structure.begin(), static_cast<char*>(data), false) {}
+
+Handle::Handle(const Handle& other) : Handle(other.mPosition, other.mData, false) {}
+
+Handle::Handle(Handle&& other) noexcept
+    : Handle(other.mPosition, std::exchange(other.mData, nullptr), std::exchange(other.mOwnsData, false))
+{
+}
+
+Handle& Handle::operator=(const Handle& other)
+{
+    const bool keepsBlock = mOwnsData && mData == other.mData && usesStructure(*other.mPosition.structure());
+    if (!keepsBlock)
+        pointToData(other.mData, false);
+    mPosition = other.mPosition;
+    return *this;
+}
+
+Handle& Handle::operator=(Handle&& other) noexcept
+{
+    if (!other.mOwnsData)
+        return *this = other; // it may borrow the block that this handle owns
+    Handle taken(std::move(other));
+    swap(taken);
+    return *this;
+}
+
+Handle::~Handle()
+{
+    release();
+    --_objectsAlive;
+}
+
+void Handle::release()
+{
+    if (mOwnsData && mData)
+    {
+        mPosition.structure()->destroyChunk(mData);
+        delete[] mData;
+    }
+    mData = nullptr;
+    mOwnsData = false;
+}
+
+void Handle::pointToData(char* data, bool owns)
+{
+    if (data != mData)
+        release();
+    mData = data;
+    mOwnsData = owns && data;
+}
+
+bool Handle::makeUnique()
+{
+    if (mOwnsData || !mData)
+        return false;
+    pointToData(mPosition.structure()->duplicateChunk(mData), true);
+    return true;
+}
+
+void Handle::swap(Handle& other)
+{
+    std::swap(mPosition, other.mPosition);
+    std::swap(mData, other.mData);
+    std::swap(mOwnsData, other.mOwnsData);
+}
+
+bool Handle::setPositionByMemberIndex(unsigned int i)
+{
+    if (mPosition.valid() && mPosition.index() == i)
+        return true;
+    mPosition = mPosition.structure()->begin();
+    while (mPosition.valid() && mPosition.index() < i)
+        ++mPosition;
+    return mPosition.valid();
+}
+
+bool Handle::setPositionByMemberName(const char* name)
+{
+    if (!name)
+        return false;
+    if (detail::equalTexts(Member::name(currentMember()), name))
+        return true;
+    mPosition = mPosition.structure()->begin();
+    while (mPosition.valid() && !detail::equalTexts(Member::name(currentMember()), name))
+        ++mPosition;
+    return mPosition.valid();
+}
+
+const Member* Handle::currentMember() const
+{
+    return mPosition.structure()->member(mPosition.index());
+}
+
+Member::eDataType Handle::dataType() const
+{
+    return Member::type(currentMember());
+}
+
+unsigned int Handle::dataLength() const
+{
+    return Member::length(currentMember());
+}
+
+bool Handle::usesStructure(const Structure& structure) const
+{
+    return mPosition.structure() == &structure;
+}
+
+bool Handle::isDefault() const
+{
+    return mPosition.structure()->chunkIsDefault(mData);
+}
+
+bool Handle::isDefaultMember(const char* name) const
+{
+    return mPosition.structure()->chunkMemberIsDefault(mData, name);
+}
+
+bool* Handle::asBoolean()
+{
+    return static_cast<bool*>(asType(Member::kBoolean));
+}
+
+double* Handle::asDouble()
+{
+    return static_cast<double*>(asType(Member::kDouble));
+}
+
+double* Handle::asDoubleMatrix4x4()
+{
+    return static_cast<double*>(asType(Member::kDoubleMatrix4x4));
+}
+
+float* Handle::asFloat()
+{
+    return static_cast<float*>(asType(Member::kFloat));
+}
+
+float* Handle::asFloatMatrix4x4()
+{
+    return static_cast<float*>(asType(Member::kFloatMatrix4x4));
+}
+
+std::int8_t* Handle::asInt8()
+{
+    return static_cast<std::int8_t*>(asType(Member::kInt8));
+}
+
+std::int16_t* Handle::asInt16()
+{
+    return static_cast<std::int16_t*>(asType(Member::kInt16));
+}
+
+std::int32_t* Handle::asInt32()
+{
+    return static_cast<std::int32_t*>(asType(Member::kInt32));
+}
+
+std::int64_t* Handle::asInt64()
+{
+    return static_cast<std::int64_t*>(asType(Member::kInt64));
+}
+
+char** Handle::asString()
+{
+    return static_cast<char**>(asType(Member::kString));
+}
+
+std::uint8_t* Handle::asUInt8()
+{
+    return static_cast<std::uint8_t*>(asType(Member::kUInt8));
+}
+
+std::uint16_t* Handle::asUInt16()
+{
+    return static_cast<std::uint16_t*>(asType(Member::kUInt16));
+}
+
+std::uint32_t* Handle::asUInt32()
+{
+    return static_cast<std::uint32_t*>(asType(Member::kUInt32));
+}
+
+std::uint64_t* Handle::asUInt64()
+{
+    return static_cast<std::uint64_t*>(asType(Member::kUInt64));
+}
+
+void* Handle::asType(Member::eDataType type)
+{
+    return type < Member::kInvalidType && type == dataType() ? value(0) : nullptr;
+}
+
+char* Handle::value(unsigned int i) const
+{
+    const Member* const member = currentMember();
+    return mData && i < Member::length(member) ? mData + Member::offset(member, i) : nullptr;
+}
+
+std::string Handle::str(unsigned int i) const
+{
+    const Member::eDataType type = dataType();
+    const char* const source = value(i);
+    if (!source)
+        return fallbackText(type);
+    if (type == Member::kString)
+    {
+        const char* const text = detail::loadScalar<char*>(source);
+        const bool hasFirst = detail::loadScalar<char*>(value(0)); // without a first string all are empty
+        return hasFirst && text ? text : "";
+    }
+    std::ostringstream out;
+    out.imbue(std::locale::classic());
+    detail::writeValue(out, type, source);
+    return out.str();
+}
+
+int Handle::fromStr(const std::string& text, unsigned int i, std::string& errors)
+{
+    const Member* const member = currentMember();
+    const Member::eDataType type = dataType();
+    std::ostringstream messages;
+    messages.imbue(std::locale::classic());
+    int errorCount = 1;
+    if (!member)
+        messages << "Trying to parse element " << i << " when the member does not exist\n";
+    else if (i >= Member::length(member))
+        messages << "Trying to parse element " << i << " when the member " << Member::name(member)
+                 << " only has dimension " << Member::length(member) << "\n";
+    else if (type >= Member::kInvalidType)
+    {
+        messages << "Invalid type " << static_cast<unsigned int>(type) << " in structure.\n";
+        errorCount = 0; // reported, but never counted
+    }
+    else if (!mData)
+        messages << unrecognizedMessage(type) << "\n";
+    else if (type == Member::kString)
+        errorCount = storeString(text, value(i), messages);
+    else
+        errorCount = readEntries(type, text, value(i), messages);
+    errors += messages.str();
+    return errorCount;
+}
+
+bool Handle::Debug(const Handle* object, vumo::Debug::Print& request)
+{
+    if (!object)
+        return true;
+    std::ostringstream line;
+    line.imbue(std::locale::classic());
+    if (isFilterSet(request, kDebugType))
+        line << Member::typeName(object->dataType()) << " ";
+    const unsigned int length = object->dataLength();
+    if (length == 0)
+        line << "[]";
+    else
+        line << length << " elements: [ ";
+    for (unsigned int i = 0; i < length; ++i)
+        line << object->str(i) << " ";
+    if (length > 0)
+        line << "]";
+    if (isFilterSet(request, kDebugHex))
+    {
+        vumo::Debug::Print bytes(line);
+        line << "(";
+        bytes << static_cast<const void*>(object->mData);
+        line << ") ";
+        for (unsigned int i = 0; object->mData && i < length; ++i)
+        {
+            line << " ";
+            bytes.outputHexChars(Member::typeSize(object->dataType()),
+                                 reinterpret_cast<const unsigned char*>(object->value(i)));
+        }
+    }
+    request << line.str().c_str();
+    return true;
+}
+
+bool Handle::Debug(const Handle* object, vumo::Debug::Footprint& request)
+{
+    if (object)
+        request.addObject(object, sizeof(*object));
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,134 @@
+#pragma once
+
+#include "vumo/data/Member.h"
+#include "vumo/data/StructureIterator.h"
+#include "vumo/foundation/DebugFwd.h"
+#include "vumo/foundation/Export.h"
+
+#include <cstdint>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+class Structure;
+
+/// Typed access to the values of one element: a structure, an element's data block laid out by it, and
+/// a current member.
+///
+/// A handle has no data, borrows its block (it points into a stream, which must outlive it) or owns it
+/// (it made or copied the block itself). A copy never owns: it borrows the block of the source, which
+/// must outlive it. It references the structure for as long as it lives, so a structure that nobody
+/// else holds dies with its last handle: ref() a new structure before making handles on it.
+class VUMO_EXPORT Handle
+{
+public:
+    /// On a new, empty structure of its own, without data.
+    Handle();
+
+    /// On the first member, owning a new block of default values; without data if the structure's size is 0.
+    explicit Handle(const Structure& structure);
+
+    /// On the first member, borrowing `data`, which may be null.
+    Handle(const Structure& structure, void* data);
+
+    Handle(const Handle& other);
+
+    /// Takes the block with its ownership; `other` is left without data.
+    Handle(Handle&& other) noexcept;
+
+    /// Releases an owned block, unless the source borrows that very block: then it is kept, and owned.
+    Handle& operator=(const Handle& other);
+    Handle& operator=(Handle&& other) noexcept;
+    ~Handle();
+
+    /// Releases an owned block, then takes `data`; an owned block comes from array new.
+    void pointToData(char* data, bool owns);
+
+    /// Replaces a borrowed block by a deep copy of its own. False, with nothing done, when the handle
+    /// owns its block already or has no data.
+    bool makeUnique();
+
+    void swap(Handle& other);
+
+    /// False, with the position at the end, when there is no such member.
+    bool setPositionByMemberIndex(unsigned int i);
+
+    /// False, with the position at the end, when no member has that name. Null is false and moves nothing.
+    bool setPositionByMemberName(const char* name);
+
+    /// The current member's type and dimension; `kInvalidType` and 0 at the end.
+    Member::eDataType dataType() const;
+    unsigned int dataLength() const;
+
+    /// Says whether the handle is on that very structure, not one equal to it.
+    bool usesStructure(const Structure& structure) const;
+
+    bool hasData() const { return mData != nullptr; }
+
+    /// The element's data block or null; borrowed.
+    char* data() const { return mData; }
+
+    bool isDefault() const;
+    bool isDefaultMember(const char* name) const;
+
+    /// Each gives the first of the current member's values inside the block; null without data, at the
+    /// end, or when the member is not of that type. A matrix is 16 entries, row after row.
+    ///
+    /// The address may be misaligned for the type when the structure's layout makes it so; memcpy is
+    /// then the way to move a value. To write a string, free() the old text and store a new one made
+    /// by strdup.
+    bool* asBoolean();
+    double* asDouble();
+    double* asDoubleMatrix4x4();
+    float* asFloat();
+    float* asFloatMatrix4x4();
+    std::int8_t* asInt8();
+    std::int16_t* asInt16();
+    std::int32_t* asInt32();
+    std::int64_t* asInt64();
+    char** asString();
+    std::uint8_t* asUInt8();
+    std::uint16_t* asUInt16();
+    std::uint32_t* asUInt32();
+    std::uint64_t* asUInt64();
+    void* asType(Member::eDataType type);
+
+    /// The text of the i-th value of the current member, a fallback such as "0" when there is no such
+    /// value. Numbers have six significant digits; a string is written as it is, without quotes; a matrix
+    /// is 16 numbers separated by blanks.
+    std::string str(unsigned int i) const;
+
+    /// Parses `text` into the i-th value of the current member. Returns the number of errors, 0 when the
+    /// value was stored, and appends a line for each to `errors`. A number of a type wider than 16 bits
+    /// that is refused still leaves what could be read; any other value is then left alone. A string is
+    /// stored as it stands and replaces, and frees, the one before it.
+    int fromStr(const std::string& text, unsigned int i, std::string& errors);
+
+    /// One line about the current member, without a newline. Honours the filters kDebugHex and kDebugType.
+    static bool Debug(const Handle* object, vumo::Debug::Print& request);
+    static bool Debug(const Handle* object, vumo::Debug::Footprint& request);
+
+    /// Names of filters that ask the debug line for the raw bytes and for the type, when not 0.
+    static const std::string kDebugHex;
+    static const std::string kDebugType;
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+private:
+    Handle(const StructureIterator& position, char* data, bool owns);
+
+    const Member* currentMember() const;
+
+    /// The address of the i-th value of the current member; null when there is none.
+    char* value(unsigned int i) const;
+    void release();
+
+    StructureIterator mPosition;
+    char* mData;
+    bool mOwnsData;
+};
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,189 @@
+#include "vumo/data/Index.h"
+
+#include "vumo/data/IndexPair.h"
+#include "vumo/data/IndexString.h"
+#include "vumo/data/IndexType.h"
+#include "vumo/data/detail/IndexText.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+using Creators = std::map<std::string, Index::Creator>;
+
+constexpr char kNumericTypeName[] = "numeric";
+
+Creators* newCreators()
+{
+    auto* const creators = new Creators;
+    (*creators)[kNumericTypeName] = &Index::TypeCreator;
+    return creators;
+}
+} // namespace
+
+unsigned long long Index::_objectsCreated = 0;
+unsigned long long Index::_objectsAlive = 0;
+
+// The types that come with the library are registered here, beside the registry: in a static library
+// nothing may refer to their own files, and a linker leaves out what nothing refers to.
+const std::string IndexPair::myTypeName = "pair";
+const bool IndexPair::myRegistration = Index::registerType(myTypeName, &CRTP_IndexType<IndexPair>::doCreate);
+const std::string IndexString::myTypeName = "string";
+const bool IndexString::myRegistration = Index::registerType(myTypeName, &CRTP_IndexType<IndexString>::doCreate);
+
+Index::Index(unsigned int number) : mNumber(number)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Index::Index(const IndexType& value) : mComplex(value.clone())
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Index::Index(const std::string& text)
+{
+    detail::parseIndexNumbers(text, &mNumber, 1);
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Index::Index(const Index& other) : mNumber(other.mNumber), mComplex(other.mComplex ? other.mComplex->clone() : nullptr)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Index& Index::operator=(const Index& other) = default;
+
+Index& Index::operator=(unsigned int number)
+{
+    mComplex = Ref<IndexType>();
+    mNumber = number;
+    return *this;
+}
+
+Index::~Index()
+{
+    --_objectsAlive;
+}
+
+std::string Index::asString() const
+{
+    return mComplex ? mComplex->asString() : std::to_string(mNumber);
+}
+
+std::string Index::typeName() const
+{
+    return mComplex ? mComplex->typeName() : theTypeName();
+}
+
+std::string Index::theTypeName()
+{
+    return kNumericTypeName;
+}
+
+bool Index::supportsDenseMode() const
+{
+    return !mComplex || mComplex->supportsDenseMode();
+}
+
+unsigned int Index::denseSpaceBetween(const Index& other) const
+{
+    if (mComplex && other.mComplex)
+        return mComplex->denseSpaceBetween(*other.mComplex);
+    return mComplex || other.mComplex ? 0 : detail::placesBetween(mNumber, other.mNumber);
+}
+
+bool Index::operator==(const Index& other) const
+{
+    if (mComplex && other.mComplex)
+        return *mComplex == *other.mComplex;
+    return !mComplex && !other.mComplex && mNumber == other.mNumber;
+}
+
+bool Index::operator!=(const Index& other) const
+{
+    if (mComplex && other.mComplex)
+        return *mComplex != *other.mComplex;
+    return mComplex || other.mComplex || mNumber != other.mNumber;
+}
+
+bool Index::operator<(const Index& other) const
+{
+    if (mComplex)
+        return other.mComplex && *mComplex < *other.mComplex;
+    return other.mComplex || mNumber < other.mNumber;
+}
+
+bool Index::operator<=(const Index& other) const
+{
+    if (mComplex)
+        return other.mComplex && *mComplex <= *other.mComplex;
+    return other.mComplex || mNumber <= other.mNumber;
+}
+
+bool Index::operator>(const Index& other) const
+{
+    if (other.mComplex)
+        return mComplex && *mComplex > *other.mComplex;
+    return mComplex || mNumber > other.mNumber;
+}
+
+bool Index::operator>=(const Index& other) const
+{
+    if (other.mComplex)
+        return mComplex && *mComplex >= *other.mComplex;
+    return mComplex || mNumber >= other.mNumber;
+}
+
+std::map<std::string, Index::Creator>& Index::creators()
+{
+    static Creators* const creators = newCreators(); // never freed: static objects may still use it at exit
+    return *creators;
+}
+
+bool Index::registerType(const std::string& name, Creator creator)
+{
+    return creators().emplace(name, creator).second;
+}
+
+Index::Creator Index::creator(const std::string& name)
+{
+    const auto found = creators().find(name);
+    if (found == creators().end())
+        throw eUnknownIndexType;
+    return found->second;
+}
+
+Index Index::doCreate(const std::string& typeName, const std::string& text)
+{
+    return creator(typeName)(text);
+}
+
+Index Index::TypeCreator(const std::string& text)
+{
+    return Index(text);
+}
+
+bool Index::Debug(const Index* object, vumo::Debug::Print& request)
+{
+    if (object && !object->mComplex)
+        request << object->mNumber;
+    return true;
+}
+
+bool Index::Debug(const Index* object, vumo::Debug::Footprint& request)
+{
+    if (object)
+        request.addObject(object, sizeof(*object));
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "vumo/foundation/DebugFwd.h"
+#include "vumo/foundation/Export.h"
+#include "vumo/foundation/Ref.h"
+
+#include <map>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+class IndexType;
+
+/// The address of an element in a stream: a plain number, or a value of an index type such as "pair".
+///
+/// Indices are totally ordered, numbers first. The complex value is shared by assignment and copied by
+/// copy construction; it is never changed, so the two cannot be told apart.
+class VUMO_EXPORT Index
+{
+public:
+    /// Thrown, as they are, for texts that make no index.
+    enum eCreationErrors : int
+    {
+        eUnknownIndexType,  ///< no creator is registered under that name
+        eIllegalIndexText,  ///< a character that the type does not allow, or no readable number
+        eTrailingIndexText, ///< more than the type's numbers
+    };
+
+    using Creator = Index (*)(const std::string& text);
+
+    Index(unsigned int number);
+
+    /// Holds a copy of the value.
+    Index(const IndexType& value);
+
+    /// The number of that text: decimal digits, with blanks, tabs or carriage returns around them.
+    /// Throws `eCreationErrors`.
+    Index(const std::string& text);
+    Index(const Index& other);
+    Index& operator=(const Index& other);
+    Index& operator=(unsigned int number);
+    ~Index();
+
+    /// The number; 0 for a complex index.
+    unsigned int index() const { return mComplex ? 0 : mNumber; }
+    operator unsigned int() const { return index(); }
+
+    /// The complex value, which the index owns, or null.
+    operator IndexType*() { return mComplex.get(); }
+
+    std::string asString() const;
+
+    /// The name under which the creator of such an index is registered; "numeric" for a number.
+    std::string typeName() const;
+    static std::string theTypeName();
+
+    bool supportsDenseMode() const;
+
+    /// How many places lie from this index to the other, both included, in 32-bit arithmetic; 0 between
+    /// a number and a complex index.
+    unsigned int denseSpaceBetween(const Index& other) const;
+
+    bool operator==(const Index& other) const;
+    bool operator!=(const Index& other) const;
+    bool operator<(const Index& other) const;
+    bool operator<=(const Index& other) const;
+    bool operator>(const Index& other) const;
+    bool operator>=(const Index& other) const;
+
+    /// The registry of index types, by name. Registrations only ever add.
+    static std::map<std::string, Creator>& creators();
+
+    /// False, with nothing changed, when the name is taken.
+    static bool registerType(const std::string& name, Creator creator);
+
+    /// Throws `eUnknownIndexType`.
+    static Creator creator(const std::string& name);
+
+    /// The index of that type and text. Throws `eCreationErrors`.
+    static Index doCreate(const std::string& typeName, const std::string& text);
+
+    /// The creator of "numeric".
+    static Index TypeCreator(const std::string& text);
+
+    static bool Debug(const Index* object, vumo::Debug::Print& request);
+    static bool Debug(const Index* object, vumo::Debug::Footprint& request);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+private:
+    unsigned int mNumber = 0;
+    Ref<IndexType> mComplex; // null: the index is a number
+};
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,131 @@
+#include "vumo/data/IndexString.h"
+
+#include "vumo/data/detail/IndexOrder.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+#include <functional>
+
+namespace vumo
+{
+namespace Data
+{
+unsigned long long IndexString::_objectsCreated = 0;
+unsigned long long IndexString::_objectsAlive = 0;
+
+IndexString::IndexString() : IndexString(std::string()) {}
+
+IndexString::IndexString(const std::string& text) : mText(text)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+IndexString::IndexString(const IndexString& other) : IndexString(other.mText) {}
+
+IndexString& IndexString::operator=(const IndexString& other) = default;
+
+IndexString& IndexString::operator=(const std::string& text)
+{
+    mText = text;
+    return *this;
+}
+
+IndexString::~IndexString()
+{
+    --_objectsAlive;
+}
+
+std::string IndexString::asString() const
+{
+    return mText;
+}
+
+bool IndexString::supportsDenseMode() const
+{
+    return false;
+}
+
+unsigned int IndexString::denseSpaceBetween(const IndexType&) const
+{
+    return 0;
+}
+
+bool IndexString::operator==(const IndexType& other) const
+{
+    return detail::compareIndexTypes(*this, other, std::equal_to<>(), false, false);
+}
+
+bool IndexString::operator!=(const IndexType& other) const
+{
+    return detail::compareIndexTypes(*this, other, std::not_equal_to<>(), true, true);
+}
+
+bool IndexString::operator<(const IndexType& other) const
+{
+    return detail::compareIndexTypes(*this, other, std::less<>(), true, false);
+}
+
+bool IndexString::operator<=(const IndexType& other) const
+{
+    return detail::compareIndexTypes(*this, other, std::less_equal<>(), true, false);
+}
+
+bool IndexString::operator>(const IndexType& other) const
+{
+    return detail::compareIndexTypes(*this, other, std::greater<>(), false, true);
+}
+
+bool IndexString::operator>=(const IndexType& other) const
+{
+    return detail::compareIndexTypes(*this, other, std::greater_equal<>(), false, true);
+}
+
+bool IndexString::operator==(const IndexString& other) const
+{
+    return mText == other.mText;
+}
+
+bool IndexString::operator!=(const IndexString& other) const
+{
+    return mText != other.mText;
+}
+
+bool IndexString::operator<(const IndexString& other) const
+{
+    return mText < other.mText;
+}
+
+bool IndexString::operator<=(const IndexString& other) const
+{
+    return mText <= other.mText;
+}
+
+bool IndexString::operator>(const IndexString& other) const
+{
+    return mText > other.mText;
+}
+
+bool IndexString::operator>=(const IndexString& other) const
+{
+    return mText >= other.mText;
+}
+
+bool IndexString::Debug(const IndexString* object, vumo::Debug::Print& request)
+{
+    if (object)
+        request << object->mText.c_str();
+    return true;
+}
+
+bool IndexString::Debug(const IndexString* object, vumo::Debug::Footprint& request)
+{
+    if (object)
+    {
+        request.addObject(object, sizeof(*object));
+        request.addMember(object->mText.data(), object->mText.size() + 1);
+    }
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "vumo/data/Handle.h"
+#include "vumo/data/Index.h"
+#include "vumo/data/StreamImpl.h"
+#include "vumo/data/StreamIterator.h"
+#include "vumo/data/Structure.h"
+#include "vumo/foundation/DebugFwd.h"
+#include "vumo/foundation/Export.h"
+#include "vumo/foundation/Ref.h"
+
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// A named, indexed list of elements that all follow one structure.
+///
+/// A Stream is a cheap front: copies share the elements, and a change made through one is seen by all.
+/// Nothing copies on its own when modified; call makeUnique() before changing a stream that may be shared.
+///
+/// Starts in mapped storage, an ordered map that suits sparse numbers and complex indices;
+/// useDenseStorage(true) moves the elements to one contiguous block. Structure and index type can change
+/// only while there are no elements.
+class VUMO_EXPORT Stream
+{
+public:
+    /// Named "Stream", with a new, empty structure of its own.
+    Stream();
+
+    /// References the structure, copies the name.
+    Stream(const Structure& structure, const std::string& name);
+    Stream(const Stream& other);
+    Stream& operator=(const Stream& other);
+    ~Stream();
+
+    /// Gives this stream elements of its own when it shares them. Returns whether it had to copy.
+    bool makeUnique();
+
+    unsigned int elementCount() const;
+
+    /// Stores a copy of the handle's element, creating or replacing the one at that index. False, with
+    /// nothing changed, when the handle is not on this stream's very structure() or has no data.
+    bool setElement(Index index, const Handle& handle);
+
+    /// Borrows the stored element, to be read and written; a handle without data when there is none. Valid
+    /// until the element is removed or replaced or, in dense storage, until the stream grows.
+    Handle element(Index index) const;
+    bool hasElement(Index index) const;
+
+    /// True also when there was none. Dense storage resets the element to default values instead.
+    bool removeElement(Index index);
+
+    /// Moves the element, replacing the one at `to`. False when there is none at `from`.
+    bool reindexElement(Index from, Index to);
+    bool swapElements(Index a, Index b);
+
+    /// Mapped storage notes the range; dense storage takes its length as the new size of the stream.
+    bool setElementRange(Index first, Index last);
+    bool clear();
+
+    StreamIterator begin() const;
+    StreamIterator end() const;
+    StreamIterator cbegin() const { return begin(); }
+    StreamIterator cend() const { return end(); }
+
+    const std::string& name() const;
+
+    /// Referenced by the stream.
+    const Structure& structure() const;
+
+    /// False, with nothing changed, when there are elements.
+    bool setStructure(const Structure& structure);
+
+    /// The name of the type of the stream's indices, "numeric" for plain numbers.
+    const std::string& indexType() const;
+
+    /// False, with nothing changed, when there are elements and the name is another. A stream whose index
+    /// type changes is in mapped storage afterwards. Throws `Index::eUnknownIndexType`.
+    bool setIndexType(const std::string& typeName);
+
+    /// Moves the elements to dense storage, or back to mapped storage. True when nothing had to be done or
+    /// the stream was empty; false when elements were moved, although they were.
+    ///
+    /// Only structure, name and elements travel: the index type becomes "numeric" and the use-defaults flag
+    /// false. BEWARE: dense storage reads every complex index as 0, so of the elements at complex indices
+    /// only the last one survives the move.
+    bool useDenseStorage(bool useDense);
+
+    /// Returns the flag before. It travels with copies of the stream; nothing in the library consults it.
+    bool setUseDefaults(bool useDefaults);
+    bool useDefaults() const;
+
+    /// Takes over the other stream's elements at the numbers from 0 up to its elementCount(), replacing
+    /// those that are here; its elements at other numbers or at complex indices are left out. False when
+    /// one could not be set; the merge ends there.
+    bool mergeStream(const Stream& other);
+
+    static bool Debug(const Stream* object, vumo::Debug::Print& request);
+    static bool Debug(const Stream* object, vumo::Debug::Footprint& request);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+private:
+    friend class ChannelImpl; // renames the streams that it holds
+
+    Ref<StreamImpl> mImpl; // never null
+};
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,128 @@
+#include "vumo/data/StreamImpl.h"
+
+#include "vumo/data/detail/Renames.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+namespace vumo
+{
+namespace Data
+{
+unsigned long long StreamImpl::_objectsCreated = 0;
+unsigned long long StreamImpl::_objectsAlive = 0;
+
+StreamImpl::StreamImpl() : StreamImpl(*Structure::create(), "Stream") {}
+
+StreamImpl::StreamImpl(const Structure& structure, const std::string& name)
+    : mStructure(&structure),
+      mName(name),
+      mIndexType(Index::theTypeName())
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImpl::StreamImpl(const StreamImpl& other)
+    : RefCounted(other),
+      CRTP_Debug<StreamImpl, vumo::Debug::Print>(other),
+      CRTP_Debug<StreamImpl, vumo::Debug::Footprint>(other),
+      mStructure(other.mStructure),
+      mName(other.mName),
+      mIndexType(other.mIndexType),
+      mUseDefaults(other.mUseDefaults)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImpl& StreamImpl::operator=(const StreamImpl& other)
+{
+    mStructure = other.mStructure;
+    setName(other.mName);
+    mIndexType = other.mIndexType;
+    mUseDefaults = other.mUseDefaults;
+    return *this;
+}
+
+StreamImpl::~StreamImpl()
+{
+    --_objectsAlive;
+}
+
+bool StreamImpl::mergeStream(const StreamImpl& other)
+{
+    auto& source = const_cast<StreamImpl&>(other); // its handles can be written through; these are not
+    const unsigned int count = other.elementCount();
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        const Handle handle = source.element(Index(i));
+        if (handle.hasData() && !setElement(Index(i), handle))
+            return false;
+    }
+    return true;
+}
+
+bool StreamImpl::setUseDefaults(bool useDefaults)
+{
+    const bool before = mUseDefaults;
+    mUseDefaults = useDefaults;
+    return before;
+}
+
+bool StreamImpl::useDefaults() const
+{
+    return mUseDefaults;
+}
+
+bool StreamImpl::setStructure(const Structure& structure)
+{
+    if (elementCount() > 0)
+        return false;
+    mStructure = Ref<const Structure>(&structure);
+    return true;
+}
+
+void StreamImpl::setName(const std::string& name)
+{
+    mName = name;
+    detail::countRename();
+}
+
+bool StreamImpl::setIndexType(const std::string& typeName)
+{
+    Index::creator(typeName);
+    if (elementCount() > 0)
+        return false;
+    clear();
+    mIndexType = typeName;
+    return true;
+}
+
+bool StreamImpl::copyElementFromHandle(void* dest, const Handle& handle) const
+{
+    if (structure().totalSize() == 0)
+        return true;
+    if (!dest || !handle.hasData())
+        return false;
+    structure().fillWithDuplicateChunk(static_cast<char*>(dest), handle.data());
+    return true;
+}
+
+bool StreamImpl::Debug(const StreamImpl* object, vumo::Debug::Print& request)
+{
+    if (object)
+    {
+        request << "Data Stream '" << object->mName << "' uses structure '" << object->structure().name()
+                << "' with index type '" << object->mIndexType << "'\n";
+    }
+    return true;
+}
+
+bool StreamImpl::Debug(const StreamImpl* object, vumo::Debug::Footprint& request)
+{
+    if (object)
+        request.addObject(object, sizeof(*object));
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,353 @@
+#include "vumo/data/StreamImplDense.h"
+
+#include "vumo/data/StreamDenseIteratorImpl.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+constexpr unsigned int kPageSize = 4096;
+constexpr unsigned int kNoSlot = StreamIteratorImpl::kEndIndex; // can be an index, but not be counted
+
+/// Three halves of `n`, or a number that no index exceeds where tripling `n` would wrap.
+unsigned long long threeHalves(unsigned int n)
+{
+    const unsigned long long tripled = 3ULL * n;
+    return tripled > std::numeric_limits<unsigned int>::max() ? 0 : tripled / 2;
+}
+
+/// The number of slots to grow to so that `i` fits, by half of what there is or from one page; 0 where
+/// 32 bits do not hold it.
+unsigned long long grownSize(unsigned int allocated, unsigned long long elementSize, unsigned int i)
+{
+    unsigned long long size = 0;
+    if (allocated >= 2)
+        size = threeHalves(allocated);
+    else if (elementSize <= kPageSize)
+        size = kPageSize / elementSize;
+    return size > i ? size : threeHalves(i);
+}
+} // namespace
+
+unsigned long long StreamImplDense::_objectsCreated = 0;
+unsigned long long StreamImplDense::_objectsAlive = 0;
+
+StreamImplDense::StreamImplDense()
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplDense::StreamImplDense(const Structure& structure, const std::string& name) : StreamImpl(structure, name)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplDense::StreamImplDense(const StreamImpl& other) : StreamImpl(other)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplDense::StreamImplDense(const StreamImplDense& other) : StreamImpl(other)
+{
+    copyBlock(other);
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplDense& StreamImplDense::operator=(const StreamImplDense& other)
+{
+    if (this == &other)
+        return *this;
+    StreamImplDense copy(other);
+    StreamImpl::operator=(other);
+    swapBlock(copy);
+    return *this;
+}
+
+StreamImplDense::~StreamImplDense()
+{
+    releaseBlock();
+    --_objectsAlive;
+}
+
+StreamImpl* StreamImplDense::clone() const
+{
+    return new StreamImplDense(*this);
+}
+
+StreamIteratorImpl* StreamImplDense::begin()
+{
+    return cbegin();
+}
+
+StreamIteratorImpl* StreamImplDense::end()
+{
+    return cend();
+}
+
+StreamIteratorImpl* StreamImplDense::cbegin() const
+{
+    return new StreamDenseIteratorImpl(*this, kIterBegin);
+}
+
+StreamIteratorImpl* StreamImplDense::cend() const
+{
+    return new StreamDenseIteratorImpl(*this, kIterEnd);
+}
+
+unsigned int StreamImplDense::elementCount() const
+{
+    return mCount;
+}
+
+bool StreamImplDense::setElement(Index index, const Handle& handle)
+{
+    const unsigned int i = index.index();
+    if (!handle.usesStructure(structure()) || i == kNoSlot)
+        return false;
+    if (slot(i))
+        return storeElement(i, handle);
+    Handle kept(handle);
+    kept.makeUnique(); // growing may move the element that the handle borrows
+    ensureSpaceForElement(index);
+    return storeElement(i, kept);
+}
+
+bool StreamImplDense::storeElement(unsigned int i, const Handle& handle)
+{
+    char* const dest = slot(i);
+    const bool isItself = dest && dest == handle.data();
+    if (dest && handle.hasData() && !isItself)
+        structure().destroyChunk(dest);
+    if (!isItself && !copyElementFromHandle(dest, handle))
+        return false;
+    mCount = std::max(mCount, i + 1);
+    return true;
+}
+
+Handle StreamImplDense::element(Index index)
+{
+    return Handle(structure(), hasElement(index) ? slot(index.index()) : nullptr);
+}
+
+bool StreamImplDense::hasElement(Index index) const
+{
+    return index.index() < mCount;
+}
+
+bool StreamImplDense::reindexElement(Index from, Index to)
+{
+    const unsigned int source = from.index();
+    const unsigned int target = to.index();
+    if (source >= mCount || target == kNoSlot)
+        return false;
+    if (source != target)
+    {
+        ensureSpaceForElement(to);
+        if (!storeElement(target, Handle(structure(), slot(source))))
+            return false;
+    }
+    return resetElement(source);
+}
+
+bool StreamImplDense::swapElements(Index a, Index b)
+{
+    if (!hasElement(a) || !hasElement(b))
+        return false;
+    const unsigned long long size = structure().totalSize();
+    char* const first = slot(a.index());
+    char* const second = slot(b.index());
+    if (size == 0)
+        return true;
+    if (!first || !second)
+        return false;
+    if (first != second)
+        std::swap_ranges(first, first + size, second);
+    return true;
+}
+
+bool StreamImplDense::removeElement(Index index)
+{
+    return !hasElement(index) || resetElement(index.index());
+}
+
+bool StreamImplDense::resetElement(unsigned int i)
+{
+    if (structure().totalSize() == 0)
+        return true;
+    char* const element = slot(i);
+    if (!element)
+        return false;
+    structure().destroyChunk(element);
+    structure().fillWithDefaultChunk(element);
+    return true;
+}
+
+bool StreamImplDense::setElementRange(Index first, Index last)
+{
+    const unsigned int n = last.index() - first.index() + 1;
+    if (n == 0)
+        return false;
+    if (mCount == n)
+        return true;
+    if (mCount < n)
+    {
+        const bool fits = ensureSpaceForElement(Index(n));
+        if (structure().totalSize() > 0 && !slot(n - 1))
+            return false;
+        mCount = n;
+        return fits;
+    }
+    for (unsigned int i = n; i < mCount; ++i)
+        resetElement(i);
+    mCount = n - 1; // the element there keeps its data, but counts no more
+    return true;
+}
+
+bool StreamImplDense::clear()
+{
+    releaseBlock();
+    return true;
+}
+
+Index StreamImplDense::indexOfPhysicalElement(unsigned int slot) const
+{
+    return Index(slot < mCount ? slot : kNoSlot);
+}
+
+unsigned int StreamImplDense::physicalElementCount() const
+{
+    return hasStaleBlock() ? 0 : mAllocated;
+}
+
+char* StreamImplDense::elementAddr(Index index) const
+{
+    return slot(index.index());
+}
+
+bool StreamImplDense::ensureSpaceForElement(Index index)
+{
+    const unsigned int i = index.index();
+    if (hasStaleBlock())
+    {
+        releaseBlock();
+        mAllocated = 0;
+    }
+    if (i < mAllocated)
+        return mData != nullptr;
+    if (structure().totalSize() == 0)
+        return true;
+    return reallocate(grownSize(mAllocated, structure().totalSize(), i)) && mAllocated > i;
+}
+
+bool StreamImplDense::reallocate(unsigned long long slots)
+{
+    const unsigned long long size = structure().totalSize();
+    const unsigned long long mostSlots = std::numeric_limits<std::size_t>::max() / size;
+    if (slots == 0 || slots < mAllocated || slots > mostSlots)
+        return false;
+    char* const data = static_cast<char*>(std::realloc(mData, slots * size));
+    if (!data)
+        return false;
+    const unsigned long long filled = mData ? mAllocated : 0;
+    mData = data;
+    mAllocated = static_cast<unsigned int>(slots);
+    mBlockStructure = Ref<const Structure>(&structure());
+    for (unsigned long long i = filled; i < slots; ++i)
+        structure().fillWithDefaultChunk(mData + i * size);
+    return true;
+}
+
+/// The structure may have been exchanged while there were no elements, but slots for them.
+bool StreamImplDense::hasStaleBlock() const
+{
+    return mData && mBlockStructure.get() != &structure();
+}
+
+char* StreamImplDense::slot(unsigned int i) const
+{
+    return mData && i < physicalElementCount() ? mData + structure().totalSize() * i : nullptr;
+}
+
+void StreamImplDense::copyBlock(const StreamImplDense& other)
+{
+    mCount = other.mCount;
+    mAllocated = other.physicalElementCount();
+    if (!other.mData || other.hasStaleBlock())
+        return;
+    const unsigned long long size = structure().totalSize();
+    mData = static_cast<char*>(std::malloc(size * mAllocated));
+    if (!mData)
+        throw std::bad_alloc();
+    mBlockStructure = other.mBlockStructure;
+    for (unsigned int i = 0; i < mAllocated; ++i)
+        structure().fillWithDuplicateChunk(slot(i), other.slot(i));
+}
+
+void StreamImplDense::swapBlock(StreamImplDense& other)
+{
+    std::swap(mCount, other.mCount);
+    std::swap(mAllocated, other.mAllocated);
+    std::swap(mData, other.mData);
+    mBlockStructure.swap(other.mBlockStructure);
+}
+
+void StreamImplDense::releaseBlock()
+{
+    if (!mData)
+        return;
+    const unsigned long long size = mBlockStructure->totalSize();
+    for (unsigned int i = 0; i < mAllocated; ++i)
+        mBlockStructure->destroyChunk(mData + i * size);
+    std::free(mData);
+    mData = nullptr;
+    mBlockStructure = Ref<const Structure>();
+}
+
+bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Print& request)
+{
+    if (!object)
+        return true;
+    request.beginSection("Data Stream");
+    request << "Highest valid index = " << object->mCount << "\n";
+    request << "Number allocated    = " << object->physicalElementCount() << "\n";
+    request.beginSection("Stream Elements");
+    for (unsigned int i = 0; i < object->mCount; ++i)
+    {
+        const Handle element(object->structure(), object->slot(i));
+        request << "Index (" << i << "), Handle (";
+        request.skipNextIndent(true);
+        Handle::Debug(&element, request);
+        request.skipNextIndent(true);
+        request << ")\n";
+    }
+    request.endSection();
+    request.endSection();
+    return true;
+}
+
+bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Footprint& request)
+{
+    if (!object)
+        return true;
+    request.addObject(object, sizeof(*object));
+    if (object->mData)
+        request.addMember(object->mData, object->mAllocated * object->mBlockStructure->totalSize());
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "vumo/data/StreamImpl.h"
+
+namespace vumo
+{
+namespace Data
+{
+/// A storage for numeric indices from 0 upward with few gaps: all elements in one contiguous block.
+///
+/// Every element below the count exists; those that were never set, or were removed, hold default values.
+/// A complex index is read as its number, 0. After clear() the count stays and there is no block: handles
+/// then have no data.
+class VUMO_EXPORT StreamImplDense : public StreamImpl,
+                                    public vumo::Debug::CRTP_Debug<StreamImplDense, vumo::Debug::Print>,
+                                    public vumo::Debug::CRTP_Debug<StreamImplDense, vumo::Debug::Footprint>
+{
+public:
+    StreamImplDense();
+    StreamImplDense(const Structure& structure, const std::string& name);
+
+    /// Takes structure, name, index type and flag of any storage, but no elements.
+    explicit StreamImplDense(const StreamImpl& other);
+
+    /// Copies the elements, too.
+    StreamImplDense(const StreamImplDense& other);
+    StreamImplDense& operator=(const StreamImplDense& other);
+    ~StreamImplDense() override;
+
+    StreamImpl* clone() const override;
+    StreamIteratorImpl* begin() override;
+    StreamIteratorImpl* end() override;
+    StreamIteratorImpl* cbegin() const override;
+    StreamIteratorImpl* cend() const override;
+
+    /// One more than the highest index in use.
+    unsigned int elementCount() const override;
+    bool setElement(Index index, const Handle& handle) override;
+    Handle element(Index index) override;
+    bool hasElement(Index index) const override;
+
+    /// Copies the element and leaves default values behind, also when both are the same.
+    bool reindexElement(Index from, Index to) override;
+
+    /// False when either element is missing.
+    bool swapElements(Index a, Index b) override;
+
+    /// Resets the element to its default values; it goes on to exist. True also when there was none.
+    bool removeElement(Index index) override;
+
+    /// Sets the size of the stream to n = last - first + 1 elements: growing leaves it at n, shrinking at
+    /// n - 1. False, with nothing changed, for n = 0 and where the block does not come to cover n.
+    bool setElementRange(Index first, Index last) override;
+
+    /// Releases the block with all elements; count and allocated number keep their values.
+    bool clear() override;
+
+    /// The index of a slot in use; 4294967295 for any other.
+    virtual Index indexOfPhysicalElement(unsigned int slot) const;
+
+    /// The number of slots allocated.
+    virtual unsigned int physicalElementCount() const;
+
+    /// The start of an element's data block or null; borrowed until the storage grows.
+    virtual char* elementAddr(Index index) const;
+
+    /// Grows the block by half, or more if the index asks for it, and fills the new slots with default
+    /// values. False when the index does not fit afterwards; nothing has changed then, except that a
+    /// growth that falls short of the index (it can, for elements of 4096 bytes and more) is kept.
+    virtual bool ensureSpaceForElement(Index index);
+
+    static bool Debug(const StreamImplDense* object, vumo::Debug::Print& request);
+    static bool Debug(const StreamImplDense* object, vumo::Debug::Footprint& request);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+    /// The storage's own description, whatever the type by which it is known.
+    bool debug(vumo::Debug::Print& request) const override { return Debug(this, request); }
+    bool debug(vumo::Debug::Footprint& request) const override { return Debug(this, request); }
+
+private:
+    bool hasStaleBlock() const;
+    char* slot(unsigned int i) const;
+    bool reallocate(unsigned long long slots);
+    bool resetElement(unsigned int i);
+    bool storeElement(unsigned int i, const Handle& handle);
+    void copyBlock(const StreamImplDense& other);
+    void swapBlock(StreamImplDense& other);
+    void releaseBlock();
+
+    unsigned int mCount = 0;
+    unsigned int mAllocated = 0;
+    char* mData = nullptr;                // from realloc
+    Ref<const Structure> mBlockStructure; // the layout by which the block was made, while there is one
+};
+} // namespace Data
+} // namespace vumo

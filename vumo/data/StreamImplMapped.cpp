@@ -1,0 +1,209 @@
+#include "vumo/data/StreamImplMapped.h"
+
+#include "vumo/data/StreamMappedIteratorImpl.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+#include <utility>
+
+namespace vumo
+{
+namespace Data
+{
+unsigned long long StreamImplMapped::_objectsCreated = 0;
+unsigned long long StreamImplMapped::_objectsAlive = 0;
+
+StreamImplMapped::StreamImplMapped() : mStructureHandle(structure(), nullptr)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplMapped::StreamImplMapped(const Structure& structure, const std::string& name)
+    : StreamImpl(structure, name),
+      mStructureHandle(structure, nullptr)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplMapped::StreamImplMapped(const StreamImpl& other) : StreamImpl(other), mStructureHandle(structure(), nullptr)
+{
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
+    : StreamImpl(other),
+      mElements(other.mElements),
+      mStructureHandle(structure(), nullptr),
+      mLowestValidIndex(other.mLowestValidIndex),
+      mHighestValidIndex(other.mHighestValidIndex)
+{
+    for (auto& entry : mElements)
+        entry.second.makeUnique();
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+StreamImplMapped& StreamImplMapped::operator=(const StreamImplMapped& other)
+{
+    if (this == &other)
+        return *this;
+    std::map<Index, Handle> elements(other.mElements);
+    for (auto& entry : elements)
+        entry.second.makeUnique();
+    StreamImpl::operator=(other);
+    mElements.swap(elements);
+    mLowestValidIndex = other.mLowestValidIndex;
+    mHighestValidIndex = other.mHighestValidIndex;
+    return *this;
+}
+
+StreamImplMapped::~StreamImplMapped()
+{
+    --_objectsAlive;
+}
+
+StreamImpl* StreamImplMapped::clone() const
+{
+    return new StreamImplMapped(*this);
+}
+
+StreamIteratorImpl* StreamImplMapped::begin()
+{
+    return cbegin();
+}
+
+StreamIteratorImpl* StreamImplMapped::end()
+{
+    return cend();
+}
+
+StreamIteratorImpl* StreamImplMapped::cbegin() const
+{
+    return new StreamMappedIteratorImpl(*this, kIterBegin);
+}
+
+StreamIteratorImpl* StreamImplMapped::cend() const
+{
+    return new StreamMappedIteratorImpl(*this, kIterEnd);
+}
+
+unsigned int StreamImplMapped::elementCount() const
+{
+    return static_cast<unsigned int>(mElements.size());
+}
+
+bool StreamImplMapped::setElement(Index index, const Handle& handle)
+{
+    if (!handle.usesStructure(structure()) || (!handle.hasData() && structure().totalSize() > 0))
+        return false;
+    Handle stored(handle); // copied before the element it may borrow from is released
+    stored.makeUnique();
+    slot(index).swap(stored);
+    return true;
+}
+
+Handle StreamImplMapped::element(Index index)
+{
+    const auto found = mElements.find(index);
+    return found == mElements.end() ? Handle(structure(), nullptr) : found->second;
+}
+
+bool StreamImplMapped::hasElement(Index index) const
+{
+    return mElements.count(index) > 0;
+}
+
+bool StreamImplMapped::reindexElement(Index from, Index to)
+{
+    const auto source = mElements.find(from);
+    if (source == mElements.end())
+        return false;
+    if (from == to)
+        return true;
+    slot(to).swap(source->second);
+    mElements.erase(source);
+    return true;
+}
+
+bool StreamImplMapped::swapElements(Index a, Index b)
+{
+    const auto first = mElements.find(a);
+    const auto second = mElements.find(b);
+    if (first == mElements.end() || second == mElements.end())
+        return false;
+    if (first != second)
+        first->second.swap(second->second);
+    return true;
+}
+
+bool StreamImplMapped::removeElement(Index index)
+{
+    mElements.erase(index);
+    return true;
+}
+
+bool StreamImplMapped::setElementRange(Index first, Index last)
+{
+    mLowestValidIndex = first;
+    mHighestValidIndex = last;
+    return true;
+}
+
+bool StreamImplMapped::clear()
+{
+    mElements.clear();
+    return true;
+}
+
+Handle& StreamImplMapped::slot(const Index& index)
+{
+    return mElements.try_emplace(index, structure(), nullptr).first->second;
+}
+
+Handle& StreamImplMapped::structureHandle()
+{
+    if (!mStructureHandle.usesStructure(structure()))
+        mStructureHandle = Handle(structure(), nullptr);
+    return mStructureHandle;
+}
+
+bool StreamImplMapped::Debug(const StreamImplMapped* object, vumo::Debug::Print& request)
+{
+    if (!object)
+        return true;
+    request.beginSection("Data Stream (Mapped)");
+    request << "PTR: " << static_cast<const void*>(object) << "\n";
+    request << "Lowest valid index = " << object->mLowestValidIndex.asString() << "\n";
+    request << "Highest valid index = " << object->mHighestValidIndex.asString() << "\n";
+    request.beginSection("Stream Elements");
+    request << "Element count = " << object->elementCount() << "\n";
+    for (const auto& entry : object->mElements)
+    {
+        request << "Index (" << entry.first.asString() << "), Handle (";
+        request.skipNextIndent(true);
+        Handle::Debug(&entry.second, request);
+        request.skipNextIndent(true);
+        request << ")\n";
+    }
+    request.endSection();
+    request.endSection();
+    return true;
+}
+
+bool StreamImplMapped::Debug(const StreamImplMapped* object, vumo::Debug::Footprint& request)
+{
+    if (!object)
+        return true;
+    request.addObject(object, sizeof(*object));
+    for (const auto& entry : object->mElements)
+    {
+        Index::Debug(&entry.first, request);
+        Handle::Debug(&entry.second, request);
+    }
+    return true;
+}
+} // namespace Data
+} // namespace vumo

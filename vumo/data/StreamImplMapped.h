@@ -1,0 +1,78 @@
+#pragma once
+
+#include "vumo/data/StreamImpl.h"
+
+#include <map>
+
+namespace vumo
+{
+namespace Data
+{
+/// The storage that every stream starts with: an ordered map from index to element.
+///
+/// Suits sparse numbers, and is the only one for complex indices. Each entry owns its element's block.
+class VUMO_EXPORT StreamImplMapped : public StreamImpl,
+                                     public vumo::Debug::CRTP_Debug<StreamImplMapped, vumo::Debug::Print>,
+                                     public vumo::Debug::CRTP_Debug<StreamImplMapped, vumo::Debug::Footprint>
+{
+public:
+    StreamImplMapped();
+    StreamImplMapped(const Structure& structure, const std::string& name);
+
+    /// Takes structure, name, index type and flag of any storage, but no elements.
+    explicit StreamImplMapped(const StreamImpl& other);
+
+    /// Copies the elements, too.
+    StreamImplMapped(const StreamImplMapped& other);
+    StreamImplMapped& operator=(const StreamImplMapped& other);
+    ~StreamImplMapped() override;
+
+    StreamImpl* clone() const override;
+    StreamIteratorImpl* begin() override;
+    StreamIteratorImpl* end() override;
+    StreamIteratorImpl* cbegin() const override;
+    StreamIteratorImpl* cend() const override;
+    unsigned int elementCount() const override;
+    bool setElement(Index index, const Handle& handle) override;
+    Handle element(Index index) override;
+    bool hasElement(Index index) const override;
+
+    /// False when there is no element at `from`; replaces the one at `to`.
+    bool reindexElement(Index from, Index to) override;
+
+    /// False when either element is missing.
+    bool swapElements(Index a, Index b) override;
+
+    /// True also when there was none.
+    bool removeElement(Index index) override;
+
+    /// Only notes the range, for the debug output; elements are neither touched nor limited by it.
+    bool setElementRange(Index first, Index last) override;
+    bool clear() override;
+
+    static bool Debug(const StreamImplMapped* object, vumo::Debug::Print& request);
+    static bool Debug(const StreamImplMapped* object, vumo::Debug::Footprint& request);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+    /// The storage's own description, whatever the type by which it is known.
+    bool debug(vumo::Debug::Print& request) const override { return Debug(this, request); }
+    bool debug(vumo::Debug::Footprint& request) const override { return Debug(this, request); }
+
+private:
+    friend class StreamMappedIteratorImpl;
+
+    /// The entry of that index, made without data if there was none.
+    Handle& slot(const Index& index);
+
+    /// A handle on the present structure, without data.
+    Handle& structureHandle();
+
+    std::map<Index, Handle> mElements; // each handle owns its block
+    Handle mStructureHandle;
+    Index mLowestValidIndex = 0U;
+    Index mHighestValidIndex = 0U;
+};
+} // namespace Data
+} // namespace vumo

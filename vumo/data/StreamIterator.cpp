@@ -1,0 +1,96 @@
+#include "vumo/data/StreamIterator.h"
+
+#include <stdexcept>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+constexpr char kNoImpl[] = "No Stream Iterator implementation";
+constexpr char kNoConstImpl[] = "No const Stream Iterator implementation";
+} // namespace
+
+StreamIterator::StreamIterator() = default;
+
+StreamIterator::StreamIterator(StreamIteratorImpl* impl) : mImpl(impl) {}
+
+StreamIterator::StreamIterator(const StreamIterator& other) : mImpl(other.mImpl ? other.mImpl->clone() : nullptr) {}
+
+StreamIterator& StreamIterator::operator=(const StreamIterator& other)
+{
+    mImpl.reset(other.mImpl ? other.mImpl->clone() : nullptr);
+    return *this;
+}
+
+StreamIterator::~StreamIterator() = default;
+
+StreamIteratorImpl* StreamIterator::impl()
+{
+    if (!mImpl)
+        throw std::runtime_error(kNoImpl);
+    return mImpl.get();
+}
+
+const StreamIteratorImpl* StreamIterator::impl() const
+{
+    if (!mImpl)
+        throw std::runtime_error(kNoImpl);
+    return mImpl.get();
+}
+
+const StreamIteratorImpl& StreamIterator::constImpl() const
+{
+    if (!mImpl)
+        throw std::runtime_error(kNoConstImpl);
+    return *mImpl;
+}
+
+Handle& StreamIterator::operator*()
+{
+    return **impl();
+}
+
+const Handle& StreamIterator::operator*() const
+{
+    return *constImpl();
+}
+
+Handle* StreamIterator::operator->()
+{
+    return &**this;
+}
+
+const Handle* StreamIterator::operator->() const
+{
+    return &**this;
+}
+
+Index StreamIterator::index() const
+{
+    return constImpl().index();
+}
+
+StreamIterator& StreamIterator::operator++()
+{
+    ++*impl();
+    return *this;
+}
+
+StreamIterator StreamIterator::operator++(int)
+{
+    return StreamIterator((*impl())++);
+}
+
+bool StreamIterator::valid() const
+{
+    return mImpl && mImpl->valid();
+}
+
+bool StreamIterator::operator==(const StreamIterator& other) const
+{
+    return mImpl && other.mImpl && *mImpl == *other.mImpl;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "vumo/data/Handle.h"
+#include "vumo/data/StreamIteratorImpl.h"
+#include "vumo/foundation/Export.h"
+
+#include <memory>
+
+namespace vumo
+{
+namespace Data
+{
+/// Walks the elements of a stream in index order, whatever its storage.
+///
+/// A default-constructed iterator walks nothing: it is not valid, equals no iterator, itself included, and
+/// throws `std::runtime_error` when used. Must not outlive the stream's implementation.
+class VUMO_EXPORT StreamIterator
+{
+public:
+    StreamIterator();
+
+    /// Takes ownership.
+    explicit StreamIterator(StreamIteratorImpl* impl);
+    StreamIterator(const StreamIterator& other);
+    StreamIterator& operator=(const StreamIterator& other);
+    ~StreamIterator();
+
+    /// The handle on the current element; valid until the iterator moves. Throws `std::out_of_range`
+    /// where there is none.
+    Handle& operator*();
+    const Handle& operator*() const;
+    Handle* operator->();
+    const Handle* operator->() const;
+
+    Index index() const;
+
+    StreamIterator& operator++();
+
+    /// Steps on and returns an iterator at the position before.
+    StreamIterator operator++(int);
+
+    bool valid() const;
+
+    /// Borrowed from the iterator. Throws `std::runtime_error` when there is none.
+    StreamIteratorImpl* impl();
+    const StreamIteratorImpl* impl() const;
+
+    bool operator==(const StreamIterator& other) const;
+    bool operator!=(const StreamIterator& other) const { return !(*this == other); }
+
+private:
+    const StreamIteratorImpl& constImpl() const;
+
+    std::unique_ptr<StreamIteratorImpl> mImpl;
+};
+} // namespace Data
+} // namespace vumo

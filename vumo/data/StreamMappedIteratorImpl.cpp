@@ -1,0 +1,55 @@
+#include "vumo/data/StreamMappedIteratorImpl.h"
+
+#include "vumo/data/StreamImplMapped.h"
+
+namespace vumo
+{
+namespace Data
+{
+// What a const storage gives out differs from the rest only in what its user may do with it.
+StreamMappedIteratorImpl::StreamMappedIteratorImpl(const StreamImplMapped& stream, IterLocation location)
+    : mStream(const_cast<StreamImplMapped*>(&stream)),
+      mPosition(location == kIterBegin ? mStream->mElements.begin() : mStream->mElements.end())
+{
+    mInvalid = mPosition == mStream->mElements.end();
+    mHandle = mInvalid ? nullptr : &mPosition->second;
+}
+
+StreamIteratorImpl& StreamMappedIteratorImpl::operator++()
+{
+    if (mInvalid)
+        return *this;
+    ++mPosition;
+    mInvalid = mPosition == mStream->mElements.end();
+    mHandle = mInvalid ? &mStream->structureHandle() : &mPosition->second;
+    return *this;
+}
+
+StreamIteratorImpl* StreamMappedIteratorImpl::operator++(int)
+{
+    StreamIteratorImpl* const before = clone();
+    ++*this;
+    return before;
+}
+
+bool StreamMappedIteratorImpl::valid() const
+{
+    return !mInvalid;
+}
+
+StreamIteratorImpl* StreamMappedIteratorImpl::clone() const
+{
+    return new StreamMappedIteratorImpl(*this);
+}
+
+Index StreamMappedIteratorImpl::index() const
+{
+    return mInvalid ? Index(kEndIndex) : mPosition->first;
+}
+
+const StreamImpl* StreamMappedIteratorImpl::myStream() const
+{
+    return mStream;
+}
+} // namespace Data
+} // namespace vumo

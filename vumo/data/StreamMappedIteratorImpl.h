@@ -1,0 +1,33 @@
+#pragma once
+
+#include "vumo/data/Handle.h"
+#include "vumo/data/IterLocation.h"
+#include "vumo/data/StreamIteratorImpl.h"
+
+#include <map>
+
+namespace vumo
+{
+namespace Data
+{
+class StreamImplMapped;
+
+/// Walks a mapped storage in index order. Removing the element at its position invalidates it.
+class VUMO_EXPORT StreamMappedIteratorImpl : public StreamIteratorImpl
+{
+public:
+    StreamMappedIteratorImpl(const StreamImplMapped& stream, IterLocation location);
+
+    StreamIteratorImpl& operator++() override;
+    StreamIteratorImpl* operator++(int) override;
+    bool valid() const override;
+    StreamIteratorImpl* clone() const override;
+    Index index() const override;
+    const StreamImpl* myStream() const override;
+
+private:
+    StreamImplMapped* mStream; // borrowed
+    std::map<Index, Handle>::iterator mPosition;
+};
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,447 @@
+#include "vumo/data/Structure.h"
+
+#include "vumo/data/detail/Text.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <utility>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+constexpr char kDefaultName[] = "structure";
+
+/// Marks a member without a place. No layout reaches it, unlike the 4294967295 of a missing member.
+constexpr unsigned long long kUnplaced = std::numeric_limits<unsigned long long>::max();
+
+unsigned long long roundUp(unsigned long long value, unsigned int alignment)
+{
+    return alignment > 1 ? (value + alignment - 1) / alignment * alignment : value;
+}
+
+std::string hexByte(char byte)
+{
+    char text[3];
+    std::snprintf(text, sizeof(text), "%02x", static_cast<unsigned int>(static_cast<unsigned char>(byte)));
+    return text;
+}
+
+/// One line of a hex dump: sixteen places, "--" for those at and after `size`.
+std::string hexLine(const char* data, unsigned long long begin, unsigned long long size)
+{
+    constexpr unsigned int kBytesPerLine = 16;
+    std::string line;
+    for (unsigned int i = 0; i < kBytesPerLine; ++i)
+    {
+        if (i > 0)
+            line += i == kBytesPerLine / 2 ? "   " : " ";
+        line += begin + i < size ? hexByte(data[begin + i]) : "--";
+    }
+    return line;
+}
+
+void printDefaultData(const char* data, unsigned long long size, vumo::Debug::Print& request)
+{
+    request.beginSection("Default Value Memory Block");
+    if (!data)
+        request << "No default values provided\n";
+    for (unsigned long long begin = 0; data && begin < size; begin += 16)
+        request << hexLine(data, begin, size).c_str() << "\n";
+    request.endSection();
+}
+
+void printDataTypes(vumo::Debug::Print& request)
+{
+    request.beginSection("Recognized Data Types");
+    for (unsigned int i = 0; i < Member::kInvalidType; ++i)
+    {
+        const auto type = static_cast<Member::eDataType>(i);
+        request << "[" << i << "] = " << Member::typeName(type) << ", size = " << Member::typeSize(type)
+                << "bytes, alignment = " << Member::typeAlignment(type) << "bytes\n";
+    }
+    request << "[" << Member::kInvalidType << "] = " << Member::typeName(Member::kInvalidType) << "\n";
+    request.endSection();
+}
+
+void printRegistry(vumo::Debug::Print& request)
+{
+    const std::set<Structure*>& registry = Structure::allStructures();
+    if (registry.empty())
+    {
+        request << "No registered structures\n";
+        return;
+    }
+    request.beginSection("Registered Structures");
+    unsigned int i = 0;
+    for (const Structure* structure : registry)
+    {
+        request << "Structure[" << i++ << "]" << (structure ? "\n" : " = NULL\n");
+        if (structure)
+            Structure::Debug(structure, request);
+    }
+    request.endSection();
+}
+
+void printClass(vumo::Debug::Print& request)
+{
+    request.beginSection("vumo::Data::Structure Static Data");
+    request << "Default structure name = " << kDefaultName << "\n";
+    printDataTypes(request);
+    printRegistry(request);
+    request.endSection();
+}
+
+void measureClass(vumo::Debug::Footprint& request)
+{
+    const std::set<Structure*>& registry = Structure::allStructures();
+    request.addMember(&registry, sizeof(registry));
+    request.addMember(kDefaultName, sizeof(kDefaultName));
+    for (Structure* const& structure : registry)
+        request.addMember(&structure, sizeof(structure));
+    for (unsigned int type = 0; type <= Member::kInvalidType; ++type)
+    {
+        const char* const name = Member::typeName(static_cast<Member::eDataType>(type));
+        request.addMember(name, std::strlen(name) + 1);
+    }
+}
+} // namespace
+
+unsigned long long Structure::_objectsCreated = 0;
+unsigned long long Structure::_objectsAlive = 0;
+
+Structure* Structure::create()
+{
+    return new Structure();
+}
+
+Structure::Structure() : Structure(nullptr) {}
+
+Structure::Structure(const char* name) : mName(detail::duplicateText(name ? name : kDefaultName))
+{
+    objectChanged();
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Structure::Structure(const Structure& other)
+    : RefCounted(other),
+      Checkpointed(other),
+      mName(detail::duplicateText(kDefaultName))
+{
+    *this = other;
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Structure& Structure::operator=(const Structure& other)
+{
+    if (this == &other)
+        return *this;
+
+    auto members = std::make_unique<Member[]>(other.mMemberCount);
+    std::copy_n(other.mMembers.get(), other.mMemberCount, members.get());
+    std::unique_ptr<char[]> defaults(other.mDefaultData ? other.duplicateChunk(other.mDefaultData.get()) : nullptr);
+    setName(other.name()); // a change of the object
+
+    dropDefaultData();
+    mMembers = std::move(members);
+    mMemberCount = other.mMemberCount;
+    mDefaultData = std::move(defaults);
+    computeLayout();
+    return *this;
+}
+
+Structure::~Structure()
+{
+    --_objectsAlive;
+    objectChanged();
+    mBeingDestroyed = true;
+    dropDefaultData();
+    mMembers.reset();
+    mTotalSize = 0;
+    mMemberCount = 0;
+}
+
+bool Structure::operator==(const Structure& other) const
+{
+    if (this == &other)
+        return true;
+    return detail::equalTexts(name(), other.name()) && totalSize() == other.totalSize() &&
+           mMemberCount == other.mMemberCount &&
+           std::equal(mMembers.get(), mMembers.get() + mMemberCount, other.mMembers.get());
+}
+
+void Structure::setName(const char* name)
+{
+    objectChanged();
+    if (name != mName.get())
+        mName.reset(detail::duplicateText(name ? name : kDefaultName)); // copied before the old one is freed
+}
+
+const Member* Structure::findMember(const char* name) const
+{
+    for (unsigned int i = 0; i < mMemberCount; ++i)
+    {
+        if (detail::equalTexts(mMembers[i].mName.get(), name))
+            return &mMembers[i];
+    }
+    return nullptr;
+}
+
+bool Structure::addMember(Member::eDataType type, unsigned int dimension, const char* name)
+{
+    if (type == Member::kInvalidType || dimension == 0 || !name || *name == '\0' || findMember(name))
+        return false;
+
+    auto members = std::make_unique<Member[]>(mMemberCount + 1);
+    Member& added = members[mMemberCount];
+    added.mName.reset(detail::duplicateText(name));
+    added.mType = type;
+    added.mDimension = dimension;
+    added.mOffset = kUnplaced;
+    for (unsigned int i = 0; i < mMemberCount; ++i)
+    {
+        members[i].mType = mMembers[i].mType;
+        members[i].mDimension = mMembers[i].mDimension;
+        members[i].mOffset = mMembers[i].mOffset;
+        members[i].mName = std::move(mMembers[i].mName);
+    }
+
+    objectChanged();
+    dropDefaultData(); // it has no room for the new member
+    mMembers = std::move(members);
+    ++mMemberCount;
+    computeLayout();
+    return true;
+}
+
+const Member* Structure::member(unsigned int index) const
+{
+    return index < mMemberCount ? &mMembers[index] : nullptr;
+}
+
+StructureIterator Structure::begin() const
+{
+    return StructureIterator(*this, kIterBegin);
+}
+
+StructureIterator Structure::end() const
+{
+    return StructureIterator(*this, kIterEnd);
+}
+
+void Structure::refFromIterator() const
+{
+    if (!mBeingDestroyed)
+        ref();
+}
+
+void Structure::unrefFromIterator() const
+{
+    if (!mBeingDestroyed)
+        unref();
+}
+
+/// Gives each member that has no offset yet the next aligned one; those that have one keep it.
+void Structure::computeLayout() const
+{
+    unsigned long long end = 0;
+    for (unsigned int i = 0; i < mMemberCount; ++i)
+    {
+        Member& member = mMembers[i];
+        if (member.mOffset == kUnplaced)
+            member.mOffset = roundUp(end, Member::typeAlignment(member.mType));
+        end = member.mOffset + static_cast<unsigned long long>(Member::typeSize(member.mType)) * member.mDimension;
+    }
+    // The first member decides, not the largest alignment: files written with one rule must read with it.
+    mTotalSize = empty() ? 0 : roundUp(end, Member::typeAlignment(mMembers[0].mType));
+}
+
+unsigned long long Structure::totalSize() const
+{
+    if (mTotalSize == 0)
+        computeLayout();
+    return mTotalSize;
+}
+
+void Structure::dropDefaultData()
+{
+    if (mDefaultData)
+        destroyChunk(mDefaultData.get());
+    mDefaultData.reset();
+}
+
+const char* Structure::defaultData() const
+{
+    if (!mDefaultData && totalSize() > 0)
+    {
+        mDefaultData.reset(new char[totalSize()]);
+        fillWithDefaultChunk(mDefaultData.get());
+    }
+    return mDefaultData.get();
+}
+
+void Structure::fillWithDefaultChunk(char* data) const
+{
+    if (totalSize() == 0)
+        return;
+    std::memset(data, 0, totalSize());
+    for (unsigned int i = 0; i < mMemberCount; ++i)
+        mMembers[i].fillWithDefault(data);
+}
+
+char* Structure::allocateDefaultChunk() const
+{
+    return duplicateChunk(defaultData());
+}
+
+char* Structure::duplicateChunk(const char* src) const
+{
+    if (totalSize() == 0)
+        return nullptr;
+    std::unique_ptr<char[]> copy(new char[totalSize()]);
+    fillWithDuplicateChunk(copy.get(), src);
+    return copy.release();
+}
+
+void Structure::fillWithDuplicateChunk(char* dest, const char* src) const
+{
+    if (totalSize() == 0)
+        return;
+    std::memcpy(dest, src, totalSize());
+    try
+    {
+        for (unsigned int i = 0; i < mMemberCount; ++i)
+            mMembers[i].constructDuplicate(dest, src);
+    }
+    catch (...)
+    {
+        fillWithDefaultChunk(dest); // two blocks must never own one string
+        throw;
+    }
+}
+
+void Structure::destroyChunk(char* data) const
+{
+    for (unsigned int i = 0; i < mMemberCount; ++i)
+        mMembers[i].destroy(data);
+}
+
+bool Structure::chunkIsDefault(const char* data) const
+{
+    return chunkMemberIsDefault(data, nullptr);
+}
+
+bool Structure::chunkMemberIsDefault(const char* data, const char* memberName) const
+{
+    if (!data)
+        return false;
+    if (memberName)
+    {
+        const Member* const member = findMember(memberName);
+        return member && member->isDefault(data);
+    }
+    return std::all_of(mMembers.get(), mMembers.get() + mMemberCount,
+                       [&](const Member& member) { return member.isDefault(data); });
+}
+
+std::set<Structure*>& Structure::allStructures()
+{
+    static std::set<Structure*> registry;
+    return registry;
+}
+
+bool Structure::registerStructure(Structure& structure)
+{
+    std::set<Structure*>& registry = allStructures();
+    const bool known = std::any_of(registry.begin(), registry.end(),
+                                   [&](const Structure* other) { return other && *other == structure; });
+    if (known)
+        return false;
+    registry.insert(&structure);
+    structure.ref();
+    return true;
+}
+
+bool Structure::deregisterStructure(Structure& structure)
+{
+    if (allStructures().erase(&structure) == 0)
+        return false;
+    structure.unref();
+    return true;
+}
+
+Structure* Structure::structureByName(const char* name)
+{
+    for (Structure* const structure : allStructures())
+    {
+        if (name && structure && std::strcmp(structure->name(), name) == 0)
+            return structure;
+    }
+    return nullptr;
+}
+
+void Structure::deleteAllStructures()
+{
+    std::set<Structure*>& registry = allStructures();
+    while (!registry.empty())
+    {
+        Structure* const first = *registry.begin();
+        registry.erase(registry.begin());
+        if (first)
+            first->unref();
+    }
+}
+
+bool Structure::Debug(const Structure* object, vumo::Debug::Print& request)
+{
+    if (!object)
+    {
+        printClass(request);
+        return true;
+    }
+    request << "Structure '" << object->name() << "'\n";
+    request << "Total Size = " << object->totalSize() << "\n";
+    request.beginSection("Member List");
+    for (unsigned int i = 0; i < object->mMemberCount; ++i)
+    {
+        request << "Member[" << i << "] = ";
+        request.skipNextIndent(true);
+        Member::Debug(&object->mMembers[i], request);
+    }
+    request.endSection();
+    printDefaultData(object->mDefaultData.get(), object->totalSize(), request);
+    return true;
+}
+
+bool Structure::Debug(const Structure* object, vumo::Debug::Footprint& request)
+{
+    if (!object)
+    {
+        measureClass(request);
+        return true;
+    }
+    request.addObject(object, sizeof(*object));
+    if (!object->empty())
+        request.addMember(object->mMembers.get(), object->mMemberCount * sizeof(Member));
+    for (unsigned int i = 0; i < object->mMemberCount; ++i)
+    {
+        const char* const name = Member::name(&object->mMembers[i]);
+        if (name)
+            request.addMember(name, std::strlen(name) + 1);
+    }
+    request.addMember(object->name(), std::strlen(object->name()) + 1);
+    if (object->mDefaultData)
+        request.addMember(object->mDefaultData.get(), object->totalSize());
+    return true;
+}
+} // namespace Data
+} // namespace vumo

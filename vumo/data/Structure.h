@@ -1,0 +1,148 @@
+#pragma once
+
+#include "vumo/data/Member.h"
+#include "vumo/data/StructureIterator.h"
+#include "vumo/foundation/Checkpointed.h"
+#include "vumo/foundation/Export.h"
+#include "vumo/foundation/OwnedText.h"
+#include "vumo/foundation/RefCounted.h"
+
+#include <memory>
+#include <set>
+
+namespace vumo
+{
+namespace Data
+{
+/// A named record layout: the ordered members of an element, and where each lies in its data block.
+///
+/// Every element of a `Stream` is one block of totalSize() bytes, laid out by one structure. The values
+/// of a block may lie at any address, because the blocks of elements follow each other without regard
+/// to the largest alignment in them.
+///
+/// A new structure is held by nobody; whoever keeps it calls ref() and later unref():
+///
+///     Structure* structure = Structure::create();
+///     structure->ref();
+///     structure->addMember(Member::kFloat, 3, "Origin");
+///     ...
+///     structure->unref();
+///
+/// What the library is merely handed (to compare, print, measure, register, write) it does not hold, and
+/// a structure that nobody holds survives that. An iterator or a `Handle` on it does hold it, and deletes
+/// it on the way out when it was the only one.
+class VUMO_EXPORT Structure : public RefCounted, public Checkpointed
+{
+public:
+    /// A new structure named "structure", on the heap, held by nobody.
+    static Structure* create();
+
+    Structure();
+
+    /// Copies the name; null means "structure".
+    explicit Structure(const char* name);
+
+    /// Copies name, members, their offsets and the default values; the copy is held by nobody.
+    Structure(const Structure& other);
+    Structure& operator=(const Structure& other);
+    ~Structure() override;
+
+    /// Equal when name, size and all members with their offsets are.
+    bool operator==(const Structure& other) const;
+    bool operator!=(const Structure& other) const { return !(*this == other); }
+
+    /// Never null; borrowed until the name changes.
+    const char* name() const { return mName.get(); }
+
+    /// Copies the name; null means "structure".
+    void setName(const char* name);
+
+    /// Appends a member of `dimension` values. False, with nothing changed, for the invalid type, for
+    /// dimension 0, for a null or empty name, and for a name that a member has already.
+    ///
+    /// Must not be called while elements of the structure exist: their blocks do not grow with it.
+    bool addMember(Member::eDataType type, unsigned int dimension, const char* name);
+
+    unsigned int size() const { return mMemberCount; }
+    unsigned int memberCount() const { return mMemberCount; }
+    bool empty() const { return mMemberCount == 0; }
+
+    /// The member at that position or null; borrowed until a member is added. Unlike an iterator it does
+    /// not hold the structure.
+    const Member* member(unsigned int index) const;
+
+    StructureIterator begin() const;
+    StructureIterator end() const;
+    StructureIterator cbegin() const { return begin(); }
+    StructureIterator cend() const { return end(); }
+
+    /// The size of an element's data block in bytes: the end of the last member, rounded up to the
+    /// alignment of the first one's type.
+    unsigned long long totalSize() const;
+
+    /// The following make and treat element data blocks: totalSize() bytes each, from array new.
+
+    /// The default values, as one block; null for a structure of size 0. Owned by the structure and
+    /// valid until a member is added.
+    const char* defaultData() const;
+
+    /// Sets all values of a block to their defaults, and the bytes between them to zero. What was there
+    /// is not released.
+    void fillWithDefaultChunk(char* data) const;
+
+    /// A new block of default values, owned by the caller; null for a structure of size 0.
+    char* allocateDefaultChunk() const;
+
+    /// A deep copy of `src`, owned by the caller; null for a structure of size 0.
+    char* duplicateChunk(const char* src) const;
+
+    /// Deep-copies `src` to `dest`, whose former contents are not released.
+    void fillWithDuplicateChunk(char* dest, const char* src) const;
+
+    /// Frees what the values own; the block itself stays the caller's to free.
+    void destroyChunk(char* data) const;
+
+    bool chunkIsDefault(const char* data) const;
+
+    /// Asks one member, or all of them when the name is null. False for null data or an unknown name.
+    bool chunkMemberIsDefault(const char* data, const char* memberName) const;
+
+    /// The registry: the structures that text formats and scene files find by name. It references what
+    /// it holds. Ordered by address.
+    static std::set<Structure*>& allStructures();
+
+    /// False when the structure itself, or one equal to it, is registered.
+    static bool registerStructure(Structure& structure);
+
+    /// False when it is not registered. May delete the structure.
+    static bool deregisterStructure(Structure& structure);
+
+    /// The first registered structure of that name or null; owned by those who hold it.
+    static Structure* structureByName(const char* name);
+    static void deleteAllStructures();
+
+    static bool Debug(const Structure* object, vumo::Debug::Print& request);
+    static bool Debug(const Structure* object, vumo::Debug::Footprint& request);
+
+    static unsigned long long _objectsCreated;
+    static unsigned long long _objectsAlive;
+
+private:
+    friend class StructureIterator;
+
+    void refFromIterator() const;
+    void unrefFromIterator() const;
+
+    const Member* findMember(const char* name) const;
+    void computeLayout() const;
+    void dropDefaultData();
+
+    std::unique_ptr<Member[]> mMembers;
+    mutable std::unique_ptr<char[]> mDefaultData; // null until asked for
+    OwnedText mName;                              // never null
+    mutable unsigned long long mTotalSize = 0;    // 0: not yet computed
+    unsigned int mMemberCount = 0;
+    bool mBeingDestroyed = false;
+};
+} // namespace Data
+} // namespace vumo

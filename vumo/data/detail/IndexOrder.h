@@ -1,0 +1,23 @@
+#pragma once
+
+#include <typeinfo>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// Compares `left` with a value of any index type: by `compare` where both are a T, and by the order of
+/// their classes where they are not.
+template <class T, class Other, class Compare>
+bool compareIndexTypes(const T& left, const Other& right, Compare compare, bool whenClassPrecedes,
+                       bool whenClassFollows)
+{
+    if (const T* const same = dynamic_cast<const T*>(&right))
+        return compare(left, *same);
+    return typeid(left).before(typeid(right)) ? whenClassPrecedes : whenClassFollows;
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

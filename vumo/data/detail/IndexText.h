@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// Reads `count` unsigned numbers separated by blanks, tabs or carriage returns, and nothing else, from an
+/// index text. Throws `Index::eCreationErrors`; `numbers` is then unspecified.
+void parseIndexNumbers(const std::string& text, unsigned int* numbers, unsigned int count);
+
+/// |a - b| + 1 in 32-bit arithmetic.
+unsigned int placesBetween(unsigned int a, unsigned int b);
+} // namespace detail
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "vumo/data/detail/Renames.h"
+
+#include <algorithm>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// Finds the entry of that name in a set ordered by name, or its end.
+///
+/// An entry that shares its contents with one elsewhere can be renamed there, behind the set's back; its
+/// order cannot be relied on then. `orderedAt` is the rename count at which the order was last known to
+/// be right; with a later one the set is searched from end to end, and checked.
+template <class Set>
+auto findNamed(Set& set, const std::string& name, unsigned long long& orderedAt)
+{
+    const auto compare = set.key_comp();
+    if (orderedAt != renameCount() && std::is_sorted(set.begin(), set.end(), compare))
+        orderedAt = renameCount();
+    if (orderedAt == renameCount())
+        return set.find(name);
+    return std::find_if(set.begin(), set.end(),
+                        [&](const auto& entry) { return !compare(entry, name) && !compare(name, entry); });
+}
+
+/// The n-th entry, counted from 0, or the end.
+template <class Set>
+auto entryAt(Set& set, unsigned int n)
+{
+    auto position = set.begin();
+    while (position != set.end() && n-- > 0)
+        ++position;
+    return position;
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "vumo/data/Member.h"
+
+#include <istream>
+#include <ostream>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// The text form of numbers and booleans, shared by handles and text formats. A value of a matrix type is
+/// 16 entries, of any other type one. Streams are expected to use the classic locale.
+
+/// The number of entries in a value of `type`: 16, 1, or 0 for the invalid type.
+unsigned int entryCount(Member::eDataType type);
+
+/// Writes the entries of the value at `value`, separated by blanks, as `out` formats numbers; an int8 or
+/// uint8 is a number, too. Not for strings.
+void writeValue(std::ostream& out, Member::eDataType type, const char* value);
+
+/// Reads one entry of a value of `type` to `entry`; false when its text is not acceptable. A number that
+/// is wider than 16 bits is extracted in place, so a refused one leaves what the extraction left.
+/// `word` receives what stood in place of a boolean. Not for strings.
+bool readEntry(std::istream& in, Member::eDataType type, char* entry, std::string& word);
+
+/// The address of entry `i` of the value at `value`.
+char* entryAddress(Member::eDataType type, char* value, unsigned int i);
+
+/// Says that entry `i` of a value could not be read; one line without its newline.
+std::string entryMessage(Member::eDataType type, unsigned int i, long long character, const std::string& word);
+
+/// What messages call a value of that type: "Boolean", "Double matrix", "Int8" and so on.
+const char* typeWord(Member::eDataType type);
+
+/// The position of the next character to be read, counted from 0, also when the last read failed or met
+/// the end; -1 where the input cannot tell.
+long long readPosition(std::istream& in);
+} // namespace detail
+} // namespace Data
+} // namespace vumo
