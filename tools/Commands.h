@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// Where an element is found in a scene file. An empty node name means the scene's own metadata.
+struct Address
+{
+    std::string node;
+    std::string channel;
+    std::string stream;
+};
+
+/// Each command does one thing to one file and throws `Failure` or `WrongUsage` when it can't.
+
+/// Prints the structures that the file declares, then the channels and streams of the scene and its nodes.
+void show(const std::string& fileName, bool withValues);
+
+/// Prints one element, or all elements of the stream when the index is null.
+void get(const std::string& fileName, const Address& address, const std::string* index);
+
+/// Sets members of one element and rewrites the file in place. Each assignment is MEMBER=VALUE, for all values
+/// of the member, or MEMBER[i]=VALUE for one of them. Without `add` the element must exist.
+void set(const std::string& fileName, const Address& address, const std::string& index,
+         const std::vector<std::string>& assignments, bool add);

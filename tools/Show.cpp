@@ -1,0 +1,64 @@
+#include "Commands.h"
+#include "Elements.h"
+#include "SceneFile.h"
+#include "Text.h"
+#include "vumo/data/Associations.h"
+
+#include <iostream>
+
+using namespace vumo::Data;
+
+namespace
+{
+void showStructures(const Accessor::StructureSet& structures)
+{
+    std::cout << "structures\n";
+    for (const Structure* const structure : structures)
+    {
+        std::cout << "  " << quoted(structure->name()) << "\n";
+        Table members;
+        for (const Member& member : *structure)
+        {
+            std::string type = Member::typeName(Member::type(&member));
+            if (Member::length(&member) != 1)
+                type += "[" + std::to_string(Member::length(&member)) + "]";
+            members.add({type, Member::name(&member)});
+        }
+        members.print(std::cout, 4);
+    }
+}
+
+Table::Row streamRow(const Stream& stream)
+{
+    return {"stream " + quoted(stream.name()), "structure " + quoted(stream.structure().name()),
+            "index " + stream.indexType(), std::to_string(stream.elementCount()) + " elements"};
+}
+
+void showChannel(const Channel& channel, bool withValues)
+{
+    std::cout << "  channel " << quoted(channel.name()) << "\n";
+    Table streams;
+    for (const Stream* const stream : channel)
+    {
+        streams.add(streamRow(*stream));
+        if (!withValues)
+            continue;
+        streams.print(std::cout, 4);
+        streams = Table();
+        elementTable(*stream).print(std::cout, 6);
+    }
+    streams.print(std::cout, 4);
+}
+} // namespace
+
+void show(const std::string& fileName, bool withValues)
+{
+    const SceneFile scene(fileName);
+    showStructures(scene.metadata().structures());
+    for (const auto& entry : scene.metadata().associations())
+    {
+        std::cout << nodeTitle(entry.first) << "\n";
+        for (const Channel& channel : entry.second)
+            showChannel(channel, withValues);
+    }
+}

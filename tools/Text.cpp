@@ -1,0 +1,52 @@
+#include "Text.h"
+
+#include <algorithm>
+#include <cstdio>
+
+std::string quoted(const std::string& text)
+{
+    std::string result = "\"";
+    for (const char character : text)
+    {
+        const auto code = static_cast<unsigned char>(character);
+        char escape[8];
+        if (character == '"' || character == '\\')
+            result += '\\';
+        if (character == '\n')
+            result += "\\n";
+        else if (character == '\t')
+            result += "\\t";
+        else if (code < 0x20 || code == 0x7F)
+        {
+            std::snprintf(escape, sizeof(escape), "\\x%02x", static_cast<unsigned int>(code));
+            result += escape;
+        }
+        else
+            result += character;
+    }
+    return result + "\"";
+}
+
+std::string nodeTitle(const std::string& node)
+{
+    return node.empty() ? "scene" : "node " + quoted(node);
+}
+
+std::string memberText(const vumo::Data::Handle& handle)
+{
+    std::string result;
+    for (unsigned int i = 0; i < handle.dataLength(); ++i)
+    {
+        if (i > 0)
+            result += ' ';
+        const std::string value = handle.str(i);
+        result += handle.dataType() == vumo::Data::Member::kString ? quoted(value) : value;
+    }
+    return result;
+}
+
+std::string::size_type columns(const std::string& text)
+{
+    const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
+    return text.size() - static_cast<std::string::size_type>(std::count_if(text.begin(), text.end(), isContinuation));
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "vumo/data/Handle.h"
+
+#include <string>
+
+/// The text in double quotes, fit for a terminal: quotes, backslashes and control characters are escaped, the
+/// bytes of other characters stay as they are.
+std::string quoted(const std::string& text);
+
+/// What the commands call a node: its quoted name, or "scene" for the scene itself.
+std::string nodeTitle(const std::string& node);
+
+/// All values of the handle's current member, separated by blanks; strings are quoted.
+std::string memberText(const vumo::Data::Handle& handle);
+
+/// The width of a UTF-8 text on a terminal, a column for each character.
+std::string::size_type columns(const std::string& text);
