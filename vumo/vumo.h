@@ -6,6 +6,8 @@
 #include "vumo/data/AssociationsImpl.h"
 #include "vumo/data/AssociationsIterator.h"
 #include "vumo/data/AssociationsIteratorImpl.h"
+#include "vumo/data/Attach.h"
+#include "vumo/data/AttachDirectly.h"
 #include "vumo/data/CRTP_IndexType.h"
 #include "vumo/data/Channel.h"
 #include "vumo/data/ChannelImpl.h"

@@ -1,0 +1,46 @@
+#include "vumo/data/AttachDirectly.h"
+
+namespace vumo
+{
+namespace Data
+{
+AttachDirectly::AttachDirectly() = default;
+
+AttachDirectly::AttachDirectly(const AttachDirectly& other)
+    : Attach(other), mMetadata(std::make_unique<Associations>(other.mMetadata.get()))
+{
+}
+
+AttachDirectly& AttachDirectly::operator=(const AttachDirectly& other)
+{
+    if (this != &other)
+        mMetadata = std::make_unique<Associations>(other.mMetadata.get());
+    return *this;
+}
+
+AttachDirectly::~AttachDirectly() = default;
+
+Associations* AttachDirectly::editableMetadata()
+{
+    return mMetadata.get();
+}
+
+const Associations* AttachDirectly::metadata() const
+{
+    return mMetadata.get();
+}
+
+bool AttachDirectly::setMetadata(const Associations& metadata)
+{
+    if (&metadata != mMetadata.get())
+        mMetadata = std::make_unique<Associations>(metadata); // made before the old one is released
+    return true;
+}
+
+bool AttachDirectly::deleteMetadata()
+{
+    mMetadata.reset();
+    return true;
+}
+} // namespace Data
+} // namespace vumo
