@@ -7,7 +7,8 @@ namespace Data
 AttachDirectly::AttachDirectly() = default;
 
 AttachDirectly::AttachDirectly(const AttachDirectly& other)
-    : Attach(other), mMetadata(std::make_unique<Associations>(other.mMetadata.get()))
+    : Attach(other),
+      mMetadata(std::make_unique<Associations>(other.mMetadata.get()))
 {
 }
 
