@@ -1,0 +1,310 @@
+#include "vumo/data/Structure.h"
+
+#include "tests/support/DataFixtures.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+class StructureTest : public test::DataTest
+{
+};
+
+using StructureGoldenTest = StructureTest;
+
+struct LayoutCase
+{
+    std::vector<std::pair<unsigned int, unsigned int>> members; // type number, dimension
+    std::vector<unsigned long long> offsets;
+    unsigned long long size;
+};
+
+TEST_F(StructureTest, Layout_AlignsMembersAndRoundsByTheFirst)
+{
+    constexpr unsigned int kMost = 4294967295U;
+    const LayoutCase cases[] = {
+        {{}, {}, 0},
+        {{{Member::kUInt8, 1}, {Member::kDouble, 1}, {Member::kUInt8, 1}}, {0, 8, 16}, 17},
+        {{{Member::kInt16, 1}, {Member::kInt32, 1}, {Member::kInt8, 1}}, {0, 4, 8}, 10},
+        {{{Member::kDouble, 1}, {Member::kUInt8, 1}}, {0, 8}, 16},
+        {{{Member::kUInt8, 1}, {Member::kInt32, 1}}, {0, 4}, 8},
+        {{{Member::kFloat, 3}, {Member::kString, 2}, {Member::kDoubleMatrix4x4, 1}}, {0, 16, 32}, 160},
+        {{{99, 5}, {Member::kInt32, 1}}, {0, 0}, 4}, // unknown types take no room and ask for none
+        {{{Member::kInt8, 1}, {15, 7}, {Member::kDouble, 1}}, {0, 1, 8}, 16},
+        {{{4294967295U, 1}}, {0}, 0},
+        {{{Member::kDoubleMatrix4x4, kMost}, {Member::kInt8, 1}}, {0, 549755813760}, 549755813768},
+        {{{Member::kInt8, kMost}, {Member::kInt8, 1}, {Member::kInt8, 1}}, {0, kMost, 4294967296}, 4294967297},
+        {{{Member::kInt8, kMost}, {Member::kDouble, 1}}, {0, 4294967296}, 4294967304},
+    };
+    for (const LayoutCase& expected : cases)
+    {
+        const Ref<Structure> structure(Structure::create());
+        for (const auto& [type, dimension] : expected.members)
+        {
+            const std::string name = std::to_string(structure->memberCount());
+            EXPECT_TRUE(structure->addMember(static_cast<Member::eDataType>(type), dimension, name.c_str()));
+        }
+        SCOPED_TRACE(test::printed(structure.get()));
+        std::vector<unsigned long long> offsets;
+        for (unsigned int i = 0; i < structure->size(); ++i)
+            offsets.push_back(Member::offset(structure->member(i)));
+        EXPECT_EQ(offsets, expected.offsets);
+        EXPECT_EQ(structure->totalSize(), expected.size);
+        const Structure copy(*structure);
+        EXPECT_TRUE(copy == *structure);
+        EXPECT_EQ(copy.totalSize(), expected.size);
+    }
+}
+
+TEST_F(StructureTest, AddMember_RefusesWithoutAChange)
+{
+    const auto structure = test::heldStructure("S", {{Member::kFloat, 1, "taken"}});
+    const unsigned long long stamp = structure->checkpoint();
+    const test::MemberSpec cases[] = {
+        {Member::kInvalidType, 1, "x"}, {Member::kFloat, 0, "x"},    {Member::kFloat, 1, nullptr},
+        {Member::kFloat, 1, ""},        {Member::kInt8, 2, "taken"},
+    };
+    for (const test::MemberSpec& member : cases)
+        EXPECT_FALSE(structure->addMember(member.type, member.dimension, member.name));
+    EXPECT_FALSE(structure->changedSinceCheckpoint(stamp));
+    EXPECT_EQ(structure->size(), 1U);
+    EXPECT_TRUE(structure->addMember(Member::kFloat, 1, "Taken")); // names are case-sensitive
+    EXPECT_TRUE(structure->changedSinceCheckpoint(stamp));
+}
+
+TEST_F(StructureTest, NamesThatPointIntoOldOnes_AreCopiedFirst)
+{
+    const auto structure = test::heldStructure("structure of stone", {{Member::kFloat, 1, "a long member name"}});
+    structure->setName(structure->name() + 13);
+    EXPECT_STREQ(structure->name(), "stone");
+    structure->setName(structure->name());
+    EXPECT_STREQ(structure->name(), "stone");
+    EXPECT_TRUE(structure->addMember(Member::kFloat, 1, Member::name(structure->member(0)) + 7));
+    EXPECT_STREQ(Member::name(structure->member(1)), "member name");
+    structure->setName(nullptr);
+    EXPECT_STREQ(structure->name(), "structure");
+    EXPECT_STREQ(Structure(nullptr).name(), "structure");
+}
+
+TEST_F(StructureTest, DefaultData_HasRoomForMembersAddedLater)
+{
+    const auto structure = test::heldStructure("S", {{Member::kUInt8, 1, "a"}});
+    EXPECT_NE(structure->defaultData(), nullptr);
+    ASSERT_TRUE(structure->addMember(Member::kString, 100, "texts"));
+    const Handle handle(*structure); // reads all of the default block
+    EXPECT_TRUE(handle.isDefault());
+}
+
+TEST_F(StructureTest, EmptyStructures_HaveNoBlocks)
+{
+    const Ref<Structure> structure(Structure::create());
+    EXPECT_TRUE(structure->empty());
+    EXPECT_EQ(structure->defaultData(), nullptr);
+    EXPECT_EQ(structure->allocateDefaultChunk(), nullptr);
+    EXPECT_EQ(structure->duplicateChunk(nullptr), nullptr);
+    structure->fillWithDefaultChunk(nullptr);
+    structure->fillWithDuplicateChunk(nullptr, nullptr);
+    structure->destroyChunk(nullptr);
+    EXPECT_FALSE(Handle(*structure).hasData());
+}
+
+TEST_F(StructureTest, Chunks_AreDeepCopies)
+{
+    const auto structure = test::recordStructure();
+    Handle original = test::record(*structure, 7, "seven");
+    Handle copy(*structure);
+    copy.pointToData(structure->duplicateChunk(original.data()), true);
+    test::setText(original, "label", "changed");
+    EXPECT_EQ(test::recordText(copy), "7 seven");
+    EXPECT_FALSE(structure->chunkIsDefault(copy.data()));
+    EXPECT_TRUE(structure->chunkMemberIsDefault(copy.data(), "flag"));
+    EXPECT_FALSE(structure->chunkMemberIsDefault(copy.data(), "label"));
+    EXPECT_FALSE(structure->chunkIsDefault(nullptr));
+    EXPECT_FALSE(structure->chunkMemberIsDefault(nullptr, "flag"));
+}
+
+TEST_F(StructureTest, FillWithDefaultChunk_ZeroesThePaddingToo)
+{
+    const auto structure = test::recordStructure();
+    std::string block(17, '\x7F');
+    structure->fillWithDefaultChunk(block.data());
+    EXPECT_EQ(block, std::string(17, '\0'));
+}
+
+TEST_F(StructureTest, Assignment_ReplacesEverythingAndSharesNothing)
+{
+    const auto source = test::recordStructure();
+    source->defaultData();
+    const auto target = test::heldStructure("Other", {{Member::kString, 9, "texts"}});
+    target->defaultData();
+    const unsigned long long stamp = target->checkpoint();
+    *target = *source;
+    EXPECT_TRUE(target->changedSinceCheckpoint(stamp));
+    EXPECT_TRUE(*target == *source);
+    EXPECT_EQ(target->refCount(), 1);
+    EXPECT_NE(target->defaultData(), source->defaultData());
+
+    const unsigned long long later = target->checkpoint();
+    const Structure& itself = *target;
+    *target = itself;
+    EXPECT_FALSE(target->changedSinceCheckpoint(later));
+    EXPECT_TRUE(Handle(*target).isDefault());
+}
+
+TEST_F(StructureTest, Equality_AsksForNameSizeAndEveryMember)
+{
+    const auto base = test::heldStructure("S", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "b"}});
+    const Ref<Structure> others[] = {
+        test::heldStructure("T", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "b"}}),
+        test::heldStructure("S", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "c"}}),
+        test::heldStructure("S", {{Member::kInt8, 1, "a"}, {Member::kInt8, 2, "b"}}),
+        test::heldStructure("S", {{Member::kInt8, 2, "a"}, {Member::kUInt8, 1, "b"}}),
+        test::heldStructure("S", {{Member::kInt8, 3, "a"}}),
+        test::heldStructure("S", {}),
+    };
+    for (const Ref<Structure>& other : others)
+        EXPECT_TRUE(*base != *other) << test::printed(other.get());
+    EXPECT_TRUE(*test::heldStructure("S", {}) == *others[5]);
+}
+
+TEST_F(StructureTest, AStructureThatNobodyHolds_SurvivesWhoIsMerelyHandedIt)
+{
+    const auto registered = test::recordStructure();
+    ASSERT_TRUE(Structure::registerStructure(*registered));
+    const auto stream = Stream(*registered, "s");
+    Stream filled(*registered, "t");
+    filled.setElement(0, Handle(*registered));
+
+    auto* const loose = new Structure(*registered);
+    EXPECT_TRUE(*loose == *registered);
+    EXPECT_FALSE(*loose != *registered);
+    EXPECT_FALSE(Structure::registerStructure(*loose));
+    EXPECT_FALSE(Structure::deregisterStructure(*loose));
+    EXPECT_FALSE(filled.setStructure(*loose));
+    EXPECT_FALSE(Handle(*registered).usesStructure(*loose));
+    EXPECT_TRUE(loose->addMember(Member::kString, 2, "more"));
+    loose->setName("Loose");
+    test::printed(loose);
+    test::footprintOf(loose);
+    delete[] loose->allocateDefaultChunk();
+    EXPECT_TRUE(loose->chunkIsDefault(loose->defaultData()));
+    Structure copy("copy");
+    copy = *loose;
+    EXPECT_EQ(loose->refCount(), 0);
+    EXPECT_STREQ(loose->name(), "Loose");
+    {
+        const Handle handle(*loose); // takes and releases the only reference
+    }
+    EXPECT_EQ(Structure::structureByName("Loose"), nullptr);
+}
+
+TEST_F(StructureTest, Registry_RefusesEqualsAndFindsByName)
+{
+    const auto structure = test::recordStructure();
+    EXPECT_TRUE(Structure::registerStructure(*structure));
+    EXPECT_FALSE(Structure::registerStructure(*structure));
+    EXPECT_EQ(structure->refCount(), 2);
+    const Ref<Structure> copy(new Structure(*structure));
+    EXPECT_FALSE(Structure::registerStructure(*copy));
+    EXPECT_EQ(copy->refCount(), 1);
+    EXPECT_EQ(Structure::structureByName("Record"), structure.get());
+    ASSERT_TRUE(copy->addMember(Member::kInt8, 1, "more"));
+    EXPECT_TRUE(Structure::registerStructure(*copy));
+    EXPECT_EQ(Structure::structureByName("Record"), std::min(structure.get(), copy.get()));
+    EXPECT_EQ(Structure::structureByName(nullptr), nullptr);
+    EXPECT_EQ(Structure::structureByName("record"), nullptr);
+    EXPECT_TRUE(Structure::deregisterStructure(*copy));
+    EXPECT_FALSE(Structure::deregisterStructure(*copy));
+    EXPECT_EQ(copy->refCount(), 1);
+    Structure::deleteAllStructures();
+    EXPECT_TRUE(Structure::allStructures().empty());
+    EXPECT_EQ(structure->refCount(), 1);
+}
+
+TEST_F(StructureGoldenTest, Debug_ListsMembersAndDefaults)
+{
+    const auto structure =
+        test::heldStructure("Point", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 1, "b"}, {Member::kUInt8, 1, "c"}});
+    const std::string members = "Structure 'Point'\n"
+                                "Total Size = 17\n"
+                                "Member List\n"
+                                "{\n"
+                                "    Member[0] = 'a' uint8[1] +0\n"
+                                "    Member[1] = 'b' double[1] +8\n"
+                                "    Member[2] = 'c' uint8[1] +16\n"
+                                "}\n"
+                                "Default Value Memory Block\n"
+                                "{\n";
+    EXPECT_EQ(test::printed(structure.get()), members + "    No default values provided\n}\n");
+    structure->defaultData();
+    EXPECT_EQ(test::printed(structure.get()), members + "    00 00 00 00 00 00 00 00   00 00 00 00 00 00 00 00\n"
+                                                        "    00 -- -- -- -- -- -- --   -- -- -- -- -- -- -- --\n"
+                                                        "}\n");
+}
+
+TEST_F(StructureGoldenTest, Debug_ListsTypesAndRegistry)
+{
+    const std::string types = "vumo::Data::Structure Static Data\n"
+                              "{\n"
+                              "    Default structure name = structure\n"
+                              "    Recognized Data Types\n"
+                              "    {\n"
+                              "        [0] = bool, size = 1bytes, alignment = 1bytes\n"
+                              "        [1] = double, size = 8bytes, alignment = 8bytes\n"
+                              "        [2] = dbl4x4, size = 128bytes, alignment = 8bytes\n"
+                              "        [3] = float, size = 4bytes, alignment = 4bytes\n"
+                              "        [4] = flt4x4, size = 64bytes, alignment = 4bytes\n"
+                              "        [5] = int8, size = 1bytes, alignment = 1bytes\n"
+                              "        [6] = int16, size = 2bytes, alignment = 2bytes\n"
+                              "        [7] = int32, size = 4bytes, alignment = 4bytes\n"
+                              "        [8] = int64, size = 8bytes, alignment = 8bytes\n"
+                              "        [9] = string, size = 8bytes, alignment = 8bytes\n"
+                              "        [10] = uint8, size = 1bytes, alignment = 1bytes\n"
+                              "        [11] = uint16, size = 2bytes, alignment = 2bytes\n"
+                              "        [12] = uint32, size = 4bytes, alignment = 4bytes\n"
+                              "        [13] = uint64, size = 8bytes, alignment = 8bytes\n"
+                              "        [14] = invalid\n"
+                              "    }\n";
+    EXPECT_EQ(test::printed<Structure>(nullptr), types + "    No registered structures\n}\n");
+    const auto structure = test::heldStructure("P", {{Member::kInt8, 2, "a"}});
+    ASSERT_TRUE(Structure::registerStructure(*structure));
+    EXPECT_EQ(test::printed<Structure>(nullptr), types + "    Registered Structures\n"
+                                                         "    {\n"
+                                                         "        Structure[0]\n"
+                                                         "        Structure 'P'\n"
+                                                         "        Total Size = 2\n"
+                                                         "        Member List\n"
+                                                         "        {\n"
+                                                         "            Member[0] = 'a' int8[2] +0\n"
+                                                         "        }\n"
+                                                         "        Default Value Memory Block\n"
+                                                         "        {\n"
+                                                         "            No default values provided\n"
+                                                         "        }\n"
+                                                         "    }\n"
+                                                         "}\n");
+}
+
+TEST_F(StructureTest, Footprint_CountsEveryPiece)
+{
+    const auto structure = test::recordStructure();
+    const std::size_t names = sizeof("Record") + sizeof("number") + sizeof("label") + sizeof("flag");
+    const std::size_t pieces = sizeof(Structure) + 3 * sizeof(Member) + names;
+    EXPECT_EQ(test::footprintOf(structure.get()).totalSize(), pieces);
+    structure->defaultData();
+    EXPECT_EQ(test::footprintOf(structure.get()).totalSize(), pieces + 17);
+    EXPECT_EQ(test::footprintOf(structure.get()).totalFragments(), 7U);
+
+    const unsigned long long empty = test::footprintOf<Structure>(nullptr).totalSize();
+    ASSERT_TRUE(Structure::registerStructure(*structure));
+    EXPECT_EQ(test::footprintOf<Structure>(nullptr).totalSize(), empty + sizeof(Structure*));
+}
+} // namespace
+} // namespace Data
+} // namespace vumo

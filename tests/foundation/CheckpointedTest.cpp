@@ -1,0 +1,75 @@
+#include "vumo/foundation/Checkpointed.h"
+
+#include "tests/support/DataFixtures.h"
+
+namespace vumo
+{
+namespace
+{
+TEST(CheckpointedTest, Stamps_FollowTheSequenceOfAFreshProcess)
+{
+    const unsigned long long start = Checkpointed::globalCheckpoint();
+    Checkpointed a;
+    EXPECT_EQ(a.checkpoint(), start + 1);
+    EXPECT_EQ(Checkpointed::sClassCheckpoint(), start + 1);
+    const Checkpointed b(a);
+    EXPECT_EQ(b.checkpoint(), start + 3);
+    EXPECT_EQ(Checkpointed::sClassCheckpoint(), start + 3);
+    EXPECT_EQ(a.checkpoint(), start + 1);
+    EXPECT_EQ(a.objectChanged(), start + 4);
+    EXPECT_EQ(Checkpointed::globalChange(), start + 5);
+    EXPECT_EQ(Checkpointed::sClassCheckpoint(), start + 4);
+    EXPECT_FALSE(Checkpointed::sClassChangedSinceCheckpoint(start + 4));
+    EXPECT_TRUE(a.classChangedSinceCheckpoint(start + 3));
+    a = b;
+    EXPECT_EQ(a.checkpoint(), start + 6);
+    {
+        const Checkpointed shortLived;
+    }
+    EXPECT_EQ(Checkpointed::globalCheckpoint(), start + 8);
+    EXPECT_EQ(a.classCheckpoint(), start + 8);
+    EXPECT_EQ(a.classChanged(), start + 9);
+    EXPECT_EQ(a.checkpoint(), start + 6);
+}
+
+TEST(CheckpointedTest, AStampTakenAfterAChange_ReportsNoChange)
+{
+    Checkpointed object;
+    const unsigned long long stamp = object.checkpoint();
+    EXPECT_FALSE(object.changedSinceCheckpoint(stamp));
+    object.objectChanged();
+    EXPECT_TRUE(object.changedSinceCheckpoint(stamp));
+}
+
+/// Keeps a class checkpoint of its own.
+class Separate : public Checkpointed
+{
+public:
+    unsigned long long classChanged() override { return mOwn = 1000; }
+
+    unsigned long long mOwn = 0;
+};
+
+TEST(CheckpointedTest, ObjectChangedAndAssignment_GoThroughTheVirtualClassChange)
+{
+    Separate object;
+    EXPECT_EQ(object.objectChanged(), 1000U);
+    Separate other;
+    static_cast<Checkpointed&>(other) = object;
+    EXPECT_EQ(other.checkpoint(), 1000U);
+}
+
+TEST(CheckpointedGoldenTest, Debug_TellsObjectAndClass)
+{
+    Checkpointed object;
+    const std::string stamp = std::to_string(object.checkpoint());
+    Checkpointed::globalChange();
+    EXPECT_EQ(test::printed(&object), "Checkpoint : " + stamp + "\n");
+    EXPECT_EQ(test::printed<Checkpointed>(nullptr), "Class Checkpoint  : " + stamp + "\nGlobal Checkpoint : " +
+                                                        std::to_string(object.checkpoint() + 1) + "\n");
+    EXPECT_EQ(test::footprintOf(&object).totalSize(), sizeof(Checkpointed));
+    EXPECT_EQ(test::footprintOf<Checkpointed>(nullptr).totalSize(), 16U);
+    EXPECT_EQ(test::footprintOf<Checkpointed>(nullptr).totalFragments(), 2U);
+}
+} // namespace
+} // namespace vumo

@@ -1,0 +1,172 @@
+#pragma once
+
+#include "vumo/data/Associations.h"
+#include "vumo/data/IndexPair.h"
+#include "vumo/data/IndexString.h"
+#include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/Print.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <initializer_list>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace vumo
+{
+namespace test
+{
+using Data::Handle;
+using Data::Index;
+using Data::Member;
+using Data::Stream;
+using Data::Structure;
+
+struct MemberSpec
+{
+    Member::eDataType type;
+    unsigned int dimension;
+    const char* name;
+};
+
+/// A structure with these members that lives as long as the result does.
+inline Ref<Structure> heldStructure(const char* name, std::initializer_list<MemberSpec> members)
+{
+    Ref<Structure> structure(new Structure(name));
+    for (const MemberSpec& member : members)
+        EXPECT_TRUE(structure->addMember(member.type, member.dimension, member.name)) << member.name;
+    return structure;
+}
+
+/// A record whose elements are 17 bytes long, so that every second label lies misaligned.
+inline Ref<Structure> recordStructure()
+{
+    return heldStructure("Record",
+                         {{Member::kUInt8, 1, "number"}, {Member::kString, 1, "label"}, {Member::kUInt8, 1, "flag"}});
+}
+
+/// Stores a text form in the first value of the named member.
+inline void setText(Handle& handle, const char* member, const std::string& text)
+{
+    std::string errors;
+    ASSERT_TRUE(handle.setPositionByMemberName(member)) << member;
+    EXPECT_EQ(handle.fromStr(text, 0, errors), 0) << errors;
+}
+
+/// The text form of the first value of the named member.
+inline std::string textOf(Handle handle, const char* member)
+{
+    return handle.setPositionByMemberName(member) ? handle.str(0) : "no such member";
+}
+
+/// An element of recordStructure(), owned by the handle.
+inline Handle record(const Structure& structure, unsigned int number, const std::string& label)
+{
+    Handle handle(structure);
+    setText(handle, "number", std::to_string(number));
+    setText(handle, "label", label);
+    return handle;
+}
+
+/// An element of recordStructure() as "number label", or "none" where there is no data.
+inline std::string recordText(const Handle& handle)
+{
+    return handle.hasData() ? textOf(handle, "number") + " " + textOf(handle, "label") : "none";
+}
+
+inline std::string recordText(const Stream& stream, const Index& index)
+{
+    return recordText(stream.element(index));
+}
+
+/// What the class of `object` prints about it.
+template <class T>
+std::string printed(const T* object)
+{
+    std::ostringstream out;
+    vumo::Debug::Print request(out);
+    EXPECT_TRUE(T::Debug(object, request));
+    return out.str();
+}
+
+/// The same with "ADDRESS" in place of every address.
+template <class T>
+std::string printedWithoutAddresses(const T* object)
+{
+    return std::regex_replace(printed(object), std::regex("0x[0-9a-fx]+"), "ADDRESS");
+}
+
+/// What the class of `object` counts for it.
+template <class T>
+vumo::Debug::Footprint footprintOf(const T* object)
+{
+    vumo::Debug::Footprint request;
+    EXPECT_TRUE(T::Debug(object, request));
+    return request;
+}
+
+/// The numbers of living objects of all counted classes, as a text that names those that differ.
+inline std::string livingObjects()
+{
+    using namespace vumo::Data;
+    std::ostringstream out;
+    out << "Member " << Member::_objectsAlive << ", Structure " << Structure::_objectsAlive << ", Handle "
+        << Handle::_objectsAlive << ", Index " << Index::_objectsAlive << ", IndexPair " << IndexPair::_objectsAlive
+        << ", IndexString " << IndexString::_objectsAlive << ", Stream " << Stream::_objectsAlive << ", StreamImpl "
+        << StreamImpl::_objectsAlive << ", Channel " << Channel::_objectsAlive << ", ChannelImpl "
+        << ChannelImpl::_objectsAlive << ", Associations " << Associations::_objectsAlive << ", AssociationsImpl "
+        << AssociationsImpl::_objectsAlive;
+    return out.str();
+}
+
+/// Gives each test an empty structure registry, puts the former one back, and sees that whatever the test
+/// and its fixture made is gone.
+class DataTest : public ::testing::Test
+{
+protected:
+    DataTest() : mLivingBefore(livingObjects()) { mRegistry.swap(Structure::allStructures()); }
+
+    ~DataTest() override
+    {
+        Structure::deleteAllStructures();
+        mRegistry.swap(Structure::allStructures());
+        EXPECT_EQ(livingObjects(), mLivingBefore);
+    }
+
+private:
+    std::set<Structure*> mRegistry;
+    std::string mLivingBefore;
+};
+
+/// What kind of exception `action` throws, and its message.
+template <class Action>
+std::string thrownBy(Action&& action)
+{
+    try
+    {
+        action();
+    }
+    catch (const std::out_of_range& error)
+    {
+        return std::string("out_of_range: ") + error.what();
+    }
+    catch (const std::invalid_argument& error)
+    {
+        return std::string("invalid_argument: ") + error.what();
+    }
+    catch (const std::runtime_error& error)
+    {
+        return std::string("runtime_error: ") + error.what();
+    }
+    catch (Index::eCreationErrors error)
+    {
+        return "eCreationErrors: " + std::to_string(error);
+    }
+    return "nothing";
+}
+} // namespace test
+} // namespace vumo
