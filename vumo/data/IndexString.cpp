@@ -114,7 +114,7 @@ bool IndexString::operator>=(const IndexString& other) const
 bool IndexString::Debug(const IndexString* object, vumo::Debug::Print& request)
 {
     if (object)
-        request << object->mText.c_str();
+        request << "" << object->mText; // a text may hold zero bytes
     return true;
 }
 
