@@ -1,5 +1,6 @@
 #include "vumo/data/Channel.h"
 
+#include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -28,7 +29,13 @@ Channel::Channel(const Channel& other) : mImpl(other.mImpl)
     ++_objectsAlive;
 }
 
-Channel& Channel::operator=(const Channel& other) = default;
+Channel& Channel::operator=(const Channel& other)
+{
+    if (name() != other.name())
+        detail::countRename(); // an associations object may hold this one, in the order of names
+    mImpl = other.mImpl;
+    return *this;
+}
 
 Channel::~Channel()
 {

@@ -2,6 +2,7 @@
 
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamImplMapped.h"
+#include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -30,7 +31,13 @@ Stream::Stream(const Stream& other) : mImpl(other.mImpl)
     ++_objectsAlive;
 }
 
-Stream& Stream::operator=(const Stream& other) = default;
+Stream& Stream::operator=(const Stream& other)
+{
+    if (name() != other.name())
+        detail::countRename(); // a channel may hold this object, in the order of names
+    mImpl = other.mImpl;
+    return *this;
+}
 
 Stream::~Stream()
 {
