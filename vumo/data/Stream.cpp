@@ -130,6 +130,7 @@ const std::string& Stream::indexType() const
 bool Stream::setIndexType(const std::string& typeName)
 {
     Index::creator(typeName);
+    const Ref<StreamImpl> before = mImpl; // `typeName` may be a part of it
     if (typeName == indexType())
         return true;
     if (elementCount() > 0)
