@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <utility>
@@ -256,31 +255,42 @@ bool StreamImplDense::ensureSpaceForElement(Index index)
 
 bool StreamImplDense::reallocate(unsigned long long slots)
 {
-    const unsigned long long size = structure().totalSize();
-    const unsigned long long mostSlots = std::numeric_limits<std::size_t>::max() / size;
+    if (!mData)
+        rememberLayout();
+    const unsigned long long mostSlots = std::numeric_limits<std::size_t>::max() / mStride;
     if (slots == 0 || slots < mAllocated || slots > mostSlots)
         return false;
-    char* const data = static_cast<char*>(std::realloc(mData, slots * size));
+    const unsigned long long filled = mData ? mAllocated : 0;
+    char* const data = static_cast<char*>(std::realloc(mData, slots * mStride));
     if (!data)
         return false;
-    const unsigned long long filled = mData ? mAllocated : 0;
     mData = data;
     mAllocated = static_cast<unsigned int>(slots);
-    mBlockStructure = Ref<const Structure>(&structure());
     for (unsigned long long i = filled; i < slots; ++i)
-        structure().fillWithDefaultChunk(mData + i * size);
+        structure().fillWithDefaultChunk(mData + i * mStride);
     return true;
 }
 
-/// The structure may have been exchanged while there were no elements, but slots for them.
+void StreamImplDense::rememberLayout()
+{
+    mStride = structure().totalSize();
+    mBlockMembers.clear();
+    for (unsigned int i = 0; i < structure().memberCount(); ++i)
+        mBlockMembers.push_back(*structure().member(i));
+}
+
 bool StreamImplDense::hasStaleBlock() const
 {
-    return mData && mBlockStructure.get() != &structure();
+    if (!mData || mCount > 0)
+        return false;
+    if (mStride != structure().totalSize() || mBlockMembers.size() != structure().memberCount())
+        return true;
+    return !std::equal(mBlockMembers.begin(), mBlockMembers.end(), structure().member(0));
 }
 
 char* StreamImplDense::slot(unsigned int i) const
 {
-    return mData && i < physicalElementCount() ? mData + structure().totalSize() * i : nullptr;
+    return mData && i < physicalElementCount() ? mData + mStride * i : nullptr;
 }
 
 void StreamImplDense::copyBlock(const StreamImplDense& other)
@@ -289,11 +299,11 @@ void StreamImplDense::copyBlock(const StreamImplDense& other)
     mAllocated = other.physicalElementCount();
     if (!other.mData || other.hasStaleBlock())
         return;
-    const unsigned long long size = structure().totalSize();
-    mData = static_cast<char*>(std::malloc(size * mAllocated));
+    mStride = other.mStride;
+    mBlockMembers = other.mBlockMembers;
+    mData = static_cast<char*>(std::malloc(mStride * mAllocated));
     if (!mData)
         throw std::bad_alloc();
-    mBlockStructure = other.mBlockStructure;
     for (unsigned int i = 0; i < mAllocated; ++i)
         structure().fillWithDuplicateChunk(slot(i), other.slot(i));
 }
@@ -303,19 +313,21 @@ void StreamImplDense::swapBlock(StreamImplDense& other)
     std::swap(mCount, other.mCount);
     std::swap(mAllocated, other.mAllocated);
     std::swap(mData, other.mData);
-    mBlockStructure.swap(other.mBlockStructure);
+    std::swap(mStride, other.mStride);
+    mBlockMembers.swap(other.mBlockMembers);
 }
 
 void StreamImplDense::releaseBlock()
 {
     if (!mData)
         return;
-    const unsigned long long size = mBlockStructure->totalSize();
     for (unsigned int i = 0; i < mAllocated; ++i)
-        mBlockStructure->destroyChunk(mData + i * size);
+    {
+        for (const Member& member : mBlockMembers)
+            member.destroy(mData + i * mStride);
+    }
     std::free(mData);
     mData = nullptr;
-    mBlockStructure = Ref<const Structure>();
 }
 
 bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Print& request)
@@ -346,7 +358,7 @@ bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Footprin
         return true;
     request.addObject(object, sizeof(*object));
     if (object->mData)
-        request.addMember(object->mData, object->mAllocated * object->mBlockStructure->totalSize());
+        request.addMember(object->mData, object->mAllocated * object->mStride);
     return true;
 }
 } // namespace Data

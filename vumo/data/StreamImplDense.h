@@ -2,6 +2,8 @@
 
 #include "vumo/data/StreamImpl.h"
 
+#include <vector>
+
 namespace vumo
 {
 namespace Data
@@ -81,6 +83,7 @@ public:
 
 private:
     bool hasStaleBlock() const;
+    void rememberLayout();
     char* slot(unsigned int i) const;
     bool reallocate(unsigned long long slots);
     bool resetElement(unsigned int i);
@@ -91,8 +94,12 @@ private:
 
     unsigned int mCount = 0;
     unsigned int mAllocated = 0;
-    char* mData = nullptr;                // from realloc
-    Ref<const Structure> mBlockStructure; // the layout by which the block was made, while there is one
+    char* mData = nullptr; // from realloc
+
+    // The layout by which the block was made. The structure may be another one, or have grown, once there
+    // are no elements.
+    unsigned long long mStride = 0;
+    std::vector<Member> mBlockMembers;
 };
 } // namespace Data
 } // namespace vumo
