@@ -1,0 +1,235 @@
+#include "vumo/data/Index.h"
+
+#include "tests/support/DataFixtures.h"
+#include "tests/support/Random.h"
+
+#include <utility>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+class IndexTest : public test::DataTest
+{
+};
+
+using IndexPropertyTest = IndexTest;
+using IndexGoldenTest = IndexTest;
+
+struct TextCase
+{
+    const char* typeName;
+    std::string text;
+    const char* result; // the index as text, or what is thrown
+};
+
+TEST_F(IndexTest, DoCreate_ReadsTheTextOfEachType)
+{
+    const TextCase cases[] = {
+        {"numeric", "12", "12"},
+        {"numeric", "  12\t", "12"},
+        {"numeric", "\r12 \r", "12"},
+        {"numeric", "007", "7"},
+        {"numeric", "4294967295", "4294967295"},
+        {"numeric", "4294967296", "eCreationErrors: 1"},
+        {"numeric", "", "eCreationErrors: 1"},
+        {"numeric", "  ", "eCreationErrors: 1"},
+        {"numeric", "12 34", "eCreationErrors: 2"},
+        {"numeric", "-1", "eCreationErrors: 1"},
+        {"numeric", "+1", "eCreationErrors: 1"},
+        {"numeric", "1e3", "eCreationErrors: 1"},
+        {"numeric", "0x10", "eCreationErrors: 1"},
+        {"numeric", "1\n", "eCreationErrors: 1"},
+        {"numeric", "1\v", "eCreationErrors: 1"},
+        {"numeric", "1\f", "eCreationErrors: 1"},
+        {"numeric", "1,000", "eCreationErrors: 1"},
+        {"numeric", std::string("1\0", 2), "eCreationErrors: 1"},
+        {"numeric", "1\xB2", "eCreationErrors: 1"},
+        {"pair", "3 7", "3 7"},
+        {"pair", " 3\t7\r", "3 7"},
+        {"pair", "4294967295 0", "4294967295 0"},
+        {"pair", "4,5", "eCreationErrors: 1"},
+        {"pair", "4", "eCreationErrors: 1"},
+        {"pair", "4 ", "eCreationErrors: 1"},
+        {"pair", "", "eCreationErrors: 1"},
+        {"pair", "4 4294967296", "eCreationErrors: 1"},
+        {"pair", "4 -5", "eCreationErrors: 1"},
+        {"pair", "4\n5", "eCreationErrors: 1"},
+        {"pair", "4 5 6", "eCreationErrors: 2"},
+        {"string", "", ""},
+        {"string", " any\n\"text\" \xFF", " any\n\"text\" \xFF"},
+        {"Pair", "4 5", "eCreationErrors: 0"},
+        {"", "4", "eCreationErrors: 0"},
+    };
+    const unsigned long long created = Index::_objectsCreated;
+    for (const TextCase& expected : cases)
+    {
+        SCOPED_TRACE(std::string(expected.typeName) + " of '" + expected.text + "'");
+        std::string result;
+        const std::string thrown = test::thrownBy([&] {
+            const Index index = Index::doCreate(expected.typeName, expected.text);
+            EXPECT_EQ(index.typeName(), expected.typeName);
+            result = index.asString();
+        });
+        EXPECT_EQ(thrown == "nothing" ? result : thrown, expected.result);
+    }
+    EXPECT_GT(Index::_objectsCreated, created);
+}
+
+TEST_F(IndexTest, Registry_KeepsTheFirstCreatorOfAName)
+{
+    const Index::Creator fortyTwo = [](const std::string&) { return Index(42); };
+    EXPECT_FALSE(Index::registerType("numeric", fortyTwo));
+    EXPECT_EQ(Index::doCreate("numeric", "7").index(), 7U);
+    EXPECT_TRUE(Index::registerType("fortyTwo", fortyTwo));
+    EXPECT_FALSE(Index::registerType("fortyTwo", &Index::TypeCreator));
+    EXPECT_EQ(Index::doCreate("fortyTwo", "7").index(), 42U);
+    Index::creators().erase("fortyTwo");
+    EXPECT_EQ(test::thrownBy([] { Index::creator("fortyTwo"); }), "eCreationErrors: 0");
+    EXPECT_TRUE(IndexPair::myRegistration && IndexString::myRegistration);
+}
+
+TEST_F(IndexTest, CopyConstruction_ClonesAndAssignmentShares)
+{
+    Index pair = IndexPair(1, 2);
+    Index copy(pair);
+    EXPECT_NE(static_cast<IndexType*>(copy), static_cast<IndexType*>(pair));
+    EXPECT_TRUE(copy == pair);
+    Index assigned(5);
+    assigned = pair;
+    EXPECT_EQ(static_cast<IndexType*>(assigned), static_cast<IndexType*>(pair));
+    const Index& itself = assigned;
+    assigned = itself;
+    pair = 9;
+    EXPECT_EQ(static_cast<IndexType*>(pair), nullptr);
+    EXPECT_EQ(pair.index(), 9U);
+    EXPECT_EQ(assigned.asString(), "1 2");
+    EXPECT_EQ(static_cast<IndexType*>(assigned)->refCount(), 1);
+    assigned = Index(3);
+    EXPECT_EQ(assigned.asString(), "3");
+}
+
+TEST_F(IndexTest, ComplexIndices_ReadAsNumberZero)
+{
+    Index index(7);
+    index = Index(IndexPair(1, 2));
+    EXPECT_EQ(index.index(), 0U);
+    EXPECT_EQ(static_cast<unsigned int>(index), 0U);
+    EXPECT_EQ(index.typeName(), "pair");
+    EXPECT_EQ(Index(7).typeName(), "numeric");
+    EXPECT_TRUE(Index(7).supportsDenseMode());
+    EXPECT_TRUE(index.supportsDenseMode());
+    EXPECT_FALSE(Index(IndexString("a")).supportsDenseMode());
+}
+
+TEST_F(IndexTest, DenseSpaceBetween_CountsBothEndsAndWraps)
+{
+    const IndexPair origin(0, 0);
+    const IndexPair corner(4294967295U, 65535);
+    struct SpaceCase
+    {
+        Index left;
+        Index right;
+        unsigned int space;
+    };
+    const SpaceCase cases[] = {
+        {3, 3, 1},
+        {3, 10, 8},
+        {0, 4294967295U, 0},
+        {0, 4294967294U, 4294967295U},
+        {3, IndexPair(3, 3), 0},
+        {IndexPair(1, 1), IndexPair(3, 4), 12},
+        {IndexPair(1, 4), IndexPair(3, 1), 12},
+        {origin, corner, 0},
+        {IndexPair(0, 0), IndexPair(65535, 65536), 65536},
+        {IndexPair(1, 1), IndexString("1 1"), 0},
+        {IndexString("a"), IndexString("a"), 0},
+    };
+    for (const SpaceCase& expected : cases)
+    {
+        SCOPED_TRACE(expected.left.asString() + " to " + expected.right.asString());
+        EXPECT_EQ(expected.left.denseSpaceBetween(expected.right), expected.space);
+        EXPECT_EQ(expected.right.denseSpaceBetween(expected.left), expected.space);
+    }
+}
+
+TEST_F(IndexTest, Order_FollowsNumbersCoordinatesAndBytes)
+{
+    const std::pair<Index, Index> ascending[] = {
+        {5, IndexPair(0, 0)},
+        {4294967295U, IndexString("")},
+        {2147483647, 2147483648U},
+        {IndexPair(4, 5), IndexPair(5, 0)},
+        {IndexPair(4, 4), IndexPair(4, 5)},
+        {IndexString(""), IndexString("a")},
+        {IndexString("B"), IndexString("a")},
+        {IndexString("ab"), IndexString("abc")},
+        {IndexString("z"), IndexString("\xC3\xA4")}, // bytes are unsigned
+    };
+    for (const auto& [low, high] : ascending)
+    {
+        SCOPED_TRACE(low.asString() + " before " + high.asString());
+        EXPECT_TRUE(low < high && low <= high && low != high);
+        EXPECT_FALSE(low > high || low >= high || low == high);
+        EXPECT_TRUE(high > low && high >= low && high != low);
+        EXPECT_FALSE(high < low || high <= low || high == low);
+    }
+}
+
+/// Every index type, with few enough values for many to be equal.
+Index anyIndex(test::Random& random)
+{
+    const unsigned int a = random.below(3);
+    const unsigned int b = random.below(3);
+    switch (random.below(3))
+    {
+    case 0:
+        return Index(a);
+    case 1:
+        return Index(IndexPair(a, b));
+    default:
+        return Index(IndexString(std::string(a, 'x') + std::string(b, 'y')));
+    }
+}
+
+TEST_F(IndexPropertyTest, Order_IsTotalOverAllTypes)
+{
+    test::Random random;
+    SCOPED_TRACE(random.seedText());
+    for (int round = 0; round < 20000; ++round)
+    {
+        const Index a = anyIndex(random);
+        const Index b = anyIndex(random);
+        const Index c = anyIndex(random);
+        SCOPED_TRACE(a.asString() + " | " + b.asString() + " | " + c.asString());
+        ASSERT_EQ((a < b) + (a == b) + (a > b), 1);
+        ASSERT_EQ(a <= b, a < b || a == b);
+        ASSERT_EQ(a >= b, !(a < b));
+        ASSERT_EQ(a != b, !(a == b));
+        ASSERT_EQ(a<b, b> a);
+        ASSERT_EQ(a == b, a.typeName() == b.typeName() && a.asString() == b.asString());
+        ASSERT_TRUE(!(a < b && b < c) || a < c);
+    }
+}
+
+TEST_F(IndexGoldenTest, Debug_WritesNumbersPairsAndTexts)
+{
+    const Index number(12);
+    const Index complex = IndexPair(3, 7);
+    const IndexPair pair(3, 7);
+    const IndexString text("a b");
+    EXPECT_EQ(test::printed(&number), "12");
+    EXPECT_EQ(test::printed(&complex), "");
+    EXPECT_EQ(test::printed(&pair), "3,7");
+    EXPECT_EQ(test::printed(&text), "a b");
+    EXPECT_EQ(test::printed<Index>(nullptr), "");
+    EXPECT_EQ(test::footprintOf(&number).totalSize(), sizeof(Index));
+    EXPECT_EQ(test::footprintOf(&complex).totalSize(), sizeof(Index));
+    EXPECT_EQ(test::footprintOf(&pair).totalSize(), sizeof(IndexPair));
+    EXPECT_EQ(test::footprintOf(&text).totalSize(), sizeof(IndexString) + 4);
+}
+} // namespace
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,147 @@
+#include "vumo/data/StreamIterator.h"
+
+#include "tests/support/DataFixtures.h"
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+class StreamIteratorTest : public test::DataTest
+{
+protected:
+    static std::string indicesOf(const Stream& stream)
+    {
+        std::string indices;
+        for (StreamIterator position = stream.cbegin(); position != stream.cend(); ++position)
+            indices += position.index().asString() + "; ";
+        return indices;
+    }
+
+    Ref<Structure> mRecord = test::recordStructure();
+    Handle mElement = test::record(*mRecord, 1, "one");
+};
+
+TEST_F(StreamIteratorTest, WithoutAStream_EveryUseThrows)
+{
+    StreamIterator nothing;
+    const StreamIterator constNothing;
+    EXPECT_FALSE(nothing.valid());
+    EXPECT_FALSE(nothing == nothing);
+    EXPECT_TRUE(nothing != nothing);
+    EXPECT_FALSE(nothing == Stream().end());
+    EXPECT_TRUE(Stream().end() != nothing);
+    const std::string thrown = "runtime_error: No Stream Iterator implementation";
+    const std::string thrownByConst = "runtime_error: No const Stream Iterator implementation";
+    EXPECT_EQ(test::thrownBy([&] { *nothing; }), thrown);
+    EXPECT_EQ(test::thrownBy([&] { nothing.operator->(); }), thrown);
+    EXPECT_EQ(test::thrownBy([&] { ++nothing; }), thrown);
+    EXPECT_EQ(test::thrownBy([&] { nothing++; }), thrown);
+    EXPECT_EQ(test::thrownBy([&] { nothing.impl(); }), thrown);
+    EXPECT_EQ(test::thrownBy([&] { constNothing.impl(); }), thrown);
+    EXPECT_EQ(test::thrownBy([&] { *constNothing; }), thrownByConst);
+    EXPECT_EQ(test::thrownBy([&] { constNothing.operator->(); }), thrownByConst);
+    EXPECT_EQ(test::thrownBy([&] { constNothing.index(); }), thrownByConst);
+    const StreamIterator copy(nothing);
+    nothing = copy;
+    EXPECT_FALSE(nothing.valid());
+}
+
+TEST_F(StreamIteratorTest, EndPositions_AreEqualFixedAndStay)
+{
+    for (const bool isDense : {false, true})
+    {
+        SCOPED_TRACE(isDense ? "dense" : "mapped");
+        Stream stream(*mRecord, "s");
+        stream.useDenseStorage(isDense);
+        EXPECT_TRUE(stream.begin() == stream.end());
+        EXPECT_FALSE(stream.begin().valid());
+        EXPECT_EQ(test::thrownBy([&] { *stream.begin(); }), "out_of_range: Iterator not at a valid position");
+        stream.setElement(0, mElement);
+        StreamIterator stepped = stream.begin();
+        EXPECT_TRUE(stepped.valid());
+        for (int i = 0; i < 3; ++i)
+        {
+            ++stepped;
+            EXPECT_FALSE(stepped.valid());
+            EXPECT_EQ(stepped.index().index(), 4294967295U);
+            EXPECT_TRUE(stepped == stream.end());
+            EXPECT_FALSE(stepped->hasData());
+        }
+        const StreamIterator end = stream.end();
+        EXPECT_EQ(end.index().index(), 4294967295U);
+        EXPECT_EQ(test::thrownBy([&] { *end; }), "out_of_range: Iterator not at a valid position");
+        EXPECT_EQ(test::thrownBy([&] { end.operator->(); }), "out_of_range: Iterator not at a valid position");
+        EXPECT_TRUE(++StreamIterator(end) == end);
+        Stream copy(stream);
+        copy.makeUnique();
+        EXPECT_TRUE(copy.end() != end);
+        EXPECT_TRUE(copy.begin() != stream.begin());
+    }
+}
+
+TEST_F(StreamIteratorTest, AnElementAtTheEndsIndex_IsNotTheEnd)
+{
+    Stream stream(*mRecord, "s");
+    stream.setElement(4294967295U, mElement);
+    StreamIterator position = stream.begin();
+    EXPECT_TRUE(position != stream.end());
+    EXPECT_TRUE(++position == stream.end());
+}
+
+TEST_F(StreamIteratorTest, PostfixAndCopies_KeepTheirPlaces)
+{
+    for (const bool isDense : {false, true})
+    {
+        Stream stream(*mRecord, "s");
+        stream.useDenseStorage(isDense);
+        for (unsigned int i = 0; i < 3; ++i)
+            stream.setElement(i, test::record(*mRecord, i, "l"));
+        StreamIterator position = stream.begin();
+        const StreamIterator before = position++;
+        EXPECT_EQ(before.index().index(), 0U);
+        EXPECT_EQ(position.index().index(), 1U); // unlike other iterators' postfix this one steps
+        StreamIterator copy(position);
+        ++copy;
+        EXPECT_EQ(test::recordText(*before), "0 l");
+        EXPECT_EQ(test::recordText(*position), "1 l");
+        EXPECT_EQ(test::recordText(*copy), "2 l");
+        position = copy;
+        const StreamIterator& itself = position;
+        position = itself;
+        EXPECT_TRUE(position == copy);
+        EXPECT_EQ(test::recordText(*position), "2 l");
+    }
+}
+
+TEST_F(StreamIteratorTest, Walks_FollowIndexOrderAndFillDenseGaps)
+{
+    Stream sparse(*mRecord, "sparse");
+    sparse.setElement(IndexString("b"), mElement);
+    sparse.setElement(1000000, mElement);
+    sparse.setElement(IndexString("a"), mElement);
+    sparse.setElement(7, mElement);
+    EXPECT_EQ(indicesOf(sparse), "7; 1000000; a; b; ");
+    Stream dense(*mRecord, "dense");
+    dense.useDenseStorage(true);
+    dense.setElement(4, mElement);
+    EXPECT_EQ(indicesOf(dense), "0; 1; 2; 3; 4; ");
+    EXPECT_TRUE(dense.begin()->isDefault());
+    EXPECT_FALSE(dense.element(4).isDefault());
+}
+
+TEST_F(StreamIteratorTest, AClearedDenseStream_IsWalkedWithoutData)
+{
+    Stream stream(*mRecord, "s");
+    stream.useDenseStorage(true);
+    stream.setElement(1, mElement);
+    stream.clear();
+    EXPECT_EQ(indicesOf(stream), "0; 1; ");
+    StreamIterator position = stream.begin();
+    EXPECT_FALSE(position.valid());
+    EXPECT_FALSE(position->hasData());
+}
+} // namespace
+} // namespace Data
+} // namespace vumo

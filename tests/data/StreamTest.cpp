@@ -1,0 +1,276 @@
+#include "vumo/data/Stream.h"
+
+#include "tests/support/DataFixtures.h"
+
+#include <initializer_list>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+class StreamTest : public test::DataTest
+{
+protected:
+    /// A stream of records whose labels are their numbers, at these indices.
+    Stream streamWith(std::initializer_list<unsigned int> indices, bool isDense = false) const
+    {
+        Stream stream(*mRecord, "records");
+        stream.useDenseStorage(isDense);
+        for (const unsigned int index : indices)
+            EXPECT_TRUE(stream.setElement(index, test::record(*mRecord, index, "l" + std::to_string(index))));
+        return stream;
+    }
+
+    /// All elements as "index: number label, ".
+    static std::string contents(const Stream& stream)
+    {
+        std::string text;
+        for (StreamIterator position = stream.begin(); position != stream.end(); ++position)
+            text += position.index().asString() + ": " + test::recordText(*position) + ", ";
+        return text;
+    }
+
+    Ref<Structure> mRecord = test::recordStructure();
+};
+
+TEST_F(StreamTest, ANewStream_IsMappedNumericAndEmpty)
+{
+    const Stream stream;
+    EXPECT_EQ(stream.name(), "Stream");
+    EXPECT_STREQ(stream.structure().name(), "structure");
+    EXPECT_EQ(stream.indexType(), "numeric");
+    EXPECT_FALSE(stream.useDefaults());
+    EXPECT_EQ(stream.elementCount(), 0U);
+    EXPECT_TRUE(stream.begin() == stream.end());
+    EXPECT_TRUE(Stream(*mRecord, "s").useDenseStorage(false));
+}
+
+TEST_F(StreamTest, Copies_ShareUntilMadeUnique)
+{
+    for (const bool isDense : {false, true})
+    {
+        SCOPED_TRACE(isDense ? "dense" : "mapped");
+        Stream first = streamWith({0, 2}, isDense);
+        EXPECT_FALSE(first.makeUnique());
+        Stream second(first);
+        const Stream& itself = second;
+        second = itself;
+        second.setElement(1, test::record(*mRecord, 11, "shared"));
+        EXPECT_EQ(test::recordText(first, 1), "11 shared");
+        EXPECT_TRUE(second.makeUnique());
+        EXPECT_FALSE(first.makeUnique());
+        second.removeElement(0);
+        Handle own = second.element(1);
+        test::setText(own, "label", "own");
+        EXPECT_EQ(contents(first), "0: 0 l0, 1: 11 shared, 2: 2 l2, ");
+        EXPECT_EQ(test::recordText(second, 1), "11 own");
+    }
+}
+
+TEST_F(StreamTest, SetElement_TakesOnlyDataOfItsVeryStructure)
+{
+    const auto equal = test::recordStructure();
+    for (const bool isDense : {false, true})
+    {
+        Stream stream = streamWith({1}, isDense);
+        EXPECT_FALSE(stream.setElement(1, Handle(*equal)));
+        EXPECT_FALSE(stream.setElement(1, Handle(*mRecord, nullptr)));
+        EXPECT_FALSE(stream.setElement(7, Handle(*mRecord, nullptr)));
+        EXPECT_FALSE(stream.hasElement(7));
+        EXPECT_EQ(test::recordText(stream, 1), "1 l1");
+        Handle mine = test::record(*mRecord, 5, "five");
+        EXPECT_TRUE(stream.setElement(1, mine));
+        test::setText(mine, "label", "changed later");
+        EXPECT_EQ(test::recordText(stream, 1), "5 five");
+    }
+}
+
+TEST_F(StreamTest, ElementsWithoutSize_AreStoredWithoutABlock)
+{
+    const Ref<Structure> empty(Structure::create());
+    for (const bool isDense : {false, true})
+    {
+        Stream stream(*empty, "nothing");
+        stream.useDenseStorage(isDense);
+        EXPECT_TRUE(stream.setElement(1, Handle(*empty)));
+        EXPECT_TRUE(stream.hasElement(1));
+        EXPECT_FALSE(stream.element(1).hasData());
+        EXPECT_TRUE(stream.reindexElement(1, 4));
+        EXPECT_TRUE(stream.swapElements(4, 4));
+        Stream copy(stream);
+        EXPECT_TRUE(copy.makeUnique());
+        EXPECT_TRUE(copy.hasElement(4));
+        EXPECT_TRUE(copy.removeElement(4));
+        EXPECT_TRUE(copy.clear());
+    }
+}
+
+TEST_F(StreamTest, ElementsSetFromTheirOwnStream_AreCopiedBeforeTheOldOnesGo)
+{
+    for (const bool isDense : {false, true})
+    {
+        SCOPED_TRACE(isDense ? "dense" : "mapped");
+        Stream stream = streamWith({0, 3}, isDense);
+        EXPECT_TRUE(stream.setElement(3, stream.element(3)));
+        EXPECT_TRUE(stream.setElement(0, stream.element(3)));
+        const Handle borrowed = stream.element(3);
+        EXPECT_TRUE(stream.setElement(5000, borrowed)); // a dense block moves
+        StreamIterator position = stream.begin();
+        EXPECT_TRUE(stream.setElement(0, *position));
+        EXPECT_EQ(test::recordText(stream, 0), "3 l3");
+        EXPECT_EQ(test::recordText(stream, 3), "3 l3");
+        EXPECT_EQ(test::recordText(stream, 5000), "3 l3");
+        EXPECT_TRUE(stream.mergeStream(stream));
+        Stream sharer(stream);
+        EXPECT_TRUE(stream.mergeStream(sharer));
+        EXPECT_EQ(test::recordText(stream, 5000), "3 l3");
+        EXPECT_FALSE(stream.setStructure(stream.structure()));
+    }
+}
+
+TEST_F(StreamTest, Merge_WalksByNumberAndStopsAtTheFirstRefusal)
+{
+    Stream target = streamWith({1, 2});
+    Handle old = target.element(1);
+    test::setText(old, "label", "old");
+    EXPECT_TRUE(target.mergeStream(streamWith({1, 7}))); // two elements: the numbers 0 and 1
+    EXPECT_EQ(contents(target), "1: 1 l1, 2: 2 l2, ");
+    EXPECT_TRUE(target.mergeStream(streamWith({4}, true)));
+    EXPECT_EQ(target.elementCount(), 5U); // dense default elements exist, too
+    EXPECT_EQ(test::recordText(target, 1), "0 ");
+
+    const auto equal = test::recordStructure();
+    Stream foreign(*equal, "foreign");
+    EXPECT_TRUE(target.mergeStream(foreign));
+    foreign.setElement(0, test::record(*equal, 1, "x"));
+    EXPECT_FALSE(target.mergeStream(foreign));
+    EXPECT_EQ(test::recordText(target, 0), "0 ");
+    Stream pairs(*mRecord, "pairs");
+    pairs.setIndexType("pair");
+    pairs.setElement(IndexPair(0, 0), test::record(*mRecord, 1, "x"));
+    EXPECT_TRUE(target.mergeStream(pairs));
+    EXPECT_EQ(test::recordText(target, 0), "0 ");
+}
+
+TEST_F(StreamTest, SetIndexType_NeedsAnEmptyStreamAndMapsIt)
+{
+    Stream stream = streamWith({0});
+    EXPECT_EQ(test::thrownBy([&] { stream.setIndexType("nonsense"); }), "eCreationErrors: 0");
+    EXPECT_TRUE(stream.setIndexType("numeric"));
+    EXPECT_FALSE(stream.setIndexType("pair"));
+    EXPECT_EQ(stream.indexType(), "numeric");
+
+    Stream dense(*mRecord, "dense");
+    dense.setUseDefaults(true);
+    EXPECT_TRUE(dense.useDenseStorage(true));
+    EXPECT_FALSE(dense.setUseDefaults(true)); // a change of storage does not take the flag along
+    Stream sharer(dense);
+    EXPECT_TRUE(dense.setIndexType("pair"));
+    EXPECT_TRUE(dense.useDenseStorage(false)); // it is mapped already
+    EXPECT_EQ(dense.indexType(), "pair");
+    EXPECT_EQ(dense.name(), "dense");
+    EXPECT_TRUE(dense.useDefaults());
+    EXPECT_EQ(sharer.indexType(), "numeric");
+    EXPECT_TRUE(dense.setElement(IndexPair(1, 2), Handle(*mRecord)));
+}
+
+TEST_F(StreamTest, SetIndexType_MayBeGivenTheStreamsOwnName)
+{
+    Stream stream(*mRecord, "string");
+    stream.useDenseStorage(true);
+    EXPECT_TRUE(stream.setIndexType(stream.name()));
+    EXPECT_EQ(stream.indexType(), "string");
+}
+
+TEST_F(StreamTest, UseDenseStorage_MovesElementsAndReportsWhetherThereWereNone)
+{
+    Stream stream(*mRecord, "s");
+    EXPECT_TRUE(stream.useDenseStorage(true));
+    EXPECT_TRUE(stream.useDenseStorage(false));
+    stream = streamWith({3, 10});
+    EXPECT_FALSE(stream.useDenseStorage(true));
+    EXPECT_EQ(stream.elementCount(), 11U);
+    EXPECT_EQ(test::recordText(stream, 3), "3 l3");
+    EXPECT_EQ(test::recordText(stream, 4), "0 ");
+    EXPECT_TRUE(stream.useDenseStorage(true));
+    Stream sharer(stream);
+    EXPECT_FALSE(stream.useDenseStorage(false));
+    EXPECT_EQ(stream.elementCount(), 11U);
+    stream.removeElement(4);
+    EXPECT_FALSE(stream.hasElement(4));
+    EXPECT_TRUE(sharer.hasElement(4));
+
+    Stream texts(*mRecord, "texts");
+    texts.setIndexType("string");
+    texts.setElement(IndexString("a"), test::record(*mRecord, 1, "first"));
+    texts.setElement(IndexString("b"), test::record(*mRecord, 2, "last"));
+    EXPECT_FALSE(texts.useDenseStorage(true));
+    EXPECT_EQ(contents(texts), "0: 2 last, ");
+    EXPECT_EQ(texts.indexType(), "numeric");
+}
+
+TEST_F(StreamTest, SetStructure_ReleasesTheOldOneAndNeedsAnEmptyStream)
+{
+    const auto other = test::heldStructure("Other", {{Member::kInt32, 1, "i"}});
+    Stream stream = streamWith({0});
+    EXPECT_FALSE(stream.setStructure(*other));
+    EXPECT_EQ(other->refCount(), 1);
+    stream.clear();
+    for (StreamIterator position = stream.begin(); position.valid();)
+        ++position;
+    EXPECT_TRUE(stream.setStructure(*other));
+    EXPECT_EQ(&stream.structure(), other.get());
+    EXPECT_TRUE(stream.setElement(0, Handle(*other)));
+    StreamIterator position = stream.begin();
+    ++position;
+    EXPECT_TRUE(position->usesStructure(*other));
+    EXPECT_EQ(mRecord->refCount(), 1);
+}
+
+TEST_F(StreamTest, Handles_WriteThroughToTheElement)
+{
+    for (const bool isDense : {false, true})
+    {
+        Stream stream = streamWith({0, 1}, isDense);
+        Handle handle = stream.element(1);
+        test::setText(handle, "label", "written");
+        EXPECT_EQ(test::recordText(stream, 1), "1 written");
+        EXPECT_TRUE(handle.makeUnique());
+        test::setText(handle, "label", "elsewhere");
+        EXPECT_EQ(test::recordText(stream, 1), "1 written");
+        EXPECT_FALSE(stream.element(2).hasData());
+        EXPECT_TRUE(stream.element(2).usesStructure(*mRecord));
+    }
+}
+
+TEST_F(StreamTest, Debug_PrintsTheHeaderAndTheStorage)
+{
+    Stream stream = streamWith({0});
+    const std::string header = "Data Stream 'records' uses structure 'Record' with index type 'numeric'\n";
+    EXPECT_EQ(test::printedWithoutAddresses(&stream), header + "Data Stream (Mapped)\n"
+                                                               "{\n"
+                                                               "    PTR: ADDRESS\n"
+                                                               "    Lowest valid index = 0\n"
+                                                               "    Highest valid index = 0\n"
+                                                               "    Stream Elements\n"
+                                                               "    {\n"
+                                                               "        Element count = 1\n"
+                                                               "        Index (0), Handle (1 elements: [ l0 ])\n"
+                                                               "    }\n"
+                                                               "}\n");
+    stream.useDenseStorage(true);
+    EXPECT_EQ(test::printed(&stream), header + "Data Stream\n"
+                                               "{\n"
+                                               "    Highest valid index = 1\n"
+                                               "    Number allocated    = 240\n"
+                                               "    Stream Elements\n"
+                                               "    {\n"
+                                               "        Index (0), Handle (1 elements: [ 0 ])\n"
+                                               "    }\n"
+                                               "}\n");
+}
+} // namespace
+} // namespace Data
+} // namespace vumo
