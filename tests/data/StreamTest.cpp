@@ -102,6 +102,8 @@ TEST_F(StreamTest, ElementsWithoutSize_AreStoredWithoutABlock)
         Stream copy(stream);
         EXPECT_TRUE(copy.makeUnique());
         EXPECT_TRUE(copy.hasElement(4));
+        EXPECT_EQ(copy.reindexElement(4, 4294967295U), !isDense); // cannot be counted
+        EXPECT_EQ(copy.elementCount(), isDense ? 5U : 1U);
         EXPECT_TRUE(copy.removeElement(4));
         EXPECT_TRUE(copy.clear());
     }
