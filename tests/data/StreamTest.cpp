@@ -213,6 +213,15 @@ TEST_F(StreamTest, UseDenseStorage_MovesElementsAndReportsWhetherThereWereNone)
     EXPECT_EQ(texts.indexType(), "numeric");
 }
 
+TEST_F(StreamTest, UseDenseStorage_KeepsTheStorageThatHasRoomForAllElements)
+{
+    Stream stream = streamWith({3});
+    stream.setElement(0xFFFFFFFF, test::record(*mRecord, 9, "an index that cannot be counted"));
+    EXPECT_FALSE(stream.useDenseStorage(true));
+    EXPECT_EQ(stream.elementCount(), 2U);
+    EXPECT_TRUE(stream.hasElement(0xFFFFFFFF));
+}
+
 TEST_F(StreamTest, SetStructure_ReleasesTheOldOneAndNeedsAnEmptyStream)
 {
     const auto other = test::heldStructure("Other", {{Member::kInt32, 1, "i"}});

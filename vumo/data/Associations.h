@@ -17,6 +17,9 @@ namespace Data
 ///
 /// An Associations is a cheap front: copies share the channels, and a change made through one is seen by
 /// all. Nothing copies on its own when modified; call makeUnique() before changing what may be shared.
+///
+/// Walks and positions follow the names. Where a channel was renamed through another object that shares it,
+/// it keeps its place here until it is set again; looking it up by its new name finds it all the same.
 class VUMO_EXPORT Associations
 {
 public:

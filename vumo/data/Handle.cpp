@@ -40,25 +40,9 @@ std::string fallbackText(Member::eDataType type)
 std::string unrecognizedMessage(Member::eDataType type)
 {
     std::string word = detail::typeWord(type);
-    switch (type)
-    {
-    case Member::kBoolean:
-        word[0] = 'b';
-        break;
-    case Member::kDouble:
-    case Member::kDoubleMatrix4x4:
-        word[0] = 'd';
-        break;
-    case Member::kFloat:
-    case Member::kFloatMatrix4x4:
-        word[0] = 'f';
-        break;
-    case Member::kString:
-        word[0] = 's';
-        break;
-    default:
-        break; // the integers keep their capitals
-    }
+    const bool isInteger = word.find("Int") != std::string::npos; // those keep their capitals
+    if (!isInteger)
+        word[0] = static_cast<char>(word[0] - 'A' + 'a');
     return "Data not recognized as a " + word;
 }
 
@@ -90,7 +74,7 @@ int storeString(const std::string& text, char* value, std::ostream& messages)
     const std::string::size_type zero = text.find('\0');
     if (zero != std::string::npos)
     {
-        messages << detail::entryMessage(Member::kString, 0, static_cast<long long>(zero) + 1, text) << "\n";
+        messages << detail::entryMessage(Member::kString, 0, static_cast<long long>(zero) + 1, "") << "\n";
         return 1; // the stored text would end there
     }
     char* const copy = detail::duplicateText(text.c_str());
@@ -393,9 +377,7 @@ bool Handle::Debug(const Handle* object, vumo::Debug::Print& request)
     if (isFilterSet(request, kDebugHex))
     {
         vumo::Debug::Print bytes(line);
-        line << "(";
-        bytes << static_cast<const void*>(object->mData);
-        line << ") ";
+        line << "(" << static_cast<const void*>(object->mData) << ") ";
         for (unsigned int i = 0; object->mData && i < length; ++i)
         {
             line << " ";

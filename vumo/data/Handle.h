@@ -38,7 +38,8 @@ public:
     /// Takes the block with its ownership; `other` is left without data.
     Handle(Handle&& other) noexcept;
 
-    /// Releases an owned block, unless the source borrows that very block: then it is kept, and owned.
+    /// Releases an owned block, unless the source borrows that very block: then it is kept, and owned. (A source
+    /// that borrows it on another structure is misuse.)
     Handle& operator=(const Handle& other);
     Handle& operator=(Handle&& other) noexcept;
     ~Handle();

@@ -151,7 +151,7 @@ std::map<std::string, Index::Creator>& Index::creators()
 
 bool Index::registerType(const std::string& name, Creator creator)
 {
-    return creators().emplace(name, creator).second;
+    return creator && creators().emplace(name, creator).second;
 }
 
 Index::Creator Index::creator(const std::string& name)

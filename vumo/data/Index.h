@@ -72,7 +72,7 @@ public:
     /// The registry of index types, by name. Registrations only ever add.
     static std::map<std::string, Creator>& creators();
 
-    /// False, with nothing changed, when the name is taken.
+    /// False, with nothing changed, when the name is taken or the creator null.
     static bool registerType(const std::string& name, Creator creator);
 
     /// Throws `eUnknownIndexType`.

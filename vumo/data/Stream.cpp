@@ -10,6 +10,8 @@ namespace vumo
 {
 namespace Data
 {
+const std::string Stream::kDebugHex = "hex";
+
 unsigned long long Stream::_objectsCreated = 0;
 unsigned long long Stream::_objectsAlive = 0;
 
@@ -147,13 +149,17 @@ bool Stream::useDenseStorage(bool useDense)
         return true;
 
     const bool wasEmpty = elementCount() == 0;
-    Stream converted(structure(), name());
-    if (useDense)
-        converted.mImpl = Ref<StreamImpl>(new StreamImplDense(structure(), name()));
+    StreamImpl* const impl = useDense ? static_cast<StreamImpl*>(new StreamImplDense(structure(), name()))
+                                      : new StreamImplMapped(structure(), name());
+    const Ref<StreamImpl> converted(impl);
     const StreamIterator last = end();
     for (StreamIterator position = begin(); position != last; ++position)
-        converted.setElement(position.index(), *position);
-    mImpl = converted.mImpl;
+    {
+        const bool isKept = converted->setElement(position.index(), *position);
+        if (!isKept && position->hasData())
+            return false; // there is no place for it: the stream keeps the storage that it has
+    }
+    mImpl = converted;
     return wasEmpty;
 }
 

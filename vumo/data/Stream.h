@@ -81,7 +81,8 @@ public:
     bool setIndexType(const std::string& typeName);
 
     /// Moves the elements to dense storage, or back to mapped storage. True when nothing had to be done or
-    /// the stream was empty; false when elements were moved, although they were.
+    /// the stream was empty; false when elements were moved, although they were. False, too, with nothing
+    /// changed, when dense storage has no place for one of them.
     ///
     /// Only structure, name and elements travel: the index type becomes "numeric" and the use-defaults flag
     /// false. BEWARE: dense storage reads every complex index as 0, so of the elements at complex indices
@@ -97,8 +98,12 @@ public:
     /// one could not be set; the merge ends there.
     bool mergeStream(const Stream& other);
 
+    /// Honours the filters that `Handle` knows, for its elements.
     static bool Debug(const Stream* object, vumo::Debug::Print& request);
     static bool Debug(const Stream* object, vumo::Debug::Footprint& request);
+
+    /// The name of the filter that asks for the raw bytes of the elements, when not 0.
+    static const std::string kDebugHex;
 
     static unsigned long long _objectsCreated;
     static unsigned long long _objectsAlive;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vumo/data/IndexType.h"
+
 #include <typeinfo>
 
 namespace vumo
@@ -10,8 +12,8 @@ namespace detail
 {
 /// Compares `left` with a value of any index type: by `compare` where both are a T, and by the order of
 /// their classes where they are not.
-template <class T, class Other, class Compare>
-bool compareIndexTypes(const T& left, const Other& right, Compare compare, bool whenClassPrecedes,
+template <class T, class Compare>
+bool compareIndexTypes(const T& left, const IndexType& right, Compare compare, bool whenClassPrecedes,
                        bool whenClassFollows)
 {
     if (const T* const same = dynamic_cast<const T*>(&right))
