@@ -41,3 +41,4 @@
 #include "vumo/foundation/Print.h"
 #include "vumo/foundation/Ref.h"
 #include "vumo/foundation/RefCounted.h"
+#include "vumo/serialize/SerializerRaw.h"

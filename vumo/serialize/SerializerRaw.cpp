@@ -1,0 +1,63 @@
+#include "vumo/serialize/SerializerRaw.h"
+
+#include <iterator>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+constexpr char kWhitespace[] = " \t\n\v\f\r";
+
+constexpr const char* kKeywords[] = {"=",   "endAssociations", "endChannel", "channel", "name",      "indexType", ":",
+                                     "raw", "endStream",       "stream",     "name",    "structure", "name"};
+
+bool isSeparator(char c)
+{
+    return c == '\n' || c == ':';
+}
+} // namespace
+
+const char* SerializerRaw::keyword(eKeyword k)
+{
+    return k < std::size(kKeywords) ? kKeywords[k] : "????";
+}
+
+std::string SerializerRaw::collapseWhitespace(std::string& s)
+{
+    s.erase(s.find_last_not_of(kWhitespace) + 1);
+    s.erase(0, s.find_first_not_of(kWhitespace));
+    return s;
+}
+
+std::string SerializerRaw::standardizeSeparators(std::string& s)
+{
+    std::string::size_type kept = 0;
+    for (std::string::size_type i = 0; i < s.size(); ++i)
+    {
+        const char c = s[i];
+        if (isSeparator(c) && i + 1 < s.size() && isSeparator(s[i + 1]))
+            continue;
+        s[kept++] = c == '\n' ? ':' : c;
+    }
+    s.erase(kept);
+    return s;
+}
+
+std::vector<std::string>& SerializerRaw::splitString(const std::string& s, char delimiter,
+                                                     std::vector<std::string>& pieces)
+{
+    std::string::size_type begin = 0;
+    while (begin < s.size())
+    {
+        std::string::size_type end = s.find(delimiter, begin);
+        if (end == std::string::npos)
+            end = s.size();
+        pieces.push_back(s.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return pieces;
+}
+} // namespace Data
+} // namespace vumo
