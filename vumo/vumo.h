@@ -41,4 +41,8 @@
 #include "vumo/foundation/Print.h"
 #include "vumo/foundation/Ref.h"
 #include "vumo/foundation/RefCounted.h"
+#include "vumo/serialize/SerializerInitializer.h"
 #include "vumo/serialize/SerializerRaw.h"
+#include "vumo/serialize/StructureSerializer.h"
+#include "vumo/serialize/StructureSerializerDebug.h"
+#include "vumo/serialize/StructureSerializerRaw.h"

@@ -1,0 +1,24 @@
+#pragma once
+
+namespace vumo
+{
+namespace Data
+{
+/// Registers the format T with its kind for as long as this object lives.
+///
+/// Meant for an object with static storage, so that the format can be found once its library is loaded.
+template <class T>
+class SerializerInitializer
+{
+public:
+    SerializerInitializer() : mFormat(T::theFormat()) { T::registerFormat(*mFormat); }
+    ~SerializerInitializer() { T::deregisterFormat(*mFormat); }
+
+    SerializerInitializer(const SerializerInitializer&) = delete;
+    SerializerInitializer& operator=(const SerializerInitializer&) = delete;
+
+private:
+    const T* mFormat;
+};
+} // namespace Data
+} // namespace vumo

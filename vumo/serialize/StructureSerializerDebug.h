@@ -1,0 +1,41 @@
+#pragma once
+
+#include "vumo/data/Structure.h"
+#include "vumo/foundation/Export.h"
+#include "vumo/serialize/StructureSerializer.h"
+
+#include <istream>
+#include <ostream>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// The format "debug" of structures: all that debug printing tells about one. For inspection, it cannot be
+/// read. Not found by its name until somebody registers it.
+class VUMO_EXPORT StructureSerializerDebug : public StructureSerializer
+{
+public:
+    /// The one format, made with the first call; the default stays what it is.
+    static StructureSerializerDebug* theFormat();
+
+    StructureSerializerDebug();
+
+    const char* formatType() const override;
+    ~StructureSerializerDebug() override;
+
+    /// Reads nothing; null, with the reason in `errors`.
+    Structure* read(std::istream& in, std::string& errors) const override;
+
+    int write(const Structure& structure, std::ostream& out) const override;
+    std::ostream& getFormatDescription(std::ostream& out) const override;
+
+    /// What formatType() returns.
+    static const char* const structureFormatType;
+
+private:
+    static StructureSerializerDebug* theInstance;
+};
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,243 @@
+#include "vumo/serialize/StructureSerializerRaw.h"
+
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <locale>
+#include <memory>
+#include <sstream>
+#include <vector>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+constexpr char kDescriptionHead[] = "\n"
+                                    "The raw format consists of a series of colon or\n"
+                                    "newline separated fields. The first field  must\n"
+                                    "be the name field,  indicating  the name of the\n"
+                                    "structure:\n"
+                                    "\n"
+                                    "    name=NAME\n"
+                                    "\n"
+                                    "After that  is one  or more  member fields, one\n"
+                                    "for each member of the structure:\n"
+                                    "\n"
+                                    "    TYPE[DIM]=TYPENAME\n"
+                                    "\n"
+                                    "TYPE is one  of the valid  data structure types\n"
+                                    "taken from vumo::Data::Structure:\n"
+                                    "\n"
+                                    "    (";
+constexpr char kDescriptionTail[] = ")\n"
+                                    "\n"
+                                    "\n"
+                                    "[DIM] is an optional suffix denoting the length\n"
+                                    "of the data  member  type with a  default of 1.\n"
+                                    "e.g. a float[3] is a data  member consisting of\n"
+                                    "3 float values.\n"
+                                    "\n"
+                                    "TYPENAME is the unique string defining the name\n"
+                                    "of each member type. It is an error to have the\n"
+                                    "same 'TYPENAME' more than once in a structure.\n"
+                                    "\n"
+                                    "Any extra newlines/whitespace will be ignored.\n"
+                                    "Member names and the  structure  name may only\n"
+                                    "have  internal  whitespace.  (e.g. the  member\n"
+                                    "name 'My Height' is  legal but neither of  the\n"
+                                    "names ' My Height' or 'My Height ' are)\n"
+                                    "\n"
+                                    "Either  newlines  or  colons  may  be  used to\n"
+                                    "separate  member  definitions. These two forms\n"
+                                    "both represent the same structure:\n"
+                                    "\n"
+                                    "    name=My Structure:int32=ID:float[3]=Origin\n"
+                                    "and\n"
+                                    "    name=My Structure\n"
+                                    "    int32=ID\n"
+                                    "    float[3]=Origin";
+
+/// Frees a structure that nobody holds.
+struct FreeUnheld
+{
+    void operator()(Structure* structure) const
+    {
+        structure->ref();
+        structure->unref();
+    }
+};
+
+using Messages = std::vector<std::string>;
+
+std::string joined(const std::vector<std::string>& texts, const char* separator)
+{
+    std::string result;
+    for (const std::string& text : texts)
+        result += (&text == texts.data() ? "" : separator) + text;
+    return result;
+}
+
+/// Reads a dimension, and nothing else; 0 when the text is none.
+unsigned int parseDimension(const std::string& text)
+{
+    std::istringstream in(text);
+    in.imbue(std::locale::classic());
+    std::int64_t dimension = 0; // wide enough to see a sign and what is too large
+    if (!(in >> dimension) || dimension < 0 || dimension > std::numeric_limits<std::uint32_t>::max())
+        return 0;
+    const bool isAlone = in.eof() || (in >> std::ws).eof();
+    return isAlone ? static_cast<unsigned int>(dimension) : 0;
+}
+
+/// Splits "float[3]" into type name and length; returns what is wrong with it or an empty text.
+std::string splitType(const std::string& text, std::string& typeName, unsigned int& length)
+{
+    const std::string::size_type open = text.find('[');
+    const std::string::size_type close = text.rfind(']');
+    const bool hasOpen = open != std::string::npos;
+    const bool hasClose = close != std::string::npos;
+    typeName = text.substr(0, open);
+    length = 1;
+    if (open == 0)
+        return "needs name before dimension specifier";
+    if (hasOpen && !hasClose)
+        return "has opening bracket '[' but no closing bracket ']' for dimension specification";
+    if (!hasOpen && hasClose)
+        return "has closing bracket ']' but no opening bracket '[' for dimension specification";
+    if (!hasOpen)
+        return "";
+    const bool isAtEnd = open < close && close + 1 == text.size();
+    length = isAtEnd ? parseDimension(text.substr(open + 1, close - open - 1)) : 0;
+    return length == 0 ? "needs numeric value for dimension specifier" : "";
+}
+
+void addMember(const std::string& typeText, const std::string& name, Structure& structure, Messages& messages)
+{
+    std::string typeName;
+    unsigned int length = 0;
+    const std::string fault = splitType(typeText, typeName, length);
+    if (!fault.empty())
+    {
+        messages.push_back("Member '" + typeText + "' " + fault);
+        return;
+    }
+    const Member::eDataType type = Member::typeFromName(typeName.c_str());
+    if (type == Member::kInvalidType)
+        messages.push_back("Member type '" + typeText + "' not recognized");
+    else
+        structure.addMember(type, length, name.c_str());
+}
+
+std::vector<std::string> splitFields(std::string& text)
+{
+    const char separator = *SerializerRaw::keyword(SerializerRaw::kFieldSeparator);
+    std::vector<std::string> fields;
+    SerializerRaw::collapseWhitespace(text);
+    SerializerRaw::standardizeSeparators(text);
+    return SerializerRaw::splitString(text, separator, fields);
+}
+
+/// Reads one field into the structure; returns whether it is the name.
+bool readField(std::string field, Structure& structure, Messages& messages)
+{
+    const char* const separator = SerializerRaw::keyword(SerializerRaw::kTypeSeparator);
+    std::vector<std::string> pieces;
+    SerializerRaw::collapseWhitespace(field);
+    SerializerRaw::splitString(field, *separator, pieces);
+    if (pieces.size() != 2 || field.back() == *separator)
+    {
+        messages.push_back(std::string("Member type and name must be separated by '") + separator + "'");
+        return false;
+    }
+    const std::string type = SerializerRaw::collapseWhitespace(pieces[0]);
+    const std::string name = SerializerRaw::collapseWhitespace(pieces[1]);
+    if (type == SerializerRaw::keyword(SerializerRaw::kStructureName))
+    {
+        structure.setName(name.c_str());
+        return true;
+    }
+    addMember(type, name, structure, messages);
+    return false;
+}
+} // namespace
+
+StructureSerializerRaw* StructureSerializerRaw::theInstance = nullptr;
+
+StructureSerializerRaw* StructureSerializerRaw::theFormat()
+{
+    if (!theInstance)
+        theInstance = new StructureSerializerRaw();
+    return theInstance;
+}
+
+StructureSerializerRaw::StructureSerializerRaw()
+{
+    setDefaultFormat(this);
+}
+
+const char* StructureSerializerRaw::formatType() const
+{
+    return keyword(kFormatName);
+}
+
+StructureSerializerRaw::~StructureSerializerRaw() = default;
+
+Structure* StructureSerializerRaw::read(std::istream& in, std::string& errors) const
+{
+    errors.clear();
+    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::vector<std::string> fields = splitFields(text);
+    if (fields.size() < 2)
+    {
+        errors = "Structures must have a name and at least one member";
+        return nullptr;
+    }
+    if (text.find('\0') != std::string::npos)
+    {
+        errors = "Structures must not have a zero byte, where a name would end";
+        return nullptr;
+    }
+
+    std::unique_ptr<Structure, FreeUnheld> structure(Structure::create());
+    Messages messages;
+    bool hasName = false;
+    for (const std::string& field : fields)
+        hasName = readField(field, *structure, messages) || hasName;
+    if (!hasName)
+    {
+        messages.push_back(std::string("Name is missing; member type '") + keyword(kStructureName) +
+                           "' is used to set it");
+    }
+    errors = joined(messages, "\n");
+    return messages.empty() ? structure.release() : nullptr;
+}
+
+int StructureSerializerRaw::write(const Structure& structure, std::ostream& out) const
+{
+    std::string text = std::string(keyword(kStructureName)) + keyword(kTypeSeparator) + structure.name();
+    for (unsigned int i = 0; i < structure.memberCount(); ++i)
+    {
+        const Member* const member = structure.member(i); // an iterator would delete a structure that nobody holds
+        const char* const name = Member::name(member);
+        text += keyword(kFieldSeparator);
+        text += Member::typeName(Member::type(member));
+        if (Member::length(member) != 1)
+            text += "[" + std::to_string(Member::length(member)) + "]";
+        text += keyword(kTypeSeparator);
+        text += name ? name : "";
+    }
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    return 0;
+}
+
+std::ostream& StructureSerializerRaw::getFormatDescription(std::ostream& out) const
+{
+    std::vector<std::string> typeNames;
+    for (unsigned int type = 0; type < Member::kInvalidType; ++type)
+        typeNames.emplace_back(Member::typeName(static_cast<Member::eDataType>(type)));
+    return out << kDescriptionHead << joined(typeNames, ", ") << kDescriptionTail;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// What the registries of the serializer kinds have alike. To be used in the kind's own source file only, so
+/// that its set of formats exists once, in the library.
+template <class Serializer>
+struct FormatRegistry
+{
+    using Formats = std::set<const Serializer*>;
+
+    static Formats& formats()
+    {
+        static Formats formats;
+        return formats;
+    }
+
+    /// The format of the lowest address, passing over null entries; null when there is none.
+    static const Serializer* firstFormat()
+    {
+        const Formats& all = formats();
+        const auto found = std::find_if(all.begin(), all.end(), [](const Serializer* format) { return format; });
+        return found == all.end() ? nullptr : *found;
+    }
+
+    /// Takes the format out, registered or not, and puts the first one left in its place as the default.
+    static void deregister(const Serializer& format, const Serializer*& theDefault)
+    {
+        formats().erase(&format);
+        if (theDefault == &format)
+            theDefault = firstFormat();
+    }
+
+    static const Serializer* findByName(const std::string& name)
+    {
+        for (const Serializer* format : formats())
+        {
+            if (format && name == format->formatType())
+                return format;
+        }
+        return nullptr;
+    }
+};
+} // namespace detail
+} // namespace Data
+} // namespace vumo
