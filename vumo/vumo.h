@@ -43,6 +43,8 @@
 #include "vumo/foundation/RefCounted.h"
 #include "vumo/serialize/SerializerInitializer.h"
 #include "vumo/serialize/SerializerRaw.h"
+#include "vumo/serialize/StreamSerializer.h"
+#include "vumo/serialize/StreamSerializerRaw.h"
 #include "vumo/serialize/StructureSerializer.h"
 #include "vumo/serialize/StructureSerializerDebug.h"
 #include "vumo/serialize/StructureSerializerRaw.h"

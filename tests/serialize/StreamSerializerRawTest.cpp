@@ -1,0 +1,503 @@
+#include "vumo/serialize/StreamSerializerRaw.h"
+
+#include "tests/support/SerializeFixtures.h"
+#include "vumo/data/IndexPair.h"
+#include "vumo/data/IndexString.h"
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <random>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+using namespace std::string_literals;
+
+class StreamSerializerRawTest : public Fixtures::SerializeFixture
+{
+protected:
+    const StreamSerializerRaw& mFormat = *StreamSerializerRaw::theFormat();
+
+    static std::unique_ptr<Stream> read(const std::string& text, std::string& errors)
+    {
+        std::istringstream in(text);
+        return std::unique_ptr<Stream>(StreamSerializerRaw::theFormat()->read(in, errors));
+    }
+
+    /// What is read from the text, written again; the messages when there is none.
+    std::string reread(const std::string& text) const
+    {
+        std::string errors;
+        const std::unique_ptr<Stream> stream = read(text, errors);
+        EXPECT_EQ(stream == nullptr, !errors.empty());
+        return stream ? Fixtures::writtenBy(mFormat, *stream) : errors;
+    }
+
+    /// The text of a stream of structure P with that type, whose elements 0, 1 ... are these lines.
+    static std::string streamOf(const std::string& type, const std::vector<std::string>& lines)
+    {
+        Structure::deleteAllStructures();
+        registered("name=P:" + type + "=m");
+        std::string text = "name S\nindexType numeric\nstructure P\n";
+        for (std::size_t i = 0; i < lines.size(); ++i)
+            text += std::to_string(i) + "\n" + lines[i] + "\n";
+        return text + "endStream\n";
+    }
+
+    /// Sets the first value of the named member, or the one that the handle is on.
+    static void setValue(Handle& handle, const char* member, const std::string& text, unsigned int i = 0)
+    {
+        std::string errors;
+        handle.setPositionByMemberName(member);
+        EXPECT_EQ(handle.fromStr(text, i, errors), 0) << errors;
+    }
+};
+
+using StreamSerializerRawGoldenTest = StreamSerializerRawTest;
+using StreamSerializerRawPropertyTest = StreamSerializerRawTest;
+
+constexpr char kAllTypes[] =
+    "name=AllTypes:bool=b:double=d:dbl4x4=dm:float[3]=f:flt4x4=fm:int8=i8:int16=i16:int32=i32:int64=i64:string[2]=s:"
+    "uint8=u8:uint16=u16:uint32=u32:uint64=u64";
+
+TEST_F(StreamSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
+{
+    EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("stream_raw_description.txt"));
+}
+
+TEST_F(StreamSerializerRawGoldenTest, Write_GivesTheGoldenTextWhateverTheGlobalLocale)
+{
+    const Structure& structure = registered(kAllTypes);
+    Stream stream(structure, "All Types");
+    stream.setIndexType("pair");
+    Handle element(structure);
+    stream.setElement(Index(IndexPair(7, 1)), element);
+    const struct
+    {
+        const char* member;
+        const char* text;
+    } values[] = {{"b", "true"},
+                  {"d", "0.1"},
+                  {"dm", "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16"},
+                  {"fm", "0 0 0 0 0.5 0 0 0 0 0.5 0 0 0 0 -1 0"},
+                  {"i8", "-128"},
+                  {"i16", "-32768"},
+                  {"i32", "-2147483648"},
+                  {"i64", "-9223372036854775808"},
+                  {"s", "say \"hi\"  now\\n\n"},
+                  {"u8", "255"},
+                  {"u16", "65535"},
+                  {"u32", "4294967295"},
+                  {"u64", "18446744073709551615"}};
+    for (const auto& value : values)
+        setValue(element, value.member, value.text);
+    setValue(element, "f", "0.5", 0);
+    setValue(element, "f", "-1.25", 1);
+    setValue(element, "f", "1e10", 2);
+    stream.setElement(Index(IndexPair(0, 4294967295U)), element);
+
+    const Fixtures::CommaLocale commas;
+    EXPECT_EQ(Fixtures::writtenBy(mFormat, stream), Fixtures::goldenText("stream_raw.txt"));
+}
+
+TEST_F(StreamSerializerRawGoldenTest, Read_GivesTheValuesOfTheGoldenText)
+{
+    registered(kAllTypes);
+    const Fixtures::CommaLocale commas;
+    std::string errors;
+    const std::unique_ptr<Stream> stream = read(Fixtures::goldenText("stream_raw.txt"), errors);
+    ASSERT_NE(stream, nullptr) << errors;
+    EXPECT_EQ(stream->name(), "All Types");
+    EXPECT_EQ(stream->indexType(), "pair");
+    EXPECT_EQ(stream->elementCount(), 2U);
+
+    Handle element = stream->element(Index(IndexPair(0, 4294967295U)));
+    const struct
+    {
+        const char* member;
+        unsigned int i;
+        const char* text;
+    } values[] = {{"b", 0, "true"},
+                  {"d", 0, "0.1"},
+                  {"dm", 0, "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16"},
+                  {"f", 1, "-1.25"},
+                  {"f", 2, "1e+10"},
+                  {"i8", 0, "-128"},
+                  {"i64", 0, "-9223372036854775808"},
+                  {"s", 0, "say \"hi\"  now\\n\n"},
+                  {"s", 1, ""},
+                  {"u8", 0, "255"},
+                  {"u64", 0, "18446744073709551615"}};
+    for (const auto& value : values)
+    {
+        ASSERT_TRUE(element.setPositionByMemberName(value.member));
+        EXPECT_EQ(element.str(value.i), value.text) << value.member;
+    }
+}
+
+TEST_F(StreamSerializerRawTest, Read_TakesOneValueOfEachType)
+{
+    const struct
+    {
+        const char* type;
+        const char* line;
+        const char* written; // or all messages but the summary
+    } cases[] = {
+        {"bool", "T", "true"},
+        {"bool", "0", "false"},
+        {"bool", "TRUE",
+         "Boolean on or about character 43 has invalid value 'TRUE'. Use 't', 'true', '1', 'f', "
+         "'false', '0' only."},
+        {"bool", "yes",
+         "Boolean on or about character 42 has invalid value 'yes'. Use 't', 'true', '1', 'f', "
+         "'false', '0' only."},
+        {"int8", "-128", "-128"},
+        {"int8", "128", "Int8 value on or about character 42 is invalid"},
+        {"uint8", "65", "65"},
+        {"uint8", "-1", "UInt8 value on or about character 41 is invalid"},
+        {"uint16", "-1", "UInt16 value on or about character 41 is invalid"},
+        {"uint32", "-1", "4294967295"},
+        {"int32", "12abc", "Int32 value on or about character 41 is invalid"},
+        {"int32[2]", "12.5", "Int32 value on or about character 41 is invalid"},
+        {"int32[2]", "12", "Int32 value on or about character 41 is invalid"},
+        {"uint64", "18446744073709551616", "UInt64 value on or about character 59 is invalid"},
+        {"double", "1e999", "Double value on or about character 44 is invalid"},
+        {"float", "1,5", "Float value on or about character 40 is invalid"},
+        {"flt4x4", "1 1 1 1 1 x", "Float matrix on or about character 49 has invalid value at row 1, column 1"},
+        {"dbl4x4", "1 1 1 1 1 1 1 1 1 1 1 1 1 1 1",
+         "Double matrix on or about character 68 has invalid value at row 3, column 3"},
+        {"string", "\"  a \t b \"", "\"  a \t b \""},
+        {"string", "\"\\\"\\\\\\n\\\\n\\x\\t\"", "\"\\\"\\\\\\n\\\\n\\\\x\\\\t\""},
+        {"string", "'a'", "String element on or about character 39 must be enclosed in double quotes instead of '''"},
+        {"string", "\"a b\\\"", "String element not terminated on or about character 45"},
+        {"string", "\"\"\"\"", "String value on or about character 41 is invalid"},
+        {"string[2]", "\"\"", "String value on or about character 41 is invalid"},
+        {"int32", "1 \t2 3 ", "Text '2 3' on or about character 42 is left over behind the last value at record 5"},
+        {"bool[3]", "t x y",
+         "Boolean on or about character 42 has invalid value 'x'. Use 't', 'true', '1', 'f', "
+         "'false', '0' only."},
+    };
+    const Fixtures::CommaLocale commas;
+    for (const auto& row : cases)
+    {
+        SCOPED_TRACE(std::string(row.type) + " " + row.line);
+        const std::string text = streamOf(row.type, {row.line});
+        const std::string result = reread(text);
+        const bool isRead = result.rfind("name S\n", 0) == 0;
+        EXPECT_EQ(result,
+                  isRead ? streamOf(row.type, {row.written}) : row.written + "\n1 error found, Stream not created\n"s);
+    }
+    const std::string zero = streamOf("string", {"\"a\0b\""s});
+    EXPECT_EQ(reread(zero), "String element on or about character 42 has a zero byte, where its value would end\n"
+                            "1 error found, Stream not created\n");
+}
+
+TEST_F(StreamSerializerRawTest, Read_ReportsEveryFaultWithItsPlace)
+{
+    registered("name=P:int32=a");
+    const std::string head = "name S\nstructure P\n";
+    const struct
+    {
+        std::string text;
+        std::string errors;
+    } cases[] = {
+        {"", "Stream name not specified at record 0\nStructure name not specified at record 0\n2 errors"},
+        {"\n name S \n\nendStream", "Structure name not specified at record 4\n1 error"},
+        {"structure P\n", "Stream name not specified at record 1\n1 error"},
+        {"name S\nstructure Q\n0\n1\n1\nx\nendStream", "Structure 'Q' not found\n1 error"},
+        {"name S\nstructure P\0\nendStream"s, "Structure 'P\0' not found\n1 error"s},
+        {"name S\nstructure\nendStream", "Structure '' not found\n1 error"},
+        {"indexType color\n" + head + "0\n1\n", "Creator for index type 'color' not found\n1 error"},
+        {"structure P\n\n0\n1\nname S\nendStream", "Index data encountered before Stream name specified at record 3\n"
+                                                   "Index data encountered before Stream name specified at record 5\n"
+                                                   "Index 'name S' at record 5 has no data line\n3 errors"},
+        {"0\n1\n", "Index data encountered before Stream name specified at record 1\n"
+                   "Index data encountered before Structure name specified at record 1\n2 errors"},
+        {"names S\n1\n", "Index data encountered before Stream name specified at record 1\n"
+                         "Index data encountered before Structure name specified at record 1\n2 errors"},
+        {head + "-1\n7\n  0x\n1\n2 3\n1\nendStream",
+         "Value '-1' on or about character 19 is not a legal index (code 1) of type numeric\n"
+         "Value '0x' on or about character 26 is not a legal index (code 1) of type numeric\n"
+         "Value '2 3' on or about character 31 is not a legal index (code 2) of type numeric\n3 errors"},
+        {"indexType pair\n" + head + "4\n1\n",
+         "Value '4' on or about character 34 is not a legal index (code 1) of type pair\n1 error"},
+        {head + "0\n1\n5\n", "Index '5' at record 5 has no data line\n1 error"},
+        {head + "5\nendStream\nname T\n", "Index '5' at record 3 has no data line\n1 error"},
+        {head + "0\nx\n1\n2\n2\ny\n", "Int32 value on or about character 21 is invalid\n"
+                                      "Int32 value on or about character 29 is invalid\n2 errors"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(reread(row.text), row.errors + " found, Stream not created\n") << row.text;
+}
+
+TEST_F(StreamSerializerRawTest, Read_TakesLooselyWrittenText)
+{
+    const std::string canonical = streamOf("int32", {"7", "8"});
+    EXPECT_EQ(reread(canonical), canonical);
+    const struct
+    {
+        const char* fault;
+        std::string text;
+    } cases[] = {
+        {"blanks and line ends", " \r\n\tstructure \t P \r\n\n name  S\r\n\n 0\t\r\n\n  7 \r\n1\n8\nendStream"},
+        {"no endStream", "name S\nstructure P\n0\n7\n1\n8"},
+        {"the last of two names counts", "name T\nname S\nstructure P\n1\n8\n0\n7\nendStream\nbogus"},
+        {"an index type behind the rest", "name S\nstructure P\nindexType numeric\n0\n9\n0\n7\n1\n8\n"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(reread(row.text), canonical) << row.fault;
+    EXPECT_EQ(reread("name\nstructure P\n"), "name \nindexType numeric\nstructure P\nendStream\n");
+}
+
+TEST_F(StreamSerializerRawTest, Read_KeywordsAreIndicesBehindTheFirstIndex)
+{
+    registered("name=P:int32=a");
+    const std::string text = "name S\nindexType string\nstructure P\n"
+                             "Shoulder  left\n1\nendStreams\n4\nname T\n2\nstructure\n3\nendStream\n";
+    EXPECT_EQ(reread(text), text);
+}
+
+TEST_F(StreamSerializerRawTest, Read_LeavesWhatFollowsTheStreamInTheInput)
+{
+    registered("name=P:int32=a");
+    for (const char* head : {"name S\nstructure P\n0\n7\nendStream\n", "0\n1\nendStream\n", "1\nendStream\n"})
+    {
+        std::istringstream in(head + "name T\n"s);
+        std::string errors = "before\n";
+        const std::unique_ptr<Stream> stream(mFormat.read(in, errors));
+        EXPECT_EQ(errors.rfind("before\n", 0), 0U) << "appended to";
+        std::string rest;
+        std::getline(in, rest);
+        EXPECT_EQ(rest, "name T");
+    }
+}
+
+TEST_F(StreamSerializerRawTest, ALineOverTheLimit_IsAnErrorThatNamesItsRecord)
+{
+    const std::string fits = "\"" + std::string(1021, 'x') + "\"";
+    const std::string canonical = streamOf("string", {fits, "\"\""});
+    EXPECT_EQ(reread(canonical), canonical);
+    const std::string tooLong = "\"" + std::string(5000, 'x') + "\"";
+    const std::string summary = " is longer than 1023 characters\n1 error found, Stream not created\n";
+    const struct
+    {
+        std::string text;
+        const char* place;
+    } cases[] = {
+        {streamOf("string", {tooLong, "\"\""}), "record 5 on or about character 39"},
+        {streamOf("string", {"\"\"", fits + " "}), "record 7 on or about character 44"},
+        {"\n name " + std::string(1020, 'n') + "\nstructure P\n0\n\"\"\n", "record 2 on or about character 2"},
+        {"name S\nstructure P" + std::string(1020, 'n') + "\n0\n\"\"\n", "record 2 on or about character 7"},
+        {"name S\nstructure P\nindexType " + std::string(1020, 'n') + "\nx\n\"\"\n",
+         "record 3 on or about character 19"},
+        {"name S\nstructure P\n" + std::string(1024, '0') + "\n\"\"\n1\n\"\"\n", "record 3 on or about character 19"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(reread(row.text), "Line at " + std::string(row.place) + summary);
+
+    Stream stream(*Structure::structureByName("P"), "S");
+    Handle element(stream.structure());
+    setValue(element, "m", std::string(1022, 'x'));
+    stream.setElement(3, element);
+    std::ostringstream out;
+    std::string errors;
+    EXPECT_EQ(mFormat.write(stream, out, errors), 1);
+    EXPECT_EQ(errors, "Line at record 5 is longer than 1023 characters and cannot be read back\n"
+                      "1 error found, Stream may not be written correctly\n");
+    EXPECT_NE(out.str().find(std::string(1022, 'x') + "\"\nendStream\n"), std::string::npos) << "written all the same";
+}
+
+TEST_F(StreamSerializerRawTest, Read_AllocatesNothingByThePromiseOfAStructure)
+{
+    const std::string message = "has invalid value at row 0, column 2\n1 error found, Stream not created\n";
+    const std::string errors = reread(streamOf("dbl4x4[4294967295]", {"1 2"}));
+    EXPECT_NE(errors.find(message), std::string::npos) << errors;
+}
+
+TEST_F(StreamSerializerRawTest, AnElementWithoutMembers_HasABlankDataLine)
+{
+    Structure* const structure = new Structure("Empty");
+    Structure::registerStructure(*structure);
+    Stream stream(*structure, "S");
+    stream.setElement(3, Handle(*structure));
+    stream.setElement(8, Handle(*structure));
+    const std::string text = "name S\nindexType numeric\nstructure Empty\n3\n\n8\n\nendStream\n";
+    EXPECT_EQ(Fixtures::writtenBy(mFormat, stream), text);
+    EXPECT_EQ(reread(text), text);
+    EXPECT_EQ(reread("name S\nstructure Empty\n3\n8\nendStream\n"), text);
+}
+
+TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlone)
+{
+    registered("name=P:double=d:int32=i");
+    Stream stream(*Structure::structureByName("P"), "S");
+    Handle element(stream.structure());
+    const double value = 1.0 / 3.0;
+    std::memcpy(element.asDouble(), &value, sizeof(value));
+    setValue(element, "i", "1000000");
+    stream.setElement(0, element);
+
+    std::ostringstream out;
+    out.imbue(std::locale::classic());
+    out.precision(17);
+    out << std::hex << std::showpos << std::scientific;
+    out.width(40);
+    std::string errors;
+    EXPECT_EQ(mFormat.write(stream, out, errors), 0);
+    const std::string text = "name S\nindexType numeric\nstructure P\n0\n3.33333333333333315e-01 1000000\nendStream\n";
+    EXPECT_EQ(out.str(), text);
+    EXPECT_EQ(out.width(), 40);
+    EXPECT_EQ(out.precision(), 17);
+
+    const std::unique_ptr<Stream> copy = read(text, errors);
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(std::memcmp(copy->element(0).asDouble(), &value, sizeof(value)), 0);
+}
+
+TEST_F(StreamSerializerRawTest, Write_CountsWhatWouldNotBeReadBack)
+{
+    registered("name=P:double=d");
+    const struct
+    {
+        const char* name;
+        const char* index;
+        double value;
+        std::string message;
+    } cases[] = {
+        {" S", "x", 0, "Text ' S' at record 1 cannot be read back"},
+        {"S\nT", "x", 0, "Text 'S\nT' at record 1 cannot be read back"},
+        {"S", "", 0, "Text '' at record 4 cannot be read back"},
+        {"S", "endStream", 0, "Text 'endStream' at record 4 cannot be read back"},
+        {"S", "name x", 0, "Text 'name x' at record 4 cannot be read back"},
+        {"S", "x\n", 0, "Text 'x\n' at record 4 cannot be read back"},
+        {"S", "x", std::numeric_limits<double>::infinity(), "Member at record 5 has a value that cannot be read back"},
+        {"S", "x", std::nan(""), "Member at record 5 has a value that cannot be read back"},
+    };
+    for (const auto& row : cases)
+    {
+        Stream stream(*Structure::structureByName("P"), row.name);
+        stream.setIndexType("string");
+        Handle element(stream.structure());
+        std::memcpy(element.asDouble(), &row.value, sizeof(row.value));
+        stream.setElement(Index(IndexString(row.index)), element);
+        std::ostringstream out;
+        std::string errors = "before\n";
+        EXPECT_EQ(mFormat.write(stream, out, errors), 1);
+        EXPECT_EQ(errors, "before\n" + row.message + "\n1 error found, Stream may not be written correctly\n");
+        EXPECT_NE(out.str().find("\nendStream\n"), std::string::npos);
+    }
+}
+
+TEST_F(StreamSerializerRawTest, Write_CountsAFailedOutput)
+{
+    std::ostringstream out;
+    out.setstate(std::ios::failbit);
+    std::string errors = "before\n";
+    EXPECT_EQ(mFormat.write(Stream(registered("name=P:int32=a"), "S"), out, errors), 1);
+    EXPECT_EQ(errors, "before\nError in stream while writing.\n1 error found, Stream may not be written correctly\n");
+}
+
+TEST_F(StreamSerializerRawTest, ValuesOfOneElement_GoThroughAHandle)
+{
+    const Structure& structure = registered("name=P:float[2]=f:string=s");
+    const Structure& other = registered("name=Q:int32=a");
+    Handle element(structure);
+    std::string errors;
+    const Fixtures::CommaLocale commas;
+    std::istringstream in("0.5 1000.25 \"a b\" rest");
+    EXPECT_EQ(mFormat.readStructure(structure, in, 9, element, errors), 0);
+    std::string rest;
+    in >> rest;
+    EXPECT_EQ(rest, "rest");
+
+    std::ostringstream out;
+    element.setPositionByMemberName("f");
+    EXPECT_EQ(mFormat.writeMember(element, 9, out, errors), 0);
+    EXPECT_EQ(out.str(), "0.5 1000.25");
+    std::istringstream bad("7 x");
+    EXPECT_EQ(mFormat.readMember(bad, 9, element, errors), 1);
+    EXPECT_EQ(element.str(0) + " " + element.str(1), "7 1000.25") << "the bad value keeps what was there";
+    EXPECT_TRUE(bad.fail());
+
+    Handle none(structure, nullptr);
+    EXPECT_EQ(mFormat.writeMember(none, 9, out, errors), 1);
+    EXPECT_EQ(mFormat.readMember(in, 9, none, errors), 1);
+    EXPECT_EQ(mFormat.readStructure(structure, in, 9, none, errors), 1);
+    EXPECT_EQ(mFormat.readStructure(other, in, 9, element, errors), 1);
+    EXPECT_EQ(errors, "Float value on or about character 2 is invalid\n"
+                      "Member at record 9 not recognized as a float\n"
+                      "Member at record 9 not recognized as a float\n"
+                      "Element at record 9 is not one of Structure 'P'\n"
+                      "Element at record 9 is not one of Structure 'Q'\n");
+}
+
+/// Fills the member that the handle is on with random bits, finite numbers and short strings.
+void randomize(Handle& element, std::mt19937& random)
+{
+    std::uniform_real_distribution<double> real(-1e9, 1e9);
+    std::string errors;
+    for (unsigned int i = 0; i < element.dataLength(); ++i)
+    {
+        std::string text;
+        if (element.dataType() == Member::kString)
+        {
+            const std::string alphabet = "ab \t\\\"n\r\n\xC3\xA9";
+            for (unsigned long n = random() % 9; n > 0; --n)
+                text += alphabet[random() % alphabet.size()];
+        }
+        else if (element.dataType() == Member::kBoolean)
+            text = random() % 2 == 0 ? "true" : "false";
+        else
+        {
+            const bool isSmall = Member::typeSize(element.dataType()) < 4;
+            for (int n = 0; n < 16; ++n)
+                text += (isSmall ? std::to_string(random() % 128) : std::to_string(std::trunc(real(random)))) + " ";
+        }
+        element.fromStr(text, i, errors);
+    }
+    EXPECT_EQ(errors, "");
+}
+
+TEST_F(StreamSerializerRawPropertyTest, WhatIsWritten_ReadsBackAndIsWrittenAlike)
+{
+    const unsigned int seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const Structure& structure = registered(kAllTypes);
+    for (const char* indexType : {"numeric", "pair", "string"})
+    {
+        Stream stream(structure, "S");
+        stream.setIndexType(indexType);
+        for (int n = 0; n < 50; ++n)
+        {
+            Handle element(structure);
+            for (unsigned int i = 0; i < structure.memberCount(); ++i)
+            {
+                element.setPositionByMemberIndex(i);
+                randomize(element, random);
+            }
+            const std::string number = std::to_string(random());
+            const std::string index = indexType == "numeric"s ? number : number + " " + std::to_string(n);
+            stream.setElement(Index::doCreate(indexType, index), element);
+        }
+        std::ostringstream out;
+        out.precision(17);
+        std::string errors;
+        EXPECT_EQ(mFormat.write(stream, out, errors), 0) << errors;
+        const std::unique_ptr<Stream> copy = read(out.str(), errors);
+        ASSERT_NE(copy, nullptr) << errors;
+        EXPECT_EQ(copy->elementCount(), stream.elementCount());
+        std::ostringstream again;
+        again.precision(17);
+        EXPECT_EQ(mFormat.write(*copy, again, errors), 0);
+        EXPECT_EQ(again.str(), out.str());
+    }
+}
+} // namespace
+} // namespace Data
+} // namespace vumo

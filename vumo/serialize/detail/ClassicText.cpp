@@ -1,0 +1,42 @@
+#include "vumo/serialize/detail/ClassicText.h"
+
+#include <locale>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+namespace
+{
+constexpr std::ios::fmtflags kFloatFormat = std::ios::floatfield | std::ios::showpoint | std::ios::uppercase;
+} // namespace
+
+ClassicText::ClassicText(const std::ostream& receiver)
+{
+    mStream.imbue(std::locale::classic());
+    mStream.precision(receiver.precision());
+    mStream.setf(receiver.flags(), kFloatFormat);
+}
+
+bool ClassicText::hasHexFloats(const std::ostream& out)
+{
+    return (out.flags() & std::ios::floatfield) == (std::ios::fixed | std::ios::scientific);
+}
+
+std::string ClassicText::take()
+{
+    std::string text = mStream.str();
+    mStream.str(std::string());
+    return text;
+}
+
+ClassicInput::ClassicInput(std::istream& in) : mIn(in), mStream(in.rdbuf())
+{
+    mStream.imbue(std::locale::classic());
+    mStream.setstate(in.rdstate());
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

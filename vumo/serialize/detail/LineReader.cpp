@@ -1,0 +1,79 @@
+#include "vumo/serialize/detail/LineReader.h"
+
+#include "vumo/data/detail/ValueText.h"
+#include "vumo/serialize/SerializerRaw.h"
+
+#include <cstring>
+#include <limits>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+namespace
+{
+constexpr char kBlanks[] = " \t";
+} // namespace
+
+bool isKeywordLine(const std::string& line, const char* keyword, std::string& text)
+{
+    const std::string::size_type length = std::strlen(keyword);
+    if (line.compare(0, length, keyword) != 0)
+        return false;
+    const std::string::size_type begin = line.find_first_not_of(kBlanks, length);
+    if (begin == length)
+        return false; // a longer word
+    text = begin == std::string::npos ? std::string() : line.substr(begin);
+    return true;
+}
+
+bool LineReader::next()
+{
+    char line[kMaxLineLength + 1];
+    mIn.getline(line, sizeof(line));
+    mConsumed = mIn.gcount();
+    mTooLong = mIn.fail() && mConsumed == kMaxLineLength;
+    if (mIn.fail() && !mTooLong)
+        return false;
+
+    const bool hasNewline = !mTooLong && !mIn.eof();
+    mText.assign(line, static_cast<std::string::size_type>(mConsumed) - (hasNewline ? 1 : 0));
+    if (mTooLong)
+    {
+        mIn.clear(mIn.rdstate() & ~std::ios::failbit);
+        mIn.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+        mConsumed += mIn.gcount();
+    }
+    ++mRecord;
+    std::string trimmed = mText;
+    mIndent = mText.find(SerializerRaw::collapseWhitespace(trimmed));
+    mText.swap(trimmed);
+    return true;
+}
+
+bool LineReader::nextFilled()
+{
+    while (next())
+    {
+        if (mTooLong || !mText.empty())
+            return true;
+    }
+    return false;
+}
+
+long long LineReader::position() const
+{
+    const long long end = readPosition(mIn);
+    return end < 0 ? end : end - mConsumed + static_cast<long long>(mIndent);
+}
+
+std::string LineReader::tooLongMessage() const
+{
+    return "Line at record " + std::to_string(mRecord) + " on or about character " + std::to_string(position()) +
+           " is longer than " + std::to_string(kMaxLineLength) + " characters";
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

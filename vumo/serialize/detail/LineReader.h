@@ -1,0 +1,56 @@
+#pragma once
+
+#include <istream>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// The characters of a line, without its newline, that the raw formats read.
+constexpr unsigned int kMaxLineLength = 1023;
+
+/// Says whether a trimmed line is the keyword, alone or followed by a blank and a text, and gives that text.
+bool isKeywordLine(const std::string& line, const char* keyword, std::string& text);
+
+/// Reads an input line by line, taking nothing behind the line that was asked for.
+///
+/// Lines are trimmed and counted. Of a line that is too long the rest is read past, so that the next one is
+/// a line again; what is left of its text serves to guess what it was meant to be, never as a value.
+class LineReader
+{
+public:
+    /// Borrows the input.
+    explicit LineReader(std::istream& in) : mIn(in) {}
+
+    /// False at the end of the input.
+    bool next();
+
+    /// Passes over blank lines; a line that is too long is never blank.
+    bool nextFilled();
+
+    /// The current line, trimmed at both ends.
+    const std::string& text() const { return mText; }
+    bool isTooLong() const { return mTooLong; }
+
+    /// The number of lines read, blank ones included.
+    unsigned int record() const { return mRecord; }
+
+    /// Where text() begins in the input, counted in characters from 0; -1 where the input cannot tell.
+    long long position() const;
+
+    std::string tooLongMessage() const;
+
+private:
+    std::istream& mIn;
+    std::string mText;
+    std::string::size_type mIndent = 0;
+    std::streamsize mConsumed = 0; // with the newline
+    unsigned int mRecord = 0;
+    bool mTooLong = false;
+};
+} // namespace detail
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,31 @@
+#include "vumo/serialize/detail/Messages.h"
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+void Messages::add(const std::string& message)
+{
+    note(message);
+    ++mCount;
+}
+
+void Messages::note(const std::string& message)
+{
+    mText += message;
+    mText += '\n';
+}
+
+int Messages::report(const std::string& consequence, std::string& errors)
+{
+    if (mCount == 0)
+        return 0;
+    note(std::to_string(mCount) + (mCount > 1 ? " errors" : " error") + " found, " + consequence);
+    errors += mText;
+    return mCount;
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

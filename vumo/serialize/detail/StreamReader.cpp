@@ -1,0 +1,202 @@
+#include "vumo/serialize/detail/StreamReader.h"
+
+#include "vumo/data/detail/ValueText.h"
+#include "vumo/serialize/SerializerRaw.h"
+#include "vumo/serialize/detail/ElementText.h"
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+namespace
+{
+/// The registered structure of that name or null.
+const Structure* findStructure(const std::string& name)
+{
+    const bool hasZero = name.find('\0') != std::string::npos; // its C string is the name of another
+    return hasZero ? nullptr : Structure::structureByName(name.c_str());
+}
+} // namespace
+
+std::unique_ptr<Stream> StreamReader::read(std::string& errors)
+{
+    while (mLines.nextFilled() && !isLastLine())
+    {
+        if (!mInElements && readHeaderLine())
+            continue;
+        mInElements = true;
+        if (!readIndexAndData())
+            break;
+    }
+    requireHeader();
+    if (mMessages.report("Stream not created", errors) > 0)
+        return nullptr;
+    stream();
+    return std::move(mStream);
+}
+
+bool StreamReader::readHeaderLine()
+{
+    static constexpr struct
+    {
+        SerializerRaw::eKeyword keyword;
+        void (StreamReader::*accept)(const std::string&);
+    } kHeaderLines[] = {
+        {SerializerRaw::kStreamName, &StreamReader::acceptName},
+        {SerializerRaw::kIndexType, &StreamReader::acceptIndexType},
+        {SerializerRaw::kStructure, &StreamReader::acceptStructure},
+    };
+    for (const auto& header : kHeaderLines)
+    {
+        std::string value;
+        if (isKeywordLine(mLines.text(), SerializerRaw::keyword(header.keyword), value))
+        {
+            (this->*header.accept)(value);
+            return true;
+        }
+    }
+    return false;
+}
+
+void StreamReader::acceptName(const std::string& name)
+{
+    mHasName = true;
+    if (isLineUsable())
+        mName = name;
+}
+
+void StreamReader::acceptIndexType(const std::string& name)
+{
+    mIndexType = name;
+    mHasUsableIndexType = isLineUsable() && Index::creators().count(name) > 0;
+    if (!mHasUsableIndexType && !mLines.isTooLong())
+        mMessages.add("Creator for index type '" + name + "' not found");
+}
+
+void StreamReader::acceptStructure(const std::string& name)
+{
+    mHasStructure = true;
+    mStructure = isLineUsable() ? findStructure(name) : nullptr;
+    if (!mStructure && !mLines.isTooLong())
+        mMessages.add("Structure '" + name + "' not found");
+}
+
+bool StreamReader::readIndexAndData()
+{
+    const std::string text = mLines.text();
+    const std::string place = atRecord();
+    const std::optional<Index> index = parseIndex();
+    if (mStructure && mStructure->empty())
+    {
+        // An element without values has a blank data line, which is passed over like any other.
+        if (index)
+            storeElement(*index);
+        return true;
+    }
+    if (!mLines.nextFilled() || isLastLine())
+    {
+        if (mStructure)
+            mMessages.add("Index '" + text + "'" + place + " has no data line");
+        return false;
+    }
+    if (isLineUsable() && index && mStructure)
+        readDataLine(*index);
+    return true;
+}
+
+std::optional<Index> StreamReader::parseIndex()
+{
+    if (!isLineUsable())
+        return std::nullopt;
+    if (!mHasName)
+        mMessages.add("Index data encountered before Stream name specified" + atRecord());
+    if (!mHasStructure)
+        mMessages.add("Index data encountered before Structure name specified" + atRecord());
+    if (!mHasName || !mHasStructure || !mHasUsableIndexType)
+        return std::nullopt;
+    try
+    {
+        return Index::doCreate(mIndexType, mLines.text());
+    }
+    catch (Index::eCreationErrors code)
+    {
+        mMessages.add("Value '" + mLines.text() + "' on or about character " + std::to_string(mLines.position()) +
+                      " is not a legal index (code " + std::to_string(code) + ") of type " + mIndexType);
+        return std::nullopt;
+    }
+}
+
+void StreamReader::readDataLine(const Index& index)
+{
+    std::istream& values = mValues.restart();
+    if (!couldHoldElement(*mStructure, mLines.text().size()))
+    {
+        // Nothing is allocated by the size that a structure promises; this finds the first missing value.
+        readElement(*mStructure, nullptr, mLines.record(), values, mMessages);
+        return;
+    }
+    if (!mElement)
+        mElement = std::make_unique<Handle>(*mStructure);
+    if (!readElement(*mStructure, mElement->data(), mLines.record(), values, mMessages))
+        return;
+    if (skipToText(values))
+    {
+        const long long position = readPosition(values);
+        std::string rest;
+        std::getline(values, rest);
+        mMessages.add("Text '" + rest + "' on or about character " + std::to_string(position) +
+                      " is left over behind the last value" + atRecord());
+        return;
+    }
+    storeElement(index);
+}
+
+void StreamReader::storeElement(const Index& index)
+{
+    if (!mElement)
+        mElement = std::make_unique<Handle>(*mStructure);
+    if (!stream().setElement(index, *mElement))
+        mMessages.add("Could not add element at index " + index.asString());
+}
+
+void StreamReader::requireHeader()
+{
+    if (mInElements)
+        return; // what is missing was said where the first index stood
+    if (!mHasName)
+        mMessages.add("Stream name not specified" + atRecord());
+    if (!mHasStructure)
+        mMessages.add("Structure name not specified" + atRecord());
+}
+
+Stream& StreamReader::stream()
+{
+    if (!mStream)
+    {
+        mStream = std::make_unique<Stream>(*mStructure, mName);
+        mStream->setIndexType(mIndexType);
+    }
+    return *mStream;
+}
+
+bool StreamReader::isLastLine() const
+{
+    return !mLines.isTooLong() && mLines.text() == SerializerRaw::keyword(SerializerRaw::kEndStream);
+}
+
+bool StreamReader::isLineUsable()
+{
+    if (mLines.isTooLong())
+        mMessages.add(mLines.tooLongMessage());
+    return !mLines.isTooLong();
+}
+
+std::string StreamReader::atRecord() const
+{
+    return " at record " + std::to_string(mLines.record());
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

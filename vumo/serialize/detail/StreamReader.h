@@ -1,0 +1,70 @@
+#pragma once
+
+#include "vumo/data/Handle.h"
+#include "vumo/data/Index.h"
+#include "vumo/data/Stream.h"
+#include "vumo/data/Structure.h"
+#include "vumo/serialize/detail/LineInput.h"
+#include "vumo/serialize/detail/LineReader.h"
+#include "vumo/serialize/detail/Messages.h"
+
+#include <istream>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// Reads one stream in the raw format. Goes on after an error, to find the others as well.
+class StreamReader
+{
+public:
+    /// Borrows the input.
+    explicit StreamReader(std::istream& in) : mLines(in), mValues(mLines) {}
+
+    /// Owned by the caller; null after any error, with all of them appended to `errors`.
+    std::unique_ptr<Stream> read(std::string& errors);
+
+private:
+    bool readHeaderLine();
+    void acceptName(const std::string& name);
+    void acceptIndexType(const std::string& name);
+    void acceptStructure(const std::string& name);
+
+    /// The current line is an index line. False when the stream ends in place of the data line.
+    bool readIndexAndData();
+    std::optional<Index> parseIndex();
+    void readDataLine(const Index& index);
+    void storeElement(const Index& index);
+
+    void requireHeader();
+    Stream& stream();
+
+    bool isLastLine() const;
+
+    /// False, with an error, for a line that is too long.
+    bool isLineUsable();
+    std::string atRecord() const;
+
+    LineReader mLines;
+    LineInput mValues;
+    Messages mMessages;
+
+    std::string mName;
+    std::string mIndexType = Index::theTypeName();
+    const Structure* mStructure = nullptr; // registered, or null when it is not known
+    bool mHasName = false;
+    bool mHasStructure = false;
+    bool mHasUsableIndexType = true;
+    bool mInElements = false;
+
+    std::unique_ptr<Stream> mStream;
+    std::unique_ptr<Handle> mElement; // filled anew from every data line
+};
+} // namespace detail
+} // namespace Data
+} // namespace vumo
