@@ -1,0 +1,115 @@
+#include "vumo/serialize/ChannelSerializerRaw.h"
+
+#include "tests/support/SerializeFixtures.h"
+
+#include <memory>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+class ChannelSerializerRawTest : public Fixtures::SerializeFixture
+{
+protected:
+    const ChannelSerializerRaw& mFormat = *ChannelSerializerRaw::theFormat();
+
+    /// What is read from the text, written again; the messages when there is none.
+    std::string reread(const std::string& text) const
+    {
+        std::istringstream in(text);
+        std::string errors;
+        const std::unique_ptr<Channel> channel(mFormat.read(in, errors));
+        EXPECT_EQ(channel == nullptr, !errors.empty());
+        return channel ? Fixtures::writtenBy(mFormat, *channel) : errors;
+    }
+};
+
+using ChannelSerializerRawGoldenTest = ChannelSerializerRawTest;
+
+const std::string kStreamLines = "indexType numeric\nstructure P\n0\n7\nendStream\n";
+
+TEST_F(ChannelSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
+{
+    EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("channel_raw_description.txt"));
+}
+
+TEST_F(ChannelSerializerRawTest, Write_GivesTheStreamsInTheirOrder)
+{
+    const Structure& structure = registered("name=P:int32=a");
+    Channel channel("face");
+    EXPECT_EQ(Fixtures::writtenBy(mFormat, channel), "name face\nendChannel\n");
+    channel.setDataStream(Stream(structure, "b"));
+    channel.setDataStream(Stream(structure, "B"));
+    const std::string empty = "\nindexType numeric\nstructure P\nendStream\n";
+    const std::string text = "name face\nstream\nname B" + empty + "stream\nname b" + empty + "endChannel\n";
+    EXPECT_EQ(Fixtures::writtenBy(mFormat, channel), text);
+    EXPECT_EQ(reread(text), text);
+}
+
+TEST_F(ChannelSerializerRawTest, Read_TakesLooselyWrittenText)
+{
+    registered("name=P:int32=a");
+    const std::string canonical = "name two words\nstream\nname A\n" + kStreamLines + "endChannel\n";
+    const std::string stream = "\n\tstream \r\n name A\n" + kStreamLines;
+    EXPECT_EQ(reread("\n\n name \t two words\r\n" + stream + "\n endChannel"), canonical);
+    EXPECT_EQ(reread("name x\n" + stream + "name two words\nendChannel\nbogus\n"), canonical) << "a late name";
+    EXPECT_EQ(reread("endChannel\n"), "name Unnamed\nendChannel\n");
+    EXPECT_EQ(reread("name\nendChannel\n"), "name \nendChannel\n");
+}
+
+TEST_F(ChannelSerializerRawTest, Read_ReportsEveryFaultInItsOrder)
+{
+    registered("name=P:int32=a");
+    const std::string missing = "Missing Channel keyword on or about character ";
+    const struct
+    {
+        std::string text;
+        std::string errors;
+    } cases[] = {
+        {"", missing + "0\n1 error"},
+        {"name face\nendChannels",
+         "Unrecognized keyword 'endChannels' on or about character 10\n" + missing + "21\n2 errors"},
+        {"name face\n  bogus word\nindexType numeric\nendChannel\n",
+         "Unrecognized keyword 'bogus' on or about character 12\n"
+         "Unrecognized keyword 'indexType' on or about character 23\n2 errors"},
+        {"stream\nname A\nstructure Q\nendStream\nstream\nname B\n0\nendChannel\n",
+         "Structure 'Q' not found\n1 error found, Stream not created\n"
+         "Index data encountered before Structure name specified at record 2\n"
+         "1 error found, Stream not created\n" +
+             missing + "63\n3 errors"},
+        {"name " + std::string(1019, 'n') + "\nendChannel\n",
+         "Line at record 1 on or about character 0 is longer than 1023 characters\n1 error"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(reread(row.text), row.errors + " found, Channel not created\n") << row.text;
+}
+
+TEST_F(ChannelSerializerRawTest, Write_ReportsTheStreamsFaultsBeforeItsOwn)
+{
+    Channel channel("face ");
+    channel.setDataStream(Stream(registered("name=P:int32=a"), " A"));
+    std::ostringstream out;
+    std::string errors = "before\n";
+    EXPECT_EQ(mFormat.write(channel, out, errors), 2);
+    EXPECT_EQ(errors, "before\nText 'face ' at record 1 cannot be read back\n"
+                      "Text ' A' at record 1 cannot be read back\n"
+                      "1 error found, Stream may not be written correctly\n"
+                      "2 errors found, Channel may not be written correctly\n");
+}
+
+TEST_F(ChannelSerializerRawTest, Write_CountsAFailedOutputOnce)
+{
+    std::ostringstream out;
+    out.setstate(std::ios::badbit);
+    std::string errors;
+    Channel channel("face");
+    EXPECT_EQ(mFormat.write(channel, out, errors), 1);
+    EXPECT_EQ(errors, "Error in channel while writing.\n1 error found, Channel may not be written correctly\n");
+    channel.setDataStream(Stream(registered("name=P:int32=a"), "A"));
+    EXPECT_EQ(mFormat.write(channel, out, errors), 1);
+}
+} // namespace
+} // namespace Data
+} // namespace vumo
