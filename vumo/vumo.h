@@ -41,6 +41,8 @@
 #include "vumo/foundation/Print.h"
 #include "vumo/foundation/Ref.h"
 #include "vumo/foundation/RefCounted.h"
+#include "vumo/serialize/AssociationsSerializer.h"
+#include "vumo/serialize/AssociationsSerializerRaw.h"
 #include "vumo/serialize/ChannelSerializer.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
 #include "vumo/serialize/SerializerInitializer.h"

@@ -1,0 +1,162 @@
+#include "vumo/serialize/AssociationsSerializerRaw.h"
+
+#include "tests/support/SerializeFixtures.h"
+#include "vumo/data/IndexPair.h"
+#include "vumo/data/IndexString.h"
+
+#include <memory>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+constexpr char kBone[] = "name=Bone:float=Weight:string=Label:bool=Locked";
+
+class AssociationsSerializerRawTest : public Fixtures::SerializeFixture
+{
+protected:
+    const AssociationsSerializerRaw& mFormat = *AssociationsSerializerRaw::theFormat();
+
+    /// What is read from the text, written again; the messages when there is none.
+    std::string reread(const std::string& text) const
+    {
+        std::istringstream in(text);
+        std::string errors;
+        const std::unique_ptr<Associations> associations(mFormat.read(in, errors));
+        EXPECT_EQ(associations == nullptr, !errors.empty());
+        return associations ? Fixtures::writtenBy(mFormat, *associations) : errors;
+    }
+
+    static Stream boneStream(const Structure& structure, const std::string& name, const Index& index,
+                             const char* const (&values)[3])
+    {
+        Stream stream(structure, name);
+        stream.setIndexType(index.typeName());
+        Handle element(structure);
+        std::string errors;
+        for (unsigned int i = 0; i < structure.memberCount(); ++i)
+        {
+            element.setPositionByMemberIndex(i);
+            element.fromStr(values[i], 0, errors);
+        }
+        stream.setElement(index, element);
+        return stream;
+    }
+};
+
+using AssociationsSerializerRawGoldenTest = AssociationsSerializerRawTest;
+
+TEST_F(AssociationsSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
+{
+    EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("associations_raw_description.txt"));
+}
+
+TEST_F(AssociationsSerializerRawGoldenTest, Write_GivesTheGoldenText)
+{
+    const Structure& structure = registered(kBone);
+    Associations associations;
+    associations.channel("edge");
+    Channel vertex = associations.channel("vertex");
+    vertex.setDataStream(boneStream(structure, "B", Index(IndexString("Elbow")), {"-0.25", "", "false"}));
+    vertex.setDataStream(Stream(structure, "A"));
+    Channel face = associations.channel("face");
+    face.setDataStream(boneStream(structure, "Group Ids", Index(IndexPair(1, 2)), {"3", "Hip \"left\"", "true"}));
+    EXPECT_EQ(Fixtures::writtenBy(mFormat, associations), Fixtures::goldenText("associations_raw.txt"));
+}
+
+TEST_F(AssociationsSerializerRawGoldenTest, Read_GivesTheGoldenTextBack)
+{
+    registered(kBone);
+    const std::string text = Fixtures::goldenText("associations_raw.txt");
+    EXPECT_EQ(reread(text), text);
+}
+
+TEST_F(AssociationsSerializerRawGoldenTest, EveryPrefixAndEveryChangedByte_IsReadOrRefused)
+{
+    registered(kBone);
+    const std::string text = Fixtures::goldenText("associations_raw.txt");
+    for (std::string::size_type size = 0; size < text.size(); ++size)
+    {
+        const std::string result = reread(text.substr(0, size));
+        const bool endsWithAChannel = size > 10 && (text.compare(size - 10, 10, "endChannel") == 0 ||
+                                                    text.compare(size - 11, 11, "endChannel\n") == 0);
+        const bool isWhole = size == 0 || endsWithAChannel || size == text.size() - 1;
+        EXPECT_EQ(result.find(" found, Associations not created\n") == std::string::npos, isWhole) << size;
+
+        for (const char byte : {'\0', '\n', ' ', '"', '\\', '9', '\xFF'})
+        {
+            std::string changed = text;
+            changed[size] = byte;
+            reread(changed);
+        }
+    }
+    EXPECT_EQ(Structure::allStructures().size(), 1U);
+    EXPECT_EQ(AssociationsSerializer::allFormats().size(), 1U);
+}
+
+TEST_F(AssociationsSerializerRawTest, Read_TakesEmptyInputAndIgnoresWhatFollows)
+{
+    EXPECT_EQ(reread(""), "endAssociations\n");
+    EXPECT_EQ(reread("\n endAssociations bogus"), "endAssociations\n");
+
+    registered(kBone);
+    std::string text = Fixtures::goldenText("associations_raw.txt");
+    std::string labelled = text;
+    labelled.replace(labelled.find("channel\nname face"), 7, "  channel face ");
+    EXPECT_EQ(reread(labelled), text);
+}
+
+TEST_F(AssociationsSerializerRawTest, Read_ReportsEveryFaultInItsOrder)
+{
+    const std::string channel = "channel\nname face\nendChannel\n";
+    const std::string missing = "Missing Associations keyword on or about character ";
+    const struct
+    {
+        std::string text;
+        std::string errors;
+    } cases[] = {
+        {" \n ", missing + "3\n1 error"},
+        {channel + "\n", missing + "30\n1 error"},
+        {"bogus\n" + channel, "Unrecognized keyword 'bogus' on or about character 5\n1 error"},
+        {channel + "channels\n", "Unrecognized keyword 'channels' on or about character 37\n1 error"},
+        {"channel\nstream\nname A\nstructure Q\nendStream\nendChannel\nchannel\nbogus\n",
+         "Structure 'Q' not found\n1 error found, Stream not created\n1 error found, Channel not created\n"
+         "Unrecognized keyword 'bogus' on or about character 63\n"
+         "Missing Channel keyword on or about character 69\n2 errors found, Channel not created\n2 errors"},
+        {"channel " + std::string(1023, 'x') + "\nendChannel\nendAssociations\n",
+         "Line at record 1 on or about character 8 is longer than 1023 characters\n1 error"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(reread(row.text), row.errors + " found, Associations not created\n") << row.text;
+
+    std::istringstream broken("endAssociations");
+    broken.setstate(std::ios::failbit);
+    std::string errors;
+    EXPECT_EQ(mFormat.read(broken, errors), nullptr) << "not an empty input, but an unreadable one";
+}
+
+TEST_F(AssociationsSerializerRawTest, Write_PassesOnTheFaultsOfItsChannels)
+{
+    Associations associations;
+    std::ostringstream failed;
+    failed.setstate(std::ios::failbit);
+    std::string errors;
+    EXPECT_EQ(mFormat.write(associations, failed, errors), 1);
+    EXPECT_EQ(errors, "Error in associations while writing.\n"
+                      "1 error found, Associations may not be written correctly\n");
+
+    Channel channel = associations.channel("face");
+    channel.setDataStream(Stream(registered(kBone), "A\nB"));
+    std::ostringstream out;
+    errors = "before\n";
+    EXPECT_EQ(mFormat.write(associations, out, errors), 1);
+    EXPECT_EQ(errors, "before\nText 'A\nB' at record 1 cannot be read back\n"
+                      "1 error found, Stream may not be written correctly\n"
+                      "1 error found, Channel may not be written correctly\n"
+                      "1 error found, Associations may not be written correctly\n");
+}
+} // namespace
+} // namespace Data
+} // namespace vumo

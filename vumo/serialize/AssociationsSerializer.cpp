@@ -1,0 +1,67 @@
+#include "vumo/serialize/AssociationsSerializer.h"
+
+#include "vumo/serialize/AssociationsSerializerRaw.h"
+#include "vumo/serialize/SerializerInitializer.h"
+#include "vumo/serialize/detail/FormatRegistry.h"
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+using Registry = detail::FormatRegistry<AssociationsSerializer>;
+
+// Stands here and not beside the raw format: nothing may refer to that file of a static library, and a
+// linker leaves out what nothing refers to.
+const SerializerInitializer<AssociationsSerializerRaw> kRawInitializer;
+} // namespace
+
+const AssociationsSerializer* AssociationsSerializer::theDefault = nullptr;
+
+AssociationsSerializer::AssociationsSerializer()
+{
+    Registry::formats(); // made before any format, it is there until the last of them is destroyed
+}
+
+AssociationsSerializer::~AssociationsSerializer()
+{
+    deregisterFormat(*this);
+}
+
+const std::set<const AssociationsSerializer*>& AssociationsSerializer::allFormats()
+{
+    return Registry::formats();
+}
+
+std::set<const AssociationsSerializer*>& AssociationsSerializer::allFormatsToEdit()
+{
+    return Registry::formats();
+}
+
+void AssociationsSerializer::registerFormat(const AssociationsSerializer& format)
+{
+    Registry::formats().insert(&format);
+}
+
+void AssociationsSerializer::deregisterFormat(const AssociationsSerializer& format)
+{
+    Registry::deregister(format, theDefault);
+}
+
+void AssociationsSerializer::setDefaultFormat(const AssociationsSerializer* format)
+{
+    theDefault = format;
+}
+
+const AssociationsSerializer* AssociationsSerializer::defaultFormat()
+{
+    return theDefault;
+}
+
+const AssociationsSerializer* AssociationsSerializer::formatByName(const std::string& name)
+{
+    return Registry::findByName(name);
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "vumo/foundation/Export.h"
+
+#include <istream>
+#include <ostream>
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+class Associations;
+
+/// Writes and reads associations as text: the base of every associations format, and the registry where formats are
+/// found by their names.
+///
+/// A format is one object, which its class's `theFormat()` gives. Register it to have it found by name; the
+/// registry and the default only borrow it. A format that is destroyed leaves both by itself.
+///
+/// Registration, change of the default and look-up are not locked.
+class VUMO_EXPORT AssociationsSerializer
+{
+public:
+    AssociationsSerializer();
+    AssociationsSerializer(const AssociationsSerializer&) = delete;
+    AssociationsSerializer& operator=(const AssociationsSerializer&) = delete;
+
+    /// The name of the format, the key to the registry; static text.
+    virtual const char* formatType() const = 0;
+
+    virtual ~AssociationsSerializer();
+
+    /// A new object, owned by the caller; null, with the explanation appended to `errors`, when the text
+    /// makes none.
+    virtual Associations* read(std::istream& in, std::string& errors) const = 0;
+
+    /// Writes what it can. Returns the number of errors and then appends the explanation to `errors`.
+    virtual int write(const Associations& associations, std::ostream& out, std::string& errors) const = 0;
+
+    /// Writes a description of the format, for people; returns `out`.
+    virtual std::ostream& getFormatDescription(std::ostream& out) const = 0;
+
+    /// The registry, in the order of addresses. Null entries are passed over.
+    static const std::set<const AssociationsSerializer*>& allFormats();
+    static std::set<const AssociationsSerializer*>& allFormatsToEdit();
+
+    /// Does not touch the default.
+    static void registerFormat(const AssociationsSerializer& format);
+
+    /// When the format is the default, registered or not, the first one left takes its place, or null.
+    static void deregisterFormat(const AssociationsSerializer& format);
+
+    /// Any format will do, registered or not; null means none.
+    static void setDefaultFormat(const AssociationsSerializer* format);
+    static const AssociationsSerializer* defaultFormat();
+
+    /// The first registered format of exactly that name, or null.
+    static const AssociationsSerializer* formatByName(const std::string& name);
+
+private:
+    static const AssociationsSerializer* theDefault;
+};
+} // namespace Data
+} // namespace vumo

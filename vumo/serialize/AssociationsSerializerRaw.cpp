@@ -1,0 +1,133 @@
+#include "vumo/serialize/AssociationsSerializerRaw.h"
+
+#include "vumo/data/detail/ValueText.h"
+#include "vumo/serialize/ChannelSerializerRaw.h"
+#include "vumo/serialize/detail/LineReader.h"
+#include "vumo/serialize/detail/LineWriter.h"
+#include "vumo/serialize/detail/Messages.h"
+
+#include <memory>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+constexpr char kDescription[] = "The raw format consists of a list of channels and a marker\n"
+                                "indicating the end of the Associations data. Each channel\n"
+                                "starts with the literal channel indicator text and the name\n"
+                                "of the association type to which the channel is attached:\n"
+                                "\tchannel {ASSOCIATION_TYPE}\n"
+                                "This is followed by channel data as described by the\n"
+                                "raw channel format type.\n"
+                                "terminated with a line containing the literal text:\n"
+                                "\tendAssociations\n"
+                                "Any text after the terminator will not be read.\n"
+                                "\n"
+                                "Here is a sample of associations with 3 channels:\n"
+                                "\tchannel face\n"
+                                "\t{CHANNEL_DATA_IN_RAW_FORMAT}[0]\n"
+                                "\tchannel vertex\n"
+                                "\t{CHANNEL_DATA_IN_RAW_FORMAT}[1]\n"
+                                "\tchannel edge\n"
+                                "\t{CHANNEL_DATA_IN_RAW_FORMAT}[2]\n"
+                                "\tendAssociations\n"
+                                "See the documentation for the raw\n"
+                                "channel serialization format for a detailed description\n"
+                                "of the {CHANNEL_DATA_IN_RAW_FORMAT} lines.\n";
+
+std::string placeOf(std::istream& in)
+{
+    return " on or about character " + std::to_string(detail::readPosition(in));
+}
+
+/// An input that failed before is not at its end, but no good.
+bool isAtEnd(std::istream& in)
+{
+    if (in.fail())
+        return in.eof();
+    return std::istream::traits_type::eq_int_type(in.peek(), std::istream::traits_type::eof());
+}
+
+void readChannel(std::istream& in, Associations& associations, detail::Messages& messages)
+{
+    detail::LineReader restOfLine(in);
+    if (restOfLine.next() && restOfLine.isTooLong())
+        messages.add(restOfLine.tooLongMessage());
+    const std::unique_ptr<Channel> channel(ChannelSerializerRaw::theFormat()->read(in, messages.text()));
+    if (channel)
+        associations.setChannel(*channel);
+    else
+        messages.countErrors(1);
+}
+} // namespace
+
+AssociationsSerializerRaw* AssociationsSerializerRaw::theInstance = nullptr;
+
+AssociationsSerializerRaw* AssociationsSerializerRaw::theFormat()
+{
+    if (!theInstance)
+        theInstance = new AssociationsSerializerRaw();
+    return theInstance;
+}
+
+AssociationsSerializerRaw::AssociationsSerializerRaw()
+{
+    setDefaultFormat(this);
+}
+
+const char* AssociationsSerializerRaw::formatType() const
+{
+    return keyword(kFormatName);
+}
+
+AssociationsSerializerRaw::~AssociationsSerializerRaw() = default;
+
+Associations* AssociationsSerializerRaw::read(std::istream& in, std::string& errors) const
+{
+    detail::Messages messages;
+    std::unique_ptr<Associations> associations(Associations::create());
+    while (!isAtEnd(in))
+    {
+        std::string word;
+        if (!(in >> word))
+        {
+            messages.add("Missing Associations keyword" + placeOf(in));
+            break;
+        }
+        if (word == keyword(kEndAssociations))
+            break;
+        if (word != keyword(kChannel))
+        {
+            messages.add("Unrecognized keyword '" + word + "'" + placeOf(in));
+            break;
+        }
+        readChannel(in, *associations, messages);
+    }
+    return messages.report("Associations not created", errors) > 0 ? nullptr : associations.release();
+}
+
+int AssociationsSerializerRaw::write(const Associations& associations, std::ostream& out, std::string& errors) const
+{
+    detail::Messages messages;
+    detail::LineWriter lines(out, messages);
+    for (AssociationsIterator position = associations.begin(); position.valid(); ++position)
+    {
+        if (position->empty())
+            continue;
+        lines.write(keyword(kChannel));
+        messages.countErrors(ChannelSerializerRaw::theFormat()->write(*position, out, messages.text()));
+    }
+    lines.write(keyword(kEndAssociations));
+    if (!out && messages.count() == 0)
+        messages.add("Error in associations while writing."); // else a channel has reported it
+    return messages.report("Associations may not be written correctly", errors);
+}
+
+std::ostream& AssociationsSerializerRaw::getFormatDescription(std::ostream& out) const
+{
+    return out << kDescription;
+}
+} // namespace Data
+} // namespace vumo
