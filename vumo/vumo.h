@@ -2,6 +2,11 @@
 
 /// Everything that the library offers.
 
+#include "vumo/accessor/Accessor.h"
+#include "vumo/accessor/AccessorFactory.h"
+#include "vumo/accessor/AccessorFactoryBase.h"
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/OvriBinaryFileAccessor.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/AssociationsImpl.h"
 #include "vumo/data/AssociationsIterator.h"

@@ -1,0 +1,181 @@
+#include "vumo/accessor/Accessor.h"
+
+#include "vumo/accessor/AccessorFactory.h"
+#include "vumo/accessor/OvriBinaryFileAccessor.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+#include <typeinfo>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+/// One factory for each kind of scene file. They stand beside the function that looks factories up, because
+/// a linker takes from a static library only the object files that something refers to.
+const AccessorFactory<OvriBinaryFileAccessor> theBinaryFactory("ob");
+
+/// Empties the registry of structures, and on the way out removes what was registered meanwhile and puts back
+/// what was there.
+class RegistryGuard
+{
+public:
+    RegistryGuard() { mSaved.swap(Structure::allStructures()); }
+    RegistryGuard(const RegistryGuard&) = delete;
+    RegistryGuard& operator=(const RegistryGuard&) = delete;
+
+    ~RegistryGuard()
+    {
+        Structure::deleteAllStructures();
+        mSaved.swap(Structure::allStructures());
+    }
+
+private:
+    std::set<Structure*> mSaved;
+};
+} // namespace
+
+struct Accessor::Impl
+{
+    std::string mFileName;
+    StructureSet mStructures; // one reference on each
+    std::map<std::string, Associations> mAssociations;
+};
+
+bool Accessor::StructureNameLessThan::operator()(const Structure* a, const Structure* b) const
+{
+    if (!a || !b)
+        throw std::invalid_argument("Null Structure found in StructureSet.");
+    return std::strcmp(a->name(), b->name()) < 0;
+}
+
+Accessor::Accessor() : mImpl(std::make_unique<Impl>()) {}
+
+Accessor::~Accessor()
+{
+    for (const Structure* structure : mImpl->mStructures)
+        structure->unref();
+}
+
+bool Accessor::write(std::string& errors) const
+{
+    errors += typeid(*this).name();
+    errors += " does not implement ";
+    errors += "write";
+    return false;
+}
+
+bool Accessor::isFileSupported(const std::string& /*fileName*/) const
+{
+    return true;
+}
+
+bool Accessor::read(const std::string& fileName, std::string& errors)
+{
+    return read(fileName, nullptr, nullptr, errors);
+}
+
+bool Accessor::read(const std::string& fileName, const std::set<std::string>* structureNames,
+                    const std::set<std::string>* associationNames, std::string& errors)
+{
+    const RegistryGuard guard;
+    try
+    {
+        mImpl->mFileName = fileName;
+        mImpl->mStructures.clear(); // without releasing them: callers of an earlier read may use them still
+        mImpl->mAssociations.clear();
+        const bool isRead = performRead(structureNames, associationNames, errors);
+        if (isRead)
+            keepRegisteredStructures();
+        else
+            clear();
+        return isRead;
+    }
+    catch (...)
+    {
+        clear();
+        throw;
+    }
+}
+
+void Accessor::keepRegisteredStructures()
+{
+    const std::set<Structure*>& registered = Structure::allStructures();
+    setStructures(StructureSet(registered.begin(), registered.end()));
+}
+
+const std::string& Accessor::fileName() const
+{
+    return mImpl->mFileName;
+}
+
+const Accessor::StructureSet& Accessor::structures() const
+{
+    return mImpl->mStructures;
+}
+
+void Accessor::setStructures(const StructureSet& structures)
+{
+    if (&structures == &mImpl->mStructures)
+        return;
+    // A set never compares its only element, so a null may have come in.
+    if (std::find(structures.begin(), structures.end(), nullptr) != structures.end())
+        throw std::invalid_argument("Null Structure found in StructureSet.");
+
+    StructureSet replaced = structures; // all that can throw comes before the first reference
+    for (const Structure* structure : replaced)
+        structure->ref();
+    replaced.swap(mImpl->mStructures);
+    for (const Structure* structure : replaced)
+        structure->unref();
+}
+
+const std::map<std::string, Associations>& Accessor::associations() const
+{
+    return mImpl->mAssociations;
+}
+
+std::map<std::string, Associations>& Accessor::associations()
+{
+    return mImpl->mAssociations;
+}
+
+void Accessor::clear()
+{
+    setStructures(StructureSet());
+    mImpl->mAssociations.clear();
+}
+
+std::set<std::string> Accessor::supportedExtensions()
+{
+    std::set<std::string> extensions;
+    for (const auto& [extension, factory] : AccessorFactoryBase::registry())
+        extensions.insert(extension);
+    return extensions;
+}
+
+std::unique_ptr<Accessor> Accessor::accessorByExtension(const std::string& fileName)
+{
+    const std::size_t dot = fileName.rfind('.');
+    const std::string extension = dot == std::string::npos ? fileName : fileName.substr(dot + 1);
+    const auto factory = AccessorFactoryBase::registry().find(AccessorFactoryBase::lowerCase(extension));
+    return factory == AccessorFactoryBase::registry().end() ? nullptr : factory->second->create();
+}
+
+std::unique_ptr<Accessor> Accessor::readFile(const std::string& fileName, std::string& errors)
+{
+    std::unique_ptr<Accessor> accessor = accessorByExtension(fileName);
+    if (!accessor)
+    {
+        errors += "No factory registered for type of file \"" + fileName + "\"";
+        return nullptr;
+    }
+    if (!accessor->read(fileName, errors))
+        return nullptr;
+    return accessor;
+}
+} // namespace Data
+} // namespace vumo

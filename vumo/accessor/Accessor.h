@@ -1,0 +1,125 @@
+#pragma once
+
+#include "vumo/data/Associations.h"
+#include "vumo/data/Structure.h"
+#include "vumo/foundation/Export.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// Reads and rewrites the metadata of one scene file without loading the scene.
+///
+///     std::string errors;
+///     std::unique_ptr<Accessor> accessor = Accessor::readFile("town.ob", errors);
+///     if (accessor)
+///     {
+///         accessor->associations()["Body"] = ...; // per node name; the scene's own under ""
+///         accessor->write(errors);
+///     }
+///
+/// An accessor holds the structures that the file declares and the associations that it applies, one for
+/// each node name and the scene's own under `AccessorOvri::getSceneAssociationsName()`. It references its
+/// structures, so they live on when the registry of structures does not know them.
+///
+/// BEWARE: write() stores what the accessor holds, nothing else, in place of all metadata in the file. A
+/// read that failed leaves nothing in the accessor, and a read with filters leaves less in it than the file
+/// has: writing after either removes the rest from the file. Only write after a read() without filters that
+/// returned true.
+///
+/// Not for use from several threads: reading borrows the registry of structures, which is process-wide.
+class VUMO_EXPORT Accessor
+{
+public:
+    /// Orders structures by name, byte by byte; a null name counts as empty. Throws `std::invalid_argument`
+    /// for a null structure.
+    struct VUMO_EXPORT StructureNameLessThan
+    {
+        bool operator()(const Structure* a, const Structure* b) const;
+    };
+
+    /// Structures of which no two have the same name.
+    using StructureSet = std::set<const Structure*, StructureNameLessThan>;
+
+    Accessor(const Accessor&) = delete;
+    Accessor& operator=(const Accessor&) = delete;
+
+    /// Releases the structures.
+    virtual ~Accessor();
+
+    /// Puts the structures and associations that the accessor holds into the file fileName(), in place of
+    /// the metadata that is there. False, with a message appended to `errors`, when that failed; this class
+    /// itself cannot write any file.
+    virtual bool write(std::string& errors) const;
+
+    /// Says whether the file, going by its contents, is one that this accessor can read.
+    virtual bool isFileSupported(const std::string& fileName) const;
+
+    /// Reads all metadata of the file: the next function without filters.
+    bool read(const std::string& fileName, std::string& errors);
+
+    /// Reads the wanted metadata of the file, which replaces what the accessor held. A null set wants every
+    /// name; `associationNames` are node names, and the scene associations name for the scene's own.
+    ///
+    /// False when that failed, with the reason in `errors`; the accessor is then empty. It is also empty after
+    /// an exception, which is passed on. Either way the registry of structures is afterwards as it was.
+    ///
+    /// A structure filter must leave in every structure that the wanted associations use: without it their
+    /// elements cannot be read, and the read fails.
+    ///
+    /// The references on the structures that the accessor held before are not released: structures that a
+    /// caller obtained from an earlier read stay alive, for good. Call clear() first to release them.
+    bool read(const std::string& fileName, const std::set<std::string>* structureNames,
+              const std::set<std::string>* associationNames, std::string& errors);
+
+    /// The name given to the last read(), successful or not; write() goes there.
+    const std::string& fileName() const;
+
+    /// Referenced by the accessor: valid until it reads, gets other structures or is destroyed.
+    const StructureSet& structures() const;
+
+    /// References the structures of the set and releases those held before. Throws `std::invalid_argument`,
+    /// with nothing changed, when one of them is null.
+    void setStructures(const StructureSet& structures);
+
+    /// By node name; the scene's own under the scene associations name, the empty one. Edit it to change what
+    /// write() stores.
+    const std::map<std::string, Associations>& associations() const;
+    std::map<std::string, Associations>& associations();
+
+    /// Removes and releases all structures, removes all associations; keeps the file name.
+    void clear();
+
+    /// The file-name extensions, in lower case and without a dot, for which there is an accessor.
+    static std::set<std::string> supportedExtensions();
+
+    /// A new, empty accessor for files of that name's extension, whatever its case; null when there is none.
+    /// A name without a dot is an extension as a whole.
+    static std::unique_ptr<Accessor> accessorByExtension(const std::string& fileName);
+
+    /// An accessor that has read all metadata of the file; null, with the reason appended to `errors`, when
+    /// there is none for its extension or the read failed.
+    static std::unique_ptr<Accessor> readFile(const std::string& fileName, std::string& errors);
+
+protected:
+    Accessor();
+
+    /// Reads the file fileName(): registers the wanted structures with `Structure::registerStructure`, from
+    /// where read() collects them, and stores the wanted associations in associations().
+    virtual bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
+                             std::string& errors) = 0;
+
+private:
+    struct Impl;
+
+    void keepRegisteredStructures();
+
+    std::unique_ptr<Impl> mImpl;
+};
+} // namespace Data
+} // namespace vumo

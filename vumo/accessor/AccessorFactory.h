@@ -1,0 +1,24 @@
+#pragma once
+
+#include "vumo/accessor/AccessorFactoryBase.h"
+
+#include <memory>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// Makes accessors of type T. One static object registers them:
+///
+///     static const AccessorFactory<MyAccessor> myFactory("ext");
+template <class T>
+class AccessorFactory : public AccessorFactoryBase
+{
+public:
+    explicit AccessorFactory(const std::string& extension) : AccessorFactoryBase(extension) {}
+
+    std::unique_ptr<Accessor> create() const override { return std::make_unique<T>(); }
+};
+} // namespace Data
+} // namespace vumo

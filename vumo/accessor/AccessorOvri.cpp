@@ -1,0 +1,186 @@
+#include "vumo/accessor/AccessorOvri.h"
+
+#include "vumo/serialize/AssociationsSerializer.h"
+#include "vumo/serialize/StructureSerializer.h"
+
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <memory>
+#include <sstream>
+#include <utility>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+/// The object that `text` describes in the format of that name; null, with the reason appended to `errors`.
+template <class Serializer>
+auto deserialize(const std::string& format, const std::string& text, std::string& errors)
+    -> decltype(Serializer::formatByName(format)->read(std::declval<std::istream&>(), errors))
+{
+    const Serializer* serializer = Serializer::formatByName(format);
+    if (!serializer)
+    {
+        errors += "Could not find serializer for format " + format;
+        return nullptr;
+    }
+    std::istringstream in(text);
+    std::string ownErrors; // a serializer may clear the text that it is given
+    auto* object = serializer->read(in, ownErrors);
+    errors += ownErrors;
+    return object;
+}
+} // namespace
+
+const std::string& AccessorOvri::Ascii::getHeaderPrefix()
+{
+    static const std::string theWord = "//Ovri ASCII";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getTrailerPrefix()
+{
+    static const std::string theWord = "// End of";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getApplyMetadataCommandName()
+{
+    static const std::string theWord = "applyMetadata";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getApplyMetadataCommandFormatFlag()
+{
+    static const std::string theWord = "-fmt";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getApplyMetadataCommandSceneFlag()
+{
+    static const std::string theWord = "-scn";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getApplyMetadataCommandValueFlag()
+{
+    static const std::string theWord = "-v";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getDataStructureCommandName()
+{
+    static const std::string theWord = "dataStructure";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getDataStructureCommandFormatFlag()
+{
+    static const std::string theWord = "-fmt";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getDataStructureCommandAsStringFlag()
+{
+    static const std::string theWord = "-as";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getConnectAttrCommandName()
+{
+    static const std::string theWord = "connectAttr";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getCreateNodeCommandName()
+{
+    static const std::string theWord = "createNode";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getSetAttrCommandName()
+{
+    static const std::string theWord = "setAttr";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getRelationshipCommandName()
+{
+    static const std::string theWord = "relationship";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Ascii::getSelectCommandName()
+{
+    static const std::string theWord = "select";
+    return theWord;
+}
+
+const std::string& AccessorOvri::Binary::getFormChunkName()
+{
+    static const std::string theTag = "FOR8";
+    return theTag;
+}
+
+const std::string& AccessorOvri::Binary::getMainFormChunkType()
+{
+    static const std::string theType = "Ovri";
+    return theType;
+}
+
+const std::string& AccessorOvri::Binary::getMetaDataStructureChunkName()
+{
+    static const std::string theTag = "DATS";
+    return theTag;
+}
+
+const std::string& AccessorOvri::Binary::getApplyNodeMetaDataChunkName()
+{
+    static const std::string theTag = "MTDA";
+    return theTag;
+}
+
+const std::string& AccessorOvri::Binary::getApplySceneMetaDataChunkName()
+{
+    static const std::string theTag = "SMTD";
+    return theTag;
+}
+
+const std::string& AccessorOvri::Binary::getBackwardChunkSizeChunkName()
+{
+    static const std::string theTag = "BCSZ";
+    return theTag;
+}
+
+const std::string& AccessorOvri::getSceneAssociationsName()
+{
+    static const std::string theName;
+    return theName;
+}
+
+bool AccessorOvri::truncateFile(const std::string& fileName, std::uint64_t length)
+{
+    const auto offset = static_cast<off_t>(length);
+    return offset >= 0 && static_cast<std::uint64_t>(offset) == length && truncate(fileName.c_str(), offset) == 0;
+}
+
+const Structure* AccessorOvri::deserializeStructure(const std::string& format, const std::string& text,
+                                                    std::string& errors)
+{
+    return deserialize<StructureSerializer>(format, text, errors);
+}
+
+bool AccessorOvri::deserializeAssociations(const std::string& format, const std::string& text, Associations& result,
+                                           std::string& errors)
+{
+    const std::unique_ptr<Associations> associations(deserialize<AssociationsSerializer>(format, text, errors));
+    if (!associations)
+        return false;
+    result = *associations;
+    return true;
+}
+} // namespace Data
+} // namespace vumo

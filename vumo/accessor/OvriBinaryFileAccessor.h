@@ -1,0 +1,40 @@
+#pragma once
+
+#include "vumo/accessor/Accessor.h"
+#include "vumo/foundation/Export.h"
+
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// The accessor for the host's binary scene files, extension "ob".
+///
+/// Such a file is one tree of chunks. Its last child, the trailer group, ends with a chunk that tells how far
+/// back the group's chunks begin, so that the metadata among them is found from the end of the file: neither
+/// reading nor writing touches more of the scene than the first 20 bytes of the file.
+class VUMO_EXPORT OvriBinaryFileAccessor : public Accessor
+{
+public:
+    OvriBinaryFileAccessor() = default;
+
+    /// Puts structures() and associations() into the trailer of the file fileName(), in place of the metadata
+    /// there; the host's own chunks keep their order around them. Empty associations write nothing.
+    ///
+    /// The old metadata is known by its first structure. Metadata in front of that, or all of it in a trailer
+    /// without any structure, counts as the host's: it stays, and the new metadata follows it and so prevails.
+    ///
+    /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
+    /// A write that fails later, because the disk is full, say, leaves a damaged file.
+    bool write(std::string& errors) const override;
+
+    bool isFileSupported(const std::string& fileName) const override;
+
+protected:
+    bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
+                     std::string& errors) override;
+};
+} // namespace Data
+} // namespace vumo
