@@ -1,0 +1,51 @@
+#pragma once
+
+#include "vumo/accessor/BinaryChunkHeader.h"
+#include "vumo/data/Associations.h"
+#include "vumo/foundation/Export.h"
+
+#include <cstdint>
+#include <istream>
+#include <map>
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// Finds and reads the metadata in the trailer of a binary scene file.
+///
+/// Trusts nothing that the file says: each size and offset is compared with what the file holds before it is
+/// used to seek, to loop or to allocate.
+class VUMO_EXPORT BinaryReader
+{
+public:
+    BinaryReader() = delete;
+
+    /// Finds the trailer of a scene and leaves the stream at the first of its chunks. The results, all in
+    /// bytes from the start of the file: the size field of the main chunk, the size field of the trailer group,
+    /// the chunk "BCSZ" that ends the trailer. False, with `errors` replaced by the reason, when the stream
+    /// holds no such scene.
+    ///
+    /// What stands between the main chunk's group type and the trailer is neither read nor checked, nor is the
+    /// header of the trailer group, nor what may follow the main chunk.
+    static bool seekToTrailerStart(std::istream& in, std::uint64_t& mainSizePosition,
+                                   std::uint64_t& trailerSizePosition, std::uint64_t& trailerEnd, std::string& errors);
+
+    /// Says whether the chunk holds associations, of a node or of the scene.
+    static bool isApplyMetadataChunk(const BinaryChunkHeader& header);
+
+    /// Reads the wanted metadata of a scene; a null set wants every name. Registers the structures with
+    /// `Structure::registerStructure` and stores the associations under their names; of several for one name
+    /// the last one stays, or with a filter the first. False, with the reason in `errors`, when that failed;
+    /// what was read so far stays where it is.
+    ///
+    /// Two structures of one name with different members are refused, because the elements that use that name
+    /// could mean either.
+    static bool readMetadata(std::istream& in, const std::set<std::string>* structureNames,
+                             const std::set<std::string>* associationNames,
+                             std::map<std::string, Associations>& associations, std::string& errors);
+};
+} // namespace Data
+} // namespace vumo

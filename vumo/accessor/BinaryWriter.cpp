@@ -1,0 +1,271 @@
+#include "vumo/accessor/BinaryWriter.h"
+
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/BinaryReader.h"
+#include "vumo/accessor/detail/BigEndian.h"
+#include "vumo/accessor/detail/BinaryLayout.h"
+#include "vumo/accessor/detail/ChunkCursor.h"
+#include "vumo/accessor/detail/TextConversion.h"
+#include "vumo/serialize/AssociationsSerializer.h"
+#include "vumo/serialize/StructureSerializer.h"
+
+#include <cstdint>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <vector>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+using Binary = AccessorOvri::Binary;
+
+/// The format of all texts that are written.
+const char* const kFormat = "raw";
+
+/// With longer trailers the offset from its end back to its start would not fit its 32 bits.
+constexpr std::uint64_t kLongestTrailer = std::numeric_limits<std::uint32_t>::max() - kHeaderSize - kBackwardOffsetSize;
+
+/// A text as it stands inside a chunk.
+std::string zeroTerminated(const std::string& text)
+{
+    return text + '\0';
+}
+
+bool failWith(std::string& errors, const std::string& message)
+{
+    errors += message;
+    return false;
+}
+
+bool writeChunk(std::ostream& out, const std::string& tag, const std::string& data)
+{
+    std::string chunk = tag + std::string(kReservedSize, '\0');
+    appendBigEndian<std::uint64_t>(data.size(), chunk);
+    chunk += data;
+    chunk.append(paddingOf(data.size()), '\0');
+    return out.write(chunk.data(), static_cast<std::streamsize>(chunk.size())).good();
+}
+
+/// The scene's trailer as it stands in a file; positions in bytes from the start of the file.
+struct Trailer
+{
+    std::uint64_t mMainSizePosition = 0;
+    std::uint64_t mSizePosition = 0;
+    std::uint64_t mEnd = 0; // of its chunks: where "BCSZ" stands
+
+    std::uint64_t start() const { return mSizePosition + kGroupSizeToStart; }
+    std::uint64_t length() const { return mEnd - start(); }
+    std::uint64_t mainChunkEnd() const { return mEnd + kBackwardChunkSize; }
+
+    /// Of the trailer group with `length` bytes of chunks.
+    static std::uint64_t groupSize(std::uint64_t length) { return kGroupTypeSize + length + kBackwardChunkSize; }
+};
+
+/// Says whether the trailer's start lies where its group's header says, as the header does not have to agree
+/// for reading.
+bool hasGroupHeader(std::istream& in, const Trailer& trailer)
+{
+    std::string header(kHeaderSize, '\0');
+    in.seekg(static_cast<std::streamoff>(trailer.mSizePosition - kSizeOffset));
+    in.read(header.data(), static_cast<std::streamsize>(header.size()));
+    return in && header.compare(0, kTagSize, Binary::getFormChunkName()) == 0 &&
+           readBigEndian<std::uint64_t>(header.data() + kSizeOffset) == Trailer::groupSize(trailer.length());
+}
+
+bool endsWithMainChunk(std::istream& in, const Trailer& trailer)
+{
+    in.seekg(0, std::ios::end);
+    // The padding that ends the file may be missing: writing mends that, and nothing is lost.
+    return in && static_cast<std::uint64_t>(in.tellg()) <= trailer.mainChunkEnd();
+}
+
+/// Finds the trailer and leaves the stream at its start, once nothing speaks against rewriting it.
+bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
+{
+    if (!BinaryReader::seekToTrailerStart(in, trailer.mMainSizePosition, trailer.mSizePosition, trailer.mEnd, errors))
+        return false;
+    if (!hasGroupHeader(in, trailer))
+        return failWith(errors, "Could not find the trailer group before the trailer.");
+    if (!endsWithMainChunk(in, trailer))
+        return failWith(errors, "File does not end with its main chunk.");
+    if (!in.seekg(static_cast<std::streamoff>(trailer.start())))
+        return failWith(errors, "Could not seek to trailer start.");
+    return true;
+}
+
+/// The chunks of an old trailer that are to stay, as they stand in the file.
+struct KeptChunks
+{
+    std::string mBefore; // the old metadata
+    std::string mAfter;
+};
+
+/// Copies all chunks but the old metadata. That begins with the first structure; behind it the host may have
+/// put chunks of its own, and even those between two runs of metadata stay.
+bool readKeptChunks(ChunkCursor& chunks, KeptChunks& kept, std::string& errors)
+{
+    bool isBehindStructure = false;
+    while (!chunks.atEnd())
+    {
+        if (!chunks.readHeader())
+            return failWith(errors, !isBehindStructure    ? "Error reading chunk header before metadata."
+                                    : kept.mAfter.empty() ? "Error skipping existing metadata chunks."
+                                                          : "Error skipping backward size chunk.");
+        const bool isStructure = chunks.header().tag == Binary::getMetaDataStructureChunkName();
+        const bool isMetadata =
+            isStructure || (isBehindStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
+        if (!isMetadata && !chunks.appendChunk(isBehindStructure ? kept.mAfter : kept.mBefore))
+            return failWith(errors, "Error reading chunk before metadata.");
+        if (isMetadata && !chunks.skipData())
+            return failWith(errors, isBehindStructure ? "Error skipping existing metadata chunks."
+                                                      : "Error skipping data structure chunk.");
+        isBehindStructure = isBehindStructure || isStructure;
+    }
+    return true;
+}
+
+bool writeNewMetadata(std::ostream& out, const Accessor::StructureSet& structures,
+                      const std::map<std::string, Associations>& associations, std::string& errors)
+{
+    for (const Structure* structure : structures)
+    {
+        if (!BinaryWriter::writeStructureChunk(out, *structure))
+            return failWith(errors, "Could not write structure chunk to in-memory trailer.");
+    }
+    const std::string& sceneName = AccessorOvri::getSceneAssociationsName();
+    const auto scene = associations.find(sceneName);
+    if (scene != associations.end() &&
+        !BinaryWriter::writeAssociationsChunk(out, Binary::getApplySceneMetaDataChunkName(), sceneName, scene->second,
+                                              &errors))
+        return failWith(errors, "Could not write scene associations chunk to in-memory trailer.");
+    for (auto node = associations.begin(); node != associations.end(); ++node)
+    {
+        if (node != scene && !BinaryWriter::writeAssociationsChunk(out, Binary::getApplyNodeMetaDataChunkName(),
+                                                                   node->first, node->second, &errors))
+            return failWith(errors, "Could not write node associations chunk to in-memory trailer.");
+    }
+    return true;
+}
+
+/// Builds the chunks of the new trailer: the old ones that stay, around the new metadata.
+bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::StructureSet& structures,
+                  const std::map<std::string, Associations>& associations, std::string& content, std::string& errors)
+{
+    ChunkCursor chunks(in, old.length());
+    KeptChunks kept;
+    std::ostringstream metadata;
+    if (!readKeptChunks(chunks, kept, errors) || !writeNewMetadata(metadata, structures, associations, errors))
+        return false;
+    content = kept.mBefore + metadata.str() + kept.mAfter;
+    if (content.size() > kLongestTrailer)
+        return failWith(errors, "Failed to write the backward chunk size.");
+    return true;
+}
+
+/// One place of the file that gets new bytes, and what to say when that fails.
+struct Edit
+{
+    std::uint64_t mPosition;
+    std::string mBytes;
+    const char* mSeekFailed;
+    const char* mWriteFailed;
+};
+
+bool apply(const Edit& edit, std::ostream& file, std::string& errors)
+{
+    if (!file.seekp(static_cast<std::streamoff>(edit.mPosition)))
+        return failWith(errors, edit.mSeekFailed);
+    // Flushed at once, so that a full disk shows here and not later.
+    if (!file.write(edit.mBytes.data(), static_cast<std::streamsize>(edit.mBytes.size())).flush())
+        return failWith(errors, edit.mWriteFailed);
+    return true;
+}
+
+template <class Number>
+std::string bigEndian(Number number)
+{
+    std::string bytes;
+    appendBigEndian(number, bytes);
+    return bytes;
+}
+
+std::string backwardChunk(std::uint32_t offset)
+{
+    std::ostringstream chunk;
+    writeChunk(chunk, Binary::getBackwardChunkSizeChunkName(), bigEndian(offset));
+    return chunk.str();
+}
+
+/// What changes in the file when `content` becomes the trailer's chunks, in the order of writing.
+std::vector<Edit> editsFor(const Trailer& trailer, const std::string& content)
+{
+    const auto offset = static_cast<std::uint32_t>(content.size() + kHeaderSize + kBackwardOffsetSize);
+    return {{trailer.mSizePosition, bigEndian(Trailer::groupSize(content.size())),
+             "Failed to seek to the trailer size position.", "Failed to write the new trailer size."},
+            {trailer.start(), content, "Failed to seek to the trailer data start.", "Failed to write the new trailer."},
+            {trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
+             "Failed to write the backward chunk size."},
+            {trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
+             "Failed to the main chunk size position.", "Failed to write the new main chunk size."}};
+}
+} // namespace
+
+bool BinaryWriter::writeStructureChunk(std::ostream& out, const Structure& structure)
+{
+    const StructureSerializer* serializer = StructureSerializer::formatByName(kFormat);
+    std::ostringstream text;
+    if (!serializer || serializer->write(structure, text) != 0 || !text)
+        return false;
+    return writeChunk(out, Binary::getMetaDataStructureChunkName(),
+                      zeroTerminated(kFormat) + zeroTerminated(convertString(text.str(), eTextDirection::kToUtf8)));
+}
+
+bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& tag, const std::string& name,
+                                          const Associations& associations, std::string* errors)
+{
+    if (associations.empty())
+        return true;
+    const AssociationsSerializer* serializer = AssociationsSerializer::formatByName(kFormat);
+    if (!serializer || name.find('\0') != std::string::npos) // the name would end there when read back
+        return false;
+    std::ostringstream text;
+    std::string ownErrors;
+    const bool isWritten = serializer->write(associations, text, ownErrors) == 0 && text;
+    if (errors)
+        *errors += ownErrors;
+    return isWritten && writeChunk(out, tag,
+                                   zeroTerminated(name) + zeroTerminated(kFormat) +
+                                       zeroTerminated(convertString(text.str(), eTextDirection::kToUtf8)));
+}
+
+bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
+                                 const std::map<std::string, Associations>& associations, std::string& errors)
+{
+    std::fstream file(fileName, std::ios::in | std::ios::out | std::ios::binary);
+    if (!file)
+        return failWith(errors, "Could not open " + fileName + " for writing.");
+    Trailer trailer;
+    std::string content;
+    if (!findTrailer(file, trailer, errors) || !buildTrailer(file, trailer, structures, associations, content, errors))
+        return false;
+
+    const std::uint64_t oldFileEnd = trailer.mainChunkEnd();
+    trailer.mEnd = trailer.start() + content.size();
+    for (const Edit& edit : editsFor(trailer, content))
+    {
+        if (!apply(edit, file, errors))
+            return false;
+    }
+    file.close();
+    if (!file)
+        return failWith(errors, "Failed to write the new main chunk size.");
+    if (trailer.mainChunkEnd() < oldFileEnd && !AccessorOvri::truncateFile(fileName, trailer.mainChunkEnd()))
+        return failWith(errors, "Could not truncate the file.");
+    return true;
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "vumo/accessor/Accessor.h"
+#include "vumo/data/Associations.h"
+#include "vumo/data/Structure.h"
+#include "vumo/foundation/Export.h"
+
+#include <map>
+#include <ostream>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// Writes metadata as chunks, and puts it into the trailer of a binary scene file.
+class VUMO_EXPORT BinaryWriter
+{
+public:
+    BinaryWriter() = delete;
+
+    /// Writes a "DATS" chunk. False when there is no format "raw", when the structure could not be serialized,
+    /// or when the stream failed.
+    static bool writeStructureChunk(std::ostream& out, const Structure& structure);
+
+    /// Writes a chunk of the tag "MTDA", for the node of that name, or "SMTD", for the scene; nothing for empty
+    /// associations. False when there is no format "raw", when the name holds a zero byte, when the
+    /// associations could not be serialized, or when the stream failed. The serializer's messages are appended
+    /// to `errors` where that is not null.
+    static bool writeAssociationsChunk(std::ostream& out, const std::string& tag, const std::string& name,
+                                       const Associations& associations, std::string* errors = nullptr);
+
+    /// Replaces the metadata in the trailer of the file, moves the end of the trailer and of the main chunk
+    /// accordingly and cuts the file there. False, with the reason in `errors`, when that failed.
+    ///
+    /// The whole tail is built and checked before the first byte of the file changes; a file that has anything
+    /// behind its main chunk is refused, because that would be lost.
+    static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
+                              const std::map<std::string, Associations>& associations, std::string& errors);
+};
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// Appends an unsigned number to `bytes`, its most significant byte first.
+template <class Number>
+void appendBigEndian(Number number, std::string& bytes)
+{
+    for (std::size_t i = sizeof(Number); i > 0; --i)
+        bytes += static_cast<char>(number >> (8 * (i - 1)) & 0xFF);
+}
+
+/// The unsigned number whose most significant byte stands at `bytes`.
+template <class Number>
+Number readBigEndian(const char* bytes)
+{
+    Number number = 0;
+    for (std::size_t i = 0; i < sizeof(Number); ++i)
+        number = static_cast<Number>(number << 8 | static_cast<unsigned char>(bytes[i]));
+    return number;
+}
+} // namespace Data
+} // namespace vumo

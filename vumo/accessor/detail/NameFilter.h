@@ -1,0 +1,29 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// The names that a caller wants from a file, each of them once.
+///
+/// A null set wants every name, every time. accept() uses up the name it says yes to, so isExhausted() tells a
+/// reader that nothing further in the file can matter. Copies the wanted names.
+class NameFilter
+{
+public:
+    explicit NameFilter(const std::set<std::string>* wanted);
+
+    /// Says whether `name` is wanted, and from then on no longer wants it.
+    bool accept(const std::string& name);
+
+    bool isExhausted() const { return !mWantsAll && mWanted.empty(); }
+
+private:
+    std::set<std::string> mWanted;
+    bool mWantsAll;
+};
+} // namespace Data
+} // namespace vumo

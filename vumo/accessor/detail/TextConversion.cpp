@@ -1,0 +1,98 @@
+#include "vumo/accessor/detail/TextConversion.h"
+
+#include <iconv.h>
+#include <langinfo.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+/// The encoding of the current locale, as iconv names it.
+constexpr const char* kLocaleEncoding = "";
+constexpr const char* kUtf8 = "UTF-8";
+
+/// Owns an open conversion.
+class Converter
+{
+public:
+    explicit Converter(eTextDirection direction)
+        : mDescriptor(direction == eTextDirection::kToUtf8 ? iconv_open(kUtf8, kLocaleEncoding)
+                                                           : iconv_open(kLocaleEncoding, kUtf8))
+    {
+    }
+
+    Converter(const Converter&) = delete;
+    Converter& operator=(const Converter&) = delete;
+
+    ~Converter()
+    {
+        if (isOpen())
+            iconv_close(mDescriptor);
+    }
+
+    bool isOpen() const { return mDescriptor != reinterpret_cast<iconv_t>(-1); }
+
+    /// Says whether the conversion changes nothing.
+    bool isTrivial() const
+    {
+#ifdef VUMO_HAVE_ICONVCTL
+        int trivial = 0;
+        return iconvctl(mDescriptor, ICONV_TRIVIALP, &trivial) == 0 && trivial != 0;
+#else
+        return std::strcmp(nl_langinfo(CODESET), kUtf8) == 0;
+#endif
+    }
+
+    /// False when the text could not be converted to its end.
+    bool convert(const std::string& text, std::string& result)
+    {
+        result.resize(text.size() + kRoomToGrow);
+        std::size_t written = 0;
+        char* in = const_cast<char*>(text.data()); // iconv reads it only
+        std::size_t inLeft = text.size();
+        // The call without input writes what ends a text in an encoding that has states.
+        if (!run(&in, &inLeft, result, written) || !run(nullptr, nullptr, result, written))
+            return false;
+        result.resize(written);
+        return true;
+    }
+
+private:
+    static constexpr std::size_t kRoomToGrow = 64;
+
+    /// Converts behind the `written` bytes of `result`, which grows as needed.
+    bool run(char** in, std::size_t* inLeft, std::string& result, std::size_t& written)
+    {
+        for (;;)
+        {
+            char* out = result.data() + written;
+            std::size_t outLeft = result.size() - written;
+            const bool isDone = iconv(mDescriptor, in, inLeft, &out, &outLeft) != static_cast<std::size_t>(-1);
+            written = result.size() - outLeft;
+            if (isDone)
+                return true;
+            if (errno != E2BIG)
+                return false;
+            result.resize(result.size() * 2);
+        }
+    }
+
+    iconv_t mDescriptor;
+};
+} // namespace
+
+std::string convertString(const std::string& text, eTextDirection direction)
+{
+    Converter converter(direction);
+    std::string converted;
+    if (!converter.isOpen() || converter.isTrivial() || !converter.convert(text, converted))
+        return text;
+    return converted;
+}
+} // namespace Data
+} // namespace vumo
