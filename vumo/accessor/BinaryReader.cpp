@@ -81,13 +81,18 @@ bool takeText(const std::string& data, std::size_t& position, std::string& text)
     return true;
 }
 
-/// The text from `position` to the end, less its zero byte, and in the locale's encoding. The byte may be
-/// missing: the chunk ends the text as well.
-std::string lastText(const std::string& data, std::size_t position)
+/// Takes the last text, from `position` to the end, less its zero byte, which may be missing. False when there
+/// is a zero byte before that: then the chunk holds more than its text, such as another chunk.
+bool takeLastText(const std::string& data, std::size_t position, std::string& text)
 {
-    std::string text = data.substr(position);
+    text.assign(data, position, std::string::npos);
     if (!text.empty() && text.back() == '\0')
         text.pop_back();
+    return text.find('\0') == std::string::npos;
+}
+
+std::string fromUtf8(const std::string& text)
+{
     return convertString(text, eTextDirection::kFromUtf8);
 }
 
@@ -130,12 +135,13 @@ private:
     {
         std::string data;
         std::string format;
+        std::string text;
         std::size_t position = 0;
-        if (!chunks.readData(data) || !takeText(data, position, format))
+        if (!chunks.readData(data) || !takeText(data, position, format) || !takeLastText(data, position, text))
             return fail("Could not read data structure chunk.");
         // Nobody else knows the new structure yet; what is not registered is freed with the reference.
         const Ref<Structure> structure(
-            const_cast<Structure*>(AccessorOvri::deserializeStructure(format, lastText(data, position), mErrors)));
+            const_cast<Structure*>(AccessorOvri::deserializeStructure(format, fromUtf8(text), mErrors)));
         if (!structure)
             return false;
         return !mStructureFilter.accept(structure->name()) || registerStructure(*structure);
@@ -156,13 +162,15 @@ private:
         std::string data;
         std::string name;
         std::string format;
+        std::string text;
         std::size_t position = 0;
-        if (!chunks.readData(data) || !takeText(data, position, name) || !takeText(data, position, format))
+        if (!chunks.readData(data) || !takeText(data, position, name) || !takeText(data, position, format) ||
+            !takeLastText(data, position, text))
             return fail("Could not read apply metadata chunk.");
         if (!mAssociationFilter.accept(name))
             return true;
         Associations associations;
-        if (!AccessorOvri::deserializeAssociations(format, lastText(data, position), associations, mErrors))
+        if (!AccessorOvri::deserializeAssociations(format, fromUtf8(text), associations, mErrors))
             return false;
         mAssociations[name] = associations;
         return true;

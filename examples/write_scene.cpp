@@ -1,0 +1,145 @@
+// Writes a small scene file the way the host does, then attaches metadata to it the way a plug-in does:
+//
+//     vumo_write_scene FILE.ob
+
+#include "examples/scene/Scene.h"
+#include "vumo/vumo.h"
+
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+using namespace vumo::Data;
+
+namespace
+{
+/// The scene as it comes from the host: geometry, and no metadata yet.
+void writeBareScene(const std::string& fileName)
+{
+    example::Scene scene;
+    scene.nodes = {"World", "Body", "Head"};
+    scene.trailer = example::cameraChunk() + example::pluginChunk();
+
+    std::ofstream file(fileName, std::ios::binary);
+    if (!example::writeScene(scene, file))
+        throw std::runtime_error("could not be written");
+}
+
+/// A new structure belongs to nobody. Holding it from the start is the safe habit: everything that refers to it
+/// takes a reference of its own, and the last one to let go deletes it.
+vumo::Ref<Structure> newStructure(const char* name)
+{
+    return vumo::Ref<Structure>(new Structure(name));
+}
+
+/// Sets one member of an element from its text, which suits every data type. For large amounts of data use the
+/// typed access of `Handle`.
+void set(Handle& element, const char* member, const std::string& value, unsigned int i = 0)
+{
+    std::string errors;
+    if (!element.setPositionByMemberName(member) || element.fromStr(value, i, errors) != 0)
+        throw std::runtime_error(std::string("member ") + member + ": " + errors);
+}
+
+/// A weight for each vertex or face: a stream with plain numbers as indices.
+Stream makeWeights(const Structure& structure)
+{
+    Stream stream(structure, "weights");
+    const char* const weights[] = {"0", "0.25", "0.5", "1"};
+    for (unsigned int i = 0; i < 4; ++i)
+    {
+        Handle element(structure);
+        set(element, "Weight", weights[i]);
+        set(element, "Locked", i == 0 ? "true" : "false");
+        stream.setElement(i, element);
+    }
+    return stream;
+}
+
+/// The seams of a garment, each between two vertices: the indices are pairs.
+Stream makeSeams(const Structure& structure)
+{
+    Stream stream(structure, "seams");
+    stream.setIndexType(IndexPair::myTypeName);
+    Handle element(structure);
+    set(element, "Stitch", "zig-zag, the \"good\" one");
+    set(element, "Offset", "0.125", 0);
+    set(element, "Offset", "-2.5", 2);
+    stream.setElement(IndexPair(0, 3), element);
+    stream.setElement(IndexPair(1, 2), element); // stores a copy
+    return stream;
+}
+
+/// What the artists say about the scene, by their names: the indices are strings.
+Stream makeNotes(const Structure& structure)
+{
+    Stream stream(structure, "notes");
+    stream.setIndexType(IndexString::myTypeName);
+    Handle element(structure);
+    set(element, "Text", "The collar clips at frame 12.\nAsk Lee.");
+    set(element, "Revision", "18446744073709551615");
+    stream.setElement(IndexString("ann"), element);
+    return stream;
+}
+
+void addStream(Associations& associations, const char* channelName, const Stream& stream)
+{
+    Channel channel = associations.channel(channelName); // shares the stored one, made when there is none
+    channel.setDataStream(stream);
+}
+
+void attachMetadata(const std::string& fileName)
+{
+    // Read first: writing replaces all metadata of the file by what the accessor holds.
+    std::string errors;
+    const std::unique_ptr<Accessor> accessor = Accessor::readFile(fileName, errors);
+    if (!accessor)
+        throw std::runtime_error(errors);
+
+    const vumo::Ref<Structure> weight = newStructure("VertexWeight");
+    weight->addMember(Member::kFloat, 1, "Weight");
+    weight->addMember(Member::kBoolean, 1, "Locked");
+    const vumo::Ref<Structure> seam = newStructure("Seam");
+    seam->addMember(Member::kString, 1, "Stitch");
+    seam->addMember(Member::kDouble, 3, "Offset");
+    const vumo::Ref<Structure> note = newStructure("Note");
+    note->addMember(Member::kString, 1, "Text");
+    note->addMember(Member::kUInt64, 1, "Revision");
+
+    // Every structure that a stream uses has to be in the file; keep those that are there already.
+    Accessor::StructureSet structures = accessor->structures();
+    structures.insert({weight.get(), seam.get(), note.get()});
+    accessor->setStructures(structures);
+
+    addStream(accessor->associations()["Body"], "vertex", makeWeights(*weight));
+    addStream(accessor->associations()["Body"], "edge", makeSeams(*seam));
+    addStream(accessor->associations()["Head"], "face", makeWeights(*weight));
+    addStream(accessor->associations()[AccessorOvri::getSceneAssociationsName()], "scene", makeNotes(*note));
+
+    if (!accessor->write(errors))
+        throw std::runtime_error(errors);
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2)
+    {
+        std::cerr << "usage: vumo_write_scene FILE.ob\n";
+        return 1;
+    }
+    const std::string fileName = argv[1];
+    try
+    {
+        writeBareScene(fileName);
+        attachMetadata(fileName);
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << fileName << ": " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}

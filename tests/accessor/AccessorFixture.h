@@ -1,0 +1,116 @@
+#pragma once
+
+#include "examples/scene/Chunks.h"
+#include "examples/scene/Scene.h"
+#include "tests/support/Golden.h"
+#include "tests/support/ScratchFile.h"
+#include "vumo/vumo.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+#include <tuple>
+
+namespace vumo
+{
+namespace test
+{
+using namespace vumo::Data;
+using example::bigEndian;
+using example::chunk;
+
+const std::string kZero(1, '\0');
+
+/// Sees that a test leaves the registry of structures and the numbers of living objects as they were.
+class AccessorFixture : public testing::Test
+{
+protected:
+    AccessorFixture() : mRegistered(Structure::allStructures()), mAlive(livingObjects()) {}
+
+    ~AccessorFixture() override
+    {
+        EXPECT_EQ(Structure::allStructures(), mRegistered);
+        EXPECT_EQ(livingObjects(), mAlive);
+    }
+
+private:
+    static std::string livingObjects()
+    {
+        std::ostringstream out;
+        out << Structure::_objectsAlive << " structures, " << Stream::_objectsAlive << " streams, "
+            << Channel::_objectsAlive << " channels, " << Associations::_objectsAlive << " associations, "
+            << Handle::_objectsAlive << " handles";
+        return out.str();
+    }
+
+    std::set<Structure*> mRegistered;
+    std::string mAlive;
+};
+
+/// A structure with one float member "Value".
+inline Ref<Structure> valueStructure(const char* name)
+{
+    Ref<Structure> structure(new Structure(name));
+    structure->addMember(Member::kFloat, 1, "Value");
+    return structure;
+}
+
+inline void setValue(Stream& stream, const Index& index, const std::string& value)
+{
+    Handle element(stream.structure());
+    std::string errors;
+    element.fromStr(value, 0, errors);
+    EXPECT_TRUE(stream.setElement(index, element)) << errors;
+}
+
+/// One channel with one stream with one element.
+inline Associations associationsOf(const char* channelName, const char* streamName, const Structure& structure,
+                                   const Index& index, const std::string& value)
+{
+    Stream stream(structure, streamName);
+    stream.setIndexType(index.typeName());
+    setValue(stream, index, value);
+    Associations associations;
+    associations.channel(channelName).setDataStream(stream);
+    return associations;
+}
+
+/// The text of the first value of an element; why there is none, if so.
+inline std::string valueAt(const Accessor& accessor, const std::string& name, const char* channelName,
+                           const char* streamName, const Index& index)
+{
+    const auto entry = accessor.associations().find(name);
+    if (entry == accessor.associations().end())
+        return "no such name";
+    const Channel* channel = entry->second.findChannel(channelName);
+    const Stream* stream = channel ? channel->findDataStream(streamName) : nullptr;
+    return stream && stream->hasElement(index) ? stream->element(index).str(0) : "no such element";
+}
+
+/// A scene of one node with that trailer, as bytes.
+inline std::string sceneWith(const std::string& trailer)
+{
+    example::Scene scene;
+    scene.nodes = {"Body"};
+    scene.verticesPerNode = 1;
+    scene.trailer = trailer;
+    std::ostringstream out;
+    EXPECT_TRUE(example::writeScene(scene, out));
+    return out.str();
+}
+
+/// An accessor for the file; null, having failed the test, when it could not be read.
+inline std::unique_ptr<Accessor> readScene(const std::string& fileName)
+{
+    std::string errors;
+    std::unique_ptr<Accessor> accessor = Accessor::readFile(fileName, errors);
+    EXPECT_TRUE(accessor) << errors;
+    EXPECT_EQ(errors, "");
+    return accessor;
+}
+} // namespace test
+} // namespace vumo

@@ -1,0 +1,245 @@
+#include "vumo/accessor/Accessor.h"
+
+#include "tests/accessor/AccessorFixture.h"
+
+#include <functional>
+#include <stdexcept>
+#include <typeinfo>
+
+namespace vumo
+{
+namespace test
+{
+namespace
+{
+using AccessorTest = AccessorFixture;
+
+/// Does in performRead what a test wants.
+class ScriptedAccessor : public Accessor
+{
+public:
+    using Script = std::function<bool(Accessor& accessor, std::string& errors)>;
+
+    ScriptedAccessor() = default;
+    explicit ScriptedAccessor(Script script) : mScript(std::move(script)) {}
+
+protected:
+    bool performRead(const std::set<std::string>* /*structureNames*/, const std::set<std::string>* /*associationNames*/,
+                     std::string& errors) override
+    {
+        return mScript(*this, errors);
+    }
+
+private:
+    Script mScript;
+};
+
+/// What an accessor does that reads two structures and one node's metadata.
+void registerAndStore(Accessor& accessor)
+{
+    EXPECT_TRUE(Structure::allStructures().empty());
+    Structure::registerStructure(*new Structure("B"));
+    Structure::registerStructure(*new Structure("A"));
+    accessor.associations()["Body"];
+}
+
+/// Registers a structure "A" of its own while it lives.
+class RegisteredA
+{
+public:
+    RegisteredA() : mStructure(valueStructure("A")) { Structure::registerStructure(*mStructure); }
+    ~RegisteredA() { Structure::deregisterStructure(*mStructure); }
+
+    const Structure* get() const { return mStructure.get(); }
+
+private:
+    Ref<Structure> mStructure;
+};
+
+std::string namesIn(const Accessor& accessor)
+{
+    std::string names;
+    for (const Structure* structure : accessor.structures())
+        names += structure->name();
+    return names;
+}
+
+TEST_F(AccessorTest, Read_KeepsWhatTheFileDeclaresAndLeavesTheRegistryAlone)
+{
+    const RegisteredA own;
+    ScriptedAccessor accessor([](Accessor& self, std::string&) {
+        registerAndStore(self);
+        return true;
+    });
+    std::string errors;
+    EXPECT_TRUE(accessor.read("some file", errors));
+    EXPECT_EQ(accessor.fileName(), "some file");
+    EXPECT_EQ(namesIn(accessor), "AB");
+    EXPECT_EQ(accessor.associations().count("Body"), 1U);
+    EXPECT_EQ((*accessor.structures().begin())->refCount(), 1);
+
+    EXPECT_EQ(Structure::structureByName("A"), own.get());
+    EXPECT_EQ(Structure::allStructures().size(), 1U);
+    EXPECT_EQ(own.get()->memberCount(), 1U);
+
+    accessor.clear();
+    EXPECT_EQ(accessor.fileName(), "some file");
+}
+
+TEST_F(AccessorTest, Read_LeavesNothingInTheAccessorHoweverItFails)
+{
+    const struct
+    {
+        const char* what;
+        bool throws;
+        ScriptedAccessor::Script ending;
+    } cases[] = {
+        {"false", false, [](Accessor&, std::string&) { return false; }},
+        {"a standard exception", true, [](Accessor&, std::string&) -> bool { throw std::runtime_error("x"); }},
+        {"an exception of any type", true, [](Accessor&, std::string&) -> bool { throw 5; }},
+    };
+    for (const auto& failure : cases)
+    {
+        SCOPED_TRACE(failure.what);
+        const RegisteredA own;
+        ScriptedAccessor accessor([&](Accessor& self, std::string& errors) {
+            errors += "seen";
+            registerAndStore(self);
+            return failure.ending(self, errors);
+        });
+        std::string errors = "kept, ";
+        if (failure.throws)
+            EXPECT_ANY_THROW(accessor.read("some file", errors));
+        else
+            EXPECT_FALSE(accessor.read("some file", errors));
+        EXPECT_EQ(errors, "kept, seen");
+        EXPECT_TRUE(accessor.structures().empty());
+        EXPECT_TRUE(accessor.associations().empty());
+        EXPECT_EQ(accessor.fileName(), "some file");
+        EXPECT_EQ(Structure::allStructures().size(), 1U);
+        EXPECT_EQ(Structure::structureByName("A"), own.get());
+    }
+}
+
+TEST_F(AccessorTest, Read_DoesNotReleaseTheStructuresOfAnEarlierRead)
+{
+    ScriptedAccessor accessor([](Accessor& self, std::string&) {
+        registerAndStore(self);
+        return true;
+    });
+    std::string errors;
+    ASSERT_TRUE(accessor.read("file", errors));
+    const Accessor::StructureSet earlier = accessor.structures();
+    ASSERT_TRUE(accessor.read(accessor.fileName(), errors));
+    EXPECT_EQ(accessor.fileName(), "file");
+    EXPECT_EQ(namesIn(accessor), "AB");
+    for (const Structure* structure : earlier)
+    {
+        EXPECT_EQ(structure->refCount(), 1);
+        EXPECT_EQ(accessor.structures().count(structure), 1U) << "of that name";
+        structure->unref();
+    }
+}
+
+TEST_F(AccessorTest, SetStructures_ReferencesTheNewAndReleasesTheOld)
+{
+    const Ref<Structure> kept = valueStructure("Kept");
+    auto* replaced = new Structure("Replaced"); // alive through the accessor alone
+    const unsigned long long alive = Structure::_objectsAlive;
+    {
+        ScriptedAccessor accessor;
+        accessor.setStructures({kept.get(), replaced});
+        EXPECT_EQ(kept->refCount(), 2);
+        EXPECT_EQ(replaced->refCount(), 1);
+        accessor.setStructures(accessor.structures());
+        EXPECT_EQ(replaced->refCount(), 1);
+        accessor.setStructures({kept.get()});
+        EXPECT_EQ(kept->refCount(), 2);
+        EXPECT_EQ(Structure::_objectsAlive, alive - 1);
+
+        EXPECT_THROW(accessor.setStructures({nullptr}), std::invalid_argument);
+        EXPECT_EQ(namesIn(accessor), "Kept");
+    }
+    EXPECT_EQ(kept->refCount(), 1);
+}
+
+TEST_F(AccessorTest, StructureSet_OrdersByTheBytesOfTheNames)
+{
+    const Accessor::StructureNameLessThan isLess;
+    const Structure upper("Z");
+    const Structure lower("a");
+    const Structure accented("\xC3\xA9");
+    EXPECT_TRUE(isLess(&upper, &lower));
+    EXPECT_FALSE(isLess(&lower, &upper));
+    EXPECT_FALSE(isLess(&lower, &lower));
+    EXPECT_TRUE(isLess(&lower, &accented));
+    for (const auto& [a, b] :
+         {std::pair(&upper, (const Structure*)nullptr), std::pair((const Structure*)nullptr, &upper)})
+    {
+        try
+        {
+            isLess(a, b);
+            ADD_FAILURE() << "took a null structure";
+        }
+        catch (const std::invalid_argument& error)
+        {
+            EXPECT_STREQ(error.what(), "Null Structure found in StructureSet.");
+        }
+    }
+}
+
+TEST_F(AccessorTest, Write_IsRefusedByAnAccessorThatCannotWrite)
+{
+    const ScriptedAccessor accessor;
+    std::string errors = "kept, ";
+    EXPECT_FALSE(accessor.write(errors));
+    EXPECT_EQ(errors, std::string("kept, ") + typeid(ScriptedAccessor).name() + " does not implement write");
+    EXPECT_TRUE(accessor.isFileSupported("anything"));
+}
+
+TEST_F(AccessorTest, AccessorByExtension_TakesWhatFollowsTheLastDotInAnyCase)
+{
+    const AccessorFactory<ScriptedAccessor> factory("TesT");
+    const struct
+    {
+        const char* fileName;
+        bool isFound;
+    } cases[] = {
+        {"scene.ob", true},      {"scene.OB", true},   {"a.test.Ob", true},     {"ob", true},       {".ob", true},
+        {"scene.tEST", true},    {"scene.ob.", false}, {"scene.", false},       {"scene", false},   {"", false},
+        {"dir.ob/scene", false}, {"scene.ob2", false}, {"scene.ob.zip", false}, {"scene.o", false}, {".", false},
+    };
+    for (const auto& sample : cases)
+        EXPECT_EQ(Accessor::accessorByExtension(sample.fileName) != nullptr, sample.isFound) << sample.fileName;
+}
+
+TEST_F(AccessorTest, Factories_TheFirstOneOfAnExtensionStaysUntilItIsDestroyed)
+{
+    auto first = std::make_unique<AccessorFactory<OvriBinaryFileAccessor>>("Ext");
+    const auto second = std::make_unique<AccessorFactory<ScriptedAccessor>>("eXT");
+    const AccessorFactory<ScriptedAccessor> nameless("");
+    const std::set<std::string> both = Accessor::supportedExtensions();
+    EXPECT_THAT(both, testing::IsSupersetOf({"ob", "ext"}));
+    EXPECT_EQ(both.count(""), 0U);
+
+    const auto isBinary = [](const char* name) {
+        const auto accessor = Accessor::accessorByExtension(name);
+        return dynamic_cast<OvriBinaryFileAccessor*>(accessor.get()) != nullptr;
+    };
+    EXPECT_TRUE(isBinary("ext"));
+    first.reset();
+    EXPECT_EQ(Accessor::accessorByExtension("ext"), nullptr) << "the second one was never registered";
+    EXPECT_TRUE(isBinary("ob"));
+}
+
+TEST_F(AccessorTest, ReadFile_SaysWhyThereIsNoAccessor)
+{
+    std::string errors = "kept, ";
+    EXPECT_EQ(Accessor::readFile("scene.txt", errors), nullptr);
+    EXPECT_EQ(errors, "kept, No factory registered for type of file \"scene.txt\"");
+    EXPECT_EQ(Accessor::readFile("no such file.ob", errors), nullptr);
+    EXPECT_EQ(errors, "File not valid.");
+}
+} // namespace
+} // namespace test
+} // namespace vumo

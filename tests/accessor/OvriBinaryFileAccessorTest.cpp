@@ -1,0 +1,308 @@
+#include "vumo/accessor/OvriBinaryFileAccessor.h"
+
+#include "tests/accessor/AccessorFixture.h"
+
+#include <sys/resource.h>
+
+#include <csignal>
+#include <fstream>
+
+namespace vumo
+{
+namespace test
+{
+namespace
+{
+// Positions in the golden scene.
+constexpr std::size_t kMainSize = 8;
+constexpr std::size_t kTypeStart = 16;
+constexpr std::size_t kHeadEnd = 20;
+constexpr std::size_t kTrailerGroup = 68;
+constexpr std::size_t kTrailerSize = 76;
+constexpr std::size_t kTrailerStart = 88;
+
+class OvriBinaryFileAccessorTest : public AccessorFixture
+{
+protected:
+    /// Rewrites the file with what the accessor holds; the scene before the trailer must not change.
+    void writeScene(const Accessor& accessor) const
+    {
+        const std::string before = mFile.bytes();
+        std::string errors;
+        ASSERT_TRUE(accessor.write(errors)) << errors;
+        ASSERT_EQ(errors, "");
+        const std::string after = mFile.bytes();
+        EXPECT_EQ(after.substr(0, kMainSize), before.substr(0, kMainSize));
+        EXPECT_EQ(after.substr(kTypeStart, mSceneEnd - kTypeStart), before.substr(kTypeStart, mSceneEnd - kTypeStart));
+    }
+
+    ScratchFile mFile{".ob"};
+    std::size_t mSceneEnd = kTrailerSize; // up to the size of the trailer group
+};
+
+using OvriBinaryFileAccessorGoldenTest = OvriBinaryFileAccessorTest;
+
+TEST_F(OvriBinaryFileAccessorGoldenTest, Read_GivesWhatTheBytesSay)
+{
+    mFile.setBytes(goldenBytes("binary_scene.hex"));
+    const auto accessor = readScene(mFile.name());
+    ASSERT_EQ(accessor->structures().size(), 1U);
+    EXPECT_EQ(**accessor->structures().begin(), *valueStructure("Weight"));
+    EXPECT_EQ(accessor->associations().size(), 2U);
+    EXPECT_EQ(valueAt(*accessor, "", "scene", "notes", IndexString("ann")), "0.5");
+    EXPECT_EQ(valueAt(*accessor, "Body", "vertex", "weights", 2), "0.25");
+    writeScene(*accessor);
+    EXPECT_EQ(mFile.bytes(), goldenBytes("binary_scene.hex"));
+}
+
+TEST_F(OvriBinaryFileAccessorGoldenTest, Write_GivesTheBytesForWhatACallerMade)
+{
+    mFile.setBytes(goldenBytes("binary_scene.hex"));
+    const auto accessor = readScene(mFile.name());
+    accessor->clear();
+    const Ref<Structure> weight = valueStructure("Weight");
+    accessor->setStructures({weight.get()});
+    accessor->associations()["Body"] = associationsOf("vertex", "weights", *weight, 2, "0.25");
+    accessor->associations()[""] = associationsOf("scene", "notes", *weight, IndexString("ann"), "0.5");
+    accessor->associations()["Head"]; // empty: nothing is written
+    writeScene(*accessor);
+    EXPECT_EQ(mFile.bytes(), goldenBytes("binary_scene.hex"));
+}
+
+TEST_F(OvriBinaryFileAccessorTest, Write_LargerAndSmallerEditsKeepTheFileWhole)
+{
+    mFile.setBytes(goldenBytes("binary_scene.hex"));
+    for (const std::size_t count : {0U, 50U, 1U, 2U, 0U, 7U})
+    {
+        SCOPED_TRACE(count);
+        const auto accessor = readScene(mFile.name());
+        Channel channel = accessor->associations()["Body"].channel("vertex");
+        const Ref<Structure> weight(new Structure(**accessor->structures().begin()));
+        Stream stream(*weight, "weights");
+        for (unsigned int i = 0; i < count; ++i)
+            setValue(stream, i, std::to_string(i));
+        accessor->setStructures({weight.get()});
+        channel.setDataStream(stream);
+        writeScene(*accessor);
+
+        const auto edited = readScene(mFile.name());
+        EXPECT_EQ(edited->associations()["Body"].channel("vertex").findDataStream("weights")->elementCount(), count);
+        EXPECT_EQ(valueAt(*edited, "", "scene", "notes", IndexString("ann")), "0.5");
+        const std::string bytes = mFile.bytes();
+        EXPECT_EQ(bytes.substr(kMainSize, 8), bigEndian(bytes.size() - 16, 8));
+        EXPECT_NE(bytes.find("front\xEE\xEE\xEE"), std::string::npos);
+        EXPECT_NE(bytes.find("fur 2.1"), std::string::npos);
+    }
+    const auto accessor = readScene(mFile.name());
+    accessor->clear();
+    writeScene(*accessor);
+    EXPECT_EQ(mFile.bytes().size(), kTrailerStart + 24 + 24 + 24) << "the two chunks of the host, and the end";
+}
+
+/// Writes metadata for every node of the scene in the file.
+void attachWeights(const ScratchFile& file, const std::vector<std::string>& nodes)
+{
+    const auto accessor = readScene(file.name());
+    const Ref<Structure> weight = valueStructure("Weight");
+    accessor->setStructures({weight.get()});
+    for (const std::string& node : nodes)
+        accessor->associations()[node] = associationsOf("vertex", "weights", *weight, 3, "0.125");
+    std::string errors;
+    ASSERT_TRUE(accessor->write(errors)) << errors;
+}
+
+example::Scene sceneOf(unsigned int nodeCount)
+{
+    example::Scene scene;
+    for (unsigned int i = 0; i < nodeCount; ++i)
+        scene.nodes.push_back("node" + std::to_string(i));
+    scene.trailer = example::cameraChunk() + example::pluginChunk();
+    return scene;
+}
+
+TEST_F(OvriBinaryFileAccessorTest, Write_OfAThousandNodesChangesNothingButWhatWasEdited)
+{
+    const example::Scene scene = sceneOf(1000);
+    std::ostringstream bare;
+    ASSERT_TRUE(example::writeScene(scene, bare));
+    mFile.setBytes(bare.str());
+    mSceneEnd = bare.str().size() - 24 - scene.trailer.size() - 12;
+    attachWeights(mFile, scene.nodes);
+    const std::string attached = mFile.bytes();
+
+    const auto accessor = readScene(mFile.name());
+    EXPECT_EQ(accessor->associations().size(), 1000U);
+    writeScene(*accessor);
+    EXPECT_EQ(mFile.bytes(), attached);
+
+    Stream* stream = accessor->associations()["node500"].channel("vertex").findDataStream("weights");
+    setValue(*stream, 4, "17");
+    writeScene(*accessor);
+    EXPECT_GT(mFile.bytes().size(), attached.size());
+    EXPECT_EQ(valueAt(*readScene(mFile.name()), "node500", "vertex", "weights", 4), "17");
+
+    stream->removeElement(4);
+    writeScene(*accessor);
+    EXPECT_EQ(mFile.bytes(), attached);
+}
+
+/// Ends every write to a file at that length, like a full disk, while it lives.
+class FullDisk
+{
+public:
+    explicit FullDisk(std::size_t length) : mHandler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &mOld);
+        const rlimit limit = {length, mOld.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &mOld);
+        std::signal(SIGXFSZ, mHandler);
+    }
+
+private:
+    void (*mHandler)(int);
+    rlimit mOld = {};
+};
+
+TEST_F(OvriBinaryFileAccessorTest, Write_SaysWhichStepFailed)
+{
+    const std::string good = goldenBytes("binary_scene.hex");
+    constexpr std::size_t kNodeChunk = 152; // as large as the one of "Body"
+    const struct
+    {
+        std::size_t diskSize;
+        const char* message;
+    } cases[] = {
+        {kTrailerSize, "Failed to write the new trailer size."},
+        {good.size(), "Failed to write the new trailer."},
+        {good.size() + kNodeChunk - 1, "Failed to write the backward chunk size."},
+    };
+    for (const auto& sample : cases)
+    {
+        SCOPED_TRACE(sample.message);
+        mFile.setBytes(good);
+        const auto accessor = readScene(mFile.name());
+        accessor->associations()["Head"] = accessor->associations()["Body"];
+        std::string errors;
+        const FullDisk disk(sample.diskSize);
+        EXPECT_FALSE(accessor->write(errors));
+        EXPECT_EQ(errors, sample.message);
+    }
+}
+
+/// How many bytes this process has read from files so far.
+std::uint64_t bytesRead()
+{
+    std::ifstream file("/proc/self/io");
+    std::string word;
+    std::uint64_t count = 0;
+    file >> word >> count;
+    EXPECT_EQ(word, "rchar:");
+    return count;
+}
+
+TEST_F(OvriBinaryFileAccessorTest, ASceneOfFourGigabytesIsNeitherReadNorWritten)
+{
+    example::Scene scene = sceneOf(10);
+    scene.holeSize = 4ULL << 30;
+    {
+        std::ofstream out(mFile.name(), std::ios::binary);
+        ASSERT_TRUE(example::writeScene(scene, out));
+    }
+    const std::uint64_t atStart = bytesRead();
+    attachWeights(mFile, scene.nodes);
+    const auto accessor = readScene(mFile.name());
+    const std::uint64_t total = bytesRead() - atStart;
+    RecordProperty("bytesRead", std::to_string(total));
+    EXPECT_LT(total, 100000U) << "for two reads and one write";
+    EXPECT_EQ(valueAt(*accessor, "node9", "vertex", "weights", 3), "0.125");
+}
+
+/// Reads the damaged scene, and rewrites it with metadata read before the damage.
+class DamageTest : public OvriBinaryFileAccessorTest
+{
+protected:
+    DamageTest() : mGood(goldenBytes("binary_scene.hex"))
+    {
+        mFile.setBytes(mGood);
+        mHolder = readScene(mFile.name());
+    }
+
+    void expectRefusedOrRead(const std::string& damaged)
+    {
+        mFile.setBytes(damaged);
+        OvriBinaryFileAccessor accessor;
+        std::string errors;
+        const bool isRead = accessor.read(mFile.name(), errors);
+        EXPECT_EQ(isRead, errors.empty()) << errors;
+        EXPECT_TRUE(isRead || (accessor.structures().empty() && accessor.associations().empty()));
+        EXPECT_TRUE(Structure::allStructures().empty());
+    }
+
+    void expectRefusedOrWritten(const std::string& damaged)
+    {
+        mFile.setBytes(damaged);
+        std::string errors;
+        const bool isWritten = mHolder->write(errors);
+        EXPECT_EQ(isWritten, errors.empty()) << errors;
+        const std::string bytes = mFile.bytes();
+        if (!isWritten)
+        {
+            EXPECT_EQ(bytes, damaged);
+            return;
+        }
+        EXPECT_TRUE(mHolder->isFileSupported(mFile.name()));
+        EXPECT_EQ(bytes.substr(kTypeStart, kTrailerSize - kTypeStart),
+                  damaged.substr(kTypeStart, kTrailerSize - kTypeStart));
+        for (const char* host : {"front", "fur 2.1"})
+            EXPECT_EQ(bytes.find(host) == std::string::npos, damaged.find(host) == std::string::npos) << host;
+    }
+
+    void damage(const std::string& damaged)
+    {
+        expectRefusedOrRead(damaged);
+        expectRefusedOrWritten(damaged);
+    }
+
+    const std::string mGood;
+    std::unique_ptr<Accessor> mHolder;
+};
+
+using OvriBinaryFileAccessorDamageTest = DamageTest;
+
+TEST_F(OvriBinaryFileAccessorDamageTest, AFileCutAnywhereIsRefusedUnlessOnlyPaddingIsMissing)
+{
+    for (std::size_t length = 0; length < mGood.size() && !HasFailure(); ++length)
+    {
+        SCOPED_TRACE(length);
+        damage(mGood.substr(0, length));
+        const bool isWhole = length >= mGood.size() - 4;
+        EXPECT_EQ(mFile.bytes() == mGood, isWhole) << "writing mends the padding";
+    }
+}
+
+TEST_F(OvriBinaryFileAccessorDamageTest, EveryByteOfHeadAndTrailerMayLie)
+{
+    int cases = 0;
+    for (std::size_t i = 0; i < mGood.size() && !HasFailure(); ++i)
+    {
+        if (i >= kHeadEnd && i < kTrailerGroup)
+            continue;
+        for (const int pattern : {0x01, 0x08, 0x10, 0x20, 0x80, 0xFF})
+        {
+            SCOPED_TRACE("byte " + std::to_string(i) + ", pattern " + std::to_string(pattern));
+            std::string damaged = mGood;
+            damaged[i] = static_cast<char>(damaged[i] ^ pattern);
+            damage(damaged);
+            ++cases;
+        }
+    }
+    RecordProperty("cases", cases);
+}
+} // namespace
+} // namespace test
+} // namespace vumo

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cctype>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+namespace vumo
+{
+namespace test
+{
+/// The bytes that a file of tests/golden spells out: two hex digits for each, or plain text between double
+/// quotes; "#" starts a comment.
+inline std::string goldenBytes(const std::string& fileName)
+{
+    std::ifstream file(VUMO_GOLDEN_DIR "/" + fileName);
+    if (!file)
+        throw std::runtime_error("no golden file " + fileName);
+    std::string bytes;
+    for (std::string line; std::getline(file, line);)
+    {
+        for (std::size_t i = 0; i < line.size() && line[i] != '#'; ++i)
+        {
+            if (line[i] == '"')
+            {
+                const std::size_t end = line.find('"', i + 1);
+                bytes += line.substr(i + 1, end - i - 1);
+                i = end;
+            }
+            else if (std::isxdigit(static_cast<unsigned char>(line[i])))
+            {
+                bytes += static_cast<char>(std::stoi(line.substr(i, 2), nullptr, 16));
+                ++i;
+            }
+        }
+    }
+    return bytes;
+}
+} // namespace test
+} // namespace vumo
