@@ -19,8 +19,8 @@ namespace
 void writeBareScene(const std::string& fileName)
 {
     example::Scene scene;
-    scene.nodes = {"World", "Body", "Head"};
-    scene.trailer = example::cameraChunk() + example::pluginChunk();
+    scene.mNodes = {"World", "Body", "Head"};
+    scene.mTrailer = example::cameraChunk() + example::pluginChunk();
 
     std::ofstream file(fileName, std::ios::binary);
     if (!example::writeScene(scene, file))

@@ -35,8 +35,8 @@ std::string nodeGroup(const std::string& name, unsigned int vertices)
 std::string contents(const Scene& scene)
 {
     std::string nodes;
-    for (const std::string& name : scene.nodes)
-        nodes += nodeGroup(name, scene.verticesPerNode);
+    for (const std::string& name : scene.mNodes)
+        nodes += nodeGroup(name, scene.mVerticesPerNode);
     return group("HEAD", chunk("VERS", text("2024"))) + group("DAGS", nodes);
 }
 
@@ -61,14 +61,14 @@ std::string pluginChunk()
 bool writeScene(const Scene& scene, std::ostream& out)
 {
     const std::string children = contents(scene);
-    const std::string trailer = trailerGroup(scene.trailer);
-    const std::uint64_t holeChunkSize = scene.holeSize == 0 ? 0 : kHeaderSize + scene.holeSize;
+    const std::string trailer = trailerGroup(scene.mTrailer);
+    const std::uint64_t holeChunkSize = scene.mHoleSize == 0 ? 0 : kHeaderSize + scene.mHoleSize;
 
     out << chunkHeader("FOR8", kTypeSize + children.size() + holeChunkSize + trailer.size()) << "Ovri" << children;
-    if (scene.holeSize != 0)
+    if (scene.mHoleSize != 0)
     {
-        out << chunkHeader("GEOM", scene.holeSize);
-        out.seekp(static_cast<std::streamoff>(scene.holeSize), std::ios::cur);
+        out << chunkHeader("GEOM", scene.mHoleSize);
+        out.seekp(static_cast<std::streamoff>(scene.mHoleSize), std::ios::cur);
     }
     out << trailer;
     return out.flush().good();

@@ -11,17 +11,17 @@ namespace example
 /// of a scene file.
 struct Scene
 {
-    std::vector<std::string> nodes;
+    std::vector<std::string> mNodes;
 
     /// The size of each node's geometry.
-    unsigned int verticesPerNode = 8;
+    unsigned int mVerticesPerNode = 8;
 
     /// Bytes of geometry that are left out of the file as a hole, for files that are large without taking
     /// space. A multiple of 8; only for streams that can seek beyond their end.
-    std::uint64_t holeSize = 0;
+    std::uint64_t mHoleSize = 0;
 
     /// The chunks of the trailer, one behind the other, up to the one that the host always puts last.
-    std::string trailer;
+    std::string mTrailer;
 };
 
 /// The host's own trailer chunks: the cameras of the views, and the plug-ins that the scene needs. Others may

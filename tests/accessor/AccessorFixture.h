@@ -95,9 +95,9 @@ inline std::string valueAt(const Accessor& accessor, const std::string& name, co
 inline std::string sceneWith(const std::string& trailer)
 {
     example::Scene scene;
-    scene.nodes = {"Body"};
-    scene.verticesPerNode = 1;
-    scene.trailer = trailer;
+    scene.mNodes = {"Body"};
+    scene.mVerticesPerNode = 1;
+    scene.mTrailer = trailer;
     std::ostringstream out;
     EXPECT_TRUE(example::writeScene(scene, out));
     return out.str();

@@ -115,8 +115,8 @@ example::Scene sceneOf(unsigned int nodeCount)
 {
     example::Scene scene;
     for (unsigned int i = 0; i < nodeCount; ++i)
-        scene.nodes.push_back("node" + std::to_string(i));
-    scene.trailer = example::cameraChunk() + example::pluginChunk();
+        scene.mNodes.push_back("node" + std::to_string(i));
+    scene.mTrailer = example::cameraChunk() + example::pluginChunk();
     return scene;
 }
 
@@ -126,8 +126,8 @@ TEST_F(OvriBinaryFileAccessorTest, Write_OfAThousandNodesChangesNothingButWhatWa
     std::ostringstream bare;
     ASSERT_TRUE(example::writeScene(scene, bare));
     mFile.setBytes(bare.str());
-    mSceneEnd = bare.str().size() - 24 - scene.trailer.size() - 12;
-    attachWeights(mFile, scene.nodes);
+    mSceneEnd = bare.str().size() - 24 - scene.mTrailer.size() - 12;
+    attachWeights(mFile, scene.mNodes);
     const std::string attached = mFile.bytes();
 
     const auto accessor = readScene(mFile.name());
@@ -208,13 +208,13 @@ std::uint64_t bytesRead()
 TEST_F(OvriBinaryFileAccessorTest, ASceneOfFourGigabytesIsNeitherReadNorWritten)
 {
     example::Scene scene = sceneOf(10);
-    scene.holeSize = 4ULL << 30;
+    scene.mHoleSize = 4ULL << 30;
     {
         std::ofstream out(mFile.name(), std::ios::binary);
         ASSERT_TRUE(example::writeScene(scene, out));
     }
     const std::uint64_t atStart = bytesRead();
-    attachWeights(mFile, scene.nodes);
+    attachWeights(mFile, scene.mNodes);
     const auto accessor = readScene(mFile.name());
     const std::uint64_t total = bytesRead() - atStart;
     RecordProperty("bytesRead", std::to_string(total));

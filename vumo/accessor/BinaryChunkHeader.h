@@ -14,10 +14,10 @@ namespace Data
 struct VUMO_EXPORT BinaryChunkHeader
 {
     /// Four characters.
-    std::string tag;
+    std::string mTag;
 
     /// Of the data, in bytes, without header and padding.
-    std::uint64_t size = 0;
+    std::uint64_t mSize = 0;
 };
 } // namespace Data
 } // namespace vumo

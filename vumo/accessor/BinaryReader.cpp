@@ -19,9 +19,6 @@ namespace
 {
 using Binary = AccessorOvri::Binary;
 
-/// The main chunk's head, then the trailer group's: no trailer starts before the end of these.
-constexpr std::uint64_t kFirstTrailerStart = kGroupHeadSize + kGroupHeadSize;
-
 bool failWith(std::string& errors, const char* message)
 {
     errors = message;
@@ -124,7 +121,7 @@ public:
 private:
     bool readChunk(ChunkCursor& chunks)
     {
-        if (chunks.header().tag == Binary::getMetaDataStructureChunkName() && !mStructureFilter.isExhausted())
+        if (chunks.header().mTag == Binary::getMetaDataStructureChunkName() && !mStructureFilter.isExhausted())
             return readStructure(chunks);
         if (BinaryReader::isApplyMetadataChunk(chunks.header()))
             return readAssociations(chunks);
@@ -206,10 +203,10 @@ bool BinaryReader::seekToTrailerStart(std::istream& in, std::uint64_t& mainSizeP
     if (!readBackwardOffset(in, offset, errors))
         return false;
 
-    // The chunks of the trailer lie between the two group heads and the chunk that was just read.
+    // The chunks of the trailer lie between the main chunk's head and the chunk that was just read.
     const std::uint64_t end = mainSize - kEndBeforeSize;
     const std::uint64_t offsetEnd = end + kHeaderSize + kBackwardOffsetSize;
-    if (offset < offsetEnd - end || offset > offsetEnd || offsetEnd - offset < kFirstTrailerStart ||
+    if (offset < offsetEnd - end || offset > offsetEnd || offsetEnd - offset < kGroupHeadSize ||
         !seekTo(in, offsetEnd - offset))
         return failWith(errors, "Could not seek to start of trailer.");
 
@@ -221,8 +218,8 @@ bool BinaryReader::seekToTrailerStart(std::istream& in, std::uint64_t& mainSizeP
 
 bool BinaryReader::isApplyMetadataChunk(const BinaryChunkHeader& header)
 {
-    return header.tag == Binary::getApplyNodeMetaDataChunkName() ||
-           header.tag == Binary::getApplySceneMetaDataChunkName();
+    return header.mTag == Binary::getApplyNodeMetaDataChunkName() ||
+           header.mTag == Binary::getApplySceneMetaDataChunkName();
 }
 
 bool BinaryReader::readMetadata(std::istream& in, const std::set<std::string>* structureNames,

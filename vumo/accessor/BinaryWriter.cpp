@@ -9,11 +9,12 @@
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/StructureSerializer.h"
 
+#include <array>
 #include <cstdint>
 #include <fstream>
 #include <limits>
 #include <sstream>
-#include <vector>
+#include <utility>
 
 namespace vumo
 {
@@ -115,7 +116,7 @@ bool readKeptChunks(ChunkCursor& chunks, KeptChunks& kept, std::string& errors)
             return failWith(errors, !isBehindStructure    ? "Error reading chunk header before metadata."
                                     : kept.mAfter.empty() ? "Error skipping existing metadata chunks."
                                                           : "Error skipping backward size chunk.");
-        const bool isStructure = chunks.header().tag == Binary::getMetaDataStructureChunkName();
+        const bool isStructure = chunks.header().mTag == Binary::getMetaDataStructureChunkName();
         const bool isMetadata =
             isStructure || (isBehindStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
         if (!isMetadata && !chunks.appendChunk(isBehindStructure ? kept.mAfter : kept.mBefore))
@@ -201,16 +202,17 @@ std::string backwardChunk(std::uint32_t offset)
 }
 
 /// What changes in the file when `content` becomes the trailer's chunks, in the order of writing.
-std::vector<Edit> editsFor(const Trailer& trailer, const std::string& content)
+std::array<Edit, 4> editsFor(const Trailer& trailer, std::string content)
 {
     const auto offset = static_cast<std::uint32_t>(content.size() + kHeaderSize + kBackwardOffsetSize);
-    return {{trailer.mSizePosition, bigEndian(Trailer::groupSize(content.size())),
-             "Failed to seek to the trailer size position.", "Failed to write the new trailer size."},
-            {trailer.start(), content, "Failed to seek to the trailer data start.", "Failed to write the new trailer."},
-            {trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
-             "Failed to write the backward chunk size."},
-            {trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
-             "Failed to the main chunk size position.", "Failed to write the new main chunk size."}};
+    return {{{trailer.mSizePosition, bigEndian(Trailer::groupSize(content.size())),
+              "Failed to seek to the trailer size position.", "Failed to write the new trailer size."},
+             {trailer.start(), std::move(content), "Failed to seek to the trailer data start.",
+              "Failed to write the new trailer."},
+             {trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
+              "Failed to write the backward chunk size."},
+             {trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
+              "Failed to the main chunk size position.", "Failed to write the new main chunk size."}}};
 }
 } // namespace
 
@@ -255,7 +257,7 @@ bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::St
 
     const std::uint64_t oldFileEnd = trailer.mainChunkEnd();
     trailer.mEnd = trailer.start() + content.size();
-    for (const Edit& edit : editsFor(trailer, content))
+    for (const Edit& edit : editsFor(trailer, std::move(content)))
     {
         if (!apply(edit, file, errors))
             return false;

@@ -20,20 +20,20 @@ bool ChunkCursor::readHeader()
     mHeaderBytes.clear();
     if (mLeft < kHeaderSize || !append(kHeaderSize, mHeaderBytes))
         return false;
-    mHeader.tag.assign(mHeaderBytes, 0, kTagSize);
-    mHeader.size = readBigEndian<std::uint64_t>(mHeaderBytes.data() + kSizeOffset);
+    mHeader.mTag.assign(mHeaderBytes, 0, kTagSize);
+    mHeader.mSize = readBigEndian<std::uint64_t>(mHeaderBytes.data() + kSizeOffset);
     return true;
 }
 
 bool ChunkCursor::skipData()
 {
-    return holdsData() && skip(mHeader.size + paddingOf(mHeader.size));
+    return holdsData() && skip(mHeader.mSize + paddingOf(mHeader.mSize));
 }
 
 bool ChunkCursor::readData(std::string& data)
 {
     data.clear();
-    return holdsData() && append(mHeader.size, data) && skip(paddingOf(mHeader.size));
+    return holdsData() && append(mHeader.mSize, data) && skip(paddingOf(mHeader.mSize));
 }
 
 bool ChunkCursor::appendChunk(std::string& bytes)
@@ -41,12 +41,12 @@ bool ChunkCursor::appendChunk(std::string& bytes)
     if (!holdsData())
         return false;
     bytes += mHeaderBytes;
-    return append(mHeader.size + paddingOf(mHeader.size), bytes);
+    return append(mHeader.mSize + paddingOf(mHeader.mSize), bytes);
 }
 
 bool ChunkCursor::holdsData() const
 {
-    return mHeader.size <= mLeft && paddingOf(mHeader.size) <= mLeft - mHeader.size;
+    return mHeader.mSize <= mLeft && paddingOf(mHeader.mSize) <= mLeft - mHeader.mSize;
 }
 
 bool ChunkCursor::append(std::uint64_t size, std::string& bytes)
