@@ -130,7 +130,9 @@ TEST_F(AccessorTest, Read_DoesNotReleaseTheStructuresOfAnEarlierRead)
     std::string errors;
     ASSERT_TRUE(accessor.read("file", errors));
     const Accessor::StructureSet earlier = accessor.structures();
+    accessor.associations()["Ghost"];
     ASSERT_TRUE(accessor.read(accessor.fileName(), errors));
+    EXPECT_EQ(accessor.associations().count("Ghost"), 0U);
     EXPECT_EQ(accessor.fileName(), "file");
     EXPECT_EQ(namesIn(accessor), "AB");
     for (const Structure* structure : earlier)
