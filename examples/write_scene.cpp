@@ -1,4 +1,5 @@
-// Writes a small scene file the way the host does, then attaches metadata to it the way a plug-in does:
+// Writes a small scene file, in place of any file of that name, the way the host does; then attaches metadata to
+// it the way a plug-in does:
 //
 //     vumo_write_scene FILE.ob
 
