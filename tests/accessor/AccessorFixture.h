@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -101,6 +102,17 @@ inline std::string sceneWith(const std::string& trailer)
     std::ostringstream out;
     EXPECT_TRUE(example::writeScene(scene, out));
     return out.str();
+}
+
+/// How many bytes this process has read from files so far.
+inline std::uint64_t bytesReadByProcess()
+{
+    std::ifstream file("/proc/self/io");
+    std::string word;
+    std::uint64_t count = 0;
+    file >> word >> count;
+    EXPECT_EQ(word, "rchar:");
+    return count;
 }
 
 /// An accessor for the file; null, having failed the test, when it could not be read.

@@ -194,17 +194,6 @@ TEST_F(OvriBinaryFileAccessorTest, Write_SaysWhichStepFailed)
     }
 }
 
-/// How many bytes this process has read from files so far.
-std::uint64_t bytesRead()
-{
-    std::ifstream file("/proc/self/io");
-    std::string word;
-    std::uint64_t count = 0;
-    file >> word >> count;
-    EXPECT_EQ(word, "rchar:");
-    return count;
-}
-
 TEST_F(OvriBinaryFileAccessorTest, ASceneOfFourGigabytesIsNeitherReadNorWritten)
 {
     example::Scene scene = sceneOf(10);
@@ -213,10 +202,10 @@ TEST_F(OvriBinaryFileAccessorTest, ASceneOfFourGigabytesIsNeitherReadNorWritten)
         std::ofstream out(mFile.name(), std::ios::binary);
         ASSERT_TRUE(example::writeScene(scene, out));
     }
-    const std::uint64_t atStart = bytesRead();
+    const std::uint64_t atStart = bytesReadByProcess();
     attachWeights(mFile, scene.mNodes);
     const auto accessor = readScene(mFile.name());
-    const std::uint64_t total = bytesRead() - atStart;
+    const std::uint64_t total = bytesReadByProcess() - atStart;
     RecordProperty("bytesRead", std::to_string(total));
     EXPECT_LT(total, 100000U) << "for two reads and one write";
     EXPECT_EQ(valueAt(*accessor, "node9", "vertex", "weights", 3), "0.125");

@@ -2,6 +2,8 @@
 
 #include <cctype>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -9,13 +11,20 @@ namespace vumo
 {
 namespace test
 {
+/// The bytes of a file of tests/golden as it is.
+inline std::string goldenText(const std::string& fileName)
+{
+    std::ifstream file(VUMO_GOLDEN_DIR "/" + fileName, std::ios::binary);
+    if (!file)
+        throw std::runtime_error("no golden file " + fileName);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
 /// The bytes that a file of tests/golden spells out: two hex digits for each, or plain text between double
 /// quotes; "#" starts a comment.
 inline std::string goldenBytes(const std::string& fileName)
 {
-    std::ifstream file(VUMO_GOLDEN_DIR "/" + fileName);
-    if (!file)
-        throw std::runtime_error("no golden file " + fileName);
+    std::istringstream file(goldenText(fileName));
     std::string bytes;
     for (std::string line; std::getline(file, line);)
     {

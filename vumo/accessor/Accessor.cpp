@@ -1,6 +1,7 @@
 #include "vumo/accessor/Accessor.h"
 
 #include "vumo/accessor/AccessorFactory.h"
+#include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@ namespace
 {
 /// One factory for each kind of scene file. They stand beside the function that looks factories up, because
 /// a linker takes from a static library only the object files that something refers to.
+const AccessorFactory<OvriAsciiFileAccessor> theAsciiFactory("oa");
 const AccessorFactory<OvriBinaryFileAccessor> theBinaryFactory("ob");
 
 /// Empties the registry of structures, and on the way out removes what was registered meanwhile and puts back

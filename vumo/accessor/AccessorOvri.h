@@ -5,12 +5,15 @@
 #include "vumo/foundation/Export.h"
 
 #include <cstdint>
+#include <set>
 #include <string>
 
 namespace vumo
 {
 namespace Data
 {
+class Accessor;
+
 /// What all accessors for the host's scene files share: the fixed words of the files, and helpers to read
 /// and cut them.
 class VUMO_EXPORT AccessorOvri
@@ -54,6 +57,53 @@ public:
         static const std::string& getApplyNodeMetaDataChunkName();
         static const std::string& getApplySceneMetaDataChunkName();
         static const std::string& getBackwardChunkSizeChunkName();
+    };
+
+    /// The table of references to content outside the scene, which a scene keeps among its own metadata: a channel
+    /// with one stream, each element of it one reference. The file that declares the table's structure says what
+    /// types its members have; they are read and written by their text forms.
+    class VUMO_EXPORT ExternalContent
+    {
+    public:
+        ExternalContent() = delete;
+
+        /// The names of the table's channel, stream and structure, and of the structure's members.
+        static const std::string& getChannelName();
+        static const std::string& getStreamName();
+        static const std::string& getStructureName();
+        static const std::string& getNodeMemberName();
+        static const std::string& getKeyMemberName();
+        static const std::string& getUnresolvedPathMemberName();
+        static const std::string& getResolvedPathMemberName();
+        static const std::string& getRolesMemberName();
+
+        /// Stands between the roles of a reference. Inside a role, "-" is written as "--" and ";" as "-*".
+        static const std::string& getRolesSeparator();
+
+        /// Reads the scene's own metadata of a scene file, as far as the table's structure serves it. False when the
+        /// file cannot be read, with the reason appended to `errors`, and when it holds no such metadata.
+        static bool readTable(const std::string& fileName, Associations& result, std::string& errors);
+
+        /// The table's stream, owned by the argument; null when there is none. Creates nothing.
+        static Stream* getStream(Associations& associations);
+        static const Stream* getStream(const Associations& associations);
+        static Stream* getStream(Accessor& accessor);
+        static const Stream* getStream(const Accessor& accessor);
+
+        /// Reads the reference at which the handle points; the roles are added to `roles`. False when the element
+        /// lacks a member or the handle has no data; what is missing reads as empty.
+        static bool getEntry(Handle& handle, std::string& node, std::string& key, std::string& unresolvedPath,
+                             std::string& resolvedPath, std::set<std::string>& roles);
+
+        /// Writes the reference at which the handle points. False, with the element unchanged, when a member is
+        /// missing or cannot hold its text, or when a role is empty.
+        static bool setEntry(Handle& handle, const std::string& node, const std::string& key,
+                             const std::string& unresolvedPath, const std::string& resolvedPath,
+                             const std::set<std::string>& roles);
+
+        /// Writes the resolved path alone. False, with the element unchanged, when there is no such member or it
+        /// cannot hold the text.
+        static bool updateEntry(Handle& handle, const std::string& resolvedPath);
     };
 
     AccessorOvri() = delete;

@@ -17,6 +17,8 @@ namespace Data
 {
 namespace
 {
+using namespace detail;
+
 using Binary = AccessorOvri::Binary;
 
 bool failWith(std::string& errors, const char* message)

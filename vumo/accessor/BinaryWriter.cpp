@@ -22,6 +22,8 @@ namespace Data
 {
 namespace
 {
+using namespace detail;
+
 using Binary = AccessorOvri::Binary;
 
 /// The format of all texts that are written.

@@ -7,6 +7,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 /// Appends an unsigned number to `bytes`, its most significant byte first.
 template <class Number>
 void appendBigEndian(Number number, std::string& bytes)
@@ -24,5 +26,6 @@ Number readBigEndian(const char* bytes)
         number = static_cast<Number>(number << 8 | static_cast<unsigned char>(bytes[i]));
     return number;
 }
+} // namespace detail
 } // namespace Data
 } // namespace vumo

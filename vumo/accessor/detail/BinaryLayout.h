@@ -6,6 +6,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 // Lengths in a binary scene file, in bytes.
 
 constexpr std::uint64_t kTagSize = 4;
@@ -33,5 +35,6 @@ constexpr std::uint64_t paddingOf(std::uint64_t dataSize)
 {
     return (8 - dataSize % 8) % 8;
 }
+} // namespace detail
 } // namespace Data
 } // namespace vumo

@@ -7,6 +7,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 namespace
 {
 /// Below this, reading on is cheaper than a seek, which empties the stream's buffer.
@@ -67,5 +69,6 @@ bool ChunkCursor::skip(std::uint64_t size)
     mLeft -= size;
     return mIn.good();
 }
+} // namespace detail
 } // namespace Data
 } // namespace vumo

@@ -10,6 +10,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 /// Walks over a row of chunks in a stream: readHeader(), then one of the functions that pass over the rest of
 /// the chunk, until atEnd().
 ///
@@ -46,5 +48,6 @@ private:
     std::string mHeaderBytes;
     BinaryChunkHeader mHeader;
 };
+} // namespace detail
 } // namespace Data
 } // namespace vumo

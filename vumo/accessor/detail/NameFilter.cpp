@@ -4,6 +4,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 NameFilter::NameFilter(const std::set<std::string>* wanted) : mWantsAll(wanted == nullptr)
 {
     if (wanted)
@@ -14,5 +16,6 @@ bool NameFilter::accept(const std::string& name)
 {
     return mWantsAll || mWanted.erase(name) > 0;
 }
+} // namespace detail
 } // namespace Data
 } // namespace vumo

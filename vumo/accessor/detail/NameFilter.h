@@ -7,6 +7,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 /// The names that a caller wants from a file, each of them once.
 ///
 /// A null set wants every name, every time. accept() uses up the name it says yes to, so isExhausted() tells a
@@ -25,5 +27,6 @@ private:
     std::set<std::string> mWanted;
     bool mWantsAll;
 };
+} // namespace detail
 } // namespace Data
 } // namespace vumo

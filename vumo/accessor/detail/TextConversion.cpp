@@ -10,6 +10,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 namespace
 {
 /// The encoding of the current locale, as iconv names it.
@@ -94,5 +96,6 @@ std::string convertString(const std::string& text, eTextDirection direction)
         return text;
     return converted;
 }
+} // namespace detail
 } // namespace Data
 } // namespace vumo

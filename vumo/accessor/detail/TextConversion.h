@@ -6,6 +6,8 @@ namespace vumo
 {
 namespace Data
 {
+namespace detail
+{
 /// Which way convertString() goes, between the encoding of the current locale and UTF-8.
 enum class eTextDirection
 {
@@ -16,5 +18,6 @@ enum class eTextDirection
 /// The converted text. A text that cannot be converted as a whole is returned as it is, and so is every text
 /// where the two encodings are one.
 std::string convertString(const std::string& text, eTextDirection direction);
+} // namespace detail
 } // namespace Data
 } // namespace vumo

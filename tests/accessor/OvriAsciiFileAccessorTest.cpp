@@ -1,0 +1,392 @@
+#include "vumo/accessor/OvriAsciiFileAccessor.h"
+
+#include "tests/accessor/AccessorFixture.h"
+
+#include <fstream>
+
+namespace vumo
+{
+namespace test
+{
+namespace
+{
+const std::string kHeader = "//Ovri ASCII 2014 scene\n";
+const std::string kHost = "requires ovri \"2014\";\ncreateNode transform -n \"Body\";\n\tsetAttr \".t\" 1 2 3;\n";
+const std::string kWeight = "dataStructure -fmt \"raw\" -as \"name=Weight:float=Value\";\n";
+const std::string kTrailer = "// End of scene.oa\n";
+
+/// The statement that applies one weight at index 0 to what `target` says.
+std::string applying(const std::string& value, const std::string& target)
+{
+    return "applyMetadata -fmt \"raw\" -v \"channel\\nname vertex\\nstream\\nname weights\\nindexType numeric\\n"
+           "structure Weight\\n0\\n" +
+           value + "\\nendStream\\nendChannel\\nendAssociations\\n\" \n\t\t" + target + ";\n";
+}
+
+class OvriAsciiFileAccessorTest : public AccessorFixture
+{
+protected:
+    /// What a read of that file says; empty when it is read well.
+    std::string readErrors(const std::string& bytes)
+    {
+        mFile.setBytes(bytes);
+        OvriAsciiFileAccessor accessor;
+        std::string errors = "earlier;";
+        const bool isRead = accessor.read(mFile.name(), errors);
+        EXPECT_EQ(isRead, errors == "earlier;") << errors;
+        EXPECT_TRUE(isRead || (accessor.structures().empty() && accessor.associations().empty()));
+        return isRead ? "" : errors;
+    }
+
+    std::string weightOf(const Accessor& accessor, const std::string& node) const
+    {
+        return valueAt(accessor, node, "vertex", "weights", 0);
+    }
+
+    /// The file after it was read and rewritten with nothing changed.
+    std::string rewritten(const std::string& bytes)
+    {
+        mFile.setBytes(bytes);
+        std::string errors;
+        EXPECT_TRUE(readScene(mFile.name())->write(errors)) << errors;
+        return mFile.bytes();
+    }
+
+    ScratchFile mFile{".oa"};
+};
+
+TEST_F(OvriAsciiFileAccessorTest, TheHeaderDecidesWhetherAFileIsSupported)
+{
+    const struct
+    {
+        std::string bytes;
+        const char* errors;
+    } cases[] = {
+        {"", "Error reading header."},
+        {"\n", "Header too small."},
+        {"//Ovri ASCII 2014 scen\n", "Header too small."},
+        {"//Ovri Ascii 2014 scene\n", "Unexpected header start."},
+        {"//Ovri ASCII 2014 scene \n", "Unexpected header end."},
+        {"//Ovri ASCII 2014 " + std::string(5000, 'x') + " scene\n", "Unexpected header end."},
+        {"//Ovri ASCII 2013 scene\n", "Unsupported year."},
+        {"//Ovri ASCII ff05 scene\n", "Unsupported year."},
+        {"//Ovri ASCII 2014 scene\r\n", ""},
+        {"//Ovri ASCII 2014ff05 scene", ""},
+    };
+    for (const auto& [bytes, errors] : cases)
+    {
+        SCOPED_TRACE(bytes.substr(0, 40));
+        EXPECT_EQ(readErrors(bytes), errors);
+        EXPECT_EQ(OvriAsciiFileAccessor().isFileSupported(mFile.name()), *errors == '\0');
+    }
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_RefusesFaultyStatementsWithTheirMessages)
+{
+    const std::string apply = "applyMetadata -fmt \"raw\" -v ";
+    const struct
+    {
+        std::string statement;
+        std::string errors;
+    } cases[] = {
+        {"dataStructure -fmt \"raw\" -as \"name=A;\n", "earlier;Error tokenizing format/value for structure."},
+        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"\n", "earlier;Error tokenizing format/value for structure."},
+        {"dataStructure -fmt \"odd\" -as \"name=A:int32=a\";\n", "earlier;Could not find serializer for format odd"},
+        {"dataStructure -fmt \"raw\" -as \"name=A\";\n", "earlier;Structures must have a name and at least one member"},
+        {apply + "\"endAssociations\\n\" Body;\n", "earlier;Could not find Associations name."},
+        {apply + "\"endAssociations\\n\" \n\t\t;\n", "earlier;Could not find Associations name."},
+        {apply + "\"endAssociations\\n\" \n\t\t\"\";\n", "earlier;Could not find Associations name."},
+        {apply + "\n\t\tBody;\n", "earlier;Error tokenizing format/value for associations."},
+        {"applyMetadata -fmt \"odd\" -v \"x\" \n\t\tBody;\n", "earlier;Could not find serializer for format odd"},
+    };
+    for (const auto& [statement, errors] : cases)
+    {
+        SCOPED_TRACE(statement);
+        EXPECT_EQ(readErrors(kHeader + kHost + statement + kTrailer), errors);
+    }
+    std::string errors;
+    OvriAsciiFileAccessor accessor;
+    EXPECT_FALSE(accessor.read("", errors));
+    EXPECT_EQ(errors, "Empty file name.");
+    EXPECT_FALSE(accessor.read("/nowhere/scene.oa", errors));
+    EXPECT_EQ(errors, "Could not open /nowhere/scene.oa");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_TakesTheStatementNearestTheEnd)
+{
+    const std::string other = "dataStructure -fmt \"raw\" -as \"name=Weight:double=Other\";\n";
+    const std::string odd = other + other + other; // whichever of them would come first in the registry
+    mFile.setBytes(kHeader + kHost + odd + kWeight + applying("1", "Body") + applying("2", "Body") + kTrailer);
+    const auto accessor = readScene(mFile.name());
+    EXPECT_EQ(weightOf(*accessor, "Body"), "2");
+    ASSERT_EQ(accessor->structures().size(), 1U);
+    EXPECT_EQ(**accessor->structures().begin(), *valueStructure("Weight"));
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_KnowsEveryFormOfAName)
+{
+    mFile.setBytes(kHeader + kHost + kWeight + applying("1", "select1") + applying("2", "\"two words\"") +
+                   applying("3", "-scn") + applying("4", "\"-scn\"") + applying("5", "  setAttr ") + kTrailer);
+    const auto accessor = readScene(mFile.name());
+    EXPECT_EQ(accessor->associations().size(), 5U);
+    EXPECT_EQ(weightOf(*accessor, "select1"), "1");
+    EXPECT_EQ(weightOf(*accessor, "two words"), "2");
+    EXPECT_EQ(weightOf(*accessor, ""), "3");
+    EXPECT_EQ(weightOf(*accessor, "-scn"), "4");
+    EXPECT_EQ(weightOf(*accessor, "setAttr"), "5");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_EndsAtTheLastHostStatement)
+{
+    for (const char* command : {"connectAttr", "createNode", "setAttr", "relationship", "select"})
+    {
+        SCOPED_TRACE(command);
+        mFile.setBytes(kHeader + kWeight + applying("1", "Hidden") + command + " -x;\n" + kWeight +
+                       applying("2", "Body") + kTrailer);
+        const auto accessor = readScene(mFile.name());
+        EXPECT_EQ(accessor->associations().size(), 1U);
+        EXPECT_EQ(weightOf(*accessor, "Body"), "2");
+    }
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_FiltersByName)
+{
+    mFile.setBytes(kHeader + kHost + kWeight + applying("1", "Body") + applying("2", "Head") + applying("3", "Body") +
+                   kTrailer);
+    const std::set<std::string> structures = {"Weight"};
+    const std::set<std::string> names = {"Body", "Absent"};
+    OvriAsciiFileAccessor accessor;
+    std::string errors;
+    ASSERT_TRUE(accessor.read(mFile.name(), &structures, &names, errors)) << errors;
+    EXPECT_EQ(accessor.associations().size(), 1U);
+    EXPECT_EQ(weightOf(accessor, "Body"), "3");
+
+    accessor.clear();
+    const std::set<std::string> none;
+    EXPECT_TRUE(accessor.read(mFile.name(), &structures, &none, errors)) << errors;
+    EXPECT_TRUE(accessor.associations().empty());
+    accessor.clear();
+    EXPECT_FALSE(accessor.read(mFile.name(), &none, &names, errors)) << "the stream's structure was left out";
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Write_KeepsEveryLineThatIsNoMetadata)
+{
+    const std::string odd = "// a comment;\nfileInfo \"key\" \"value\";\n\n\tleft over;\n";
+    const struct
+    {
+        std::string before;
+        std::string after;
+    } cases[] = {
+        // Metadata is rewritten in its place; what stood between goes ahead of it.
+        {kWeight + applying("1", "Body") + kTrailer, kWeight + applying("1", "Body") + kTrailer},
+        {applying("1", "Body") + odd + kWeight + odd + kTrailer,
+         odd + odd + kWeight + applying("1", "Body") + kTrailer},
+        {odd + kTrailer + "last words", odd + kTrailer + "last words"},
+        // Metadata below the trailer line would win over what is written: it moves up.
+        {kWeight + kTrailer + applying("1", "Body") + "last words\n",
+         kWeight + applying("1", "Body") + kTrailer + "last words\n"},
+        // Of two statements for one name the one that was read stays.
+        {kWeight + applying("1", "Body") + kWeight + applying("2", "Body") + kTrailer,
+         kWeight + applying("2", "Body") + kTrailer},
+        {kWeight + applying("1", "-scn") + applying("2", "zoo") + " \t// End of it;\n",
+         kWeight + applying("2", "zoo") + applying("1", "-scn") + " \t// End of it;\n"},
+    };
+    for (const auto& [before, after] : cases)
+    {
+        SCOPED_TRACE(before);
+        EXPECT_EQ(rewritten(kHeader + kHost + before), kHeader + kHost + after);
+        EXPECT_EQ(rewritten(kHeader + kHost + after), kHeader + kHost + after) << "twice as once";
+    }
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Write_LeavesCarriageReturnsOfTheHostAlone)
+{
+    const std::string host = "//Ovri ASCII 2014 scene\r\nselect -ne :a;\r\n";
+    std::string metadata = kWeight + applying("1", "Body");
+    for (std::string::size_type i = 0; (i = metadata.find('\n', i)) != std::string::npos; i += 2)
+        metadata.insert(i, "\r");
+    EXPECT_EQ(rewritten(host + metadata + "// End of it\r\n"),
+              host + kWeight + applying("1", "Body") + "// End of it\r\n");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Write_RefusesWhatAScriptCannotCarry)
+{
+    const struct
+    {
+        const char* node;
+        const char* structure;
+        const char* errors;
+    } cases[] = {
+        {"two words", "Weight", "Could not write node associations statement to file."},
+        {"a;select", "Weight", "Could not write node associations statement to file."},
+        {"a\"b", "Weight", "Could not write node associations statement to file."},
+        {"a\\b", "Weight", "Could not write node associations statement to file."},
+        {"a\nselect", "Weight", "Could not write node associations statement to file."},
+        {"-scn", "Weight", "Could not write node associations statement to file."},
+        {"Body", "a\";select \"", "Could not write structure chunk to file."},
+        {"Body", "a\\", "Could not write structure chunk to file."},
+        {"Body", "a\tb", "Could not write structure chunk to file."},
+    };
+    for (const auto& [node, name, message] : cases)
+    {
+        SCOPED_TRACE(std::string(node) + " " + name);
+        mFile.setBytes(kHeader + kHost + kTrailer);
+        const auto accessor = readScene(mFile.name());
+        const Ref<Structure> structure = valueStructure(name);
+        accessor->setStructures({structure.get()});
+        accessor->associations()[node] = associationsOf("vertex", "weights", *structure, 0, "1");
+        std::string errors;
+        EXPECT_FALSE(accessor->write(errors));
+        EXPECT_EQ(errors, message);
+        EXPECT_EQ(mFile.bytes(), kHeader + kHost + kTrailer);
+    }
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Write_NeedsATrailerAndWholeStatements)
+{
+    const struct
+    {
+        std::string bytes;
+        const char* errors;
+    } cases[] = {
+        {kHeader + kHost, "Could not find trailer prefix."},
+        {kHeader + kHost + "x// End of\n", "Could not find trailer prefix."},
+        {kHeader + kTrailer + kHost, "Could not find trailer prefix."},
+        {kHeader + kHost + "applyMetadata -fmt \"raw\" -v \"\n\t\tBody\n" + kTrailer,
+         "Failed reading line while searching metadata end."},
+        {kHeader + kHost + "dataStructure -fmt \"raw\" -as \"x\"\nfileInfo \"y\";\n" + kTrailer,
+         "Failed reading line while searching metadata end."},
+    };
+    for (const auto& [bytes, message] : cases)
+    {
+        SCOPED_TRACE(bytes);
+        mFile.setBytes(bytes);
+        OvriAsciiFileAccessor accessor;
+        std::string errors;
+        accessor.read(mFile.name(), errors);
+        errors.clear();
+        EXPECT_FALSE(accessor.write(errors));
+        EXPECT_EQ(errors, message);
+        EXPECT_EQ(mFile.bytes(), bytes);
+    }
+    std::string errors;
+    OvriAsciiFileAccessor accessor;
+    accessor.read("/nowhere/scene.oa", errors);
+    errors.clear();
+    EXPECT_FALSE(accessor.write(errors));
+    EXPECT_EQ(errors, "Could not open /nowhere/scene.oa for writing.");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, EveryTextSurvivesAWriteAndARead)
+{
+    std::string everything = "plain \"quoted\" back\\slash \\n end \xC3\xB6 \xE6\x97\xA5 \xFF";
+    for (char c = 1; c < 32; ++c)
+        everything += c;
+    everything += '\x7F';
+    const Ref<Structure> label(new Structure("Label"));
+    label->addMember(Member::kString, 1, "Text");
+    mFile.setBytes(kHeader + kHost + kTrailer);
+    const auto accessor = readScene(mFile.name());
+    accessor->setStructures({label.get()});
+    accessor->associations()["Body"] = associationsOf("vertex", "labels", *label, 0, everything);
+    std::string errors;
+    ASSERT_TRUE(accessor->write(errors)) << errors;
+    EXPECT_EQ(valueAt(*readScene(mFile.name()), "Body", "vertex", "labels", 0), everything);
+    const std::string bytes = mFile.bytes();
+    EXPECT_NE(bytes.find("\\001\\002\\003\\004\\005\\006\\a\\b\\t\\\\n\\v\\f\\r\\016"), std::string::npos) << bytes;
+    EXPECT_NE(bytes.find("\\037\\177\\\""), std::string::npos) << bytes;
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_UndoesEscapesAndKeepsUnknownOnes)
+{
+    const std::string label = "dataStructure -fmt \"raw\" -as \"name=Weight:string=Text\";\n";
+    // After the escapes of the statement come those of the quoted string inside it, which knows none of these.
+    mFile.setBytes(kHeader + kHost + label + applying(R"(\"\101\7\400\8\q\")", "Body") + kTrailer);
+    EXPECT_EQ(weightOf(*readScene(mFile.name()), "Body"), R"(A\7\400\8\q)");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, AFileCutAnywhereIsReadOrRefused)
+{
+    const std::string whole =
+        kHeader + kHost + kWeight + applying("1", "Body") + "// between\n" + applying("2", "-scn") + kTrailer;
+    for (std::string::size_type length = 0; length < whole.size(); ++length)
+    {
+        SCOPED_TRACE(length);
+        const std::string cut = whole.substr(0, length);
+        readErrors(cut);
+        OvriAsciiFileAccessor accessor;
+        std::string errors;
+        accessor.read(mFile.name(), errors);
+        if (accessor.write(errors))
+            EXPECT_EQ(readErrors(mFile.bytes()), "");
+        else
+            EXPECT_EQ(mFile.bytes(), cut);
+    }
+}
+
+TEST_F(OvriAsciiFileAccessorTest, ASceneOfTwoGigabytesIsReadAtItsHeadAndTailOnly)
+{
+    {
+        std::ofstream out(mFile.name(), std::ios::binary);
+        out << kHeader << kHost;
+        out.seekp(2LL << 30);
+        out << "\n" << kHost << kWeight << applying("1", "Body") << kTrailer;
+        ASSERT_TRUE(out.flush());
+    }
+    const std::uint64_t atStart = bytesReadByProcess();
+    const auto accessor = readScene(mFile.name());
+    std::string errors;
+    ASSERT_TRUE(accessor->write(errors)) << errors;
+    const std::uint64_t total = bytesReadByProcess() - atStart;
+    RecordProperty("bytesRead", std::to_string(total));
+    EXPECT_LT(total, 65536U);
+    EXPECT_EQ(weightOf(*accessor, "Body"), "1");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, LongAndManyLinesAreJoinedAcrossBlocks)
+{
+    // Every alignment of line ends to the blocks that are read backwards.
+    for (std::size_t padding = 1000; padding < 1100; ++padding)
+    {
+        SCOPED_TRACE(padding);
+        const std::string comment = "// " + std::string(padding, 'x') + "\n";
+        const std::string bytes = kHeader + kHost + kWeight + applying("1", "Body") + comment + kTrailer + comment;
+        EXPECT_EQ(rewritten(bytes), kHeader + kHost + comment + kWeight + applying("1", "Body") + kTrailer + comment);
+    }
+}
+
+/// A golden scene of either kind: reading and rewriting gives the same bytes, and one edit gives those that a
+/// script of its own made of it.
+TEST_F(OvriAsciiFileAccessorTest, RichScenesOfBothKindsAreExactToTheByte)
+{
+    const struct
+    {
+        const char* ending;
+        std::string before;
+        std::string after;
+    } cases[] = {
+        {".oa", goldenText("rich.oa"), goldenText("rich_edited.oa")},
+        {".ob", goldenBytes("rich.ob.hex"), goldenBytes("rich_edited.ob.hex")},
+    };
+    for (const auto& [ending, before, after] : cases)
+    {
+        SCOPED_TRACE(ending);
+        const ScratchFile file(ending);
+        file.setBytes(before);
+        const auto accessor = readScene(file.name());
+        EXPECT_EQ(accessor->structures().size(), 3U);
+        EXPECT_EQ(accessor->associations().size(), 3U);
+        EXPECT_EQ(valueAt(*accessor, "body", "vertex", "labels", IndexString("日本")), "ひざ");
+        EXPECT_EQ(valueAt(*accessor, "", "info", "notes", IndexString("author")), "Zoë \\ \"Z\"\nand friends");
+
+        std::string errors;
+        EXPECT_TRUE(accessor->write(errors)) << errors;
+        EXPECT_EQ(file.bytes(), before);
+        setValue(*accessor->associations()["body"].channel("edge").dataStream("creases"), IndexPair(0, 2), "0.125");
+        EXPECT_TRUE(accessor->write(errors)) << errors;
+        EXPECT_EQ(file.bytes(), after);
+    }
+}
+} // namespace
+} // namespace test
+} // namespace vumo

@@ -1,0 +1,326 @@
+#include "vumo/accessor/OvriAsciiFileAccessor.h"
+
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/detail/AsciiStatementText.h"
+#include "vumo/accessor/detail/AsciiStatements.h"
+#include "vumo/accessor/detail/NameFilter.h"
+#include "vumo/data/Associations.h"
+#include "vumo/data/Structure.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <vector>
+
+namespace vumo
+{
+namespace Data
+{
+namespace
+{
+using Ascii = AccessorOvri::Ascii;
+using detail::AsciiStatement;
+using detail::AsciiTail;
+
+using AssociationsMap = std::map<std::string, Associations>;
+
+/// The first line without its end, or as much of it as tells whether it is a header.
+bool readFirstLine(std::istream& in, std::string& line)
+{
+    constexpr std::string::size_type kLongestHeader = 1024;
+    char next = '\0';
+    while (line.size() < kLongestHeader && in.get(next) && next != '\n')
+        line += next;
+    const bool isEmptyFile = line.empty() && !in;
+    in.clear();
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return !isEmptyFile;
+}
+
+/// Empty, or what is wrong with the first line of the file.
+std::string headerFault(std::istream& in)
+{
+    constexpr int kLastUnsupportedYear = 2013;
+    constexpr std::string::size_type kYearDigits = 4;
+    const std::string start = Ascii::getHeaderPrefix() + " ";
+    const std::string end = " scene";
+
+    std::string line;
+    if (!readFirstLine(in, line))
+        return "Error reading header.";
+    if (line.size() < start.size() + kYearDigits + end.size())
+        return "Header too small.";
+    if (line.compare(0, start.size(), start) != 0)
+        return "Unexpected header start.";
+    if (line.compare(line.size() - end.size(), end.size(), end) != 0)
+        return "Unexpected header end.";
+    if (std::atoi(line.substr(start.size(), kYearDigits).c_str()) <= kLastUnsupportedYear)
+        return "Unsupported year.";
+    return "";
+}
+
+/// The text of a statement without its ";", with the carriage returns gone from the ends of its lines.
+bool readText(std::istream& in, const AsciiStatement& statement, std::string& text)
+{
+    text.resize(static_cast<std::size_t>(statement.end - statement.begin));
+    if (!in.seekg(statement.begin) || !in.read(text.data(), static_cast<std::streamsize>(text.size())))
+        return false;
+    text.pop_back();
+    std::string::size_type kept = 0;
+    for (std::string::size_type i = 0; i < text.size(); ++i)
+    {
+        const bool endsLine = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
+        if (!endsLine)
+            text[kept++] = text[i];
+    }
+    text.resize(kept);
+    return true;
+}
+
+/// Registers the structure that the statement declares, if it is wanted.
+bool readStructure(const std::string& text, detail::NameFilter& wanted, std::string& errors)
+{
+    detail::FormattedValue declared;
+    if (!detail::parseValue(text, declared))
+    {
+        errors += "Error tokenizing format/value for structure.";
+        return false;
+    }
+    const Ref<Structure> structure(
+        const_cast<Structure*>(AccessorOvri::deserializeStructure(declared.format, declared.value, errors)));
+    const bool isFirst = structure && !Structure::structureByName(structure->name()); // the nearest to the file's end
+    if (isFirst && wanted.accept(structure->name()))
+        Structure::registerStructure(*structure);
+    return static_cast<bool>(structure);
+}
+
+/// An associations statement whose name is wanted. It waits until the structures that it needs are read, which
+/// stand above it.
+struct PendingAssociations
+{
+    std::string name;
+    detail::FormattedValue applied;
+};
+
+bool collectAssociations(std::string text, detail::NameFilter& wanted, std::vector<PendingAssociations>& pending,
+                         std::string& errors)
+{
+    PendingAssociations entry;
+    if (!detail::takeName(text, entry.name))
+    {
+        errors += "Could not find Associations name.";
+        return false;
+    }
+    if (!wanted.accept(entry.name))
+        return true;
+    if (!detail::parseValue(text, entry.applied))
+    {
+        errors += "Error tokenizing format/value for associations.";
+        return false;
+    }
+    pending.push_back(std::move(entry));
+    return true;
+}
+
+bool readAssociations(const std::vector<PendingAssociations>& pending, AssociationsMap& result, std::string& errors)
+{
+    for (const PendingAssociations& entry : pending)
+    {
+        Associations associations;
+        if (!AccessorOvri::deserializeAssociations(entry.applied.format, entry.applied.value, associations, errors))
+            return false;
+        result.emplace(entry.name, associations); // the statement nearest the end of the file came first
+    }
+    return true;
+}
+
+bool readStatements(std::istream& in, const AsciiTail& tail, detail::NameFilter& structures,
+                    detail::NameFilter& associations, AssociationsMap& result, std::string& errors)
+{
+    std::vector<PendingAssociations> pending;
+    for (const AsciiStatement& statement : tail.statements)
+    {
+        std::string text;
+        if (statement.isComplete() && !readText(in, statement, text))
+        {
+            errors = "Could not read block.";
+            return false;
+        }
+        const bool isRead = statement.command == AsciiStatement::kDataStructure
+                                ? readStructure(text, structures, errors)
+                                : collectAssociations(std::move(text), associations, pending, errors);
+        if (!isRead)
+            return false;
+    }
+    return readAssociations(pending, result, errors);
+}
+
+/// All statements of the accessor, in the order of the file.
+bool appendStatements(const Accessor& accessor, std::string& out, std::string& errors)
+{
+    for (const Structure* const structure : accessor.structures())
+    {
+        if (!detail::appendStructure(*structure, out))
+        {
+            errors += "Could not write structure chunk to file.";
+            return false;
+        }
+    }
+    const std::string& scene = AccessorOvri::getSceneAssociationsName();
+    for (const auto& entry : accessor.associations())
+    {
+        const bool isWritten =
+            entry.first == scene || entry.second.empty() ||
+            (detail::isBareWord(entry.first) && detail::appendAssociations(entry.first, entry.second, out, errors));
+        if (!isWritten)
+        {
+            errors += "Could not write node associations statement to file.";
+            return false;
+        }
+    }
+    const auto entry = accessor.associations().find(scene);
+    if (entry != accessor.associations().end() &&
+        !detail::appendAssociations(Ascii::getApplyMetadataCommandSceneFlag(), entry->second, out, errors))
+    {
+        errors += "Could not write scene associations statement to file.";
+        return false;
+    }
+    return true;
+}
+
+bool findTail(std::istream& file, AsciiTail& tail, std::string& errors)
+{
+    if (!file.seekg(0, std::ios::end))
+    {
+        errors += "Could not seek to trailer start.";
+        return false;
+    }
+    tail.size = file.tellg();
+    std::string fault;
+    if (!detail::findAsciiTail(file, tail, fault))
+    {
+        errors += "Failed reading line while searching metadata start.";
+        return false;
+    }
+    const bool allComplete = std::all_of(tail.statements.begin(), tail.statements.end(),
+                                         [](const AsciiStatement& statement) { return statement.isComplete(); });
+    if (!allComplete)
+        errors += "Failed reading line while searching metadata end.";
+    else if (tail.trailer < 0)
+        errors += "Could not find trailer prefix.";
+    return allComplete && tail.trailer >= 0;
+}
+
+/// Where the part of the file begins that a write replaces.
+std::streamoff regionStart(const AsciiTail& tail)
+{
+    return tail.statements.empty() ? tail.trailer : std::min(tail.trailer, tail.statements.back().begin);
+}
+
+/// Reads what stays of that part: the lines above the trailer line, and those from it on.
+bool readKept(std::istream& file, const AsciiTail& tail, std::string& above, std::string& trailer, std::string& errors)
+{
+    const std::streamoff start = regionStart(tail);
+    std::string region(static_cast<std::size_t>(tail.size - start), '\0');
+    if (!file.seekg(start))
+        errors += "Failed to seek to the trailer position.";
+    else if (!file.read(region.data(), static_cast<std::streamsize>(region.size())))
+        errors += "Failed to read the file trailer.";
+    if (!file)
+        return false;
+
+    const auto keep = [&](std::streamoff from, std::streamoff to) {
+        const std::streamoff split = std::clamp(tail.trailer, from, to);
+        above.append(region, static_cast<std::size_t>(from - start), static_cast<std::size_t>(split - from));
+        trailer.append(region, static_cast<std::size_t>(split - start), static_cast<std::size_t>(to - split));
+    };
+    std::streamoff position = start;
+    for (auto statement = tail.statements.rbegin(); statement != tail.statements.rend(); ++statement)
+    {
+        keep(position, statement->begin);
+        position = statement->next;
+    }
+    keep(position, tail.size);
+    return true;
+}
+
+/// Makes the file end with `content`, from `start` on.
+bool replaceTail(std::iostream& file, const std::string& fileName, std::streamoff start, const std::string& content,
+                 std::string& errors)
+{
+    if (!file.seekp(start))
+        errors += "Could not seek to metadata start.";
+    else if (!file.write(content.data(), static_cast<std::streamsize>(content.size())).flush())
+        errors += "Failed to append the file trailer.";
+    else if (!AccessorOvri::truncateFile(fileName, static_cast<std::uint64_t>(start) + content.size()))
+        errors += "Could not truncate the file.";
+    else
+        return true;
+    return false;
+}
+} // namespace
+
+bool OvriAsciiFileAccessor::write(std::string& errors) const
+{
+    std::fstream file(fileName(), std::ios::in | std::ios::out | std::ios::binary);
+    if (!file)
+    {
+        errors += "Could not open " + fileName() + " for writing.";
+        return false;
+    }
+    AsciiTail tail;
+    std::string content;
+    std::string trailer;
+    if (!findTail(file, tail, errors) || !readKept(file, tail, content, trailer, errors) ||
+        !appendStatements(*this, content, errors))
+    {
+        return false;
+    }
+    return replaceTail(file, fileName(), regionStart(tail), content + trailer, errors);
+}
+
+bool OvriAsciiFileAccessor::isFileSupported(const std::string& fileName) const
+{
+    std::ifstream file(fileName, std::ios::binary);
+    return file && headerFault(file).empty();
+}
+
+bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNames,
+                                        const std::set<std::string>* associationNames, std::string& errors)
+{
+    if (fileName().empty())
+    {
+        errors = "Empty file name.";
+        return false;
+    }
+    std::ifstream file(fileName(), std::ios::binary);
+    if (!file)
+    {
+        errors = "Could not open " + fileName();
+        return false;
+    }
+    std::string fault = headerFault(file);
+    if (!fault.empty())
+    {
+        errors = fault;
+        return false;
+    }
+    if (!file.seekg(0, std::ios::end))
+    {
+        errors += "Could not seek to end.";
+        return false;
+    }
+    AsciiTail tail;
+    tail.size = file.tellg();
+    if (!detail::findAsciiTail(file, tail, fault))
+    {
+        errors = fault;
+        return false;
+    }
+    detail::NameFilter structures(structureNames);
+    detail::NameFilter wanted(associationNames);
+    return readStatements(file, tail, structures, wanted, associations(), errors);
+}
+} // namespace Data
+} // namespace vumo

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "vumo/accessor/Accessor.h"
+#include "vumo/foundation/Export.h"
+
+#include <set>
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+/// The accessor for the host's ASCII scene files, extension "oa".
+///
+/// Such a file is a script of host statements. The metadata are statements of their own at its end, between the
+/// last host statement and the trailer line: "dataStructure" for each structure, "applyMetadata" for each node and
+/// for the scene. They are found by searching the file backwards, so that the scene before them is never read.
+/// Where a name is applied or declared twice, the statement nearest the end of the file wins.
+///
+/// Texts keep the encoding of the current C locale.
+class VUMO_EXPORT OvriAsciiFileAccessor : public Accessor
+{
+public:
+    OvriAsciiFileAccessor() = default;
+
+    /// Puts structures() and associations() into the file fileName(), just before its trailer line, in place of the
+    /// metadata statements that stand below the last host statement. Any other line between those is kept, ahead of
+    /// the new ones. Empty associations write nothing.
+    ///
+    /// Refused are a node name that a bare word cannot carry (blanks, quotes, backslashes, ";", control characters,
+    /// or the scene flag) and a structure with quotes, backslashes or control characters in its names: they could
+    /// smuggle statements into the script.
+    ///
+    /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
+    /// A write that fails later, because the disk is full, say, leaves a damaged file.
+    bool write(std::string& errors) const override;
+
+    /// Says whether the first line is that of an ASCII scene file of a supported year.
+    bool isFileSupported(const std::string& fileName) const override;
+
+protected:
+    bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
+                     std::string& errors) override;
+};
+} // namespace Data
+} // namespace vumo

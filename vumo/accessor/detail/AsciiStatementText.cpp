@@ -1,0 +1,122 @@
+#include "vumo/accessor/detail/AsciiStatementText.h"
+
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/detail/AsciiText.h"
+#include "vumo/serialize/AssociationsSerializer.h"
+#include "vumo/serialize/StructureSerializer.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+namespace
+{
+using Ascii = AccessorOvri::Ascii;
+
+constexpr char kFormat[] = "raw";
+constexpr char kBlanks[] = " \t";
+
+bool isControl(char character)
+{
+    const auto code = static_cast<unsigned char>(character);
+    return code < 0x20 || code == 0x7F;
+}
+
+std::string quoted(const std::string& text)
+{
+    return "\"" + text + "\"";
+}
+} // namespace
+
+bool parseValue(const std::string& statement, FormattedValue& result)
+{
+    std::string::size_type quotes[3];
+    std::string::size_type from = 0;
+    for (std::string::size_type& quote : quotes)
+    {
+        quote = statement.find('"', from);
+        if (quote == std::string::npos)
+            return false;
+        from = quote + 1;
+    }
+    const std::string::size_type last = statement.rfind('"');
+    if (last == quotes[2])
+        return false;
+    result.format = statement.substr(quotes[0] + 1, quotes[1] - quotes[0] - 1);
+    result.value = unescapeValue(statement.substr(from, last - from));
+    return true;
+}
+
+bool takeName(std::string& statement, std::string& name)
+{
+    const std::string::size_type lineEnd = statement.rfind('\n');
+    if (lineEnd == std::string::npos)
+        return false;
+    const std::string::size_type begin = statement.find_first_not_of(kBlanks, lineEnd + 1);
+    if (begin == std::string::npos)
+        return false;
+    name = statement.substr(begin, statement.find_last_not_of(kBlanks) + 1 - begin);
+    statement.resize(lineEnd);
+    if (name.front() == '"')
+    {
+        const std::string::size_type last = name.rfind('"');
+        name = last == 0 ? "" : name.substr(1, last - 1);
+        return !name.empty();
+    }
+    if (name == Ascii::getApplyMetadataCommandSceneFlag())
+        name = AccessorOvri::getSceneAssociationsName();
+    return true;
+}
+
+bool isBareWord(const std::string& name)
+{
+    const bool hasOther = std::any_of(name.begin(), name.end(), [](char character) {
+        return isControl(character) || std::string(" \"\\;").find(character) != std::string::npos;
+    });
+    return !name.empty() && !hasOther && name != Ascii::getApplyMetadataCommandSceneFlag();
+}
+
+bool appendStructure(const Structure& structure, std::string& out)
+{
+    const StructureSerializer* const serializer = StructureSerializer::formatByName(kFormat);
+    std::ostringstream text;
+    if (!serializer || serializer->write(structure, text) != 0 || !text)
+        return false;
+
+    std::string value;
+    for (const char character : text.str())
+    {
+        if (character == '\n')
+            value += "\\n";
+        else if (character == '"' || character == '\\' || isControl(character))
+            return false;
+        else
+            value += character;
+    }
+    out += Ascii::getDataStructureCommandName() + " " + Ascii::getDataStructureCommandFormatFlag() + " " +
+           quoted(kFormat) + " " + Ascii::getDataStructureCommandAsStringFlag() + " " + quoted(value) + ";\n";
+    return true;
+}
+
+bool appendAssociations(const std::string& target, const Associations& associations, std::string& out,
+                        std::string& errors)
+{
+    if (associations.empty())
+        return true;
+    const AssociationsSerializer* const serializer = AssociationsSerializer::formatByName(kFormat);
+    std::ostringstream text;
+    if (!serializer || serializer->write(associations, text, errors) != 0 || !text)
+        return false;
+    out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
+           quoted(kFormat) + " " + Ascii::getApplyMetadataCommandValueFlag() + " " + quoted(escapeValue(text.str())) +
+           " \n\t\t" + target + ";\n";
+    return true;
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

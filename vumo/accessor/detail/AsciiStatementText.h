@@ -1,0 +1,43 @@
+#pragma once
+
+#include "vumo/data/Associations.h"
+#include "vumo/data/Structure.h"
+
+#include <string>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// The texts of metadata statements in ASCII scene files: how they are written, and how they are taken apart.
+
+/// A serialized object and the name of the format that wrote it.
+struct FormattedValue
+{
+    std::string format;
+    std::string value;
+};
+
+/// Takes the format from between the first two double quotes of a statement, and the value, unescaped, from between
+/// the third and the last. False when there are too few of them.
+bool parseValue(const std::string& statement, FormattedValue& result);
+
+/// Cuts the last line, with the node's name, off an associations statement that has lost its ";". The name of the
+/// scene is the scene associations name. False when there is no name.
+bool takeName(std::string& statement, std::string& name);
+
+/// Says whether a script could take the node's name for nothing but one word.
+bool isBareWord(const std::string& name);
+
+/// Appends the statement that declares the structure. False when its text would not stay inside its quotes.
+bool appendStructure(const Structure& structure, std::string& out);
+
+/// Appends the statement that applies the associations to what `target` says: a node's name or the scene flag.
+/// Appends nothing for empty ones. False, with the serializer's errors, when they can't be written.
+bool appendAssociations(const std::string& target, const Associations& associations, std::string& out,
+                        std::string& errors);
+} // namespace detail
+} // namespace Data
+} // namespace vumo

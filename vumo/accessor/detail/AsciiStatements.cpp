@@ -1,0 +1,101 @@
+#include "vumo/accessor/detail/AsciiStatements.h"
+
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/detail/BackwardLines.h"
+
+#include <algorithm>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+namespace
+{
+using Ascii = AccessorOvri::Ascii;
+
+constexpr char kBlanks[] = " \t";
+
+enum eLine
+{
+    kStructureLine,
+    kAssociationsLine,
+    kHostLine,
+    kTrailerLine,
+    kContinuation,
+    kOtherLine
+};
+
+bool startsWith(const std::string& text, const std::string& start, std::string::size_type position = 0)
+{
+    return text.compare(position, start.size(), start) == 0;
+}
+
+/// A word of the metadata's own is whole: a blank follows it.
+bool startsWithWord(const std::string& text, const std::string& word)
+{
+    return startsWith(text, word) && text.find_first_of(kBlanks, word.size()) == word.size();
+}
+
+bool isHostLine(const std::string& head)
+{
+    const std::string* const commands[] = {&Ascii::getConnectAttrCommandName(), &Ascii::getCreateNodeCommandName(),
+                                           &Ascii::getSetAttrCommandName(), &Ascii::getRelationshipCommandName(),
+                                           &Ascii::getSelectCommandName()};
+    return std::any_of(std::begin(commands), std::end(commands),
+                       [&](const std::string* command) { return startsWith(head, *command); });
+}
+
+/// Commands count at the first column only: the line with the name of a node called "select1" begins with tabs.
+eLine kindOf(const std::string& head)
+{
+    if (startsWithWord(head, Ascii::getDataStructureCommandName()))
+        return kStructureLine;
+    if (startsWithWord(head, Ascii::getApplyMetadataCommandName()))
+        return kAssociationsLine;
+    if (isHostLine(head))
+        return kHostLine;
+    const std::string::size_type text = std::min(head.find_first_not_of(kBlanks), head.size());
+    if (startsWith(head, Ascii::getTrailerPrefix(), text))
+        return kTrailerLine;
+    const bool isComment = startsWith(head, "//", text);
+    const bool isContinuation = text > 0 || head.empty() || head[0] == '"' || head[0] == '-';
+    return isContinuation && !isComment ? kContinuation : kOtherLine;
+}
+} // namespace
+
+bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error)
+{
+    BackwardLines lines(in, tail.size);
+    BackwardLines::Line line;
+    BackwardLines::Line last; // of the statement that the lines above it belong to
+    bool hasLast = false;
+    while (lines.previous(line))
+    {
+        const eLine kind = kindOf(line.head);
+        if (kind == kHostLine)
+            return true;
+        if (line.last == ';')
+        {
+            last = line;
+            hasLast = true;
+        }
+        if (kind == kTrailerLine && tail.trailer < 0)
+            tail.trailer = line.begin;
+        if (kind == kStructureLine || kind == kAssociationsLine)
+        {
+            const auto command =
+                kind == kStructureLine ? AsciiStatement::kDataStructure : AsciiStatement::kApplyMetadata;
+            const BackwardLines::Line& end = hasLast ? last : line;
+            tail.statements.push_back({command, line.begin, hasLast ? end.end : line.begin, end.next});
+        }
+        if (kind != kContinuation)
+            hasLast = false;
+    }
+    error = lines.error();
+    return error.empty();
+}
+} // namespace detail
+} // namespace Data
+} // namespace vumo

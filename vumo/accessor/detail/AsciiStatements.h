@@ -1,0 +1,43 @@
+#pragma once
+
+#include <istream>
+#include <string>
+#include <vector>
+
+namespace vumo
+{
+namespace Data
+{
+namespace detail
+{
+/// A metadata statement of an ASCII scene file: its command at the start of a line, to the line that ends in ";".
+struct AsciiStatement
+{
+    enum eCommand
+    {
+        kDataStructure,
+        kApplyMetadata
+    };
+
+    eCommand command = kDataStructure;
+    std::streamoff begin = 0;
+    std::streamoff end = 0;  ///< behind its ";"; as `begin` when the statement has no end
+    std::streamoff next = 0; ///< of the line that follows
+
+    bool isComplete() const { return end > begin; }
+};
+
+/// What stands at the end of an ASCII scene file, below its last host statement.
+struct AsciiTail
+{
+    std::vector<AsciiStatement> statements; ///< from the last in the file to the first
+    std::streamoff trailer = -1;            ///< of the last line that starts with the trailer's prefix; -1: none
+    std::streamoff size = 0;                ///< of the file
+};
+
+/// Searches a file backwards for metadata statements, up to the first host statement. Reads of the scene no more
+/// than that takes, and holds none of it. False, with `error` set, when the file could not be read.
+bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error);
+} // namespace detail
+} // namespace Data
+} // namespace vumo
