@@ -29,14 +29,14 @@ Table elementTable(const Stream& stream)
     Table table;
     Table::Row titles = {"index"};
     for (const Member& member : stream.structure())
-        titles.push_back(quoted(Member::name(&member)));
+        titles.push_back(printable(Member::name(&member)));
     table.add(titles);
 
     const StreamIterator end = stream.cend();
     for (StreamIterator element = stream.cbegin(); element != end; ++element)
     {
         const std::string index = element.index().asString();
-        Table::Row row = {stream.indexType() == "string" ? quoted(index) : index};
+        Table::Row row = {stream.indexType() == "string" ? quoted(index) : printable(index)};
         for (unsigned int i = 0; element->setPositionByMemberIndex(i); ++i)
             row.push_back(memberText(*element));
         table.add(row);
@@ -48,6 +48,6 @@ Table memberTable(const Structure& structure, Handle element)
 {
     Table table;
     for (unsigned int i = 0; element.setPositionByMemberIndex(i); ++i)
-        table.add({quoted(Member::name(structure.member(i))), memberText(element)});
+        table.add({printable(Member::name(structure.member(i))), memberText(element)});
     return table;
 }

@@ -22,7 +22,7 @@ void showStructures(const Accessor::StructureSet& structures)
             std::string type = Member::typeName(Member::type(&member));
             if (Member::length(&member) != 1)
                 type += "[" + std::to_string(Member::length(&member)) + "]";
-            members.add({type, Member::name(&member)});
+            members.add({type, printable(Member::name(&member))});
         }
         members.print(std::cout, 4);
     }
@@ -30,8 +30,9 @@ void showStructures(const Accessor::StructureSet& structures)
 
 Table::Row streamRow(const Stream& stream)
 {
+    const unsigned int count = stream.elementCount();
     return {"stream " + quoted(stream.name()), "structure " + quoted(stream.structure().name()),
-            "index " + stream.indexType(), std::to_string(stream.elementCount()) + " elements"};
+            "index " + printable(stream.indexType()), std::to_string(count) + (count == 1 ? " element" : " elements")};
 }
 
 void showChannel(const Channel& channel, bool withValues)

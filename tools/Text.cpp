@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
-std::string quoted(const std::string& text)
+std::string printable(const std::string& text)
 {
-    std::string result = "\"";
+    std::string result;
     for (const char character : text)
     {
         const auto code = static_cast<unsigned char>(character);
@@ -24,7 +24,12 @@ std::string quoted(const std::string& text)
         else
             result += character;
     }
-    return result + "\"";
+    return result;
+}
+
+std::string quoted(const std::string& text)
+{
+    return '"' + printable(text) + '"';
 }
 
 std::string nodeTitle(const std::string& node)

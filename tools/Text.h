@@ -4,8 +4,11 @@
 
 #include <string>
 
-/// The text in double quotes, fit for a terminal: quotes, backslashes and control characters are escaped, the
-/// bytes of other characters stay as they are.
+/// The text, fit for a terminal: backslashes, control characters and double quotes are escaped, the bytes of other
+/// characters stay as they are.
+std::string printable(const std::string& text);
+
+/// The printable text in double quotes.
 std::string quoted(const std::string& text);
 
 /// What the commands call a node: its quoted name, or "scene" for the scene itself.

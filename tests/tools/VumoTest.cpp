@@ -1,0 +1,243 @@
+#include "tests/support/Golden.h"
+#include "tests/support/ScratchFile.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace vumo
+{
+namespace test
+{
+namespace
+{
+struct Outcome
+{
+    int exitCode = -1;
+    std::string out; ///< standard output and standard error, in the order of writing
+};
+
+std::string inShellQuotes(const std::string& word)
+{
+    std::string result = "'";
+    for (const char character : word)
+        result += character == '\'' ? std::string("'\\''") : std::string(1, character);
+    return result + "'";
+}
+
+/// Runs a program with these arguments.
+Outcome run(const std::string& program, const std::vector<std::string>& arguments)
+{
+    std::string command = inShellQuotes(program);
+    for (const std::string& argument : arguments)
+        command += " " + inShellQuotes(argument);
+    Outcome outcome;
+    FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+    std::array<char, 4096> part{};
+    while (const std::size_t length = std::fread(part.data(), 1, part.size(), pipe))
+        outcome.out.append(part.data(), length);
+    outcome.exitCode = WEXITSTATUS(pclose(pipe));
+    return outcome;
+}
+
+/// Runs the tool on golden scenes of both kinds, which hold the same metadata.
+class VumoTest : public testing::Test
+{
+protected:
+    VumoTest()
+    {
+        mAscii.setBytes(goldenText("rich.oa"));
+        mBinary.setBytes(goldenBytes("rich.ob.hex"));
+    }
+
+    /// Runs `command FILE arguments…` on both; the outcome must be the same, but for the names of the files.
+    Outcome onBoth(const std::string& command, const std::vector<std::string>& arguments) const
+    {
+        const Outcome ascii = on(mAscii, command, arguments);
+        const Outcome binary = on(mBinary, command, arguments);
+        EXPECT_EQ(ascii.out, binary.out);
+        EXPECT_EQ(ascii.exitCode, binary.exitCode);
+        return ascii;
+    }
+
+    ScratchFile mAscii{".oa"};
+    ScratchFile mBinary{".ob"};
+
+private:
+    static Outcome on(const ScratchFile& file, const std::string& command, const std::vector<std::string>& arguments)
+    {
+        std::vector<std::string> words = {command, file.name()};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        Outcome outcome = run(VUMO_TOOL_PATH, words);
+        const std::string::size_type name = outcome.out.find(file.name());
+        if (name != std::string::npos)
+            outcome.out.replace(name, file.name().size(), "FILE");
+        return outcome;
+    }
+};
+
+TEST_F(VumoTest, Show_ListsStructuresThenChannelsAndStreams)
+{
+    const Outcome outcome = onBoth("show", {});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out.substr(outcome.out.find("  \"Label\"")),
+              "  \"Label\"\n"
+              "    string  text\n"
+              "  \"Weight\"\n"
+              "    float  weight\n"
+              "scene\n"
+              "  channel \"info\"\n"
+              "    stream \"notes\"  structure \"Label\"  index string  1 element\n"
+              "node \"body\"\n"
+              "  channel \"edge\"\n"
+              "    stream \"creases\"  structure \"Weight\"  index pair  3 elements\n"
+              "  channel \"vertex\"\n"
+              "    stream \"all\"     structure \"AllTypes\"  index numeric  2 elements\n"
+              "    stream \"labels\"  structure \"Label\"     index string   3 elements\n"
+              "node \"head\"\n"
+              "  channel \"face\"\n"
+              "    stream \"marks\"  structure \"Label\"  index numeric  1 element\n");
+    EXPECT_NE(outcome.out.find("    double[2]  pair\n"), std::string::npos) << outcome.out;
+}
+
+TEST_F(VumoTest, Show_AlignsValuesInColumns)
+{
+    const Outcome outcome = onBoth("show", {"--values"});
+    EXPECT_NE(outcome.out.find("      index         text\n"
+                               "      \"elbow left\"  \"Ellbogen: ö ß\"\n"
+                               "      \"knee\"        \"\"\n"
+                               "      \"日本\"          \"ひざ\"\n"),
+              std::string::npos)
+        << outcome.out;
+    EXPECT_NE(outcome.out.find("      0 2    0.75\n"), std::string::npos) << outcome.out;
+}
+
+TEST_F(VumoTest, Get_PrintsAStreamOrOneElement)
+{
+    EXPECT_EQ(onBoth("get", {"body", "edge", "creases"}).out, "index  weight\n0 1    0.5\n0 2    0.75\n3 1    1\n");
+    EXPECT_EQ(onBoth("get", {"body", "edge", "creases", "3 1"}).out, "weight  1\n");
+    EXPECT_EQ(onBoth("get", {"", "info", "notes", "author"}).out, "text  \"Zoë \\\\ \\\"Z\\\"\\nand friends\"\n");
+    const Outcome outcome = onBoth("get", {"body", "vertex", "all", "7"});
+    EXPECT_NE(outcome.out.find("texts   \"two\\nlines\" \"  blanks  and\\ttab \"\n"), std::string::npos) << outcome.out;
+}
+
+TEST_F(VumoTest, Set_RewritesTheFileInPlace)
+{
+    const Outcome outcome = onBoth("set", {"body", "edge", "creases", "0 2", "weight=0.125"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(mAscii.bytes(), goldenText("rich_edited.oa"));
+    EXPECT_EQ(mBinary.bytes(), goldenBytes("rich_edited.ob.hex"));
+}
+
+TEST_F(VumoTest, Set_TakesWholeMembersAndSingleValues)
+{
+    const std::string matrix = "16 15 14 13 12 11 10 9 8 7 6 5 4 3 2 1";
+    EXPECT_EQ(onBoth("set", {"body", "vertex", "all", "0", "pair=-1 2.5", "origin[2]=.5", "matrix=" + matrix,
+                             "texts[1]=  as = it \"stands\"", "flag=false", "i8=-7"})
+                  .out,
+              "");
+    const std::string element = onBoth("get", {"body", "vertex", "all", "0"}).out;
+    for (const char* line : {"flag    false\n", "pair    -1 2.5\n", "origin  0.25 -2 0.5\n", "i8      -7\n",
+                             "texts   \"say \\\"hi\\\"\" \"  as = it \\\"stands\\\"\"\n"})
+        EXPECT_NE(element.find(line), std::string::npos) << element;
+    EXPECT_NE(element.find("matrix  " + matrix + "\n"), std::string::npos) << element;
+}
+
+TEST_F(VumoTest, Set_AddsElementsOnRequest)
+{
+    EXPECT_EQ(onBoth("set", {"--add", "head", "face", "marks", "3", "text=chin"}).out, "");
+    EXPECT_EQ(onBoth("get", {"head", "face", "marks"}).out, "index  text\n3      \"chin\"\n12     \"nose\"\n");
+}
+
+TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
+{
+    const struct
+    {
+        std::string command;
+        std::vector<std::string> arguments;
+        int exitCode;
+        const char* message;
+    } cases[] = {
+        {"get", {"tail", "edge", "creases"}, 1, "vumo: FILE: no metadata for node \"tail\"\n"},
+        {"get", {"", "edge", "creases"}, 1, "vumo: FILE: scene has no channel \"edge\"\n"},
+        {"get", {"body", "edge", "x"}, 1, "vumo: FILE: channel \"edge\" has no stream \"x\"\n"},
+        {"get", {"body", "edge", "creases", "7"}, 1, "vumo: FILE: \"7\" is not an index of type \"pair\"\n"},
+        {"get",
+         {"body", "edge", "creases", "7 7"},
+         1,
+         "vumo: FILE: stream \"creases\" has no element at index \"7 7\"\n"},
+        {"set",
+         {"head", "face", "marks", "3", "text=x"},
+         1,
+         "vumo: FILE: stream \"marks\" has no element at index \"3\"\n"},
+        {"set", {"body", "edge", "creases", "0 1", "mass=1"}, 1, "vumo: FILE: there is no member \"mass\"\n"},
+        {"set",
+         {"body", "edge", "creases", "0 1", "weight[1]=1"},
+         1,
+         "vumo: FILE: member \"weight\" has no value [1]\n"},
+        {"set",
+         {"body", "edge", "creases", "0 1", "weight=1x"},
+         1,
+         "vumo: FILE: \"1x\" is not a value for member \"weight\"\n"},
+        {"set",
+         {"body", "vertex", "all", "0", "i8=200"},
+         1,
+         "vumo: FILE: Int8 value on or about character 4 is invalid\n"},
+        {"set",
+         {"body", "vertex", "all", "0", "pair=1"},
+         1,
+         "vumo: FILE: member \"pair\" takes 2 values here, not 1\n"},
+        {"set",
+         {"body", "vertex", "all", "0", "flag=TRUE"},
+         1,
+         "vumo: FILE: Boolean on or about character 5 has invalid value 'TRUE'. Use 't', 'true', '1', 'f', 'false', "
+         "'0' only.\n"},
+        {"set",
+         {"body", "vertex", "all", "0", "texts=a b"},
+         2,
+         "vumo: set the strings of \"texts\" one by one, as MEMBER[i]=VALUE\n"},
+        {"set", {"body", "edge", "creases", "0 1", "=1"}, 2, "vumo: \"=1\" is not of the form MEMBER=VALUE\n"},
+        {"set",
+         {"body", "edge", "creases", "0 1"},
+         2,
+         "MEMBER=VALUE is required\nRun with --help for more information.\n"},
+        {"show",
+         {"--all"},
+         2,
+         "The following argument was not expected: --all\nRun with --help for more information.\n"},
+    };
+    for (const auto& [command, arguments, exitCode, message] : cases)
+    {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const Outcome outcome = onBoth(command, arguments);
+        EXPECT_EQ(outcome.exitCode, exitCode);
+        EXPECT_EQ(outcome.out, message);
+    }
+    EXPECT_EQ(mAscii.bytes(), goldenText("rich.oa"));
+    EXPECT_EQ(mBinary.bytes(), goldenBytes("rich.ob.hex"));
+}
+
+TEST_F(VumoTest, FilesThatCannotBeReadAreNamed)
+{
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "scene.txt"}).out,
+              "vumo: scene.txt: No factory registered for type of file \"scene.txt\"\n");
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.ob"}).out, "vumo: /nowhere/a.ob: File not valid.\n");
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.oa"}).exitCode, 1);
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {}).exitCode, 2);
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"--help"}).exitCode, 0);
+}
+
+TEST_F(VumoTest, TheExampleSceneCanBeShown)
+{
+    const ScratchFile scene(".ob");
+    EXPECT_EQ(run(VUMO_SCENE_EXAMPLE_PATH, {scene.name()}).exitCode, 0);
+    EXPECT_NE(run(VUMO_TOOL_PATH, {"show", scene.name()}).out.find("node \"Body\"\n"), std::string::npos);
+}
+} // namespace
+} // namespace test
+} // namespace vumo
