@@ -1,7 +1,10 @@
 // Writes a small scene file, in place of any file of that name, the way the host does; then attaches metadata to
 // it the way a plug-in does:
 //
-//     vumo_write_scene FILE.ob
+//     vumo_write_scene FILE
+//
+// The file's extension decides its kind: "oa" for an ASCII scene, "ob" for a binary one. What attaches the metadata
+// does not have to know.
 
 #include "examples/scene/Scene.h"
 #include "vumo/vumo.h"
@@ -23,8 +26,9 @@ void writeBareScene(const std::string& fileName)
     scene.mNodes = {"World", "Body", "Head"};
     scene.mTrailer = example::cameraChunk() + example::pluginChunk();
 
+    const bool isAscii = fileName.size() > 3 && fileName.compare(fileName.size() - 3, 3, ".oa") == 0;
     std::ofstream file(fileName, std::ios::binary);
-    if (!example::writeScene(scene, file))
+    if (isAscii ? !example::writeAsciiScene(scene, file) : !example::writeScene(scene, file))
         throw std::runtime_error("could not be written");
 }
 
@@ -128,7 +132,7 @@ int main(int argc, char** argv)
 {
     if (argc != 2)
     {
-        std::cerr << "usage: vumo_write_scene FILE.ob\n";
+        std::cerr << "usage: vumo_write_scene FILE.oa|FILE.ob\n";
         return 1;
     }
     const std::string fileName = argv[1];

@@ -31,4 +31,7 @@ std::string pluginChunk();
 
 /// Writes the scene as a binary scene file. False when the stream failed.
 bool writeScene(const Scene& scene, std::ostream& out);
+
+/// Writes the nodes of the scene as an ASCII scene file. False when the stream failed.
+bool writeAsciiScene(const Scene& scene, std::ostream& out);
 } // namespace example

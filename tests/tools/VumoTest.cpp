@@ -232,11 +232,22 @@ TEST_F(VumoTest, FilesThatCannotBeReadAreNamed)
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"--help"}).exitCode, 0);
 }
 
-TEST_F(VumoTest, TheExampleSceneCanBeShown)
+TEST_F(VumoTest, TheExampleScenesOfBothKindsShowTheSame)
 {
-    const ScratchFile scene(".ob");
-    EXPECT_EQ(run(VUMO_SCENE_EXAMPLE_PATH, {scene.name()}).exitCode, 0);
-    EXPECT_NE(run(VUMO_TOOL_PATH, {"show", scene.name()}).out.find("node \"Body\"\n"), std::string::npos);
+    const ScratchFile ascii(".oa");
+    const ScratchFile binary(".ob");
+    EXPECT_EQ(run(VUMO_SCENE_EXAMPLE_PATH, {ascii.name()}).exitCode, 0);
+    EXPECT_EQ(run(VUMO_SCENE_EXAMPLE_PATH, {binary.name()}).exitCode, 0);
+    const std::string shown = run(VUMO_TOOL_PATH, {"show", "--values", ascii.name()}).out;
+    EXPECT_NE(shown.find("node \"Body\"\n"), std::string::npos) << shown;
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "--values", binary.name()}).out, shown);
+}
+
+TEST_F(VumoTest, TheExampleOfAnObjectShowsWhatSharingMeans)
+{
+    const Outcome outcome = run(VUMO_ATTACH_EXAMPLE_PATH, {});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out.substr(0, outcome.out.find("Footprint")), "body: 0.75, copy: 0.75\nbody: 0.75, copy: 1\n");
 }
 } // namespace
 } // namespace test
