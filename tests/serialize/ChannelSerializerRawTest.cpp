@@ -35,6 +35,14 @@ TEST_F(ChannelSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
     EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("channel_raw_description.txt"));
 }
 
+TEST_F(ChannelSerializerRawGoldenTest, Read_GivesTheGoldenTextBack)
+{
+    registered("name=Label:string=text");
+    registered("name=Weight:float=weight");
+    const std::string text = Fixtures::goldenText("channel_raw.txt");
+    EXPECT_EQ(reread(text), text);
+}
+
 TEST_F(ChannelSerializerRawTest, Write_GivesTheStreamsInTheirOrder)
 {
     const Structure& structure = registered("name=P:int32=a");

@@ -61,10 +61,6 @@ protected:
 using StreamSerializerRawGoldenTest = StreamSerializerRawTest;
 using StreamSerializerRawPropertyTest = StreamSerializerRawTest;
 
-constexpr char kAllTypes[] =
-    "name=AllTypes:bool=b:double=d:dbl4x4=dm:float[3]=f:flt4x4=fm:int8=i8:int16=i16:int32=i32:int64=i64:string[2]=s:"
-    "uint8=u8:uint16=u16:uint32=u32:uint64=u64";
-
 TEST_F(StreamSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
 {
     EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("stream_raw_description.txt"));
@@ -72,7 +68,7 @@ TEST_F(StreamSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
 
 TEST_F(StreamSerializerRawGoldenTest, Write_GivesTheGoldenTextWhateverTheGlobalLocale)
 {
-    const Structure& structure = registered(kAllTypes);
+    const Structure& structure = registered(Fixtures::goldenText("structure_raw.txt"));
     Stream stream(structure, "All Types");
     stream.setIndexType("pair");
     Handle element(structure);
@@ -107,7 +103,7 @@ TEST_F(StreamSerializerRawGoldenTest, Write_GivesTheGoldenTextWhateverTheGlobalL
 
 TEST_F(StreamSerializerRawGoldenTest, Read_GivesTheValuesOfTheGoldenText)
 {
-    registered(kAllTypes);
+    registered(Fixtures::goldenText("structure_raw.txt"));
     const Fixtures::CommaLocale commas;
     std::string errors;
     const std::unique_ptr<Stream> stream = read(Fixtures::goldenText("stream_raw.txt"), errors);
@@ -468,7 +464,7 @@ TEST_F(StreamSerializerRawPropertyTest, WhatIsWritten_ReadsBackAndIsWrittenAlike
     const unsigned int seed = std::random_device()();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
-    const Structure& structure = registered(kAllTypes);
+    const Structure& structure = registered(Fixtures::goldenText("structure_raw.txt"));
     for (const char* indexType : {"numeric", "pair", "string"})
     {
         Stream stream(structure, "S");

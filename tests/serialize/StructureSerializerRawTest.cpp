@@ -63,6 +63,12 @@ TEST_F(StructureSerializerRawGoldenTest, Write_NamesTheMembersOfAStructureThatNo
     structure->unref();
 }
 
+TEST_F(StructureSerializerRawGoldenTest, Read_GivesTheGoldenTextBack)
+{
+    const std::string text = Fixtures::goldenText("structure_raw.txt");
+    EXPECT_EQ(reread(text) + "\n", text);
+}
+
 TEST_F(StructureSerializerRawTest, Read_TakesLooselyWrittenText)
 {
     const struct
