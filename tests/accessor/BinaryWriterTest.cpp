@@ -196,7 +196,7 @@ TEST_F(BinaryWriterTest, Write_NamesWhatCouldNotBeSerialized)
         EXPECT_FALSE(write());
         EXPECT_EQ(mErrors, "kept, Could not write scene associations chunk to in-memory trailer.");
         mErrors.clear();
-        EXPECT_FALSE(BinaryWriter::writeMetadata(mFile.name(), {}, {{"Body", weights("1")}}, mErrors));
+        EXPECT_FALSE(BinaryWriter::writeMetadata(mFile.name(), {mWeight.get()}, {{"Body", weights("1")}}, mErrors));
         EXPECT_EQ(mErrors, "Could not write node associations chunk to in-memory trailer.");
     }
     EXPECT_TRUE(write());

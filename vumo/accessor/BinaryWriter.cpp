@@ -5,9 +5,8 @@
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
+#include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/TextConversion.h"
-#include "vumo/serialize/AssociationsSerializer.h"
-#include "vumo/serialize/StructureSerializer.h"
 
 #include <array>
 #include <cstdint>
@@ -25,9 +24,6 @@ namespace
 using namespace detail;
 
 using Binary = AccessorOvri::Binary;
-
-/// The format of all texts that are written.
-const char* const kFormat = "raw";
 
 /// With longer trailers the offset from its end back to its start would not fit its 32 bits.
 constexpr std::uint64_t kLongestTrailer = std::numeric_limits<std::uint32_t>::max() - kHeaderSize - kBackwardOffsetSize;
@@ -142,13 +138,15 @@ bool writeNewMetadata(std::ostream& out, const Accessor::StructureSet& structure
     const std::string& sceneName = AccessorOvri::getSceneAssociationsName();
     const auto scene = associations.find(sceneName);
     if (scene != associations.end() &&
-        !BinaryWriter::writeAssociationsChunk(out, Binary::getApplySceneMetaDataChunkName(), sceneName, scene->second,
-                                              &errors))
+        !(usesOnly(structures, scene->second, errors) &&
+          BinaryWriter::writeAssociationsChunk(out, Binary::getApplySceneMetaDataChunkName(), sceneName, scene->second,
+                                               &errors)))
         return failWith(errors, "Could not write scene associations chunk to in-memory trailer.");
     for (auto node = associations.begin(); node != associations.end(); ++node)
     {
-        if (node != scene && !BinaryWriter::writeAssociationsChunk(out, Binary::getApplyNodeMetaDataChunkName(),
-                                                                   node->first, node->second, &errors))
+        if (node != scene && !(usesOnly(structures, node->second, errors) &&
+                               BinaryWriter::writeAssociationsChunk(out, Binary::getApplyNodeMetaDataChunkName(),
+                                                                    node->first, node->second, &errors)))
             return failWith(errors, "Could not write node associations chunk to in-memory trailer.");
     }
     return true;
@@ -220,12 +218,10 @@ std::array<Edit, 4> editsFor(const Trailer& trailer, std::string content)
 
 bool BinaryWriter::writeStructureChunk(std::ostream& out, const Structure& structure)
 {
-    const StructureSerializer* serializer = StructureSerializer::formatByName(kFormat);
-    std::ostringstream text;
-    if (!serializer || serializer->write(structure, text) != 0 || !text)
-        return false;
-    return writeChunk(out, Binary::getMetaDataStructureChunkName(),
-                      zeroTerminated(kFormat) + zeroTerminated(convertString(text.str(), eTextDirection::kToUtf8)));
+    std::string text;
+    return serializeStructure(structure, text) &&
+           writeChunk(out, Binary::getMetaDataStructureChunkName(),
+                      zeroTerminated(kFormatWritten) + zeroTerminated(convertString(text, eTextDirection::kToUtf8)));
 }
 
 bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& tag, const std::string& name,
@@ -233,17 +229,14 @@ bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& 
 {
     if (associations.empty())
         return true;
-    const AssociationsSerializer* serializer = AssociationsSerializer::formatByName(kFormat);
-    if (!serializer || name.find('\0') != std::string::npos) // the name would end there when read back
+    if (name.find('\0') != std::string::npos) // it would end there when read back
         return false;
-    std::ostringstream text;
-    std::string ownErrors;
-    const bool isWritten = serializer->write(associations, text, ownErrors) == 0 && text;
-    if (errors)
-        *errors += ownErrors;
-    return isWritten && writeChunk(out, tag,
-                                   zeroTerminated(name) + zeroTerminated(kFormat) +
-                                       zeroTerminated(convertString(text.str(), eTextDirection::kToUtf8)));
+    std::string text;
+    std::string ignored;
+    return serializeAssociations(associations, text, errors ? *errors : ignored) &&
+           writeChunk(out, tag,
+                      zeroTerminated(name) + zeroTerminated(kFormatWritten) +
+                          zeroTerminated(convertString(text, eTextDirection::kToUtf8)));
 }
 
 bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,

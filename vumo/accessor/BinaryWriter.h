@@ -19,8 +19,8 @@ class VUMO_EXPORT BinaryWriter
 public:
     BinaryWriter() = delete;
 
-    /// Writes a "DATS" chunk. False when there is no format "raw", when the structure could not be serialized,
-    /// or when the stream failed.
+    /// Writes a "DATS" chunk. False when there is no format "raw", when the structure's text would not read back
+    /// as an equal structure, or when the stream failed.
     static bool writeStructureChunk(std::ostream& out, const Structure& structure);
 
     /// Writes a chunk of the tag "MTDA", for the node of that name, or "SMTD", for the scene; nothing for empty
@@ -33,8 +33,9 @@ public:
     /// Replaces the metadata in the trailer of the file, moves the end of the trailer and of the main chunk
     /// accordingly and cuts the file there. False, with the reason in `errors`, when that failed.
     ///
-    /// The whole tail is built and checked before the first byte of the file changes; a file that has anything
-    /// behind its main chunk is refused, because that would be lost.
+    /// Nothing is written that could not be read again: every structure that a stream uses must be among
+    /// `structures`. The whole tail is built and checked before the first byte of the file changes; a file that has
+    /// anything behind its main chunk is refused, because that would be lost.
     static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
                               const std::map<std::string, Associations>& associations, std::string& errors);
 };

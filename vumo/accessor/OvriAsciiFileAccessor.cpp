@@ -3,6 +3,7 @@
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/AsciiStatementText.h"
 #include "vumo/accessor/detail/AsciiStatements.h"
+#include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/NameFilter.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
@@ -172,7 +173,8 @@ bool appendStatements(const Accessor& accessor, std::string& out, std::string& e
     {
         const bool isWritten =
             entry.first == scene || entry.second.empty() ||
-            (detail::isBareWord(entry.first) && detail::appendAssociations(entry.first, entry.second, out, errors));
+            (detail::isBareWord(entry.first) && detail::usesOnly(accessor.structures(), entry.second, errors) &&
+             detail::appendAssociations(entry.first, entry.second, out, errors));
         if (!isWritten)
         {
             errors += "Could not write node associations statement to file.";
@@ -181,7 +183,8 @@ bool appendStatements(const Accessor& accessor, std::string& out, std::string& e
     }
     const auto entry = accessor.associations().find(scene);
     if (entry != accessor.associations().end() &&
-        !detail::appendAssociations(Ascii::getApplyMetadataCommandSceneFlag(), entry->second, out, errors))
+        !(detail::usesOnly(accessor.structures(), entry->second, errors) &&
+          detail::appendAssociations(Ascii::getApplyMetadataCommandSceneFlag(), entry->second, out, errors)))
     {
         errors += "Could not write scene associations statement to file.";
         return false;

@@ -2,11 +2,9 @@
 
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/AsciiText.h"
-#include "vumo/serialize/AssociationsSerializer.h"
-#include "vumo/serialize/StructureSerializer.h"
+#include "vumo/accessor/detail/MetadataText.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace vumo
 {
@@ -18,7 +16,6 @@ namespace
 {
 using Ascii = AccessorOvri::Ascii;
 
-constexpr char kFormat[] = "raw";
 constexpr char kBlanks[] = " \t";
 
 bool isControl(char character)
@@ -83,13 +80,11 @@ bool isBareWord(const std::string& name)
 
 bool appendStructure(const Structure& structure, std::string& out)
 {
-    const StructureSerializer* const serializer = StructureSerializer::formatByName(kFormat);
-    std::ostringstream text;
-    if (!serializer || serializer->write(structure, text) != 0 || !text)
+    std::string text;
+    if (!serializeStructure(structure, text))
         return false;
-
     std::string value;
-    for (const char character : text.str())
+    for (const char character : text)
     {
         if (character == '\n')
             value += "\\n";
@@ -99,7 +94,7 @@ bool appendStructure(const Structure& structure, std::string& out)
             value += character;
     }
     out += Ascii::getDataStructureCommandName() + " " + Ascii::getDataStructureCommandFormatFlag() + " " +
-           quoted(kFormat) + " " + Ascii::getDataStructureCommandAsStringFlag() + " " + quoted(value) + ";\n";
+           quoted(kFormatWritten) + " " + Ascii::getDataStructureCommandAsStringFlag() + " " + quoted(value) + ";\n";
     return true;
 }
 
@@ -108,12 +103,11 @@ bool appendAssociations(const std::string& target, const Associations& associati
 {
     if (associations.empty())
         return true;
-    const AssociationsSerializer* const serializer = AssociationsSerializer::formatByName(kFormat);
-    std::ostringstream text;
-    if (!serializer || serializer->write(associations, text, errors) != 0 || !text)
+    std::string text;
+    if (!serializeAssociations(associations, text, errors))
         return false;
     out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
-           quoted(kFormat) + " " + Ascii::getApplyMetadataCommandValueFlag() + " " + quoted(escapeValue(text.str())) +
+           quoted(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " " + quoted(escapeValue(text)) +
            " \n\t\t" + target + ";\n";
     return true;
 }
