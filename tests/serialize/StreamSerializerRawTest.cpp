@@ -432,6 +432,27 @@ TEST_F(StreamSerializerRawTest, ValuesOfOneElement_GoThroughAHandle)
                       "Element at record 9 is not one of Structure 'Q'\n");
 }
 
+TEST_F(StreamSerializerRawTest, ValuesOfOneElement_AreNotTakenFromAnInputThatHasFailed)
+{
+    Handle element(registered("name=P:string=s:int32=i"));
+    std::string errors;
+    std::istringstream failed("\"a\" 1");
+    failed.setstate(std::ios::failbit);
+    std::istream none(nullptr);
+    for (std::istream* in : {static_cast<std::istream*>(&failed), &none})
+    {
+        for (const char* member : {"s", "i"})
+        {
+            element.setPositionByMemberName(member);
+            EXPECT_EQ(mFormat.readMember(*in, 9, element, errors), 1);
+        }
+    }
+    EXPECT_EQ(errors,
+              "String value on or about character 0 is invalid\nInt32 value on or about character 0 is invalid\n"
+              "String value on or about character -1 is invalid\n"
+              "Int32 value on or about character -1 is invalid\n");
+}
+
 /// Fills the member that the handle is on with random bits, finite numbers and short strings.
 void randomize(Handle& element, std::mt19937& random)
 {

@@ -143,7 +143,7 @@ const char* typeWord(Member::eDataType type)
 
 long long readPosition(std::istream& in)
 {
-    return in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in);
+    return in.rdbuf() ? static_cast<long long>(in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in)) : -1;
 }
 } // namespace detail
 } // namespace Data

@@ -262,6 +262,8 @@ bool couldHoldElement(const Structure& structure, std::string::size_type length)
 
 bool skipToText(std::istream& in)
 {
+    if (!in.good())
+        return false;
     std::streambuf& chars = *in.rdbuf();
     while (!isEnd(chars.sgetc()) && isSpace(chars.sgetc()))
         chars.sbumpc();

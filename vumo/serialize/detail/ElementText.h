@@ -51,7 +51,7 @@ bool readElement(const Structure& structure, char* block, unsigned int record, s
 /// Says whether a text of that length can possibly hold all values of an element.
 bool couldHoldElement(const Structure& structure, std::string::size_type length);
 
-/// Skips whitespace; returns whether there is text behind it.
+/// Skips whitespace; returns whether there is text behind it, as there never is in an input that has failed.
 bool skipToText(std::istream& in);
 } // namespace detail
 } // namespace Data
