@@ -131,10 +131,15 @@ TEST_F(AssociationsSerializerRawTest, Read_ReportsEveryFaultInItsOrder)
     for (const auto& row : cases)
         EXPECT_EQ(reread(row.text), row.errors + " found, Associations not created\n") << row.text;
 
-    std::istringstream broken("endAssociations");
-    broken.setstate(std::ios::failbit);
+    std::istringstream failed("endAssociations");
+    failed.setstate(std::ios::failbit);
     std::string errors;
-    EXPECT_EQ(mFormat.read(broken, errors), nullptr) << "not an empty input, but an unreadable one";
+    EXPECT_EQ(mFormat.read(failed, errors), nullptr) << "not an empty input, but an unreadable one";
+    for (const std::string& text : {std::string(), channel})
+    {
+        EXPECT_EQ(Fixtures::errorsOfBrokenInput(mFormat, text),
+                  missing + "-1\n1 error found, Associations not created\n");
+    }
 }
 
 TEST_F(AssociationsSerializerRawTest, Write_PassesOnTheFaultsOfItsChannels)

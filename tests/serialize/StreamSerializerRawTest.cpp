@@ -273,6 +273,13 @@ TEST_F(StreamSerializerRawTest, Read_LeavesWhatFollowsTheStreamInTheInput)
     }
 }
 
+TEST_F(StreamSerializerRawTest, Read_TakesABreakOfTheInputForNoEnd)
+{
+    registered("name=P:int32=a");
+    EXPECT_EQ(Fixtures::errorsOfBrokenInput(mFormat, "name S\nstructure P\n0\n7\n"),
+              "Error in stream while reading at record 4\n1 error found, Stream not created\n");
+}
+
 TEST_F(StreamSerializerRawTest, ALineOverTheLimit_IsAnErrorThatNamesItsRecord)
 {
     const std::string fits = "\"" + std::string(1021, 'x') + "\"";

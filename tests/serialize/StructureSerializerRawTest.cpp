@@ -142,6 +142,17 @@ TEST_F(StructureSerializerRawTest, Read_ReportsEveryFaultyField)
         EXPECT_EQ(reread(row.text), row.errors) << row.text;
 }
 
+TEST_F(StructureSerializerRawTest, Read_TakesNoPartOfABrokenOrFailedInput)
+{
+    const StructureSerializerRaw& format = *StructureSerializerRaw::theFormat();
+    EXPECT_EQ(Fixtures::errorsOfBrokenInput(format, "name=S:int32=a"), "Error in stream while reading");
+    std::istringstream failed("name=S:int32=a");
+    failed.setstate(std::ios::failbit);
+    std::string errors;
+    EXPECT_EQ(format.read(failed, errors), nullptr);
+    EXPECT_EQ(errors, "Structures must have a name and at least one member");
+}
+
 TEST_F(StructureSerializerRawTest, Read_TakesTimeInProportionToTheText)
 {
     const std::string::size_type megabyte = 1U << 20U;

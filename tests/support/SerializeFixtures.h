@@ -9,6 +9,8 @@
 #include <fstream>
 #include <locale>
 #include <sstream>
+#include <stdexcept>
+#include <streambuf>
 #include <string>
 
 namespace vumo
@@ -84,6 +86,33 @@ private:
 
     std::locale mBefore;
 };
+
+/// Gives a text and then breaks, as a file does whose disk fails.
+class BreakingBuffer : public std::streambuf
+{
+public:
+    explicit BreakingBuffer(const std::string& text) : mText(text)
+    {
+        setg(mText.data(), mText.data(), mText.data() + mText.size());
+    }
+
+protected:
+    int_type underflow() override { throw std::runtime_error("cannot be read"); }
+
+private:
+    std::string mText;
+};
+
+/// The messages that the format gives for an input that breaks behind the text.
+template <class Format>
+std::string errorsOfBrokenInput(const Format& format, const std::string& text)
+{
+    BreakingBuffer buffer(text);
+    std::istream in(&buffer);
+    std::string errors;
+    EXPECT_EQ(format.read(in, errors), nullptr);
+    return errors;
+}
 
 /// What a format makes of an object, or of a text.
 template <class Format, class T>

@@ -42,12 +42,12 @@ std::string placeOf(std::istream& in)
     return " on or about character " + std::to_string(detail::readPosition(in));
 }
 
-/// An input that failed before is not at its end, but no good.
+/// An input that failed before, or whose buffer fails, is not at its end, but no good.
 bool isAtEnd(std::istream& in)
 {
-    if (in.fail())
-        return in.eof();
-    return std::istream::traits_type::eq_int_type(in.peek(), std::istream::traits_type::eof());
+    using Traits = std::istream::traits_type;
+    const bool hasNothing = in.fail() ? in.eof() : Traits::eq_int_type(in.peek(), Traits::eof());
+    return hasNothing && !in.bad();
 }
 
 void readChannel(std::istream& in, Associations& associations, detail::Messages& messages)

@@ -1,7 +1,8 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
+#include "vumo/serialize/detail/ClassicText.h"
+
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <locale>
 #include <memory>
@@ -130,6 +131,17 @@ void addMember(const std::string& typeText, const std::string& name, Structure& 
         structure.addMember(type, length, name.c_str());
 }
 
+/// Reads to the end of the input; false when it breaks before.
+bool readRest(std::istream& in, std::string& text)
+{
+    constexpr std::streamsize kBlockSize = 4096;
+    char block[kBlockSize];
+    detail::ClassicInput input(in); // its end is no failure of the caller's input
+    while (input.stream().read(block, kBlockSize) || input.stream().gcount() > 0)
+        text.append(block, static_cast<std::string::size_type>(input.stream().gcount()));
+    return !input.stream().bad();
+}
+
 std::vector<std::string> splitFields(std::string& text)
 {
     const char separator = *SerializerRaw::keyword(SerializerRaw::kFieldSeparator);
@@ -187,7 +199,12 @@ StructureSerializerRaw::~StructureSerializerRaw() = default;
 Structure* StructureSerializerRaw::read(std::istream& in, std::string& errors) const
 {
     errors.clear();
-    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    std::string text;
+    if (!readRest(in, text))
+    {
+        errors = "Error in stream while reading";
+        return nullptr;
+    }
     const std::vector<std::string> fields = splitFields(text);
     if (fields.size() < 2)
     {

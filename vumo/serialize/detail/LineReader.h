@@ -35,6 +35,9 @@ public:
     const std::string& text() const { return mText; }
     bool isTooLong() const { return mTooLong; }
 
+    /// Says whether lines ended early because the input broke, as a file does whose disk fails.
+    bool isBroken() const { return mIn.bad(); }
+
     /// The number of lines read, blank ones included.
     unsigned int record() const { return mRecord; }
 

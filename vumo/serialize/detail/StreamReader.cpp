@@ -31,6 +31,8 @@ std::unique_ptr<Stream> StreamReader::read(std::string& errors)
             break;
     }
     requireHeader();
+    if (mLines.isBroken())
+        mMessages.add("Error in stream while reading" + atRecord());
     if (mMessages.report("Stream not created", errors) > 0)
         return nullptr;
     stream();
