@@ -101,6 +101,12 @@ TEST_F(AssociationsSerializerRawTest, Read_TakesEmptyInputAndIgnoresWhatFollows)
     EXPECT_EQ(reread(""), "endAssociations\n");
     EXPECT_EQ(reread("\n endAssociations bogus"), "endAssociations\n");
 
+    std::istringstream formatted("\n endAssociations");
+    formatted.width(3);
+    formatted >> std::noskipws;
+    std::string errors;
+    EXPECT_NE(std::unique_ptr<Associations>(mFormat.read(formatted, errors)), nullptr) << errors;
+
     registered(kBone);
     std::string text = Fixtures::goldenText("associations_raw.txt");
     std::string labelled = text;

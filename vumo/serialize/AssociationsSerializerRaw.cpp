@@ -2,6 +2,7 @@
 
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
+#include "vumo/serialize/detail/ClassicText.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
@@ -50,6 +51,15 @@ bool isAtEnd(std::istream& in)
     return hasNothing && !in.bad();
 }
 
+/// Reads a word by the classic rules, whatever width, flags and locale the input has.
+bool readWord(std::istream& in, std::string& word)
+{
+    detail::ClassicInput input(in);
+    input.stream() >> word;
+    input.handOnState();
+    return !in.fail();
+}
+
 void readChannel(std::istream& in, Associations& associations, detail::Messages& messages)
 {
     detail::LineReader restOfLine(in);
@@ -91,7 +101,7 @@ Associations* AssociationsSerializerRaw::read(std::istream& in, std::string& err
     while (!isAtEnd(in))
     {
         std::string word;
-        if (!(in >> word))
+        if (!readWord(in, word))
         {
             messages.add("Missing Associations keyword" + placeOf(in));
             break;
