@@ -160,6 +160,7 @@ TEST_F(AssociationsSerializerRawTest, Write_PassesOnTheFaultsOfItsChannels)
 
     Channel channel = associations.channel("face");
     channel.setDataStream(Stream(registered(kBone), "A\nB"));
+    EXPECT_EQ(mFormat.write(associations, failed, errors), 2) << "the name and the output, once each";
     std::ostringstream out;
     errors = "before\n";
     EXPECT_EQ(mFormat.write(associations, out, errors), 1);

@@ -293,6 +293,7 @@ TEST_F(StreamSerializerRawTest, ALineOverTheLimit_IsAnErrorThatNamesItsRecord)
         const char* place;
     } cases[] = {
         {streamOf("string", {tooLong, "\"\""}), "record 5 on or about character 39"},
+        {"name S\nstructure P\n" + std::string(2000, ' ') + "\n\"\"\n", "record 3 on or about character 19"},
         {streamOf("string", {"\"\"", fits + " "}), "record 7 on or about character 44"},
         {"\n name " + std::string(1020, 'n') + "\nstructure P\n0\n\"\"\n", "record 2 on or about character 2"},
         {"name S\nstructure P" + std::string(1020, 'n') + "\n0\n\"\"\n", "record 2 on or about character 7"},
@@ -394,6 +395,38 @@ TEST_F(StreamSerializerRawTest, Write_CountsWhatWouldNotBeReadBack)
         EXPECT_EQ(errors, "before\n" + row.message + "\n1 error found, Stream may not be written correctly\n");
         EXPECT_NE(out.str().find("\nendStream\n"), std::string::npos);
     }
+    Stream stream(*Structure::structureByName("P"), "S");
+    stream.setElement(0, Handle(stream.structure()));
+    std::ostringstream out;
+    out << std::hexfloat;
+    std::string errors;
+    EXPECT_EQ(mFormat.write(stream, out, errors), 1) << out.str();
+}
+
+/// Counts how often it is flushed.
+class FlushCounter : public std::stringbuf
+{
+public:
+    int count() const { return mCount; }
+
+protected:
+    int sync() override
+    {
+        ++mCount;
+        return 0;
+    }
+
+private:
+    int mCount = 0;
+};
+
+TEST_F(StreamSerializerRawTest, Write_FlushesEveryLine)
+{
+    FlushCounter buffer;
+    std::ostream out(&buffer);
+    std::string errors;
+    EXPECT_EQ(mFormat.write(Stream(registered("name=P:int32=a"), "S"), out, errors), 0);
+    EXPECT_EQ(buffer.count(), 4);
 }
 
 TEST_F(StreamSerializerRawTest, Write_CountsAFailedOutput)
@@ -417,6 +450,13 @@ TEST_F(StreamSerializerRawTest, ValuesOfOneElement_GoThroughAHandle)
     std::string rest;
     in >> rest;
     EXPECT_EQ(rest, "rest");
+    std::istringstream cut("0.5");
+    EXPECT_EQ(mFormat.readStructure(structure, cut, 9, element, rest), 1);
+    EXPECT_TRUE(cut.fail());
+    Structure* const memberless = new Structure("M");
+    Structure::registerStructure(*memberless);
+    Handle nothing(*memberless);
+    EXPECT_EQ(mFormat.readStructure(*memberless, in, 9, nothing, errors), 0) << errors;
 
     std::ostringstream out;
     element.setPositionByMemberName("f");

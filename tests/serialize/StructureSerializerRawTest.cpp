@@ -129,6 +129,7 @@ TEST_F(StructureSerializerRawTest, Read_ReportsEveryFaultyField)
         {"name=S:float[3]x=a", dimension("float[3]x")},
         {"name=S:float[3][4]=a", dimension("float[3][4]")},
         {"name=S:float]3[=a", dimension("float]3[")},
+        {"name=S:float]x[3]=a", "Member type 'float]x[3]' not recognized"},
         {"name=S:float[0]=a", dimension("float[0]")},
         {"name=S:float[-1]=a", dimension("float[-1]")},
         {"name=S:float[1.000]=a", dimension("float[1.000]")},
