@@ -429,6 +429,35 @@ TEST_F(StreamSerializerRawTest, Write_FlushesEveryLine)
     EXPECT_EQ(buffer.count(), 4);
 }
 
+TEST_F(StreamSerializerRawTest, Write_CountsIndicesThatAreNotOfTheIndexTypeOfTheStream)
+{
+    registered("name=P:int32=a");
+    Index::registerType("alias", &Index::TypeCreator);
+    const struct
+    {
+        const char* indexType;
+        Index index;
+        std::string message;
+    } cases[] = {
+        {"numeric", IndexPair(1, 2), "Text '1 2' at record 4 cannot be read back\n"},
+        {"pair", 7U, "Text '7' at record 4 cannot be read back\n"},
+        {"string", 7U, "Text '7' at record 4 cannot be read back\n"},
+        {"alias", 7U, ""},
+    };
+    for (const auto& row : cases)
+    {
+        SCOPED_TRACE(row.indexType);
+        Stream stream(*Structure::structureByName("P"), "S");
+        stream.setIndexType(row.indexType);
+        stream.setElement(row.index, Handle(stream.structure()));
+        std::ostringstream out;
+        std::string errors;
+        EXPECT_EQ(mFormat.write(stream, out, errors), row.message.empty() ? 0 : 1);
+        EXPECT_EQ(errors.substr(0, row.message.size()), row.message);
+    }
+    Index::creators().erase("alias");
+}
+
 TEST_F(StreamSerializerRawTest, Write_CountsAFailedOutput)
 {
     std::ostringstream out;

@@ -73,13 +73,28 @@ bool isTakenForAnother(const std::string& index, bool isFirst)
            });
 }
 
+/// Says whether the reader, which knows the type by its name alone, would make that index of its text.
+bool isOfType(const std::string& typeName, const Index& index, const std::string& text)
+{
+    if (index.typeName() == typeName)
+        return true;
+    try
+    {
+        return Index::doCreate(typeName, text) == index;
+    }
+    catch (Index::eCreationErrors)
+    {
+        return false;
+    }
+}
+
 void writeElements(const Stream& stream, detail::LineWriter& lines, detail::Messages& messages)
 {
     bool isFirst = true;
     for (StreamIterator position = stream.begin(); position.valid(); ++position)
     {
         const std::string index = position.index().asString();
-        if (isTakenForAnother(index, isFirst))
+        if (isTakenForAnother(index, isFirst) || !isOfType(stream.indexType(), position.index(), index))
             lines.refuse(index);
         else
             lines.check(index);

@@ -30,9 +30,9 @@ namespace Data
 ///
 /// Reading finds structures and index types by their registered names. Writing writes everything, but what
 /// reading would not give back is an error: a line that is too long, a name or an index with a newline in it
-/// or whitespace at an end, an index that reads as a keyword, a number that is not finite. Null strings come
-/// back as empty ones. An element of a structure without members has a blank data line, which reading does
-/// not insist on.
+/// or whitespace at an end, an index that reads as a keyword or is not of the stream's index type, a number that is not
+/// finite. Null strings come back as empty ones. An element of a structure without members has a blank data line, which
+/// reading does not insist on.
 class VUMO_EXPORT StreamSerializerRaw : public StreamSerializer, private SerializerRaw
 {
 public:
