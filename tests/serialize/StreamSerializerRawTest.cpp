@@ -209,6 +209,7 @@ TEST_F(StreamSerializerRawTest, Read_ReportsEveryFaultWithItsPlace)
         {"name S\nstructure P\0\nendStream"s, "Structure 'P\0' not found\n1 error"s},
         {"name S\nstructure\nendStream", "Structure '' not found\n1 error"},
         {"indexType color\n" + head + "0\n1\n", "Creator for index type 'color' not found\n1 error"},
+        {"name S\nstructure Q\n0\n", "Structure 'Q' not found\n1 error"},
         {"structure P\n\n0\n1\nname S\nendStream", "Index data encountered before Stream name specified at record 3\n"
                                                    "Index data encountered before Stream name specified at record 5\n"
                                                    "Index 'name S' at record 5 has no data line\n3 errors"},
