@@ -305,6 +305,25 @@ TEST_F(StructureTest, Footprint_CountsEveryPiece)
     ASSERT_TRUE(Structure::registerStructure(*structure));
     EXPECT_EQ(test::footprintOf<Structure>(nullptr).totalSize(), empty + sizeof(Structure*));
 }
+
+TEST_F(StructureTest, AddMembers_AppendsWhatAddMemberWouldAccept)
+{
+    const Ref<Structure> structure = test::heldStructure("S", {{Member::kUInt8, 1, "a"}});
+    EXPECT_EQ(structure->addMembers({{Member::kDouble, 1, "b"},
+                                     {Member::kInt8, 1, "a"},
+                                     {Member::kInt8, 0, "c"},
+                                     {Member::kInvalidType, 1, "c"},
+                                     {Member::kInt8, 1, nullptr},
+                                     {Member::kInt8, 1, ""},
+                                     {Member::kInt8, 1, "b"},
+                                     {Member::kUInt8, 1, "c"}}),
+              2U);
+    EXPECT_EQ(*structure, *test::heldStructure(
+                              "S", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 1, "b"}, {Member::kUInt8, 1, "c"}}));
+    const unsigned long long stamp = structure->checkpoint();
+    EXPECT_EQ(structure->addMembers({{Member::kInt8, 1, "c"}}), 0U);
+    EXPECT_EQ(structure->checkpoint(), stamp);
+}
 } // namespace
 } // namespace Data
 } // namespace vumo

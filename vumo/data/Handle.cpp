@@ -183,7 +183,9 @@ bool Handle::setPositionByMemberIndex(unsigned int i)
 {
     if (mPosition.valid() && mPosition.index() == i)
         return true;
-    mPosition = mPosition.structure()->begin();
+    const bool isAhead = mPosition.valid() && mPosition.index() < i;
+    if (!isAhead)
+        mPosition = mPosition.structure()->begin();
     while (mPosition.valid() && mPosition.index() < i)
         ++mPosition;
     return mPosition.valid();

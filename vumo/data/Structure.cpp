@@ -9,6 +9,8 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace vumo
@@ -46,6 +48,11 @@ std::string hexLine(const char* data, unsigned long long begin, unsigned long lo
         line += begin + i < size ? hexByte(data[begin + i]) : "--";
     }
     return line;
+}
+
+bool isAcceptable(const Structure::NewMember& member)
+{
+    return member.type != Member::kInvalidType && member.dimension > 0 && member.name && *member.name != '\0';
 }
 
 void printDefaultData(const char* data, unsigned long long size, vumo::Debug::Print& request)
@@ -198,15 +205,33 @@ const Member* Structure::findMember(const char* name) const
 
 bool Structure::addMember(Member::eDataType type, unsigned int dimension, const char* name)
 {
-    if (type == Member::kInvalidType || dimension == 0 || !name || *name == '\0' || findMember(name))
-        return false;
+    return addMembers({{type, dimension, name}}) > 0;
+}
 
-    auto members = std::make_unique<Member[]>(mMemberCount + 1);
-    Member& added = members[mMemberCount];
-    added.mName.reset(detail::duplicateText(name));
-    added.mType = type;
-    added.mDimension = dimension;
-    added.mOffset = kUnplaced;
+unsigned int Structure::addMembers(const std::vector<NewMember>& newMembers)
+{
+    std::unordered_set<std::string_view> names;
+    for (unsigned int i = 0; i < mMemberCount; ++i)
+        names.insert(mMembers[i].mName.get());
+    std::vector<const NewMember*> accepted;
+    for (const NewMember& added : newMembers)
+    {
+        if (isAcceptable(added) && names.insert(added.name).second)
+            accepted.push_back(&added);
+    }
+    if (accepted.empty())
+        return 0;
+
+    const auto addedCount = static_cast<unsigned int>(accepted.size());
+    auto members = std::make_unique<Member[]>(mMemberCount + addedCount);
+    for (unsigned int i = 0; i < addedCount; ++i)
+    {
+        Member& added = members[mMemberCount + i];
+        added.mName.reset(detail::duplicateText(accepted[i]->name));
+        added.mType = accepted[i]->type;
+        added.mDimension = accepted[i]->dimension;
+        added.mOffset = kUnplaced;
+    }
     for (unsigned int i = 0; i < mMemberCount; ++i)
     {
         members[i].mType = mMembers[i].mType;
@@ -216,11 +241,11 @@ bool Structure::addMember(Member::eDataType type, unsigned int dimension, const 
     }
 
     objectChanged();
-    dropDefaultData(); // it has no room for the new member
+    dropDefaultData(); // it has no room for the new members
     mMembers = std::move(members);
-    ++mMemberCount;
+    mMemberCount += addedCount;
     computeLayout();
-    return true;
+    return addedCount;
 }
 
 const Member* Structure::member(unsigned int index) const

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace vumo
 {
@@ -62,6 +63,18 @@ public:
     ///
     /// Must not be called while elements of the structure exist: their blocks do not grow with it.
     bool addMember(Member::eDataType type, unsigned int dimension, const char* name);
+
+    /// What addMember() takes; the name is borrowed.
+    struct NewMember
+    {
+        Member::eDataType type;
+        unsigned int dimension;
+        const char* name;
+    };
+
+    /// Appends several members as addMember() would one after the other, refused ones left out, in time linear in
+    /// their number. Returns how many were appended.
+    unsigned int addMembers(const std::vector<NewMember>& newMembers);
 
     unsigned int size() const { return mMemberCount; }
     unsigned int memberCount() const { return mMemberCount; }

@@ -34,6 +34,8 @@ public:
 
     /// A new object, owned by the caller; null, with the explanation appended to `errors`, when the text
     /// makes none.
+    ///
+    /// Throws nothing for bad text, unless the caller has switched on exceptions of `in`.
     virtual Associations* read(std::istream& in, std::string& errors) const = 0;
 
     /// Writes what it can. Returns the number of errors and then appends the explanation to `errors`.

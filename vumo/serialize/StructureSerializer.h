@@ -34,6 +34,8 @@ public:
 
     /// A new structure, neither registered nor held by anybody; null, with the explanation in `errors`, when
     /// the text makes none.
+    ///
+    /// Throws nothing for bad text, unless the caller has switched on exceptions of `in`.
     virtual Structure* read(std::istream& in, std::string& errors) const = 0;
 
     /// Returns the number of errors. Takes no reference: a structure that nobody holds survives this.

@@ -60,16 +60,6 @@ constexpr char kDescriptionTail[] = ")\n"
                                     "    int32=ID\n"
                                     "    float[3]=Origin";
 
-/// Frees a structure that nobody holds.
-struct FreeUnheld
-{
-    void operator()(Structure* structure) const
-    {
-        structure->ref();
-        structure->unref();
-    }
-};
-
 using Messages = std::vector<std::string>;
 
 std::string joined(const std::vector<std::string>& texts, const char* separator)
@@ -114,7 +104,22 @@ std::string splitType(const std::string& text, std::string& typeName, unsigned i
     return length == 0 ? "needs numeric value for dimension specifier" : "";
 }
 
-void addMember(const std::string& typeText, const std::string& name, Structure& structure, Messages& messages)
+/// What the fields say, until the structure is made of it at once.
+struct Declaration
+{
+    struct Member
+    {
+        vumo::Data::Member::eDataType type;
+        unsigned int length;
+        std::string name;
+    };
+
+    bool hasName = false;
+    std::string name;
+    std::vector<Member> members;
+};
+
+void addMember(const std::string& typeText, const std::string& name, Declaration& declaration, Messages& messages)
 {
     std::string typeName;
     unsigned int length = 0;
@@ -128,7 +133,7 @@ void addMember(const std::string& typeText, const std::string& name, Structure& 
     if (type == Member::kInvalidType)
         messages.push_back("Member type '" + typeText + "' not recognized");
     else
-        structure.addMember(type, length, name.c_str());
+        declaration.members.push_back({type, length, name});
 }
 
 /// Reads to the end of the input; false when it breaks before.
@@ -151,8 +156,7 @@ std::vector<std::string> splitFields(std::string& text)
     return SerializerRaw::splitString(text, separator, fields);
 }
 
-/// Reads one field into the structure; returns whether it is the name.
-bool readField(std::string field, Structure& structure, Messages& messages)
+void readField(std::string field, Declaration& declaration, Messages& messages)
 {
     const char* const separator = SerializerRaw::keyword(SerializerRaw::kTypeSeparator);
     std::vector<std::string> pieces;
@@ -161,17 +165,28 @@ bool readField(std::string field, Structure& structure, Messages& messages)
     if (pieces.size() != 2 || field.back() == *separator)
     {
         messages.push_back(std::string("Member type and name must be separated by '") + separator + "'");
-        return false;
+        return;
     }
     const std::string type = SerializerRaw::collapseWhitespace(pieces[0]);
     const std::string name = SerializerRaw::collapseWhitespace(pieces[1]);
-    if (type == SerializerRaw::keyword(SerializerRaw::kStructureName))
+    if (type != SerializerRaw::keyword(SerializerRaw::kStructureName))
     {
-        structure.setName(name.c_str());
-        return true;
+        addMember(type, name, declaration, messages);
+        return;
     }
-    addMember(type, name, structure, messages);
-    return false;
+    declaration.hasName = true;
+    declaration.name = name;
+}
+
+/// A new structure, held by nobody.
+Structure* newStructure(const Declaration& declaration)
+{
+    std::vector<Structure::NewMember> members;
+    for (const Declaration::Member& member : declaration.members)
+        members.push_back({member.type, member.length, member.name.c_str()});
+    auto structure = std::make_unique<Structure>(declaration.name.c_str());
+    structure->addMembers(members);
+    return structure.release();
 }
 } // namespace
 
@@ -217,18 +232,17 @@ Structure* StructureSerializerRaw::read(std::istream& in, std::string& errors) c
         return nullptr;
     }
 
-    std::unique_ptr<Structure, FreeUnheld> structure(Structure::create());
     Messages messages;
-    bool hasName = false;
+    Declaration declaration;
     for (const std::string& field : fields)
-        hasName = readField(field, *structure, messages) || hasName;
-    if (!hasName)
+        readField(field, declaration, messages);
+    if (!declaration.hasName)
     {
         messages.push_back(std::string("Name is missing; member type '") + keyword(kStructureName) +
                            "' is used to set it");
     }
     errors = joined(messages, "\n");
-    return messages.empty() ? structure.release() : nullptr;
+    return messages.empty() ? newStructure(declaration) : nullptr;
 }
 
 int StructureSerializerRaw::write(const Structure& structure, std::ostream& out) const

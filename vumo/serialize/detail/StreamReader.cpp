@@ -4,6 +4,8 @@
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/detail/ElementText.h"
 
+#include <exception>
+
 namespace vumo
 {
 namespace Data
@@ -124,10 +126,19 @@ std::optional<Index> StreamReader::parseIndex()
     }
     catch (Index::eCreationErrors code)
     {
-        mMessages.add("Value '" + mLines.text() + "' on or about character " + std::to_string(mLines.position()) +
-                      " is not a legal index (code " + std::to_string(code) + ") of type " + mIndexType);
-        return std::nullopt;
+        refuseIndex(code);
     }
+    catch (const std::exception&)
+    {
+        refuseIndex(Index::eIllegalIndexText); // an index type of somebody else's may throw what it likes
+    }
+    return std::nullopt;
+}
+
+void StreamReader::refuseIndex(Index::eCreationErrors code)
+{
+    mMessages.add("Value '" + mLines.text() + "' on or about character " + std::to_string(mLines.position()) +
+                  " is not a legal index (code " + std::to_string(code) + ") of type " + mIndexType);
 }
 
 void StreamReader::readDataLine(const Index& index)

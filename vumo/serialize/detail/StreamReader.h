@@ -38,6 +38,7 @@ private:
     /// The current line is an index line. False when the stream ends in place of the data line.
     bool readIndexAndData();
     std::optional<Index> parseIndex();
+    void refuseIndex(Index::eCreationErrors code);
     void readDataLine(const Index& index);
     void storeElement(const Index& index);
 
