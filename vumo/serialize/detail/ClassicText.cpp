@@ -18,6 +18,7 @@ ClassicText::ClassicText(const std::ostream& receiver)
     mStream.imbue(std::locale::classic());
     mStream.precision(receiver.precision());
     mStream.setf(receiver.flags(), kFloatFormat);
+    mStream.exceptions(std::ios::badbit); // or a lack of memory would end the text early, and nobody would know
 }
 
 bool ClassicText::hasHexFloats(const std::ostream& out)
