@@ -222,6 +222,7 @@ TEST_F(OvriAsciiFileAccessorTest, Write_RefusesWhatAScriptCannotCarry)
         {"a\"b", "Weight", "Could not write node associations statement to file."},
         {"a\\b", "Weight", "Could not write node associations statement to file."},
         {"a\nselect", "Weight", "Could not write node associations statement to file."},
+        {"a//b", "Weight", "Could not write node associations statement to file."},
         {"-scn", "Weight", "Could not write node associations statement to file."},
         {"Body", "a\";select \"", "Could not write structure chunk to file."},
         {"Body", "a\\", "Could not write structure chunk to file."},

@@ -27,9 +27,9 @@ public:
     /// metadata statements that stand below the last host statement. Any other line between those is kept, ahead of
     /// the new ones. Empty associations write nothing.
     ///
-    /// Refused are a node name that a bare word cannot carry (blanks, quotes, backslashes, ";", control characters,
-    /// or the scene flag) and a structure with quotes, backslashes or control characters in its names: they could
-    /// smuggle statements into the script. So is what could not be read again: a structure whose text gives another
+    /// Refused are a node name that a bare word cannot carry (blanks, quotes, backslashes, ";", "//", control
+    /// characters, or the scene flag) and a structure with quotes, backslashes or control characters in its names: they
+    /// could smuggle statements into the script. So is what could not be read again: a structure whose text gives another
     /// one, and a stream whose structure is not among structures().
     ///
     /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.

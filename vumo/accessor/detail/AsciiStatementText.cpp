@@ -75,7 +75,8 @@ bool isBareWord(const std::string& name)
     const bool hasOther = std::any_of(name.begin(), name.end(), [](char character) {
         return isControl(character) || std::string(" \"\\;").find(character) != std::string::npos;
     });
-    return !name.empty() && !hasOther && name != Ascii::getApplyMetadataCommandSceneFlag();
+    const bool isComment = name.find("//") != std::string::npos;
+    return !name.empty() && !hasOther && !isComment && name != Ascii::getApplyMetadataCommandSceneFlag();
 }
 
 bool appendStructure(const Structure& structure, std::string& out)
