@@ -97,6 +97,10 @@ TEST_F(OvriAsciiFileAccessorTest, Read_RefusesFaultyStatementsWithTheirMessages)
         {apply + "\"endAssociations\\n\" \n\t\t;\n", "earlier;Could not find Associations name."},
         {apply + "\"endAssociations\\n\" \n\t\t\"\";\n", "earlier;Could not find Associations name."},
         {apply + "\n\t\tBody;\n", "earlier;Error tokenizing format/value for associations."},
+        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"; undo;\n",
+         "earlier;Error tokenizing format/value for structure."},
+        {apply + "\"endAssociations\\n\" \n\t\tBody; undo;\n", "earlier;Could not find Associations name."},
+        {apply + "\"endAssociations\\n\" \n\t\t\"a;b\"; undo;\n", "earlier;Could not find Associations name."},
         {"applyMetadata -fmt \"odd\" -v \"x\" \n\t\tBody;\n", "earlier;Could not find serializer for format odd"},
     };
     for (const auto& [statement, errors] : cases)

@@ -24,6 +24,12 @@ bool isControl(char character)
     return code < 0x20 || code == 0x7F;
 }
 
+/// Says whether another statement follows behind `position`. It would be lost with the metadata that is replaced.
+bool hasMoreStatements(const std::string& text, std::string::size_type position)
+{
+    return text.find(';', position) != std::string::npos;
+}
+
 std::string quoted(const std::string& text)
 {
     return "\"" + text + "\"";
@@ -42,7 +48,7 @@ bool parseValue(const std::string& statement, FormattedValue& result)
         from = quote + 1;
     }
     const std::string::size_type last = statement.rfind('"');
-    if (last == quotes[2])
+    if (last == quotes[2] || hasMoreStatements(statement, last))
         return false;
     result.format = statement.substr(quotes[0] + 1, quotes[1] - quotes[0] - 1);
     result.value = unescapeValue(statement.substr(from, last - from));
@@ -59,9 +65,12 @@ bool takeName(std::string& statement, std::string& name)
         return false;
     name = statement.substr(begin, statement.find_last_not_of(kBlanks) + 1 - begin);
     statement.resize(lineEnd);
-    if (name.front() == '"')
+    const bool isQuoted = name.front() == '"';
+    const std::string::size_type last = isQuoted ? name.rfind('"') : 0;
+    if (hasMoreStatements(name, last))
+        return false;
+    if (isQuoted)
     {
-        const std::string::size_type last = name.rfind('"');
         name = last == 0 ? "" : name.substr(1, last - 1);
         return !name.empty();
     }
