@@ -1,12 +1,9 @@
 #include "vumo/accessor/BinaryWriter.h"
 
 #include "tests/accessor/AccessorFixture.h"
+#include "tests/support/ScratchLocale.h"
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/StructureSerializer.h"
-
-#include <clocale>
-#include <cstdlib>
-#include <filesystem>
 
 namespace vumo
 {
@@ -202,31 +199,6 @@ TEST_F(BinaryWriterTest, Write_NamesWhatCouldNotBeSerialized)
     EXPECT_TRUE(write());
 }
 
-/// A locale of the encoding ISO-8859-1, made for the test.
-class Latin1Locale
-{
-public:
-    explicit Latin1Locale(const std::string& directory)
-    {
-        std::filesystem::create_directories(directory);
-        const std::string command = "localedef -i en_US -f ISO-8859-1 '" + directory + "/latin1' >/dev/null 2>&1";
-        setenv("LOCPATH", directory.c_str(), 1);
-        mIsSet = std::system(command.c_str()) >= 0 && std::setlocale(LC_ALL, "latin1") != nullptr;
-        std::filesystem::remove_all(directory);
-    }
-
-    ~Latin1Locale()
-    {
-        unsetenv("LOCPATH");
-        std::setlocale(LC_ALL, "C");
-    }
-
-    bool isSet() const { return mIsSet; }
-
-private:
-    bool mIsSet = false;
-};
-
 TEST_F(BinaryWriterTest, Texts_AreUtf8InTheFileAndInTheLocalesEncodingOutside)
 {
     const std::string utf8 = "\xC3\xA9";
@@ -245,7 +217,7 @@ TEST_F(BinaryWriterTest, Texts_AreUtf8InTheFileAndInTheLocalesEncodingOutside)
     EXPECT_EQ(bytesInFile(latin1), latin1) << "what cannot be converted stays as it is";
     EXPECT_EQ(valueAt(*readScene(mFile.name()), "", "scene", "notes", 0), latin1);
 
-    const Latin1Locale locale(mFile.name() + ".locales");
+    const ScratchLocale locale(mFile.name() + ".locales", "ISO-8859-1");
     if (!locale.isSet())
         GTEST_SKIP() << "localedef cannot make a locale here";
     std::string many;

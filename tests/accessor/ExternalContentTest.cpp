@@ -17,7 +17,7 @@ protected:
             mTable->addMember(Member::kString, 1, member);
     }
 
-    /// A scene file of that kind whose scene holds a table with one entry.
+    /// A scene file of that kind whose scene holds a table with one entry, and a node metadata of its own.
     void writeTable(const ScratchFile& file, const std::string& bare)
     {
         file.setBytes(bare);
@@ -26,7 +26,9 @@ protected:
         Handle entry(*mTable);
         EXPECT_TRUE(ExternalContent::setEntry(entry, "Body", "skin", "$TEX/skin.png", "/tex/skin.png", {"file"}));
         stream.setElement(0, entry);
-        accessor->setStructures({mTable.get()});
+        const Ref<Structure> weight = valueStructure("Weight");
+        accessor->setStructures({mTable.get(), weight.get()});
+        accessor->associations()["Body"] = associationsOf("vertex", "weights", *weight, 0, "1");
         accessor->associations()[""].channel(ExternalContent::getChannelName()).setDataStream(stream);
         std::string errors;
         EXPECT_TRUE(accessor->write(errors)) << errors;
@@ -82,6 +84,40 @@ TEST_F(ExternalContentTest, SetEntry_WritesAllOrNothing)
     EXPECT_FALSE(ExternalContent::getEntry(wrong, texts[0], texts[1], texts[2], texts[3], roles));
     Handle none(*mTable, nullptr);
     EXPECT_FALSE(ExternalContent::setEntry(none, "N", "K", "U", "R", {}));
+    EXPECT_FALSE(ExternalContent::getEntry(none, texts[0], texts[1], texts[2], texts[3], roles));
+}
+
+TEST_F(ExternalContentTest, GetEntry_SkipsEmptyRoles)
+{
+    Handle entry(*mTable);
+    std::string errors;
+    entry.setPositionByMemberName("roles");
+    ASSERT_EQ(entry.fromStr(";x;;y-;-z;", 0, errors), 0) << errors;
+    std::string text;
+    std::set<std::string> roles;
+    EXPECT_TRUE(ExternalContent::getEntry(entry, text, text, text, text, roles));
+    EXPECT_EQ(roles, (std::set<std::string>{"x", "y-", "-z"}));
+}
+
+TEST_F(ExternalContentTest, ReadTable_NeedsTheStructureOfTheTable)
+{
+    const ScratchFile file(".ob");
+    file.setBytes(sceneWith(""));
+    const auto accessor = readScene(file.name());
+    accessor->associations()[""].channel("no streams");
+    std::string errors;
+    ASSERT_TRUE(accessor->write(errors)) << errors;
+    Associations table;
+    EXPECT_FALSE(ExternalContent::readTable(file.name(), table, errors));
+    EXPECT_EQ(errors, "");
+
+    const Ref<Structure> weight = valueStructure("Weight");
+    accessor->setStructures({weight.get()});
+    accessor->associations()[""] = associationsOf("scene", "notes", *weight, 0, "1");
+    file.setBytes(sceneWith(""));
+    ASSERT_TRUE(accessor->write(errors)) << errors;
+    EXPECT_FALSE(ExternalContent::readTable(file.name(), table, errors));
+    EXPECT_TRUE(table.empty());
 }
 
 TEST_F(ExternalContentTest, ReadTable_ReadsTheTableOfBothKindsOfScene)

@@ -1,8 +1,13 @@
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 
 #include "tests/accessor/AccessorFixture.h"
+#include "tests/support/FullDisk.h"
+#include "tests/support/ScratchLocale.h"
 
+#include <clocale>
 #include <fstream>
+#include <set>
+#include <vector>
 
 namespace vumo
 {
@@ -108,7 +113,7 @@ TEST_F(OvriAsciiFileAccessorTest, Read_RefusesFaultyStatementsWithTheirMessages)
         SCOPED_TRACE(statement);
         EXPECT_EQ(readErrors(kHeader + kHost + statement + kTrailer), errors);
     }
-    std::string errors;
+    std::string errors = "replaced";
     OvriAsciiFileAccessor accessor;
     EXPECT_FALSE(accessor.read("", errors));
     EXPECT_EQ(errors, "Empty file name.");
@@ -119,25 +124,56 @@ TEST_F(OvriAsciiFileAccessorTest, Read_RefusesFaultyStatementsWithTheirMessages)
 TEST_F(OvriAsciiFileAccessorTest, Read_TakesTheStatementNearestTheEnd)
 {
     const std::string other = "dataStructure -fmt \"raw\" -as \"name=Weight:double=Other\";\n";
-    const std::string odd = other + other + other; // whichever of them would come first in the registry
-    mFile.setBytes(kHeader + kHost + odd + kWeight + applying("1", "Body") + applying("2", "Body") + kTrailer);
-    const auto accessor = readScene(mFile.name());
-    EXPECT_EQ(weightOf(*accessor, "Body"), "2");
-    ASSERT_EQ(accessor->structures().size(), 1U);
-    EXPECT_EQ(**accessor->structures().begin(), *valueStructure("Weight"));
+    mFile.setBytes(kHeader + kHost + other + kWeight + applying("1", "Body") + applying("2", "Body") + kTrailer);
+    for (const bool ascending : {true, false})
+    {
+        // Memory freed last is used first: whichever of the two structures has the lower address, it is not that.
+        std::set<Structure*> freed;
+        for (int i = 0; i < 6; ++i)
+            freed.insert(new Structure("Weight"));
+        const std::vector<Structure*> order = ascending ? std::vector<Structure*>(freed.begin(), freed.end())
+                                                        : std::vector<Structure*>(freed.rbegin(), freed.rend());
+        for (const Structure* structure : order)
+            delete structure;
+        const auto accessor = readScene(mFile.name());
+        EXPECT_EQ(weightOf(*accessor, "Body"), "2");
+        ASSERT_EQ(accessor->structures().size(), 1U);
+        EXPECT_EQ(**accessor->structures().begin(), *valueStructure("Weight"));
+    }
 }
 
 TEST_F(OvriAsciiFileAccessorTest, Read_KnowsEveryFormOfAName)
 {
     mFile.setBytes(kHeader + kHost + kWeight + applying("1", "select1") + applying("2", "\"two words\"") +
-                   applying("3", "-scn") + applying("4", "\"-scn\"") + applying("5", "  setAttr ") + kTrailer);
+                   applying("3", "-scn") + applying("4", "\"-scn\"") + applying("5", "  setAttr ") +
+                   applying("6", "\"six\" more") + kTrailer);
     const auto accessor = readScene(mFile.name());
-    EXPECT_EQ(accessor->associations().size(), 5U);
+    EXPECT_EQ(accessor->associations().size(), 6U);
     EXPECT_EQ(weightOf(*accessor, "select1"), "1");
     EXPECT_EQ(weightOf(*accessor, "two words"), "2");
     EXPECT_EQ(weightOf(*accessor, ""), "3");
     EXPECT_EQ(weightOf(*accessor, "-scn"), "4");
     EXPECT_EQ(weightOf(*accessor, "setAttr"), "5");
+    EXPECT_EQ(weightOf(*accessor, "six"), "6");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_JoinsStatementsThatAreSpreadOverLines)
+{
+    std::string bytes = kHeader + kHost + kWeight + applying("1", "Body") + kTrailer;
+    const struct
+    {
+        const char* joined;
+        const char* spread;
+    } cases[] = {
+        {" -fmt", "\t\n-fmt"}, {" \"raw\"", " \n\"raw\""},   {" -as ", "\n\n\r\n -as\n\t"},
+        {"\";", "\"\n ;"},     {"\n\t\tBody", "\n\n\tBody"},
+    };
+    for (const auto& [joined, spread] : cases)
+    {
+        SCOPED_TRACE(spread);
+        bytes.replace(bytes.find(joined, kHeader.size() + kHost.size()), std::string(joined).size(), spread);
+        EXPECT_EQ(rewritten(bytes), kHeader + kHost + kWeight + applying("1", "Body") + kTrailer);
+    }
 }
 
 TEST_F(OvriAsciiFileAccessorTest, Read_EndsAtTheLastHostStatement)
@@ -175,7 +211,8 @@ TEST_F(OvriAsciiFileAccessorTest, Read_FiltersByName)
 
 TEST_F(OvriAsciiFileAccessorTest, Write_KeepsEveryLineThatIsNoMetadata)
 {
-    const std::string odd = "// a comment;\nfileInfo \"key\" \"value\";\n\n\tleft over;\n";
+    const std::string odd =
+        "// a comment;\ndataStructures;\napplyMetadata;\nfileInfo \"key\" \"value\";\n\n\tleft over;\n";
     const struct
     {
         std::string before;
@@ -189,6 +226,10 @@ TEST_F(OvriAsciiFileAccessorTest, Write_KeepsEveryLineThatIsNoMetadata)
         // Metadata below the trailer line would win over what is written: it moves up.
         {kWeight + kTrailer + applying("1", "Body") + "last words\n",
          kWeight + applying("1", "Body") + kTrailer + "last words\n"},
+        {"// End of a part\n" + kWeight + kTrailer, "// End of a part\n" + kWeight + kTrailer},
+        {odd + kTrailer + odd + kWeight + applying("1", "Body"),
+         odd + kWeight + applying("1", "Body") + kTrailer + odd},
+        {kTrailer + kWeight.substr(0, kWeight.size() - 1), kWeight + kTrailer},
         // Of two statements for one name the one that was read stays.
         {kWeight + applying("1", "Body") + kWeight + applying("2", "Body") + kTrailer,
          kWeight + applying("2", "Body") + kTrailer},
@@ -261,6 +302,10 @@ TEST_F(OvriAsciiFileAccessorTest, Write_NeedsATrailerAndWholeStatements)
          "Failed reading line while searching metadata end."},
         {kHeader + kHost + "dataStructure -fmt \"raw\" -as \"x\"\nfileInfo \"y\";\n" + kTrailer,
          "Failed reading line while searching metadata end."},
+        {kHeader + kTrailer + "dataStructure -fmt \"raw\" -as \"x\";\r",
+         "Failed reading line while searching metadata end."},
+        {kHeader + kHost + "dataStructure -fmt \"raw\" -as \"x\"\n\t// y;\n" + kTrailer,
+         "Failed reading line while searching metadata end."},
     };
     for (const auto& [bytes, message] : cases)
     {
@@ -306,8 +351,60 @@ TEST_F(OvriAsciiFileAccessorTest, Read_UndoesEscapesAndKeepsUnknownOnes)
 {
     const std::string label = "dataStructure -fmt \"raw\" -as \"name=Weight:string=Text\";\n";
     // After the escapes of the statement come those of the quoted string inside it, which knows none of these.
-    mFile.setBytes(kHeader + kHost + label + applying(R"(\"\101\7\400\8\q\")", "Body") + kTrailer);
-    EXPECT_EQ(weightOf(*readScene(mFile.name()), "Body"), R"(A\7\400\8\q)");
+    mFile.setBytes(kHeader + kHost + label + applying(R"(\"\101\7\400\17\8\q\")", "Body") + kTrailer);
+    EXPECT_EQ(weightOf(*readScene(mFile.name()), "Body"), R"(A\7\400\17\8\q)");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_StepsOverBytesThatAreNoCharacters)
+{
+    const std::string begin = kHeader + kHost + "applyMetadata -fmt \"raw\" -v \"endAssociations\\n";
+    const std::string end = "\" \n\t\tBody;\n" + kTrailer;
+    ASSERT_TRUE(std::setlocale(LC_ALL, "C.UTF-8"));
+    EXPECT_EQ(readErrors(begin + end), "");
+    for (const std::string& odd : {kZero, kZero + "\\n", std::string("\xC3"), std::string("\xC3\\n\xFF\xE6\x97")})
+        readErrors(begin + odd + end); // comes to an end
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, ABackslashInsideALongerCharacterIsNone)
+{
+    const ScratchLocale locale(mFile.name() + ".locales", "GBK");
+    if (!locale.isSet())
+        GTEST_SKIP() << "localedef cannot make a locale here";
+    const std::string name = "\x81\x5C\x81\x5C"; // an index, which the stream's text does not escape
+    const Ref<Structure> weight = valueStructure("Weight");
+    mFile.setBytes(kHeader + kHost + kTrailer);
+    const auto accessor = readScene(mFile.name());
+    accessor->setStructures({weight.get()});
+    accessor->associations()["Body"] = associationsOf("vertex", "weights", *weight, IndexString(name), "1");
+    std::string errors;
+    ASSERT_TRUE(accessor->write(errors)) << errors;
+    EXPECT_NE(mFile.bytes().find("\\n" + name + "\\n"), std::string::npos) << mFile.bytes();
+    EXPECT_EQ(valueAt(*readScene(mFile.name()), "Body", "vertex", "weights", IndexString(name)), "1");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Write_SaysThatTheDiskIsFull)
+{
+    const std::string bare = kHeader + kHost + kTrailer;
+    mFile.setBytes(bare);
+    const auto accessor = readScene(mFile.name());
+    const Ref<Structure> weight = valueStructure("Weight");
+    accessor->setStructures({weight.get()});
+    std::string errors;
+    const FullDisk disk(bare.size() + kWeight.size() - 1);
+    EXPECT_FALSE(accessor->write(errors));
+    EXPECT_EQ(errors, "Failed to append the file trailer.");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Write_LeavesOutEmptyAssociationsWhateverTheirName)
+{
+    mFile.setBytes(kHeader + kHost + kTrailer);
+    const auto accessor = readScene(mFile.name());
+    accessor->associations()["two words"];
+    accessor->associations()[""];
+    std::string errors;
+    EXPECT_TRUE(accessor->write(errors)) << errors;
+    EXPECT_EQ(mFile.bytes(), kHeader + kHost + kTrailer);
 }
 
 TEST_F(OvriAsciiFileAccessorTest, AFileCutAnywhereIsReadOrRefused)

@@ -1,10 +1,8 @@
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
 
 #include "tests/accessor/AccessorFixture.h"
+#include "tests/support/FullDisk.h"
 
-#include <sys/resource.h>
-
-#include <csignal>
 #include <fstream>
 
 namespace vumo
@@ -145,28 +143,6 @@ TEST_F(OvriBinaryFileAccessorTest, Write_OfAThousandNodesChangesNothingButWhatWa
     writeScene(*accessor);
     EXPECT_EQ(mFile.bytes(), attached);
 }
-
-/// Ends every write to a file at that length, like a full disk, while it lives.
-class FullDisk
-{
-public:
-    explicit FullDisk(std::size_t length) : mHandler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &mOld);
-        const rlimit limit = {length, mOld.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &mOld);
-        std::signal(SIGXFSZ, mHandler);
-    }
-
-private:
-    void (*mHandler)(int);
-    rlimit mOld = {};
-};
 
 TEST_F(OvriBinaryFileAccessorTest, Write_SaysWhichStepFailed)
 {
