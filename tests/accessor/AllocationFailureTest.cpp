@@ -18,7 +18,8 @@ bool hasFailed()
 }
 } // namespace
 
-void* operator new(std::size_t size)
+// Not inlined: g++ would see malloc's block given to delete, and warn.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     const bool fails = theAllocationsLeft == 0;
     if (theAllocationsLeft != kNever)
@@ -29,12 +30,12 @@ void* operator new(std::size_t size)
     return block;
 }
 
-void operator delete(void* block) noexcept
+[[gnu::noinline]] void operator delete(void* block) noexcept
 {
     std::free(block);
 }
 
-void operator delete(void* block, std::size_t /*size*/) noexcept
+[[gnu::noinline]] void operator delete(void* block, std::size_t /*size*/) noexcept
 {
     std::free(block);
 }
