@@ -9,9 +9,7 @@
 #include <stdexcept>
 #include <typeinfo>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -179,5 +177,4 @@ std::unique_ptr<Accessor> Accessor::readFile(const std::string& fileName, std::s
         return nullptr;
     return accessor;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

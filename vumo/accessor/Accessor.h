@@ -9,9 +9,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Reads and rewrites the metadata of one scene file without loading the scene.
 ///
@@ -121,5 +119,4 @@ private:
 
     std::unique_ptr<Impl> mImpl;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -5,9 +5,7 @@
 #include <memory>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Makes accessors of type T. One static object registers them:
 ///
@@ -20,5 +18,4 @@ public:
 
     std::unique_ptr<Accessor> create() const override { return std::make_unique<T>(); }
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

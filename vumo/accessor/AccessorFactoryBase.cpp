@@ -2,9 +2,7 @@
 
 #include <cctype>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 AccessorFactoryBase::Registry& AccessorFactoryBase::registry()
 {
@@ -39,5 +37,4 @@ AccessorFactoryBase::~AccessorFactoryBase()
             ++entry;
     }
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

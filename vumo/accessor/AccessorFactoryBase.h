@@ -7,9 +7,7 @@
 #include <string>
 #include <unordered_map>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Makes the accessors for files of one extension. A factory is known from its construction to its
 /// destruction, so one static object is all that a new kind of scene file takes to be found by its extension.
@@ -39,5 +37,4 @@ private:
     /// `tolower` for each character.
     static std::string lowerCase(std::string extension);
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

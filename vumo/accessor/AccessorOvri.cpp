@@ -10,9 +10,7 @@
 #include <sstream>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -182,5 +180,4 @@ bool AccessorOvri::deserializeAssociations(const std::string& format, const std:
     result = *associations;
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

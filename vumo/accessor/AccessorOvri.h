@@ -8,9 +8,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Accessor;
 
@@ -124,5 +122,4 @@ public:
     static bool deserializeAssociations(const std::string& format, const std::string& text, Associations& result,
                                         std::string& errors);
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

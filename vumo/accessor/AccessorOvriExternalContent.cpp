@@ -5,9 +5,7 @@
 #include <memory>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -221,5 +219,4 @@ bool AccessorOvri::ExternalContent::updateEntry(Handle& handle, const std::strin
 {
     return writeFields(handle, {{getResolvedPathMemberName(), resolvedPath}});
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -11,9 +11,7 @@
 
 #include <limits>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -236,5 +234,4 @@ bool BinaryReader::readMetadata(std::istream& in, const std::set<std::string>* s
     ChunkCursor chunks(in, trailerEnd - (trailerSizePosition + kGroupSizeToStart));
     return TrailerReader(structureNames, associationNames, associations, errors).read(chunks);
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -10,9 +10,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Finds and reads the metadata in the trailer of a binary scene file.
 ///
@@ -47,5 +45,4 @@ public:
                              const std::set<std::string>* associationNames,
                              std::map<std::string, Associations>& associations, std::string& errors);
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

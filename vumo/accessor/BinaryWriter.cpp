@@ -15,9 +15,7 @@
 #include <sstream>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -264,5 +262,4 @@ bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::St
         return failWith(errors, "Could not truncate the file.");
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -9,9 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Writes metadata as chunks, and puts it into the trailer of a binary scene file.
 class VUMO_EXPORT BinaryWriter
@@ -39,5 +37,4 @@ public:
     static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
                               const std::map<std::string, Associations>& associations, std::string& errors);
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -13,9 +13,7 @@
 #include <fstream>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -325,5 +323,4 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
     detail::NameFilter wanted(associationNames);
     return readStatements(file, tail, structures, wanted, associations(), errors);
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

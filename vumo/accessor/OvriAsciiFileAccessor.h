@@ -6,9 +6,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The accessor for the host's ASCII scene files, extension "oa".
 ///
@@ -29,8 +27,8 @@ public:
     ///
     /// Refused are a node name that a bare word cannot carry (blanks, quotes, backslashes, ";", "//", control
     /// characters, or the scene flag) and a structure with quotes, backslashes or control characters in its names: they
-    /// could smuggle statements into the script. So is what could not be read again: a structure whose text gives another
-    /// one, and a stream whose structure is not among structures().
+    /// could smuggle statements into the script. So is what could not be read again: a structure whose text gives
+    /// another one, and a stream whose structure is not among structures().
     ///
     /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
     /// A write that fails later, because the disk is full, say, leaves a damaged file.
@@ -43,5 +41,4 @@ protected:
     bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
                      std::string& errors) override;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

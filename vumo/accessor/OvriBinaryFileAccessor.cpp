@@ -6,9 +6,7 @@
 #include <cstdint>
 #include <fstream>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 bool OvriBinaryFileAccessor::write(std::string& errors) const
 {
@@ -36,5 +34,4 @@ bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureN
     std::ifstream file(fileName(), std::ios::binary);
     return BinaryReader::readMetadata(file, structureNames, associationNames, associations(), errors);
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,9 +6,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The accessor for the host's binary scene files, extension "ob".
 ///
@@ -39,5 +37,4 @@ protected:
     bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
                      std::string& errors) override;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -3,9 +3,7 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 unsigned long long Associations::_objectsCreated = 0;
 unsigned long long Associations::_objectsAlive = 0;
@@ -120,5 +118,4 @@ bool Associations::Debug(const Associations* object, vumo::Debug::Footprint& req
         Channel::Debug(&channel, request);
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -9,9 +9,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// All metadata of one scene object: a set of channels, each known by its name.
 ///
@@ -83,5 +81,4 @@ private:
 
     Ref<AssociationsImpl> mImpl; // never null
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -3,9 +3,7 @@
 #include "vumo/data/detail/NamedSet.h"
 #include "vumo/data/detail/Renames.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -103,5 +101,4 @@ bool AssociationsImpl::renameChannel(const std::string& oldName, const std::stri
     mChannels.insert(std::move(entry));
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -7,9 +7,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// What stands behind an `Associations`: its channels.
 class VUMO_EXPORT AssociationsImpl : public RefCounted
@@ -55,5 +53,4 @@ private:
     Set mChannels;
     mutable unsigned long long mOrderedAt; // the rename count at which the order was last known to be right
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,9 +6,7 @@
 
 #include <stdexcept>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 AssociationsIterator::AssociationsIterator(const Associations& associations, IterLocation location)
     : mImpl(associations.impl(), location)
@@ -67,5 +65,4 @@ bool AssociationsIterator::Debug(const AssociationsIterator* object, vumo::Debug
         request.addObject(object, sizeof(*object));
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -5,9 +5,7 @@
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Associations;
 
@@ -44,5 +42,4 @@ private:
 
     AssociationsIteratorImpl mImpl;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -4,9 +4,7 @@
 #include "vumo/data/ContainerIteratorImpl.h"
 #include "vumo/foundation/Export.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// What stands behind an `AssociationsIterator`: a position among the channels of an associations object.
 class VUMO_EXPORT AssociationsIteratorImpl : public ContainerIteratorImpl<AssociationsImpl>
@@ -14,5 +12,4 @@ class VUMO_EXPORT AssociationsIteratorImpl : public ContainerIteratorImpl<Associ
 public:
     using ContainerIteratorImpl<AssociationsImpl>::ContainerIteratorImpl;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -1,9 +1,6 @@
 #include "vumo/data/Attach.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 Attach::~Attach() = default;
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

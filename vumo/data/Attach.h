@@ -2,9 +2,7 @@
 
 #include "vumo/foundation/Export.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Associations;
 
@@ -24,5 +22,4 @@ public:
     virtual bool setMetadata(const Associations& metadata) = 0;
     virtual bool deleteMetadata() = 0;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

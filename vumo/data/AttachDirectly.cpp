@@ -1,8 +1,6 @@
 #include "vumo/data/AttachDirectly.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 AttachDirectly::AttachDirectly() = default;
 
@@ -43,5 +41,4 @@ bool AttachDirectly::deleteMetadata()
     mMetadata.reset();
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,9 +6,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Keeps the metadata of an object inside that object, which derives from this class.
 class VUMO_EXPORT AttachDirectly : public Attach
@@ -34,5 +32,4 @@ public:
 private:
     std::unique_ptr<Associations> mMetadata; // or null
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -5,9 +5,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// What every index type has alike, for a class T that derives from it.
 ///
@@ -25,5 +23,4 @@ public:
     /// An index that holds the T of that text.
     static Index doCreate(const std::string& text) { return Index(T(text)); }
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

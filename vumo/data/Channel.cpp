@@ -4,9 +4,7 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 unsigned long long Channel::_objectsCreated = 0;
 unsigned long long Channel::_objectsAlive = 0;
@@ -155,5 +153,4 @@ bool Channel::Debug(const Channel* object, vumo::Debug::Footprint& request)
         Stream::Debug(stream, request);
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

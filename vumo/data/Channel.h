@@ -10,9 +10,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// A named set of streams, each known by its own name: the data over one kind of component. The channel's
 /// name says which, "vertex" or "face", say.
@@ -93,5 +91,4 @@ private:
 
     Ref<ChannelImpl> mImpl; // never null
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

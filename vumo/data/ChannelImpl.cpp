@@ -7,9 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -162,5 +160,4 @@ bool ChannelImpl::removeElement(const Index& index)
     }
     return removed;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -7,9 +7,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Stream;
 
@@ -62,5 +60,4 @@ private:
     std::string mName;
     mutable unsigned long long mOrderedAt; // the rename count at which the order was last known to be right
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

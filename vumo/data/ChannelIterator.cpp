@@ -6,9 +6,7 @@
 
 #include <stdexcept>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 ChannelIterator::ChannelIterator(const Channel& channel, IterLocation location) : mImpl(channel.impl(), location) {}
 
@@ -66,5 +64,4 @@ bool ChannelIterator::Debug(const ChannelIterator* object, vumo::Debug::Footprin
         request.addObject(object, sizeof(*object));
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

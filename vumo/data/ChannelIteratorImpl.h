@@ -4,9 +4,7 @@
 #include "vumo/data/ContainerIteratorImpl.h"
 #include "vumo/foundation/Export.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// What stands behind a `ChannelIterator`: a position among the streams of a channel.
 class VUMO_EXPORT ChannelIteratorImpl : public ContainerIteratorImpl<ChannelImpl>
@@ -14,5 +12,4 @@ class VUMO_EXPORT ChannelIteratorImpl : public ContainerIteratorImpl<ChannelImpl
 public:
     using ContainerIteratorImpl<ChannelImpl>::ContainerIteratorImpl;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

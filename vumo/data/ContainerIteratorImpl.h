@@ -4,9 +4,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// A position in the set of a `ChannelImpl` or an `AssociationsImpl`: what the iterators over both have
 /// alike. Borrows the container; valid until the entry at its position is removed.
@@ -74,5 +72,4 @@ private:
     Position mEnd{};
     std::unique_ptr<Position> mPosition;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

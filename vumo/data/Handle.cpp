@@ -12,9 +12,7 @@
 #include <sstream>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -397,5 +395,4 @@ bool Handle::Debug(const Handle* object, vumo::Debug::Footprint& request)
         request.addObject(object, sizeof(*object));
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

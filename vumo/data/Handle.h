@@ -8,9 +8,7 @@
 #include <cstdint>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Structure;
 
@@ -131,5 +129,4 @@ private:
     char* mData;
     bool mOwnsData;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

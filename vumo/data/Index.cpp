@@ -7,9 +7,7 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -185,5 +183,4 @@ bool Index::Debug(const Index* object, vumo::Debug::Footprint& request)
         request.addObject(object, sizeof(*object));
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

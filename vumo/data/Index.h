@@ -7,9 +7,7 @@
 #include <map>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class IndexType;
 
@@ -94,5 +92,4 @@ private:
     unsigned int mNumber = 0;
     Ref<IndexType> mComplex; // null: the index is a number
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -7,9 +7,7 @@
 
 #include <functional>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 unsigned long long IndexPair::_objectsCreated = 0;
 unsigned long long IndexPair::_objectsAlive = 0;
@@ -142,5 +140,4 @@ bool IndexPair::Debug(const IndexPair* object, vumo::Debug::Footprint& request)
         request.addObject(object, sizeof(*object));
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

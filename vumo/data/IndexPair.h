@@ -7,9 +7,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// An index of two numbers, for data that is addressed by two coordinates such as a face and a vertex.
 class VUMO_EXPORT IndexPair : public CRTP_IndexType<IndexPair>,
@@ -66,5 +64,4 @@ private:
     unsigned int mFirst;
     unsigned int mSecond;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

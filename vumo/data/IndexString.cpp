@@ -6,9 +6,7 @@
 
 #include <functional>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 unsigned long long IndexString::_objectsCreated = 0;
 unsigned long long IndexString::_objectsAlive = 0;
@@ -127,5 +125,4 @@ bool IndexString::Debug(const IndexString* object, vumo::Debug::Footprint& reque
     }
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

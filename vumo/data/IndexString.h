@@ -7,9 +7,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// An index that is a text, for data that is addressed by name. Any text is an index, the empty one too.
 class VUMO_EXPORT IndexString : public CRTP_IndexType<IndexString>,
@@ -61,5 +59,4 @@ public:
 private:
     std::string mText;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -1,13 +1,10 @@
 #include "vumo/data/IndexType.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 IndexType::IndexType() = default;
 
 IndexType::IndexType(const IndexType&) = default;
 
 IndexType::~IndexType() = default;
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

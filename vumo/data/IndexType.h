@@ -5,9 +5,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// An index that is more than one number: the base of what an `Index` can hold beside a plain number.
 ///
@@ -43,5 +41,4 @@ public:
     /// The name under which the type is registered.
     virtual std::string typeName() const = 0;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -1,8 +1,6 @@
 #pragma once
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Where a new iterator stands; any other value means the end, too.
 enum IterLocation : int
@@ -10,5 +8,4 @@ enum IterLocation : int
     kIterEnd = 0,
     kIterBegin = 1
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -8,9 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -200,5 +198,4 @@ bool Member::Debug(const Member* object, vumo::Debug::Footprint& request)
     }
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -4,9 +4,7 @@
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/OwnedText.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// One field of a `Structure`: a name, a data type, how many values of that type it holds, and where
 /// in an element's data block the first of them lies.
@@ -98,5 +96,4 @@ private:
     unsigned int mDimension = 0;
     unsigned long long mOffset = 0;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

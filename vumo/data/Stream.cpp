@@ -6,9 +6,7 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 const std::string Stream::kDebugHex = "hex";
 
@@ -193,5 +191,4 @@ bool Stream::Debug(const Stream* object, vumo::Debug::Footprint& request)
     request.addObject(object, sizeof(*object));
     return object->mImpl->debug(request);
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -11,9 +11,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// A named, indexed list of elements that all follow one structure.
 ///
@@ -113,5 +111,4 @@ private:
 
     Ref<StreamImpl> mImpl; // never null
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include "vumo/data/StreamImplDense.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, IterLocation location)
     : mOwnHandle(std::make_unique<Handle>(stream.structure(), nullptr)),
@@ -72,5 +70,4 @@ const StreamImpl* StreamDenseIteratorImpl::myStream() const
 {
     return mStream;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,9 +6,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class StreamImplDense;
 
@@ -36,5 +34,4 @@ private:
     const StreamImplDense* mStream; // borrowed
     unsigned int mPosition;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

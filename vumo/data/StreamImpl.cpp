@@ -4,9 +4,7 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 unsigned long long StreamImpl::_objectsCreated = 0;
 unsigned long long StreamImpl::_objectsAlive = 0;
@@ -124,5 +122,4 @@ bool StreamImpl::Debug(const StreamImpl* object, vumo::Debug::Footprint& request
         request.addObject(object, sizeof(*object));
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

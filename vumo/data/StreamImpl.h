@@ -11,9 +11,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class StreamIteratorImpl;
 
@@ -98,5 +96,4 @@ private:
     std::string mIndexType;
     bool mUseDefaults = false;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -10,9 +10,7 @@
 #include <new>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -361,5 +359,4 @@ bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Footprin
         request.addMember(object->mData, object->mAllocated * object->mStride);
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

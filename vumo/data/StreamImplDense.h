@@ -4,9 +4,7 @@
 
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// A storage for numeric indices from 0 upward with few gaps: all elements in one contiguous block.
 ///
@@ -101,5 +99,4 @@ private:
     unsigned long long mStride = 0;
     std::vector<Member> mBlockMembers;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

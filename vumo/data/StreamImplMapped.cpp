@@ -6,9 +6,7 @@
 
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 unsigned long long StreamImplMapped::_objectsCreated = 0;
 unsigned long long StreamImplMapped::_objectsAlive = 0;
@@ -205,5 +203,4 @@ bool StreamImplMapped::Debug(const StreamImplMapped* object, vumo::Debug::Footpr
     }
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -4,9 +4,7 @@
 
 #include <map>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The storage that every stream starts with: an ordered map from index to element.
 ///
@@ -74,5 +72,4 @@ private:
     Index mLowestValidIndex = 0U;
     Index mHighestValidIndex = 0U;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

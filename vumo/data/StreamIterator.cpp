@@ -2,9 +2,7 @@
 
 #include <stdexcept>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -92,5 +90,4 @@ bool StreamIterator::operator==(const StreamIterator& other) const
 {
     return mImpl && other.mImpl && *mImpl == *other.mImpl;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

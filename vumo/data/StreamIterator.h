@@ -6,9 +6,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Walks the elements of a stream in index order, whatever its storage.
 ///
@@ -53,5 +51,4 @@ private:
 
     std::unique_ptr<StreamIteratorImpl> mImpl;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include <stdexcept>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -43,5 +41,4 @@ bool StreamIteratorImpl::operator==(const StreamIteratorImpl& other) const
 {
     return mInvalid == other.mInvalid && myStream() == other.myStream() && index() == other.index();
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

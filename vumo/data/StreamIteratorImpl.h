@@ -3,9 +3,7 @@
 #include "vumo/data/Index.h"
 #include "vumo/foundation/Export.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Handle;
 class StreamImpl;
@@ -51,5 +49,4 @@ protected:
     Handle* mHandle = nullptr; // borrowed; null: no current handle
     bool mInvalid = true;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

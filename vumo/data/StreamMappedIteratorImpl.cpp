@@ -2,9 +2,7 @@
 
 #include "vumo/data/StreamImplMapped.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 // What a const storage gives out differs from the rest only in what its user may do with it.
 StreamMappedIteratorImpl::StreamMappedIteratorImpl(const StreamImplMapped& stream, IterLocation location)
@@ -51,5 +49,4 @@ const StreamImpl* StreamMappedIteratorImpl::myStream() const
 {
     return mStream;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

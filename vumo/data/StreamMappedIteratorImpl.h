@@ -6,9 +6,7 @@
 
 #include <map>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class StreamImplMapped;
 
@@ -29,5 +27,4 @@ private:
     StreamImplMapped* mStream; // borrowed
     std::map<Index, Handle>::iterator mPosition;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -13,9 +13,7 @@
 #include <unordered_set>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -468,5 +466,4 @@ bool Structure::Debug(const Structure* object, vumo::Debug::Footprint& request)
         request.addMember(object->mDefaultData.get(), object->totalSize());
     return true;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

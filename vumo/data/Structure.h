@@ -11,9 +11,7 @@
 #include <set>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// A named record layout: the ordered members of an element, and where each lies in its data block.
 ///
@@ -157,5 +155,4 @@ private:
     unsigned int mMemberCount = 0;
     bool mBeingDestroyed = false;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

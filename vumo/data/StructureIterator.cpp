@@ -4,9 +4,7 @@
 
 #include <stdexcept>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -94,5 +92,4 @@ bool StructureIterator::valid() const
 {
     return mIndex != kEndIndex;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -4,9 +4,7 @@
 #include "vumo/data/Member.h"
 #include "vumo/foundation/Export.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Structure;
 
@@ -56,5 +54,4 @@ private:
     unsigned int mIndex;
     const Structure* mStructure;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -1,8 +1,6 @@
 #pragma once
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 /// Lets an object of class T describe itself without the caller knowing T.
 ///
@@ -17,5 +15,4 @@ public:
 protected:
     ~CRTP_Debug() = default;
 };
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

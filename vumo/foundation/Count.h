@@ -2,9 +2,7 @@
 
 #include "vumo/foundation/Export.h"
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 /// A number that a class reports about itself.
 class VUMO_EXPORT Count
@@ -23,5 +21,4 @@ public:
 private:
     unsigned long long mValue = 0;
 };
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

@@ -1,10 +1,7 @@
 #pragma once
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 class Footprint;
 class Print;
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

@@ -2,9 +2,7 @@
 
 #include "vumo/foundation/Print.h"
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 Footprint::~Footprint() = default;
 
@@ -42,5 +40,4 @@ bool Footprint::Debug(const Footprint* object, Footprint& request)
         request.addObject(object, sizeof(*object));
     return true;
 }
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

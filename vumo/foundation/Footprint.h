@@ -4,9 +4,7 @@
 
 #include <cstddef>
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 class Print;
 
@@ -41,5 +39,4 @@ private:
     unsigned long long mTotalFragments = 0;
     bool mSkipObjects = false;
 };
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

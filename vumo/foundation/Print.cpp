@@ -5,9 +5,7 @@
 #include <map>
 #include <utility>
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 struct Print::State
 {
@@ -181,5 +179,4 @@ void Print::removeFilter(const std::string& name)
 {
     mState->filters.erase(name);
 }
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

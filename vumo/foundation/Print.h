@@ -6,9 +6,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 /// Writes an indented description of objects to a stream.
 ///
@@ -83,5 +81,4 @@ private:
 
     std::unique_ptr<State> mState;
 };
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

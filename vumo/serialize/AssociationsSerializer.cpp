@@ -4,9 +4,7 @@
 #include "vumo/serialize/SerializerInitializer.h"
 #include "vumo/serialize/detail/FormatRegistry.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -63,5 +61,4 @@ const AssociationsSerializer* AssociationsSerializer::formatByName(const std::st
 {
     return Registry::findByName(name);
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

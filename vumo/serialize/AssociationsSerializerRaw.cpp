@@ -9,9 +9,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -139,5 +137,4 @@ std::ostream& AssociationsSerializerRaw::getFormatDescription(std::ostream& out)
 {
     return out << kDescription;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

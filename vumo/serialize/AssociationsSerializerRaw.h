@@ -9,9 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The format "raw" of associations: their channels, each a line "channel" and the raw format of
 /// `ChannelSerializerRaw`, and the line "endAssociations". Channels without streams are left out.
@@ -37,5 +35,4 @@ public:
 private:
     static AssociationsSerializerRaw* theInstance;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -8,9 +8,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -134,5 +132,4 @@ std::ostream& ChannelSerializerRaw::getFormatDescription(std::ostream& out) cons
 {
     return out << kDescription;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -9,9 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The format "raw" of channels: a line with the channel's name, its streams, each a line "stream" and the raw
 /// format of `StreamSerializerRaw`, and the line "endChannel".
@@ -37,5 +35,4 @@ public:
 private:
     static ChannelSerializerRaw* theInstance;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -1,8 +1,6 @@
 #pragma once
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// Registers the format T with its kind for as long as this object lives.
 ///
@@ -20,5 +18,4 @@ public:
 private:
     const T* mFormat;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include <iterator>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -59,5 +57,4 @@ std::vector<std::string>& SerializerRaw::splitString(const std::string& s, char 
     }
     return pieces;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -5,9 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// What the raw formats share: their keywords, and how their readers clean and cut text.
 class VUMO_EXPORT SerializerRaw
@@ -46,5 +44,4 @@ public:
     static std::vector<std::string>& splitString(const std::string& s, char delimiter,
                                                  std::vector<std::string>& pieces);
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -7,9 +7,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Stream;
 
@@ -64,5 +62,4 @@ public:
 private:
     static const StreamSerializer* theDefault;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

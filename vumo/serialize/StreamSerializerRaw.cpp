@@ -10,9 +10,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -199,5 +197,4 @@ int StreamSerializerRaw::readStructure(const Structure& structure, std::istream&
     input.handOnState();
     return handOn(messages, errors);
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

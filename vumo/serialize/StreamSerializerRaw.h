@@ -11,9 +11,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The format "raw" of streams: lines of at most 1023 characters that name the stream, its index type and its
 /// structure, two lines for each element, its index and its values, and the line "endStream".
@@ -68,5 +66,4 @@ public:
 private:
     static StreamSerializerRaw* theInstance;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

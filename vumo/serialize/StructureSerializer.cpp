@@ -4,9 +4,7 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 #include "vumo/serialize/detail/FormatRegistry.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -63,5 +61,4 @@ const StructureSerializer* StructureSerializer::formatByName(const std::string& 
 {
     return Registry::findByName(name);
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

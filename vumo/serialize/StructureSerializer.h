@@ -7,9 +7,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 class Structure;
 
@@ -64,5 +62,4 @@ public:
 private:
     static const StructureSerializer* theDefault;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include "vumo/foundation/Print.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -49,5 +47,4 @@ std::ostream& StructureSerializerDebug::getFormatDescription(std::ostream& out) 
 {
     return out << kDescription;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -8,9 +8,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The format "debug" of structures: all that debug printing tells about one. For inspection, it cannot be
 /// read. Not found by its name until somebody registers it.
@@ -37,5 +35,4 @@ public:
 private:
     static StructureSerializerDebug* theInstance;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -9,9 +9,7 @@
 #include <sstream>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -270,5 +268,4 @@ std::ostream& StructureSerializerRaw::getFormatDescription(std::ostream& out) co
         typeNames.emplace_back(Member::typeName(static_cast<Member::eDataType>(type)));
     return out << kDescriptionHead << joined(typeNames, ", ") << kDescriptionTail;
 }
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -9,9 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 /// The format "raw" of structures: fields separated by ":" or newlines, the name and then the members, such as
 /// "name=My Structure:int32=ID:float[3]=Origin".
@@ -41,5 +39,4 @@ public:
 private:
     static StructureSerializerRaw* theInstance;
 };
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,11 +6,7 @@
 
 #include <algorithm>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -121,6 +117,4 @@ bool appendAssociations(const std::string& target, const Associations& associati
            " \n\t\t" + target + ";\n";
     return true;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

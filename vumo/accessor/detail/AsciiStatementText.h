@@ -5,11 +5,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// The texts of metadata statements in ASCII scene files: how they are written, and how they are taken apart.
 
@@ -38,6 +34,4 @@ bool appendStructure(const Structure& structure, std::string& out);
 /// Appends nothing for empty ones. False, with the serializer's errors, when they can't be written.
 bool appendAssociations(const std::string& target, const Associations& associations, std::string& out,
                         std::string& errors);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -5,11 +5,7 @@
 
 #include <algorithm>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -96,6 +92,4 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error)
     error = lines.error();
     return error.empty();
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

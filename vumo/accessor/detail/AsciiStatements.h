@@ -4,11 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// A metadata statement of an ASCII scene file: its command at the start of a line, to the line that ends in ";".
 struct AsciiStatement
@@ -38,6 +34,4 @@ struct AsciiTail
 /// Searches a file backwards for metadata statements, up to the first host statement. Reads of the scene no more
 /// than that takes, and holds none of it. False, with `error` set, when the file could not be read.
 bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -4,11 +4,7 @@
 #include <cwchar>
 #include <iterator>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -129,6 +125,4 @@ std::string unescapeValue(const std::string& text)
     }
     return result;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -2,11 +2,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Makes `text` fit for a quoted value of an ASCII statement: control characters become escapes such as "\n" or
 /// "\001", and quotes and backslashes get a backslash. Steps by characters of the current locale's encoding, so a
@@ -15,6 +11,4 @@ std::string escapeValue(const std::string& text);
 
 /// Undoes escapeValue() in one pass. An unknown escape keeps both of its characters.
 std::string unescapeValue(const std::string& text);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

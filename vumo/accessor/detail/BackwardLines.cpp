@@ -3,11 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 BackwardLines::BackwardLines(std::istream& in, std::streamoff size) : mIn(in), mSize(size), mEnd(size) {}
 
@@ -63,6 +59,4 @@ void BackwardLines::load(std::streamoff offset)
         mError = "Could not read block.";
     mLater = std::exchange(mCurrent, std::move(block));
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

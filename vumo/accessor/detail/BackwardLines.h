@@ -3,11 +3,7 @@
 #include <istream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Finds the lines of a file from its last to its first, reading it backwards in blocks.
 ///
@@ -55,6 +51,4 @@ private:
     Block mLater;        // the one behind it in the file
     std::string mError;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -3,11 +3,7 @@
 #include <cstddef>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Appends an unsigned number to `bytes`, its most significant byte first.
 template <class Number>
@@ -26,6 +22,4 @@ Number readBigEndian(const char* bytes)
         number = static_cast<Number>(number << 8 | static_cast<unsigned char>(bytes[i]));
     return number;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

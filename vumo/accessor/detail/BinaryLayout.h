@@ -2,11 +2,7 @@
 
 #include <cstdint>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 // Lengths in a binary scene file, in bytes.
 
@@ -35,6 +31,4 @@ constexpr std::uint64_t paddingOf(std::uint64_t dataSize)
 {
     return (8 - dataSize % 8) % 8;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -3,11 +3,7 @@
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -69,6 +65,4 @@ bool ChunkCursor::skip(std::uint64_t size)
     mLeft -= size;
     return mIn.good();
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

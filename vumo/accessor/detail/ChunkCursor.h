@@ -6,11 +6,7 @@
 #include <istream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Walks over a row of chunks in a stream: readHeader(), then one of the functions that pass over the rest of
 /// the chunk, until atEnd().
@@ -48,6 +44,4 @@ private:
     std::string mHeaderBytes;
     BinaryChunkHeader mHeader;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

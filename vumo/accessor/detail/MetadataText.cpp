@@ -6,11 +6,7 @@
 
 #include <sstream>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 bool serializeStructure(const Structure& structure, std::string& text)
 {
@@ -54,6 +50,4 @@ bool usesOnly(const Accessor::StructureSet& structures, const Associations& asso
     }
     return true;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

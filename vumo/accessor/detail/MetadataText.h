@@ -6,11 +6,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// The format of all texts that are written into scene files.
 constexpr char kFormatWritten[] = "raw";
@@ -25,6 +21,4 @@ bool serializeAssociations(const Associations& associations, std::string& text, 
 /// Says whether the structure of every stream is among those that are written, as elements cannot be read without it.
 /// Names the first that is not in `errors`.
 bool usesOnly(const Accessor::StructureSet& structures, const Associations& associations, std::string& errors);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -1,10 +1,6 @@
 #include "vumo/accessor/detail/NameFilter.h"
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 NameFilter::NameFilter(const std::set<std::string>* wanted) : mWantsAll(wanted == nullptr)
 {
@@ -16,6 +12,4 @@ bool NameFilter::accept(const std::string& name)
 {
     return mWantsAll || mWanted.erase(name) > 0;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -3,11 +3,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// The names that a caller wants from a file, each of them once.
 ///
@@ -27,6 +23,4 @@ private:
     std::set<std::string> mWanted;
     bool mWantsAll;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -6,11 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -96,6 +92,4 @@ std::string convertString(const std::string& text, eTextDirection direction)
         return text;
     return converted;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

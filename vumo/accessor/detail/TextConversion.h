@@ -2,11 +2,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Which way convertString() goes, between the encoding of the current locale and UTF-8.
 enum class eTextDirection
@@ -18,6 +14,4 @@ enum class eTextDirection
 /// The converted text. A text that cannot be converted as a whole is returned as it is, and so is every text
 /// where the two encodings are one.
 std::string convertString(const std::string& text, eTextDirection direction);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -6,11 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// How a value of one data type is stored: `kEntries` scalars of type `Scalar`, one after the other.
 template <class T, unsigned int Entries = 1>
@@ -70,6 +66,4 @@ void storeScalar(void* dest, T value)
 {
     std::memcpy(dest, &value, sizeof(value));
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -4,11 +4,7 @@
 
 #include <typeinfo>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Compares `left` with a value of any index type: by `compare` where both are a T, and by the order of
 /// their classes where they are not.
@@ -20,6 +16,4 @@ bool compareIndexTypes(const T& left, const IndexType& right, Compare compare, b
         return compare(left, *same);
     return typeid(left).before(typeid(right)) ? whenClassPrecedes : whenClassFollows;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

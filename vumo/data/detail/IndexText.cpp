@@ -5,11 +5,7 @@
 #include <locale>
 #include <sstream>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -38,6 +34,4 @@ unsigned int placesBetween(unsigned int a, unsigned int b)
 {
     return (a > b ? a - b : b - a) + 1;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

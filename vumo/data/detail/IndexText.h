@@ -2,11 +2,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Reads `count` unsigned numbers separated by blanks, tabs or carriage returns, and nothing else, from an
 /// index text. Throws `Index::eCreationErrors`; `numbers` is then unspecified.
@@ -14,6 +10,4 @@ void parseIndexNumbers(const std::string& text, unsigned int* numbers, unsigned 
 
 /// |a - b| + 1 in 32-bit arithmetic.
 unsigned int placesBetween(unsigned int a, unsigned int b);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

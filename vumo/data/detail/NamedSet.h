@@ -5,11 +5,7 @@
 #include <algorithm>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Finds the entry of that name in a set ordered by name, or its end.
 ///
@@ -37,6 +33,4 @@ auto entryAt(Set& set, unsigned int n)
         ++position;
     return position;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

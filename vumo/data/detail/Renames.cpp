@@ -1,10 +1,6 @@
 #include "vumo/data/detail/Renames.h"
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -20,6 +16,4 @@ void countRename()
 {
     ++theRenameCount;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

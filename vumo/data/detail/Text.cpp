@@ -3,11 +3,7 @@
 #include <cstring>
 #include <new>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 char* duplicateText(const char* text)
 {
@@ -25,6 +21,4 @@ bool equalTexts(const char* left, const char* right)
         return true;
     return left && right && std::strcmp(left, right) == 0;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -5,11 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -145,6 +141,4 @@ long long readPosition(std::istream& in)
 {
     return in.rdbuf() ? static_cast<long long>(in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in)) : -1;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

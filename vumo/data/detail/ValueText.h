@@ -6,11 +6,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// The text form of numbers and booleans, shared by handles and text formats. A value of a matrix type is
 /// 16 entries, of any other type one. Streams are expected to use the classic locale.
@@ -39,6 +35,4 @@ const char* typeWord(Member::eDataType type);
 /// The position of the next character to be read, counted from 0, also when the last read failed or met
 /// the end; -1 where the input cannot tell.
 long long readPosition(std::istream& in);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -2,11 +2,7 @@
 
 #include <locale>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -38,6 +34,4 @@ ClassicInput::ClassicInput(std::istream& in) : mIn(in), mStream(in.rdbuf())
     mStream.imbue(std::locale::classic());
     mStream.setstate(in.rdstate());
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

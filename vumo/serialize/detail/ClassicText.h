@@ -5,11 +5,7 @@
 #include <sstream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Builds text whose numbers do not depend on any locale, as exact as the stream that will receive it asks.
 class ClassicText
@@ -48,6 +44,4 @@ private:
     std::istream& mIn;
     std::istream mStream;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -12,11 +12,7 @@
 #include <locale>
 #include <type_traits>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -269,6 +265,4 @@ bool skipToText(std::istream& in)
         chars.sbumpc();
     return !isEnd(chars.sgetc());
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -9,11 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// The text form of an element: its values in order, separated by blanks, strings in double quotes. Streams
 /// are expected to use the classic locale; none of this touches the reference count of the structure.
@@ -53,6 +49,4 @@ bool couldHoldElement(const Structure& structure, std::string::size_type length)
 
 /// Skips whitespace; returns whether there is text behind it, as there never is in an input that has failed.
 bool skipToText(std::istream& in);
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

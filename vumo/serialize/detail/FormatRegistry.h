@@ -4,11 +4,7 @@
 #include <set>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// What the registries of the serializer kinds have alike. To be used in the kind's own source file only, so
 /// that its set of formats exists once, in the library.
@@ -49,6 +45,4 @@ struct FormatRegistry
         return nullptr;
     }
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

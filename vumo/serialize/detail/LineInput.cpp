@@ -2,11 +2,7 @@
 
 #include <locale>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 LineInput::LineInput(const LineReader& lines) : mBuffer(lines), mStream(&mBuffer)
 {
@@ -33,6 +29,4 @@ LineInput::Buffer::pos_type LineInput::Buffer::seekoff(off_type offset, std::ios
         return pos_type(off_type(-1));
     return pos_type(off_type(start + (gptr() - eback())));
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

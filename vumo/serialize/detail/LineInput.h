@@ -6,11 +6,7 @@
 #include <streambuf>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// An input of its own on the current line of a reader, in the classic locale. It tells its positions as
 /// positions in the reader's input, so that a message leads to the place in the file.
@@ -42,6 +38,4 @@ private:
     Buffer mBuffer;
     std::istream mStream;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

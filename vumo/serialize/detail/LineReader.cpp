@@ -6,11 +6,7 @@
 #include <cstring>
 #include <limits>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -74,6 +70,4 @@ std::string LineReader::tooLongMessage() const
     return "Line at record " + std::to_string(mRecord) + " on or about character " + std::to_string(position()) +
            " is longer than " + std::to_string(kMaxLineLength) + " characters";
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -3,11 +3,7 @@
 #include <istream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// The characters of a line, without its newline, that the raw formats read.
 constexpr unsigned int kMaxLineLength = 1023;
@@ -54,6 +50,4 @@ private:
     unsigned int mRecord = 0;
     bool mTooLong = false;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -3,11 +3,7 @@
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/detail/LineReader.h"
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 void LineWriter::write(const std::string& line)
 {
@@ -39,6 +35,4 @@ void LineWriter::refuse(const std::string& text)
 {
     mMessages.add("Text '" + text + "' at record " + std::to_string(mRecord) + " cannot be read back");
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

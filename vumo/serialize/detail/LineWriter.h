@@ -6,11 +6,7 @@
 #include <ostream>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Writes an output line by line, each with its newline and flushed.
 ///
@@ -44,6 +40,4 @@ private:
     ClassicText mLine;
     unsigned int mRecord = 1;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

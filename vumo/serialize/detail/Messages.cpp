@@ -1,10 +1,6 @@
 #include "vumo/serialize/detail/Messages.h"
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 void Messages::add(const std::string& message)
 {
@@ -26,6 +22,4 @@ int Messages::report(const std::string& consequence, std::string& errors)
     errors += mText;
     return mCount;
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

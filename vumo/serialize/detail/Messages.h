@@ -2,11 +2,7 @@
 
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Collects the messages of one call to a serializer, a line each, and counts its errors.
 class Messages
@@ -32,6 +28,4 @@ private:
     std::string mText;
     int mCount = 0;
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -6,11 +6,7 @@
 
 #include <exception>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 namespace
 {
@@ -210,6 +206,4 @@ std::string StreamReader::atRecord() const
 {
     return " at record " + std::to_string(mLines.record());
 }
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail

@@ -13,11 +13,7 @@
 #include <optional>
 #include <string>
 
-namespace vumo
-{
-namespace Data
-{
-namespace detail
+namespace vumo::Data::detail
 {
 /// Reads one stream in the raw format. Goes on after an error, to find the others as well.
 class StreamReader
@@ -66,6 +62,4 @@ private:
     std::unique_ptr<Stream> mStream;
     std::unique_ptr<Handle> mElement; // filled anew from every data line
 };
-} // namespace detail
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data::detail
