@@ -23,15 +23,24 @@ using detail::AsciiTail;
 
 using AssociationsMap = std::map<std::string, Associations>;
 
-/// The first line without its end, or as much of it as tells whether it is a header.
+/// Opens a file whose blocks are read as they are asked for: a stream's own buffer would read ahead in each of them.
+template <class FileStream>
+void openUnbuffered(FileStream& file, const std::string& fileName, std::ios::openmode mode)
+{
+    file.rdbuf()->pubsetbuf(nullptr, 0);
+    file.open(fileName, mode | std::ios::binary);
+}
+
+/// The first line without its end, or as much of it as tells whether it is a header. False for an empty file.
 bool readFirstLine(std::istream& in, std::string& line)
 {
     constexpr std::string::size_type kLongestHeader = 1024;
-    char next = '\0';
-    while (line.size() < kLongestHeader && in.get(next) && next != '\n')
-        line += next;
-    const bool isEmptyFile = line.empty() && !in;
+    line.resize(kLongestHeader);
+    in.read(line.data(), kLongestHeader);
+    line.resize(static_cast<std::string::size_type>(in.gcount()));
     in.clear();
+    const bool isEmptyFile = line.empty();
+    line.resize(std::min(line.find('\n'), line.size()));
     if (!line.empty() && line.back() == '\r')
         line.pop_back();
     return !isEmptyFile;
@@ -264,7 +273,8 @@ bool replaceTail(std::iostream& file, const std::string& fileName, std::streamof
 
 bool OvriAsciiFileAccessor::write(std::string& errors) const
 {
-    std::fstream file(fileName(), std::ios::in | std::ios::out | std::ios::binary);
+    std::fstream file;
+    openUnbuffered(file, fileName(), std::ios::in | std::ios::out);
     if (!file)
     {
         errors += "Could not open " + fileName() + " for writing.";
@@ -283,7 +293,8 @@ bool OvriAsciiFileAccessor::write(std::string& errors) const
 
 bool OvriAsciiFileAccessor::isFileSupported(const std::string& fileName) const
 {
-    std::ifstream file(fileName, std::ios::binary);
+    std::ifstream file;
+    openUnbuffered(file, fileName, std::ios::in);
     return file && headerFault(file).empty();
 }
 
@@ -295,7 +306,8 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
         errors = "Empty file name.";
         return false;
     }
-    std::ifstream file(fileName(), std::ios::binary);
+    std::ifstream file;
+    openUnbuffered(file, fileName(), std::ios::in);
     if (!file)
     {
         errors = "Could not open " + fileName();

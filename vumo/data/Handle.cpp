@@ -325,6 +325,7 @@ std::string Handle::str(unsigned int i) const
         return hasFirst && text ? text : "";
     }
     std::ostringstream out;
+    out.exceptions(std::ios::badbit); // or a lack of memory would cut the text, and nobody would know
     out.imbue(std::locale::classic());
     detail::writeValue(out, type, source);
     return out.str();
