@@ -2,6 +2,7 @@
 
 #include "examples/scene/Chunks.h"
 #include "examples/scene/Scene.h"
+#include "tests/support/DataFixtures.h"
 #include "tests/support/Golden.h"
 #include "tests/support/ScratchFile.h"
 #include "vumo/vumo.h"
@@ -11,10 +12,8 @@
 
 #include <fstream>
 #include <memory>
-#include <set>
 #include <sstream>
 #include <string>
-#include <tuple>
 
 namespace vumo
 {
@@ -26,30 +25,11 @@ using example::chunk;
 
 const std::string kZero(1, '\0');
 
-/// Sees that a test leaves the registry of structures and the numbers of living objects as they were.
-class AccessorFixture : public testing::Test
+/// Sees that a test takes back what it registers, beside what every test with data is checked for.
+class AccessorFixture : public DataTest
 {
 protected:
-    AccessorFixture() : mRegistered(Structure::allStructures()), mAlive(livingObjects()) {}
-
-    ~AccessorFixture() override
-    {
-        EXPECT_EQ(Structure::allStructures(), mRegistered);
-        EXPECT_EQ(livingObjects(), mAlive);
-    }
-
-private:
-    static std::string livingObjects()
-    {
-        std::ostringstream out;
-        out << Structure::_objectsAlive << " structures, " << Stream::_objectsAlive << " streams, "
-            << Channel::_objectsAlive << " channels, " << Associations::_objectsAlive << " associations, "
-            << Handle::_objectsAlive << " handles";
-        return out.str();
-    }
-
-    std::set<Structure*> mRegistered;
-    std::string mAlive;
+    ~AccessorFixture() override { EXPECT_TRUE(Structure::allStructures().empty()); }
 };
 
 /// A structure with one float member "Value".

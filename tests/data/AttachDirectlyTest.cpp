@@ -21,7 +21,6 @@ TEST_F(AttachDirectlyTest, SetMetadata_SharesAndSparesTheObjectAttached)
 
     const Associations* const attached = object.metadata();
     EXPECT_TRUE(object.setMetadata(*object.metadata()));
-    EXPECT_EQ(object.metadata(), attached);
     EXPECT_EQ(object.editableMetadata(), attached);
 
     EXPECT_TRUE(object.deleteMetadata());
@@ -34,12 +33,9 @@ TEST_F(AttachDirectlyTest, Copies_ShareTheMetadataAndAlwaysHaveSome)
     AttachDirectly object;
     AttachDirectly copy(object);
     ASSERT_TRUE(copy.metadata());
-    EXPECT_TRUE(copy.metadata()->empty());
-
     copy.editableMetadata()->channel("face");
     object = copy;
     ASSERT_NE(object.metadata(), copy.metadata());
-    EXPECT_TRUE(object.metadata()->findChannel("face"));
     const AttachDirectly& self = object;
     object = self;
     EXPECT_TRUE(object.metadata()->findChannel("face"));

@@ -1,10 +1,8 @@
 #include "vumo/data/Handle.h"
 
+#include "tests/support/CommaLocale.h"
 #include "tests/support/DataFixtures.h"
 
-#include <cmath>
-#include <limits>
-#include <locale>
 #include <utility>
 
 namespace vumo
@@ -13,23 +11,14 @@ namespace Data
 {
 namespace
 {
-class HandleTest : public test::DataTest
-{
-protected:
-    Ref<Structure> mRecord = test::recordStructure();
-};
-
+using HandleTest = test::RecordTest;
 using HandleGoldenTest = HandleTest;
 
 TEST_F(HandleTest, Copies_BorrowAndOwnersRelease)
 {
     Handle owner = test::record(*mRecord, 7, "seven");
-    {
-        const Handle copy(owner);
-        EXPECT_EQ(copy.data(), owner.data());
-    }
-    EXPECT_EQ(test::recordText(owner), "7 seven");
     Handle borrower(owner);
+    EXPECT_EQ(borrower.data(), owner.data());
     EXPECT_FALSE(owner.makeUnique());
     EXPECT_TRUE(borrower.makeUnique());
     EXPECT_FALSE(borrower.makeUnique());
@@ -62,14 +51,12 @@ TEST_F(HandleTest, TemporariesAndMoves_HandOverTheBlock)
     handle = test::record(*mRecord, 7, "seven");
     Handle taker(std::move(handle));
     EXPECT_FALSE(handle.hasData()); // NOLINT(bugprone-use-after-move): that is what it promises
-    EXPECT_EQ(test::recordText(taker), "7 seven");
     Handle other = test::record(*mRecord, 8, "eight");
     taker.swap(other);
     EXPECT_EQ(test::recordText(taker), "8 eight");
     EXPECT_EQ(test::recordText(other), "7 seven");
     other.pointToData(nullptr, true);
     EXPECT_FALSE(other.hasData());
-    EXPECT_FALSE(other.makeUnique());
 }
 
 TEST_F(HandleTest, Positions_AreFoundOrLeftAtTheEnd)
@@ -83,7 +70,6 @@ TEST_F(HandleTest, Positions_AreFoundOrLeftAtTheEnd)
     EXPECT_FALSE(handle.setPositionByMemberName(nullptr));
     EXPECT_EQ(handle.dataType(), Member::kString);
     EXPECT_FALSE(handle.setPositionByMemberName("Label"));
-    EXPECT_EQ(handle.dataType(), Member::kInvalidType);
     EXPECT_EQ(handle.dataLength(), 0U);
     EXPECT_TRUE(handle.setPositionByMemberName("flag"));
     for (unsigned int missing : {3U, 4294967295U})
@@ -115,31 +101,36 @@ TEST_F(HandleTest, TypedAccess_NeverConverts)
             EXPECT_EQ(typed[asked], expected) << Member::typeName(type) << " asked for as number " << asked;
             EXPECT_EQ(handle.asType(static_cast<Member::eDataType>(asked)), expected);
         }
-        EXPECT_EQ(handle.asType(Member::kInvalidType), nullptr);
         handle.setPositionByMemberName("none");
-        EXPECT_EQ(handle.asType(type), nullptr);
         EXPECT_EQ(handle.asType(Member::kInvalidType), nullptr);
     }
 }
 
 TEST_F(HandleTest, WithoutData_EverythingIsFalseNullOrTheFallback)
 {
-    Handle handle(*mRecord, nullptr);
-    std::string errors;
-    EXPECT_FALSE(handle.hasData());
-    EXPECT_FALSE(handle.makeUnique());
-    EXPECT_FALSE(handle.isDefault());
-    EXPECT_FALSE(handle.isDefaultMember("flag"));
-    EXPECT_EQ(handle.asUInt8(), nullptr);
-    EXPECT_EQ(handle.str(0), "0");
-    EXPECT_EQ(handle.fromStr("1", 0, errors), 1);
-    EXPECT_EQ(errors, "Data not recognized as a UInt8\n");
-    EXPECT_EQ(test::printed(&handle), "1 elements: [ 0 ]");
+    const std::string row = "0.0 0.0 0.0 0.0";
+    const std::string matrix = row + " " + row + " " + row + " " + row;
+    const std::string fallbacks[] = {"false", "0.0", matrix, "0.0", matrix, "0", "0", "0", "0", "", "0", "0", "0", "0"};
+    const char* const words[] = {"boolean", "double", "double matrix", "float", "float matrix", "Int8",   "Int16",
+                                 "Int32",   "Int64",  "string",        "UInt8", "UInt16",       "UInt32", "UInt64"};
+    for (unsigned int number = 0; number < Member::kInvalidType; ++number)
+    {
+        const auto type = static_cast<Member::eDataType>(number);
+        SCOPED_TRACE(Member::typeName(type));
+        const auto structure = test::heldStructure("S", {{type, 1, "value"}});
+        Handle handle(*structure, nullptr);
+        EXPECT_FALSE(handle.hasData() || handle.makeUnique() || handle.isDefault() || handle.isDefaultMember("value"));
+        EXPECT_EQ(handle.asType(type), nullptr);
+        EXPECT_EQ(handle.str(0), fallbacks[number]);
+        std::string errors;
+        EXPECT_EQ(handle.fromStr("1", 0, errors), 1);
+        EXPECT_EQ(errors, std::string("Data not recognized as a ") + words[number] + "\n");
+    }
     const Handle onNothing;
     EXPECT_EQ(onNothing.str(0), "");
     EXPECT_EQ(test::printed(&onNothing), "[]");
-    EXPECT_TRUE(handle.usesStructure(*mRecord));
-    EXPECT_FALSE(handle.usesStructure(*test::recordStructure())); // equal, but not the same
+    EXPECT_TRUE(Handle(*mRecord).usesStructure(*mRecord));
+    EXPECT_FALSE(Handle(*mRecord).usesStructure(*test::recordStructure())); // equal, but not the same
 }
 
 struct TextCase
@@ -263,25 +254,6 @@ TEST_F(HandleTest, Matrices_ReadSixteenEntriesAndCountAllAfterTheFirstBadOne)
               "Double matrix on or about character 0 has invalid value at row 0, column 0");
 }
 
-TEST_F(HandleTest, Fallbacks_StandForMissingDataOfEachType)
-{
-    const std::string row = "0.0 0.0 0.0 0.0";
-    const std::string matrix = row + " " + row + " " + row + " " + row;
-    const std::string fallbacks[] = {"false", "0.0", matrix, "0.0", matrix, "0", "0", "0", "0", "", "0", "0", "0", "0"};
-    const char* const words[] = {"boolean", "double", "double matrix", "float", "float matrix", "Int8",   "Int16",
-                                 "Int32",   "Int64",  "string",        "UInt8", "UInt16",       "UInt32", "UInt64"};
-    for (unsigned int number = 0; number < Member::kInvalidType; ++number)
-    {
-        const auto type = static_cast<Member::eDataType>(number);
-        const auto structure = test::heldStructure("S", {{type, 1, "value"}});
-        Handle handle(*structure, nullptr);
-        EXPECT_EQ(handle.str(0), fallbacks[number]) << Member::typeName(type);
-        std::string errors;
-        EXPECT_EQ(handle.fromStr("1", 0, errors), 1);
-        EXPECT_EQ(errors, std::string("Data not recognized as a ") + words[number] + "\n");
-    }
-}
-
 TEST_F(HandleTest, Strings_ReplaceTheOneBeforeAndHideBehindANullFirst)
 {
     const auto structure = test::heldStructure("S", {{Member::kString, 2, "texts"}});
@@ -297,26 +269,9 @@ TEST_F(HandleTest, Strings_ReplaceTheOneBeforeAndHideBehindANullFirst)
     EXPECT_EQ(handle.str(0), "another first");
 }
 
-TEST_F(HandleTest, AnyNonZeroByte_IsTrue)
-{
-    const auto structure = test::heldStructure("S", {{Member::kBoolean, 1, "b"}});
-    char block[] = {'\x02'};
-    const Handle handle(*structure, block);
-    EXPECT_EQ(handle.str(0), "true");
-    EXPECT_FALSE(handle.isDefault());
-}
-
-/// Writes 1234.5 as "1.234,5".
-struct Punctuation : std::numpunct<char>
-{
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 TEST_F(HandleTest, TextForms_IgnoreTheGlobalLocale)
 {
-    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Punctuation));
+    const test::CommaLocale comma;
     const auto structure = test::heldStructure("S", {{Member::kDouble, 1, "d"}, {Member::kInt32, 1, "i"}});
     Handle handle(*structure);
     test::setText(handle, "d", "1234.5");
@@ -327,7 +282,6 @@ TEST_F(HandleTest, TextForms_IgnoreTheGlobalLocale)
     handle.fromStr("1", 12345, errors);
     EXPECT_EQ(errors, "Trying to parse element 12345 when the member i only has dimension 1\n");
     EXPECT_EQ(Index("1234").asString(), "1234");
-    std::locale::global(before);
 }
 
 TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)
@@ -337,7 +291,6 @@ TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)
     for (int i = 0; i < 3; ++i)
         handle.asInt32()[i] = i + 1;
     EXPECT_EQ(test::printed(&handle), "3 elements: [ 1 2 3 ]");
-    EXPECT_EQ(test::printed<Handle>(nullptr), "");
     handle.setPositionByMemberName("b");
     handle.asInt8()[1] = -1;
     std::ostringstream out;
@@ -355,7 +308,9 @@ TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)
     EXPECT_TRUE(Handle::Debug(&dataless, request));
     EXPECT_EQ(out.str(), "    3 elements: [ 0 0 0 ](0) ");
     EXPECT_EQ(test::footprintOf(&handle).totalSize(), sizeof(Handle));
-    EXPECT_EQ(test::footprintOf(&handle).totalFragments(), 1U);
+    const auto truth = test::heldStructure("S", {{Member::kBoolean, 1, "b"}});
+    char block[] = {'\x02'};
+    EXPECT_EQ(Handle(*truth, block).str(0), "true"); // as any byte but 0
 }
 } // namespace
 } // namespace Data

@@ -13,222 +13,246 @@ namespace Data
 {
 namespace
 {
-constexpr unsigned int kIndices = 12;
-constexpr char kNone[] = "none";
-constexpr char kDefault[] = "0 ";
+constexpr int kSteps = 20000;
+constexpr int kStepsToComparison = 20;
+constexpr unsigned int kPlaces = 12;
 
-/// What a stream should hold: its elements by index, as recordText() gives them.
+/// The index of a place; the order of the places is the order of their indices.
+Index indexOf(const std::string& type, unsigned int place)
+{
+    if (type == "pair")
+        return IndexPair(place / 5, place % 5);
+    if (type == "string")
+        return IndexString(std::string(place / 4, 'x') + std::string(place % 4, 'a'));
+    return place;
+}
+
+/// What a stream should hold: records, as recordText() gives them, by place. The places of dense storage
+/// hold default values where nothing was set, and keep what they hold when they are counted no more.
 class StreamModel
 {
 public:
-    virtual ~StreamModel() = default;
+    unsigned int count() const { return mIsDense ? mCount : static_cast<unsigned int>(mElements.size()); }
+    bool has(unsigned int i) const { return mIsDense ? i < mCount : mElements.count(i) > 0; }
 
-    virtual unsigned int count() const = 0;
-    virtual bool has(unsigned int i) const = 0;
-    virtual std::string at(unsigned int i) const = 0;
-    virtual void set(unsigned int i, const std::string& element) = 0;
-    virtual void remove(unsigned int i) = 0;
-    virtual bool reindex(unsigned int from, unsigned int to) = 0;
-    virtual bool setRange(unsigned int first, unsigned int last) = 0;
-
-    bool swap(unsigned int a, unsigned int b)
+    std::string at(unsigned int i) const
     {
-        if (!has(a) || !has(b))
-            return false;
-        std::swap(mElements[a], mElements[b]);
-        return true;
-    }
-
-protected:
-    std::map<unsigned int, std::string> mElements;
-};
-
-class MappedModel : public StreamModel
-{
-public:
-    unsigned int count() const override { return static_cast<unsigned int>(mElements.size()); }
-    bool has(unsigned int i) const override { return mElements.count(i) > 0; }
-    std::string at(unsigned int i) const override { return has(i) ? mElements.at(i) : kNone; }
-    void set(unsigned int i, const std::string& element) override { mElements[i] = element; }
-    void remove(unsigned int i) override { mElements.erase(i); }
-    bool setRange(unsigned int, unsigned int) override { return true; }
-
-    bool reindex(unsigned int from, unsigned int to) override
-    {
-        if (!has(from))
-            return false;
-        auto node = mElements.extract(from);
-        node.key() = to;
-        mElements.erase(to);
-        mElements.insert(std::move(node));
-        return true;
-    }
-};
-
-/// Slots without an entry hold default values, those at and above the count included.
-class DenseModel : public StreamModel
-{
-public:
-    unsigned int count() const override { return mCount; }
-    bool has(unsigned int i) const override { return i < mCount; }
-
-    std::string at(unsigned int i) const override
-    {
-        if (!has(i))
-            return kNone;
         const auto found = mElements.find(i);
-        return found == mElements.end() || found->second.empty() ? kDefault : found->second;
+        return !has(i) ? "none" : found == mElements.end() ? "0 " : found->second;
     }
 
-    void set(unsigned int i, const std::string& element) override
+    void set(unsigned int i, const std::string& element)
     {
         mElements[i] = element;
         mCount = std::max(mCount, i + 1);
     }
 
-    void remove(unsigned int i) override
+    void remove(unsigned int i)
     {
         if (has(i))
             mElements.erase(i);
     }
 
-    bool reindex(unsigned int from, unsigned int to) override
+    bool reindex(unsigned int from, unsigned int to)
     {
         if (!has(from))
             return false;
-        set(to, at(from));
+        const std::string moved = at(from);
+        set(to, moved);
         mElements.erase(from);
+        if (!mIsDense && from == to)
+            set(to, moved); // dense storage resets the source even so
         return true;
     }
 
-    bool setRange(unsigned int first, unsigned int last) override
+    bool swap(unsigned int a, unsigned int b)
+    {
+        if (!has(a) || !has(b))
+            return false;
+        const std::string before = at(a);
+        set(a, at(b));
+        set(b, before);
+        return true;
+    }
+
+    bool setRange(unsigned int first, unsigned int last)
     {
         const unsigned int n = last - first + 1;
-        if (n == 0)
-            return false;
+        if (!mIsDense || n == 0 || n == mCount)
+            return !mIsDense || n > 0;
         if (n < mCount)
             mElements.erase(mElements.lower_bound(n), mElements.lower_bound(mCount));
         mCount = n < mCount ? n - 1 : n;
         return true;
     }
 
+    void merge(const StreamModel& other)
+    {
+        for (unsigned int i = 0; i < other.count(); ++i)
+        {
+            if (other.has(i))
+                set(i, other.at(i));
+        }
+    }
+
+    bool setDense(bool isDense)
+    {
+        if (isDense == mIsDense)
+            return true;
+        StreamModel converted;
+        converted.mIsDense = isDense;
+        for (unsigned int i = 0; i <= kPlaces; ++i)
+        {
+            if (has(i))
+                converted.set(i, at(i));
+        }
+        *this = converted;
+        return count() == 0;
+    }
+
 private:
-    unsigned int mCount = 0;
+    std::map<unsigned int, std::string> mElements;
+    unsigned int mCount = 0; // of dense storage
+    bool mIsDense = false;
 };
 
 class StreamPropertyTest : public test::DataTest
 {
 protected:
     /// Does one random call to the stream and to its model; both must give the same result.
-    void act(Stream& stream, StreamModel& model)
+    void act()
     {
-        const unsigned int i = mRandom.below(kIndices);
-        const unsigned int j = mRandom.below(kIndices);
-        switch (mRandom.below(8))
+        const unsigned int i = mRandom.below(kPlaces);
+        const unsigned int j = mRandom.below(kPlaces);
+        switch (mRandom.below(10))
         {
         case 0:
-            EXPECT_EQ(stream.setElement(i, stream.element(j)), model.has(j));
-            if (model.has(j))
-                model.set(i, model.at(j));
+            EXPECT_EQ(mStream.setElement(at(i), mStream.element(at(j))), mModel.has(j));
+            if (mModel.has(j))
+                mModel.set(i, mModel.at(j));
             break;
         case 1:
-            EXPECT_TRUE(stream.removeElement(i));
-            model.remove(i);
+            EXPECT_TRUE(mStream.removeElement(at(i)));
+            mModel.remove(i);
             break;
         case 2:
-            EXPECT_EQ(stream.reindexElement(i, j), model.reindex(i, j));
+            EXPECT_EQ(mStream.reindexElement(at(i), at(j)), mModel.reindex(i, j));
             break;
         case 3:
-            EXPECT_EQ(stream.swapElements(i, j), model.swap(i, j));
+            EXPECT_EQ(mStream.swapElements(at(i), at(j)), mModel.swap(i, j));
             break;
         case 4:
             if (i <= j + 1)
             {
-                EXPECT_EQ(stream.setElementRange(i, j), model.setRange(i, j));
+                EXPECT_EQ(mStream.setElementRange(i, j), mModel.setRange(i, j));
             }
             break;
         case 5:
-            mCopy = stream;
-            EXPECT_TRUE(stream.makeUnique());
+            mCopy = mStream;
+            mCopyModel = mModel;
+            EXPECT_TRUE(mStream.makeUnique());
+            EXPECT_FALSE(mStream.makeUnique());
             break;
         case 6:
-            EXPECT_TRUE(stream.mergeStream(stream));
+            EXPECT_TRUE(mStream.mergeStream(mStream));
+            EXPECT_TRUE(mStream.mergeStream(mCopy));
+            if (mType == Index::theTypeName()) // elements at other indices are left out
+                mModel.merge(mCopyModel);
+            break;
+        case 7:
+            if (mSwitchesStorage)
+            {
+                const bool isDense = mRandom.below(2) > 0;
+                EXPECT_EQ(mStream.useDenseStorage(isDense), mModel.setDense(isDense));
+            }
             break;
         default:
-            set(stream, model, i);
+            set(i);
         }
     }
 
-    void set(Stream& stream, StreamModel& model, unsigned int i)
+    void set(unsigned int i)
     {
         const unsigned int number = mRandom.below(256);
         const std::string label(mRandom.below(40), 'x');
-        EXPECT_TRUE(stream.setElement(i, test::record(*mRecord, number, label)));
-        model.set(i, std::to_string(number) + " " + label);
+        EXPECT_TRUE(mStream.setElement(at(i), test::record(*mRecord, number, label)));
+        mModel.set(i, std::to_string(number) + " " + label);
     }
 
-    static void compare(const Stream& stream, const StreamModel& model)
+    void compare(const Stream& stream, const StreamModel& model) const
     {
         ASSERT_EQ(stream.elementCount(), model.count());
         StreamIterator position = stream.begin();
-        for (unsigned int i = 0; i <= kIndices; ++i)
+        for (unsigned int i = 0; i <= kPlaces; ++i)
         {
-            ASSERT_EQ(stream.hasElement(i), model.has(i)) << i;
-            ASSERT_EQ(test::recordText(stream, i), model.at(i)) << i;
+            ASSERT_EQ(stream.hasElement(at(i)), model.has(i)) << i;
+            ASSERT_EQ(test::recordText(stream, at(i)), model.at(i)) << i;
             if (!model.has(i))
                 continue;
-            ASSERT_EQ(position.index().asString(), std::to_string(i));
+            ASSERT_TRUE(position.valid() && position.index() == at(i)) << i;
             ASSERT_EQ(test::recordText(*position), model.at(i));
             ++position;
         }
         ASSERT_TRUE(position == stream.end());
     }
 
-    void compareAlongARandomWalk(bool isDense, StreamModel& model)
+    void compareAlongARandomWalk(const std::string& indexType)
     {
-        SCOPED_TRACE(mRandom.seedText());
-        Stream stream(*mRecord, "s");
-        stream.useDenseStorage(isDense);
-        for (int step = 0; step < 4000 && !HasFailure(); ++step)
+        mType = indexType;
+        SCOPED_TRACE(mType + " indices, " + mRandom.seedText());
+        EXPECT_TRUE(mStream.setIndexType(mType));
+        for (int step = 0; step < kSteps && !HasFailure(); ++step)
         {
             SCOPED_TRACE(step);
-            act(stream, model);
-            compare(stream, model);
+            act();
+            if (step % kStepsToComparison == 0)
+            {
+                compare(mStream, mModel);
+                compare(mCopy, mCopyModel);
+            }
         }
     }
 
-    Ref<Structure> mRecord = test::recordStructure();
-    Stream mCopy; // shares with the stream under test now and then
+    Index at(unsigned int place) const { return indexOf(mType, place); }
+
+    /// Four of these elements fill a page, so a dense block grows within the places.
+    Ref<Structure> mRecord = test::heldStructure(
+        "Record", {{Member::kUInt8, 1, "number"}, {Member::kString, 1, "label"}, {Member::kUInt8, 1001, "more"}});
     test::Random mRandom;
+    std::string mType;
+    bool mSwitchesStorage = false;
+    Stream mStream{*mRecord, "s"};
+    StreamModel mModel;
+    Stream mCopy{*mRecord, "copy"}; // as the stream was at some step
+    StreamModel mCopyModel;
 };
 
 TEST_F(StreamPropertyTest, MappedStorage_AnswersLikeAMap)
 {
-    MappedModel model;
-    compareAlongARandomWalk(false, model);
+    compareAlongARandomWalk("numeric");
+}
+
+TEST_F(StreamPropertyTest, MappedStorageOfPairs_AnswersLikeAMap)
+{
+    compareAlongARandomWalk("pair");
+}
+
+TEST_F(StreamPropertyTest, MappedStorageOfTexts_AnswersLikeAMap)
+{
+    compareAlongARandomWalk("string");
 }
 
 TEST_F(StreamPropertyTest, DenseStorage_AnswersLikeAnArrayOfDefaults)
 {
-    DenseModel model;
-    compareAlongARandomWalk(true, model);
+    EXPECT_TRUE(mStream.useDenseStorage(true));
+    EXPECT_TRUE(mModel.setDense(true));
+    compareAlongARandomWalk("numeric");
 }
 
 TEST_F(StreamPropertyTest, ChangesOfStorage_KeepEveryElement)
 {
-    SCOPED_TRACE(mRandom.seedText());
-    for (int round = 0; round < 100 && !HasFailure(); ++round)
-    {
-        Stream stream(*mRecord, "s");
-        DenseModel model; // what a mapped stream holds too, once it has been dense
-        for (unsigned int n = mRandom.below(6); n > 0; --n)
-            set(stream, model, mRandom.below(kIndices));
-        for (const bool isDense : {true, false, true})
-        {
-            EXPECT_EQ(stream.useDenseStorage(isDense), model.count() == 0);
-            compare(stream, model);
-        }
-    }
+    mSwitchesStorage = true;
+    compareAlongARandomWalk("numeric");
 }
 } // namespace
 } // namespace Data

@@ -1,6 +1,8 @@
 #include "vumo/data/Stream.h"
 
 #include "tests/support/DataFixtures.h"
+#include "vumo/data/StreamImplDense.h"
+#include "vumo/data/StreamImplMapped.h"
 
 #include <initializer_list>
 
@@ -10,7 +12,7 @@ namespace Data
 {
 namespace
 {
-class StreamTest : public test::DataTest
+class StreamTest : public test::RecordTest
 {
 protected:
     /// A stream of records whose labels are their numbers, at these indices.
@@ -31,9 +33,9 @@ protected:
             text += position.index().asString() + ": " + test::recordText(*position) + ", ";
         return text;
     }
-
-    Ref<Structure> mRecord = test::recordStructure();
 };
+
+using StreamGoldenTest = StreamTest;
 
 TEST_F(StreamTest, ANewStream_IsMappedNumericAndEmpty)
 {
@@ -43,30 +45,7 @@ TEST_F(StreamTest, ANewStream_IsMappedNumericAndEmpty)
     EXPECT_EQ(stream.indexType(), "numeric");
     EXPECT_FALSE(stream.useDefaults());
     EXPECT_EQ(stream.elementCount(), 0U);
-    EXPECT_TRUE(stream.begin() == stream.end());
     EXPECT_TRUE(Stream(*mRecord, "s").useDenseStorage(false));
-}
-
-TEST_F(StreamTest, Copies_ShareUntilMadeUnique)
-{
-    for (const bool isDense : {false, true})
-    {
-        SCOPED_TRACE(isDense ? "dense" : "mapped");
-        Stream first = streamWith({0, 2}, isDense);
-        EXPECT_FALSE(first.makeUnique());
-        Stream second(first);
-        const Stream& itself = second;
-        second = itself;
-        second.setElement(1, test::record(*mRecord, 11, "shared"));
-        EXPECT_EQ(test::recordText(first, 1), "11 shared");
-        EXPECT_TRUE(second.makeUnique());
-        EXPECT_FALSE(first.makeUnique());
-        second.removeElement(0);
-        Handle own = second.element(1);
-        test::setText(own, "label", "own");
-        EXPECT_EQ(contents(first), "0: 0 l0, 1: 11 shared, 2: 2 l2, ");
-        EXPECT_EQ(test::recordText(second, 1), "11 own");
-    }
 }
 
 TEST_F(StreamTest, SetElement_TakesOnlyDataOfItsVeryStructure)
@@ -79,11 +58,8 @@ TEST_F(StreamTest, SetElement_TakesOnlyDataOfItsVeryStructure)
         EXPECT_FALSE(stream.setElement(1, Handle(*mRecord, nullptr)));
         EXPECT_FALSE(stream.setElement(7, Handle(*mRecord, nullptr)));
         EXPECT_FALSE(stream.hasElement(7));
+        EXPECT_TRUE(stream.element(7).usesStructure(*mRecord));
         EXPECT_EQ(test::recordText(stream, 1), "1 l1");
-        Handle mine = test::record(*mRecord, 5, "five");
-        EXPECT_TRUE(stream.setElement(1, mine));
-        test::setText(mine, "label", "changed later");
-        EXPECT_EQ(test::recordText(stream, 1), "5 five");
     }
 }
 
@@ -123,37 +99,21 @@ TEST_F(StreamTest, ElementsSetFromTheirOwnStream_AreCopiedBeforeTheOldOnesGo)
         EXPECT_TRUE(stream.setElement(0, *position));
         EXPECT_EQ(test::recordText(stream, 0), "3 l3");
         EXPECT_EQ(test::recordText(stream, 3), "3 l3");
+        const Stream& itself = stream;
+        stream = itself;
         EXPECT_EQ(test::recordText(stream, 5000), "3 l3");
-        EXPECT_TRUE(stream.mergeStream(stream));
-        Stream sharer(stream);
-        EXPECT_TRUE(stream.mergeStream(sharer));
-        EXPECT_EQ(test::recordText(stream, 5000), "3 l3");
-        EXPECT_FALSE(stream.setStructure(stream.structure()));
     }
 }
 
-TEST_F(StreamTest, Merge_WalksByNumberAndStopsAtTheFirstRefusal)
+TEST_F(StreamTest, Merge_StopsAtTheFirstRefusal)
 {
     Stream target = streamWith({1, 2});
-    Handle old = target.element(1);
-    test::setText(old, "label", "old");
-    EXPECT_TRUE(target.mergeStream(streamWith({1, 7}))); // two elements: the numbers 0 and 1
-    EXPECT_EQ(contents(target), "1: 1 l1, 2: 2 l2, ");
-    EXPECT_TRUE(target.mergeStream(streamWith({4}, true)));
-    EXPECT_EQ(target.elementCount(), 5U); // dense default elements exist, too
-    EXPECT_EQ(test::recordText(target, 1), "0 ");
-
     const auto equal = test::recordStructure();
     Stream foreign(*equal, "foreign");
     EXPECT_TRUE(target.mergeStream(foreign));
     foreign.setElement(0, test::record(*equal, 1, "x"));
     EXPECT_FALSE(target.mergeStream(foreign));
-    EXPECT_EQ(test::recordText(target, 0), "0 ");
-    Stream pairs(*mRecord, "pairs");
-    pairs.setIndexType("pair");
-    pairs.setElement(IndexPair(0, 0), test::record(*mRecord, 1, "x"));
-    EXPECT_TRUE(target.mergeStream(pairs));
-    EXPECT_EQ(test::recordText(target, 0), "0 ");
+    EXPECT_EQ(contents(target), "1: 1 l1, 2: 2 l2, ");
 }
 
 TEST_F(StreamTest, SetIndexType_NeedsAnEmptyStreamAndMapsIt)
@@ -186,24 +146,8 @@ TEST_F(StreamTest, SetIndexType_MayBeGivenTheStreamsOwnName)
     EXPECT_EQ(stream.indexType(), "string");
 }
 
-TEST_F(StreamTest, UseDenseStorage_MovesElementsAndReportsWhetherThereWereNone)
+TEST_F(StreamTest, UseDenseStorage_ReadsComplexIndicesAsZero)
 {
-    Stream stream(*mRecord, "s");
-    EXPECT_TRUE(stream.useDenseStorage(true));
-    EXPECT_TRUE(stream.useDenseStorage(false));
-    stream = streamWith({3, 10});
-    EXPECT_FALSE(stream.useDenseStorage(true));
-    EXPECT_EQ(stream.elementCount(), 11U);
-    EXPECT_EQ(test::recordText(stream, 3), "3 l3");
-    EXPECT_EQ(test::recordText(stream, 4), "0 ");
-    EXPECT_TRUE(stream.useDenseStorage(true));
-    Stream sharer(stream);
-    EXPECT_FALSE(stream.useDenseStorage(false));
-    EXPECT_EQ(stream.elementCount(), 11U);
-    stream.removeElement(4);
-    EXPECT_FALSE(stream.hasElement(4));
-    EXPECT_TRUE(sharer.hasElement(4));
-
     Stream texts(*mRecord, "texts");
     texts.setIndexType("string");
     texts.setElement(IndexString("a"), test::record(*mRecord, 1, "first"));
@@ -240,47 +184,40 @@ TEST_F(StreamTest, SetStructure_ReleasesTheOldOneAndNeedsAnEmptyStream)
     EXPECT_EQ(mRecord->refCount(), 1);
 }
 
-TEST_F(StreamTest, Handles_WriteThroughToTheElement)
+TEST_F(StreamGoldenTest, Debug_PrintsTheHeaderAndTheStorage)
 {
-    for (const bool isDense : {false, true})
-    {
-        Stream stream = streamWith({0, 1}, isDense);
-        Handle handle = stream.element(1);
-        test::setText(handle, "label", "written");
-        EXPECT_EQ(test::recordText(stream, 1), "1 written");
-        EXPECT_TRUE(handle.makeUnique());
-        test::setText(handle, "label", "elsewhere");
-        EXPECT_EQ(test::recordText(stream, 1), "1 written");
-        EXPECT_FALSE(stream.element(2).hasData());
-        EXPECT_TRUE(stream.element(2).usesStructure(*mRecord));
-    }
-}
-
-TEST_F(StreamTest, Debug_PrintsTheHeaderAndTheStorage)
-{
-    Stream stream = streamWith({0});
+    Stream stream = streamWith({1});
+    stream.setElement(IndexPair(3, 7), Handle(*mRecord));
+    EXPECT_TRUE(stream.setElementRange(2, IndexPair(1, 2)));
+    EXPECT_EQ(stream.elementCount(), 2U);
     const std::string header = "Data Stream 'records' uses structure 'Record' with index type 'numeric'\n";
     EXPECT_EQ(test::printedWithoutAddresses(&stream), header + "Data Stream (Mapped)\n"
                                                                "{\n"
                                                                "    PTR: ADDRESS\n"
-                                                               "    Lowest valid index = 0\n"
-                                                               "    Highest valid index = 0\n"
+                                                               "    Lowest valid index = 2\n"
+                                                               "    Highest valid index = 1 2\n"
                                                                "    Stream Elements\n"
                                                                "    {\n"
-                                                               "        Element count = 1\n"
-                                                               "        Index (0), Handle (1 elements: [ l0 ])\n"
+                                                               "        Element count = 2\n"
+                                                               "        Index (1), Handle (1 elements: [ l1 ])\n"
+                                                               "        Index (3 7), Handle (1 elements: [ 0 ])\n"
                                                                "    }\n"
                                                                "}\n");
+    const std::size_t elements = 2 * (sizeof(Index) + sizeof(Handle));
+    EXPECT_EQ(test::footprintOf(&stream).totalSize(), sizeof(Stream) + sizeof(StreamImplMapped) + elements);
+    stream.removeElement(IndexPair(3, 7));
     stream.useDenseStorage(true);
     EXPECT_EQ(test::printed(&stream), header + "Data Stream\n"
                                                "{\n"
-                                               "    Highest valid index = 1\n"
+                                               "    Highest valid index = 2\n"
                                                "    Number allocated    = 240\n"
                                                "    Stream Elements\n"
                                                "    {\n"
                                                "        Index (0), Handle (1 elements: [ 0 ])\n"
+                                               "        Index (1), Handle (1 elements: [ 1 ])\n"
                                                "    }\n"
                                                "}\n");
+    EXPECT_EQ(test::footprintOf(&stream).totalSize(), sizeof(Stream) + sizeof(StreamImplDense) + 240 * 17);
 }
 } // namespace
 } // namespace Data

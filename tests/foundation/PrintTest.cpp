@@ -21,13 +21,18 @@ protected:
 
 using PrintGoldenTest = PrintTest;
 
-TEST_F(PrintGoldenTest, NestedSections_IndentByFourBlanks)
+TEST_F(PrintGoldenTest, Sections_IndentAndHaveBracesUnlessPlain)
 {
     mPrint.indent(1);
     mPrint.beginSection("Member List");
     mPrint << "x = " << 1 << "\n";
     mPrint.beginSection("Inner");
     mPrint.endSection();
+    mPrint.endSection();
+    EXPECT_EQ(mPrint.setSectionStyle(Print::kPlain), Print::kBraced);
+    EXPECT_EQ(mPrint.setIndentString("-"), "    ");
+    mPrint.beginSection("Plain");
+    mPrint << "y\n";
     mPrint.endSection();
     mPrint << "after\n";
     EXPECT_EQ(text(), "    Member List\n"
@@ -37,20 +42,9 @@ TEST_F(PrintGoldenTest, NestedSections_IndentByFourBlanks)
                       "        {\n"
                       "        }\n"
                       "    }\n"
-                      "    after\n");
-}
-
-TEST_F(PrintGoldenTest, PlainSections_HaveNoBraces)
-{
-    EXPECT_EQ(mPrint.setSectionStyle(Print::kPlain), Print::kBraced);
-    EXPECT_EQ(mPrint.setIndentString("-"), "    ");
-    mPrint.beginSection("A");
-    mPrint.beginSection("B");
-    mPrint << "c\n";
-    mPrint.endSection();
-    mPrint.endSection();
-    mPrint << "d\n";
-    EXPECT_EQ(text(), "A\n-B\n--c\nd\n");
+                      "-Plain\n"
+                      "--y\n"
+                      "-after\n");
 }
 
 TEST_F(PrintTest, SkipNextIndent_SuppressesExactlyOneIndentation)
@@ -71,8 +65,7 @@ TEST_F(PrintTest, Levels_AreSignedAndReturned)
     mPrint << "left\n";
     EXPECT_EQ(mPrint.setIndent(1), -3);
     EXPECT_EQ(mPrint.indent(1), 1);
-    mPrint << "right\n";
-    EXPECT_EQ(text(), "left\n        right\n");
+    EXPECT_EQ(text(), "left\n");
 }
 
 TEST_F(PrintTest, Insertions_EachIndentAndWriteTheirType)
@@ -121,12 +114,15 @@ TEST_F(PrintTest, Copies_TakeEverythingButTheFilters)
     mPrint.setSectionStyle(Print::kPlain);
     mPrint.skipNextIndent(true);
     mPrint.addFilter("hex", 1);
+    const Print& itself = mPrint;
+    mPrint = itself;
+    int value = 0;
+    EXPECT_TRUE(mPrint.findFilter("hex", value));
     Print copy(mPrint);
     std::ostringstream elsewhere;
     Print assigned(elsewhere);
     assigned.addFilter("type", 1);
     assigned = mPrint;
-    int value = 0;
     for (Print* print : {&copy, &assigned})
     {
         EXPECT_FALSE(print->findFilter("hex", value));
@@ -137,15 +133,6 @@ TEST_F(PrintTest, Copies_TakeEverythingButTheFilters)
     }
     EXPECT_EQ(text(), "a\n**S\n***b\na\n**S\n***b\n");
     EXPECT_EQ(elsewhere.str(), "");
-}
-
-TEST_F(PrintTest, SelfAssignment_KeepsTheState)
-{
-    mPrint.setIndent(1);
-    const Print& itself = mPrint;
-    mPrint = itself;
-    mPrint << "a\n";
-    EXPECT_EQ(text(), "    a\n");
 }
 } // namespace
 } // namespace Debug

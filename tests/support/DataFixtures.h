@@ -144,6 +144,13 @@ private:
     std::string mLivingBefore;
 };
 
+/// Has the structure of records at hand, too.
+class RecordTest : public DataTest
+{
+protected:
+    Ref<Structure> mRecord = recordStructure();
+};
+
 /// What kind of exception `action` throws, and its message.
 template <class Action>
 std::string thrownBy(Action&& action)

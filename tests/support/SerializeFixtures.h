@@ -1,13 +1,12 @@
 #pragma once
 
-#include "vumo/data/Associations.h"
+#include "tests/support/CommaLocale.h"
+#include "tests/support/DataFixtures.h"
+#include "tests/support/Golden.h"
 #include "vumo/serialize/StructureSerializerRaw.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <fstream>
-#include <locale>
 #include <sstream>
 #include <stdexcept>
 #include <streambuf>
@@ -17,17 +16,11 @@ namespace vumo
 {
 namespace Fixtures
 {
-inline std::string goldenText(const std::string& name)
-{
-    std::ifstream file(std::string(VUMO_GOLDEN_DIR) + "/" + name, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    EXPECT_TRUE(file.good()) << name;
-    return text.str();
-}
+using test::CommaLocale;
+using test::goldenText;
 
-/// Starts each test with an empty registry of structures; ends it with one, and with no object more than before.
-class SerializeFixture : public ::testing::Test
+/// Reads structures from their raw text.
+class SerializeFixture : public test::DataTest
 {
 protected:
     /// Registers the structure of that raw text. Lives until the end of the test.
@@ -40,51 +33,6 @@ protected:
         EXPECT_TRUE(Data::Structure::registerStructure(*structure));
         return *structure;
     }
-
-    void SetUp() override
-    {
-        Data::Structure::deleteAllStructures();
-        mAliveBefore = objectsAlive();
-    }
-
-    void TearDown() override
-    {
-        Data::Structure::deleteAllStructures();
-        EXPECT_EQ(objectsAlive(), mAliveBefore) << "structures, streams, channels, associations, handles, indices";
-    }
-
-private:
-    using Counters = std::array<unsigned long long, 6>;
-
-    static Counters objectsAlive()
-    {
-        return {Data::Structure::_objectsAlive,    Data::Stream::_objectsAlive, Data::Channel::_objectsAlive,
-                Data::Associations::_objectsAlive, Data::Handle::_objectsAlive, Data::Index::_objectsAlive};
-    }
-
-    Counters mAliveBefore = {};
-};
-
-/// Makes a decimal comma and grouped thousands the global rule for as long as it lives.
-class CommaLocale
-{
-public:
-    CommaLocale() : mBefore(std::locale::global(std::locale(std::locale::classic(), new Punctuation))) {}
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-    ~CommaLocale() { std::locale::global(mBefore); }
-
-private:
-    class Punctuation : public std::numpunct<char>
-    {
-    protected:
-        char do_decimal_point() const override { return ','; }
-        char do_thousands_sep() const override { return '.'; }
-        std::string do_grouping() const override { return "\3"; }
-        std::string do_truename() const override { return "wahr"; }
-    };
-
-    std::locale mBefore;
 };
 
 /// Gives a text and then breaks, as a file does whose disk fails.
