@@ -15,9 +15,7 @@
 #include <sstream>
 #include <string>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 using namespace vumo::Data;
 using example::bigEndian;
@@ -104,5 +102,4 @@ inline std::unique_ptr<Accessor> readScene(const std::string& fileName)
     EXPECT_EQ(errors, "");
     return accessor;
 }
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

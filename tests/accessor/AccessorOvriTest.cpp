@@ -4,9 +4,7 @@
 
 #include <limits>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -95,5 +93,4 @@ TEST_F(AccessorOvriTest, Deserialize_MakesWhatTheTextSays)
     EXPECT_TRUE(result.empty());
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -6,9 +6,7 @@
 #include <stdexcept>
 #include <typeinfo>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -300,5 +298,4 @@ TEST_F(AccessorTest, ReadFile_SaysWhyThereIsNoAccessor)
     EXPECT_EQ(errors, "File not valid.");
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

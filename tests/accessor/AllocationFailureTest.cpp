@@ -40,9 +40,7 @@ bool hasFailed()
     std::free(block);
 }
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -103,5 +101,4 @@ TEST_F(AllocationFailureTest, ALackOfMemoryLosesNothing)
     }
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -4,9 +4,7 @@
 
 #include <fstream>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -208,5 +206,4 @@ TEST_F(BinaryReaderTest, Read_FiltersTakeEachWantedNameOnceAndLookNoFurther)
     mAccessor.clear();
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -5,9 +5,7 @@
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/StructureSerializer.h"
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -231,5 +229,4 @@ TEST_F(BinaryWriterTest, Texts_AreUtf8InTheFileAndInTheLocalesEncodingOutside)
     EXPECT_EQ(valueAt(*readScene(mFile.name()), "", "scene", "notes", 0), many);
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

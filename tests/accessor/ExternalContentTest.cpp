@@ -1,8 +1,6 @@
 #include "tests/accessor/AccessorFixture.h"
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -160,5 +158,4 @@ TEST_F(ExternalContentTest, ReadTable_ReadsTheTableOfBothKindsOfScene)
     EXPECT_EQ(errors, "No accessor found for type of file \"scene.txt\"");
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

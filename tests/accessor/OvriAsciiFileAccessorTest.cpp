@@ -9,9 +9,7 @@
 #include <set>
 #include <vector>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -490,5 +488,4 @@ TEST_F(OvriAsciiFileAccessorTest, RichScenesOfBothKindsAreExactToTheByte)
     }
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

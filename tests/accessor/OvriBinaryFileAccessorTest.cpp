@@ -5,9 +5,7 @@
 
 #include <fstream>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -269,5 +267,4 @@ TEST_F(OvriBinaryFileAccessorDamageTest, EveryByteOfHeadAndTrailerMayLie)
     RecordProperty("cases", cases);
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

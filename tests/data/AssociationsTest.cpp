@@ -4,9 +4,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -68,5 +66,4 @@ TEST_F(AssociationsGoldenTest, Debug_PrintsEachChannel)
               sizeof(Associations) + sizeof(AssociationsImpl) + 2 * test::footprintOf(associations[0]).totalSize());
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include "tests/support/DataFixtures.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -41,5 +39,4 @@ TEST_F(AttachDirectlyTest, Copies_ShareTheMetadataAndAlwaysHaveSome)
     EXPECT_TRUE(object.metadata()->findChannel("face"));
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include "tests/support/DataFixtures.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -105,5 +103,4 @@ TEST_F(ChannelGoldenTest, Debug_NamesTheChannelAndPrintsItsStreams)
               sizeof(Channel) + sizeof(ChannelImpl) + test::footprintOf(stream).totalSize());
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -5,9 +5,7 @@
 #include <memory>
 #include <string>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -211,5 +209,4 @@ TEST_F(ContainerPropertyTest, Associations_AnswerLikeMapsOfMaps)
     compareAlongARandomWalk(kAllCalls);
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

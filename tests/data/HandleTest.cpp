@@ -5,9 +5,7 @@
 
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -313,5 +311,4 @@ TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)
     EXPECT_EQ(Handle(*truth, block).str(0), "true"); // as any byte but 0
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,9 +6,7 @@
 #include <typeinfo>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -229,5 +227,4 @@ TEST_F(IndexGoldenTest, Debug_WritesNumbersPairsAndTexts)
     EXPECT_EQ(test::footprintOf(&text).totalSize(), sizeof(IndexString) + 4);
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include "tests/support/DataFixtures.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -145,5 +143,4 @@ TEST_F(MemberTest, Destroy_LeavesNullStrings)
     EXPECT_TRUE(handle.isDefault());
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include <initializer_list>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -165,5 +163,4 @@ TYPED_TEST(NamedSetTest, Iterators_StepOnlyByThePrefixForm)
     EXPECT_EQ(test::thrownBy([&] { end.operator->(); }), "out_of_range: const " + thrown + "->");
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -4,9 +4,7 @@
 
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -186,5 +184,4 @@ TEST_F(StreamImplDenseTest, AStructureThatGrewWhileThereWereNoElements_GetsANewB
     EXPECT_EQ(at(0), "0 ");
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -2,9 +2,7 @@
 
 #include "tests/support/DataFixtures.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -120,5 +118,4 @@ TEST_F(StreamIteratorTest, AClearedDenseStream_IsWalkedWithoutData)
     EXPECT_TRUE(position == stream.cend());
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

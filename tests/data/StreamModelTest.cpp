@@ -7,9 +7,7 @@
 #include <string>
 #include <utility>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -255,5 +253,4 @@ TEST_F(StreamPropertyTest, ChangesOfStorage_KeepEveryElement)
     compareAlongARandomWalk("numeric");
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

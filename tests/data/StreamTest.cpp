@@ -6,9 +6,7 @@
 
 #include <initializer_list>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -220,5 +218,4 @@ TEST_F(StreamGoldenTest, Debug_PrintsTheHeaderAndTheStorage)
     EXPECT_EQ(test::footprintOf(&stream).totalSize(), sizeof(Stream) + sizeof(StreamImplDense) + 240 * 17);
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,9 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -340,5 +338,4 @@ TEST_F(StructureTest, Footprint_CountsEveryPiece)
     EXPECT_EQ(test::footprintOf<Structure>(nullptr).totalSize(), empty + sizeof(Structure*));
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

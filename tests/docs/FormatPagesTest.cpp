@@ -7,9 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -59,5 +57,4 @@ TEST(FormatPagesGoldenTest, Examples_StandInTheirGoldenFiles)
     }
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -3,9 +3,7 @@
 #include "tests/support/DataFixtures.h"
 #include "vumo/foundation/Count.h"
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 namespace
 {
@@ -28,5 +26,4 @@ TEST(FootprintTest, Count_StartsAtZeroAndIsAssigned)
     EXPECT_EQ(count.value(), 5000000000U);
 }
 } // namespace
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

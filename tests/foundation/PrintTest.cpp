@@ -4,9 +4,7 @@
 
 #include <sstream>
 
-namespace vumo
-{
-namespace Debug
+namespace vumo::Debug
 {
 namespace
 {
@@ -135,5 +133,4 @@ TEST_F(PrintTest, Copies_TakeEverythingButTheFilters)
     EXPECT_EQ(elsewhere.str(), "");
 }
 } // namespace
-} // namespace Debug
-} // namespace vumo
+} // namespace vumo::Debug

@@ -6,9 +6,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -170,5 +168,4 @@ TEST_F(AssociationsSerializerRawTest, Write_PassesOnTheFaultsOfItsChannels)
                       "1 error found, Associations may not be written correctly\n");
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

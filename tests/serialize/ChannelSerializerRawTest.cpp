@@ -4,9 +4,7 @@
 
 #include <memory>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -119,5 +117,4 @@ TEST_F(ChannelSerializerRawTest, Write_CountsAFailedOutputOnce)
     EXPECT_EQ(mFormat.write(channel, out, errors), 1);
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -7,9 +7,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -113,5 +111,4 @@ TYPED_TEST(SerializerInitializerTest, AnInitializer_RegistersForAsLongAsItLives)
     EXPECT_EQ(Base::formatByName("other"), nullptr);
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -6,9 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -76,5 +74,4 @@ TEST(SerializerRawTest, SplitString_AppendsWhatLineReadsWouldGive)
     EXPECT_THAT(SerializerRaw::splitString(":", ':', none), ElementsAre(""));
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

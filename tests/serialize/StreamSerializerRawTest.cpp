@@ -10,9 +10,7 @@
 #include <memory>
 #include <random>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -604,5 +602,4 @@ TEST_F(StreamSerializerRawTest, Read_CountsWhatAnIndexTypeOfSomebodyElseThrows)
                       "1 error found, Stream not created\n");
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

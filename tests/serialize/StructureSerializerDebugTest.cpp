@@ -5,9 +5,7 @@
 #include "vumo/serialize/SerializerInitializer.h"
 #include "vumo/serialize/StructureSerializerRaw.h"
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -57,5 +55,4 @@ TEST_F(StructureSerializerDebugTest, GetFormatDescription_IsThreeLinesEachBehind
               "the structure in a verbose format.");
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -5,9 +5,7 @@
 #include <chrono>
 #include <random>
 
-namespace vumo
-{
-namespace Data
+namespace vumo::Data
 {
 namespace
 {
@@ -188,5 +186,4 @@ TEST_F(StructureSerializerRawPropertyTest, WhatIsWritten_ReadsBackAsAnEqualStruc
     }
 }
 } // namespace
-} // namespace Data
-} // namespace vumo
+} // namespace vumo::Data

@@ -3,9 +3,7 @@
 #include <locale>
 #include <string>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 /// Makes a decimal comma and grouped thousands the global rule for as long as it lives.
 class CommaLocale
@@ -29,5 +27,4 @@ private:
     std::locale mBefore;
 };
 
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -15,9 +15,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 using Data::Handle;
 using Data::Index;
@@ -177,5 +175,4 @@ std::string thrownBy(Action&& action)
     }
     return "nothing";
 }
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -5,9 +5,7 @@
 #include <csignal>
 #include <cstddef>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 /// Ends every write to a file at that length, like a full disk, while it lives.
 class FullDisk
@@ -33,5 +31,4 @@ private:
     void (*mHandler)(int);
     rlimit mOld = {};
 };
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -7,9 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 /// The bytes of a file of tests/golden as it is.
 inline std::string goldenText(const std::string& fileName)
@@ -45,5 +43,4 @@ inline std::string goldenBytes(const std::string& fileName)
     }
     return bytes;
 }
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -3,9 +3,7 @@
 #include <random>
 #include <string>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 /// Random numbers that are the same everywhere for one seed. Put seedText() into a SCOPED_TRACE: with it a
 /// failure can be played again.
@@ -23,5 +21,4 @@ private:
     unsigned int mSeed;
     std::mt19937 mEngine;
 };
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -8,9 +8,7 @@
 #include <iterator>
 #include <string>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 /// A file for one test, removed with the object.
 class ScratchFile
@@ -45,5 +43,4 @@ public:
 private:
     std::string mName;
 };
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

@@ -5,9 +5,7 @@
 #include <filesystem>
 #include <string>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 /// The locale of the C library while it lives: one of that encoding, made for the test.
 class ScratchLocale
@@ -37,5 +35,4 @@ public:
 private:
     bool mIsSet = false;
 };
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test

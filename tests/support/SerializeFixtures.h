@@ -12,9 +12,7 @@
 #include <streambuf>
 #include <string>
 
-namespace vumo
-{
-namespace Fixtures
+namespace vumo::Fixtures
 {
 using test::CommaLocale;
 using test::goldenText;
@@ -80,5 +78,4 @@ std::string descriptionOf(const Format& format)
     EXPECT_EQ(&format.getFormatDescription(out), &out);
     return out.str();
 }
-} // namespace Fixtures
-} // namespace vumo
+} // namespace vumo::Fixtures

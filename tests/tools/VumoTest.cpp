@@ -9,9 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace vumo
-{
-namespace test
+namespace vumo::test
 {
 namespace
 {
@@ -250,5 +248,4 @@ TEST_F(VumoTest, TheExampleOfAnObjectShowsWhatSharingMeans)
     EXPECT_EQ(outcome.out.substr(0, outcome.out.find("Footprint")), "body: 0.75, copy: 0.75\nbody: 0.75, copy: 1\n");
 }
 } // namespace
-} // namespace test
-} // namespace vumo
+} // namespace vumo::test
