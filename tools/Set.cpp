@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <locale>
-#include <regex>
 #include <sstream>
 
 using namespace vumo::Data;
@@ -32,6 +31,21 @@ std::vector<std::string> words(const std::string& text)
     return result;
 }
 
+/// Takes "name[i]" apart.
+bool splitIndex(const std::string& text, std::string& name, unsigned int& i)
+{
+    constexpr std::string::size_type kMostDigits = 9;
+    const std::string::size_type open = text.rfind('[');
+    if (open == std::string::npos || text.back() != ']')
+        return false;
+    const std::string digits = text.substr(open + 1, text.size() - open - 2);
+    if (digits.empty() || digits.size() > kMostDigits || digits.find_first_not_of("0123456789") != std::string::npos)
+        return false;
+    name = text.substr(0, open);
+    i = static_cast<unsigned int>(std::stoul(digits));
+    return true;
+}
+
 /// Moves the handle to the member that the assignment names, and says which of its values are meant. A member
 /// whose very name looks like one with an index goes first.
 Assignment resolve(const SceneFile& scene, const std::string& text, Handle& element)
@@ -44,14 +58,13 @@ Assignment resolve(const SceneFile& scene, const std::string& text, Handle& elem
     if (element.setPositionByMemberName(name.c_str()))
         return {name, value, 0, element.dataLength()};
 
-    std::smatch parts;
-    const bool hasIndex = std::regex_match(name, parts, std::regex(R"((.+)\[(\d{1,9})\])"));
-    if (!hasIndex || !element.setPositionByMemberName(parts[1].str().c_str()))
+    std::string plainName;
+    unsigned int i = 0;
+    if (!splitIndex(name, plainName, i) || !element.setPositionByMemberName(plainName.c_str()))
         throw scene.failure("there is no member " + quoted(name));
-    const auto i = static_cast<unsigned int>(std::stoul(parts[2]));
     if (i >= element.dataLength())
-        throw scene.failure("member " + quoted(parts[1]) + " has no value [" + parts[2].str() + "]");
-    return {parts[1], value, i, 1};
+        throw scene.failure("member " + quoted(plainName) + " has no value [" + std::to_string(i) + "]");
+    return {plainName, value, i, 1};
 }
 
 /// Text conversion reads as far as it can; a word that goes on behind its number is a slip of the user's.
@@ -59,9 +72,15 @@ bool isWholeNumber(const std::string& word, Member::eDataType type)
 {
     const bool isReal = type == Member::kDouble || type == Member::kFloat || type == Member::kDoubleMatrix4x4 ||
                         type == Member::kFloatMatrix4x4;
-    static const std::regex kReal(R"([+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?)");
-    static const std::regex kInteger(R"([+-]?\d+)");
-    return type == Member::kBoolean || std::regex_match(word, isReal ? kReal : kInteger);
+    if (type == Member::kBoolean)
+        return true;
+    if (word.find_first_not_of(isReal ? "0123456789+-.eE" : "0123456789+-") != std::string::npos)
+        return false;
+    std::istringstream in(word);
+    in.imbue(std::locale::classic());
+    double number = 0;
+    in >> number;
+    return in.eof();
 }
 
 void storeValue(const SceneFile& scene, const std::string& text, unsigned int i, Handle& element)
