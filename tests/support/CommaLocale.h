@@ -26,5 +26,4 @@ private:
 
     std::locale mBefore;
 };
-
 } // namespace vumo::test
