@@ -4,7 +4,6 @@
 #include "SceneFile.h"
 #include "Text.h"
 
-#include <algorithm>
 #include <locale>
 #include <sstream>
 
