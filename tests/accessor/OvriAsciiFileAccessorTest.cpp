@@ -142,11 +142,14 @@ TEST_F(OvriAsciiFileAccessorTest, Read_TakesTheStatementNearestTheEnd)
 
 TEST_F(OvriAsciiFileAccessorTest, Read_KnowsEveryFormOfAName)
 {
-    mFile.setBytes(kHeader + kHost + kWeight + applying("1", "select1") + applying("2", "\"two words\"") +
+    std::string unindented = applying("7", "seven");
+    unindented.erase(unindented.find('\t'), 2);
+    mFile.setBytes(kHeader + kHost + kWeight + unindented + applying("1", "select1") + applying("2", "\"two words\"") +
                    applying("3", "-scn") + applying("4", "\"-scn\"") + applying("5", "  setAttr ") +
                    applying("6", "\"six\" more") + kTrailer);
     const auto accessor = readScene(mFile.name());
-    EXPECT_EQ(accessor->associations().size(), 6U);
+    EXPECT_EQ(accessor->associations().size(), 7U);
+    EXPECT_EQ(weightOf(*accessor, "seven"), "7");
     EXPECT_EQ(weightOf(*accessor, "select1"), "1");
     EXPECT_EQ(weightOf(*accessor, "two words"), "2");
     EXPECT_EQ(weightOf(*accessor, ""), "3");

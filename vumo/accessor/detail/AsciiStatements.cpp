@@ -56,7 +56,8 @@ eLine kindOf(const std::string& head)
     if (startsWith(head, Ascii::getTrailerPrefix(), text))
         return kTrailerLine;
     const bool isComment = startsWith(head, "//", text);
-    const bool isContinuation = text > 0 || head.empty() || head[0] == '"' || head[0] == '-';
+    const bool isOneWord = head.find_first_of(" \t\"") == std::string::npos; // a node's name, not indented
+    const bool isContinuation = text > 0 || isOneWord || head[0] == '"' || head[0] == '-';
     return isContinuation && !isComment ? kContinuation : kOtherLine;
 }
 } // namespace
