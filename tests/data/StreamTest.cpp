@@ -182,6 +182,14 @@ TEST_F(StreamTest, SetStructure_ReleasesTheOldOneAndNeedsAnEmptyStream)
     EXPECT_EQ(mRecord->refCount(), 1);
 }
 
+TEST_F(StreamGoldenTest, Debug_OfTheClassTellsItsCounts)
+{
+    const Stream stream(*mRecord, "s");
+    EXPECT_EQ(test::printed<Stream>(nullptr), "vumo::Data::Stream : " + std::to_string(Stream::_objectsCreated) +
+                                                  " created, " + std::to_string(Stream::_objectsAlive) + " alive\n");
+    EXPECT_EQ(test::footprintOf<Stream>(nullptr).totalSize(), 2 * sizeof(Stream::_objectsAlive));
+}
+
 TEST_F(StreamGoldenTest, Debug_PrintsTheHeaderAndTheStorage)
 {
     Stream stream = streamWith({1});

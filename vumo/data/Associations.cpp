@@ -1,5 +1,6 @@
 #include "vumo/data/Associations.h"
 
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -98,7 +99,7 @@ AssociationsIterator Associations::end() const
 bool Associations::Debug(const Associations* object, vumo::Debug::Print& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<Associations>("vumo::Data::Associations", request);
     request.beginSection("Data Associations");
     if (object->empty())
         request << "No channels\n";
@@ -111,7 +112,7 @@ bool Associations::Debug(const Associations* object, vumo::Debug::Print& request
 bool Associations::Debug(const Associations* object, vumo::Debug::Footprint& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<Associations>(request);
     request.addObject(object, sizeof(*object));
     request.addObject(object->impl(), sizeof(AssociationsImpl));
     for (const Channel& channel : *object)

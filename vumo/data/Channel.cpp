@@ -1,5 +1,6 @@
 #include "vumo/data/Channel.h"
 
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
@@ -126,7 +127,7 @@ ChannelIterator Channel::end() const
 bool Channel::Debug(const Channel* object, vumo::Debug::Print& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<Channel>("vumo::Data::Channel", request);
     if (object->empty())
     {
         request << "Empty Channel\n";
@@ -146,7 +147,7 @@ bool Channel::Debug(const Channel* object, vumo::Debug::Print& request)
 bool Channel::Debug(const Channel* object, vumo::Debug::Footprint& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<Channel>(request);
     request.addObject(object, sizeof(*object));
     request.addObject(object->impl(), sizeof(ChannelImpl));
     for (const Stream* const stream : *object)

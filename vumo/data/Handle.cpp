@@ -2,6 +2,7 @@
 
 #include "vumo/data/Structure.h"
 #include "vumo/data/detail/DataTypes.h"
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/Text.h"
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/foundation/Footprint.h"
@@ -361,7 +362,7 @@ int Handle::fromStr(const std::string& text, unsigned int i, std::string& errors
 bool Handle::Debug(const Handle* object, vumo::Debug::Print& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<Handle>("vumo::Data::Handle", request);
     std::ostringstream line;
     line.imbue(std::locale::classic());
     if (isFilterSet(request, kDebugType))
@@ -392,8 +393,9 @@ bool Handle::Debug(const Handle* object, vumo::Debug::Print& request)
 
 bool Handle::Debug(const Handle* object, vumo::Debug::Footprint& request)
 {
-    if (object)
-        request.addObject(object, sizeof(*object));
+    if (!object)
+        return detail::debugCounts<Handle>(request);
+    request.addObject(object, sizeof(*object));
     return true;
 }
 } // namespace vumo::Data

@@ -2,6 +2,7 @@
 
 #include "vumo/data/detail/IndexOrder.h"
 #include "vumo/data/detail/IndexText.h"
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -129,15 +130,17 @@ bool IndexPair::operator>=(const IndexPair& other) const
 
 bool IndexPair::Debug(const IndexPair* object, vumo::Debug::Print& request)
 {
-    if (object)
-        request << object->mFirst << "," << object->mSecond;
+    if (!object)
+        return detail::debugCounts<IndexPair>("vumo::Data::IndexPair", request);
+    request << object->mFirst << "," << object->mSecond;
     return true;
 }
 
 bool IndexPair::Debug(const IndexPair* object, vumo::Debug::Footprint& request)
 {
-    if (object)
-        request.addObject(object, sizeof(*object));
+    if (!object)
+        return detail::debugCounts<IndexPair>(request);
+    request.addObject(object, sizeof(*object));
     return true;
 }
 } // namespace vumo::Data

@@ -1,6 +1,7 @@
 #include "vumo/data/IndexString.h"
 
 #include "vumo/data/detail/IndexOrder.h"
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -111,18 +112,18 @@ bool IndexString::operator>=(const IndexString& other) const
 
 bool IndexString::Debug(const IndexString* object, vumo::Debug::Print& request)
 {
-    if (object)
-        request << "" << object->mText; // a text may hold zero bytes
+    if (!object)
+        return detail::debugCounts<IndexString>("vumo::Data::IndexString", request);
+    request << "" << object->mText; // a text may hold zero bytes
     return true;
 }
 
 bool IndexString::Debug(const IndexString* object, vumo::Debug::Footprint& request)
 {
-    if (object)
-    {
-        request.addObject(object, sizeof(*object));
-        request.addMember(object->mText.data(), object->mText.size() + 1);
-    }
+    if (!object)
+        return detail::debugCounts<IndexString>(request);
+    request.addObject(object, sizeof(*object));
+    request.addMember(object->mText.data(), object->mText.size() + 1);
     return true;
 }
 } // namespace vumo::Data

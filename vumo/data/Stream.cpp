@@ -2,6 +2,7 @@
 
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamImplMapped.h"
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
@@ -179,7 +180,7 @@ bool Stream::mergeStream(const Stream& other)
 bool Stream::Debug(const Stream* object, vumo::Debug::Print& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<Stream>("vumo::Data::Stream", request);
     StreamImpl::Debug(object->mImpl.get(), request);
     return object->mImpl->debug(request);
 }
@@ -187,7 +188,7 @@ bool Stream::Debug(const Stream* object, vumo::Debug::Print& request)
 bool Stream::Debug(const Stream* object, vumo::Debug::Footprint& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<Stream>(request);
     request.addObject(object, sizeof(*object));
     return object->mImpl->debug(request);
 }

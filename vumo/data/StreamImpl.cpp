@@ -1,5 +1,6 @@
 #include "vumo/data/StreamImpl.h"
 
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
@@ -108,18 +109,18 @@ bool StreamImpl::copyElementFromHandle(void* dest, const Handle& handle) const
 
 bool StreamImpl::Debug(const StreamImpl* object, vumo::Debug::Print& request)
 {
-    if (object)
-    {
-        request << "Data Stream '" << object->mName << "' uses structure '" << object->structure().name()
-                << "' with index type '" << object->mIndexType << "'\n";
-    }
+    if (!object)
+        return detail::debugCounts<StreamImpl>("vumo::Data::StreamImpl", request);
+    request << "Data Stream '" << object->mName << "' uses structure '" << object->structure().name()
+            << "' with index type '" << object->mIndexType << "'\n";
     return true;
 }
 
 bool StreamImpl::Debug(const StreamImpl* object, vumo::Debug::Footprint& request)
 {
-    if (object)
-        request.addObject(object, sizeof(*object));
+    if (!object)
+        return detail::debugCounts<StreamImpl>(request);
+    request.addObject(object, sizeof(*object));
     return true;
 }
 } // namespace vumo::Data

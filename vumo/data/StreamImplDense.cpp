@@ -1,6 +1,7 @@
 #include "vumo/data/StreamImplDense.h"
 
 #include "vumo/data/StreamDenseIteratorImpl.h"
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -331,7 +332,7 @@ void StreamImplDense::releaseBlock()
 bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Print& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<StreamImplDense>("vumo::Data::StreamImplDense", request);
     request.beginSection("Data Stream");
     request << "Highest valid index = " << object->mCount << "\n";
     request << "Number allocated    = " << object->physicalElementCount() << "\n";
@@ -353,7 +354,7 @@ bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Print& r
 bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Footprint& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<StreamImplDense>(request);
     request.addObject(object, sizeof(*object));
     if (object->mData)
         request.addMember(object->mData, object->mAllocated * object->mStride);

@@ -1,6 +1,7 @@
 #include "vumo/data/StreamImplMapped.h"
 
 #include "vumo/data/StreamMappedIteratorImpl.h"
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -171,7 +172,7 @@ Handle& StreamImplMapped::structureHandle()
 bool StreamImplMapped::Debug(const StreamImplMapped* object, vumo::Debug::Print& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<StreamImplMapped>("vumo::Data::StreamImplMapped", request);
     request.beginSection("Data Stream (Mapped)");
     request << "PTR: " << static_cast<const void*>(object) << "\n";
     request << "Lowest valid index = " << object->mLowestValidIndex.asString() << "\n";
@@ -194,7 +195,7 @@ bool StreamImplMapped::Debug(const StreamImplMapped* object, vumo::Debug::Print&
 bool StreamImplMapped::Debug(const StreamImplMapped* object, vumo::Debug::Footprint& request)
 {
     if (!object)
-        return true;
+        return detail::debugCounts<StreamImplMapped>(request);
     request.addObject(object, sizeof(*object));
     for (const auto& entry : object->mElements)
     {
