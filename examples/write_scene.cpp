@@ -26,7 +26,10 @@ void writeBareScene(const std::string& fileName)
     scene.mNodes = {"World", "Body", "Head"};
     scene.mTrailer = example::cameraChunk() + example::pluginChunk();
 
-    const bool isAscii = fileName.size() > 3 && fileName.compare(fileName.size() - 3, 3, ".oa") == 0;
+    const std::unique_ptr<Accessor> accessor = Accessor::accessorByExtension(fileName);
+    if (!accessor)
+        throw std::runtime_error("is neither an \"oa\" nor an \"ob\" file by its name");
+    const bool isAscii = dynamic_cast<OvriAsciiFileAccessor*>(accessor.get()) != nullptr;
     std::ofstream file(fileName, std::ios::binary);
     if (isAscii ? !example::writeAsciiScene(scene, file) : !example::writeScene(scene, file))
         throw std::runtime_error("could not be written");

@@ -73,7 +73,9 @@ bool isWholeNumber(const std::string& word, Member::eDataType type)
                         type == Member::kFloatMatrix4x4;
     if (type == Member::kBoolean)
         return true;
-    if (word.find_first_not_of(isReal ? "0123456789+-.eE" : "0123456789+-") != std::string::npos)
+    const bool isUnsigned = type >= Member::kUInt8 && type <= Member::kUInt64; // reading would wrap a negative number
+    const char* const allowed = isReal ? "0123456789+-.eE" : isUnsigned ? "0123456789+" : "0123456789+-";
+    if (word.find_first_not_of(allowed) != std::string::npos)
         return false;
     std::istringstream in(word);
     in.imbue(std::locale::classic());
@@ -82,11 +84,12 @@ bool isWholeNumber(const std::string& word, Member::eDataType type)
     return in.eof();
 }
 
-void storeValue(const SceneFile& scene, const std::string& text, unsigned int i, Handle& element)
+void storeValue(const SceneFile& scene, const std::string& member, const std::string& text, unsigned int i,
+                Handle& element)
 {
     std::string errors;
     if (element.fromStr(text, i, errors) > 0)
-        throw scene.failure(errors);
+        throw scene.failure("member " + quoted(member) + ": " + errors);
 }
 
 void assign(const SceneFile& scene, const std::string& text, Handle& element)
@@ -95,7 +98,7 @@ void assign(const SceneFile& scene, const std::string& text, Handle& element)
     const Member::eDataType type = element.dataType();
     if (type == Member::kString && assignment.count == 1)
     {
-        storeValue(scene, assignment.value, assignment.first, element);
+        storeValue(scene, assignment.member, assignment.value, assignment.first, element);
         return;
     }
     if (type == Member::kString)
@@ -117,7 +120,8 @@ void assign(const SceneFile& scene, const std::string& text, Handle& element)
                 throw scene.failure(quoted(given[word]) + " is not a value for member " + quoted(assignment.member));
             value += given[word] + " ";
         }
-        storeValue(scene, value, assignment.first + static_cast<unsigned int>(i / wordsPerValue), element);
+        storeValue(scene, assignment.member, value, assignment.first + static_cast<unsigned int>(i / wordsPerValue),
+                   element);
     }
 }
 } // namespace

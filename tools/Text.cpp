@@ -3,27 +3,44 @@
 #include <algorithm>
 #include <cstdio>
 
+namespace
+{
+bool isControl(char character)
+{
+    const auto code = static_cast<unsigned char>(character);
+    return code < 0x20 || code == 0x7F;
+}
+
+std::string hexEscape(char character)
+{
+    char escape[8];
+    std::snprintf(escape, sizeof(escape), "\\x%02x", static_cast<unsigned int>(static_cast<unsigned char>(character)));
+    return escape;
+}
+} // namespace
+
 std::string printable(const std::string& text)
 {
     std::string result;
     for (const char character : text)
     {
-        const auto code = static_cast<unsigned char>(character);
-        char escape[8];
         if (character == '"' || character == '\\')
             result += '\\';
         if (character == '\n')
             result += "\\n";
         else if (character == '\t')
             result += "\\t";
-        else if (code < 0x20 || code == 0x7F)
-        {
-            std::snprintf(escape, sizeof(escape), "\\x%02x", static_cast<unsigned int>(code));
-            result += escape;
-        }
         else
-            result += character;
+            result += isControl(character) ? hexEscape(character) : std::string(1, character);
     }
+    return result;
+}
+
+std::string message(const std::string& text)
+{
+    std::string result;
+    for (const char character : text)
+        result += isControl(character) && character != '\n' ? hexEscape(character) : std::string(1, character);
     return result;
 }
 

@@ -8,6 +8,9 @@
 /// characters stay as they are.
 std::string printable(const std::string& text);
 
+/// The text of a message, fit for a terminal: control characters are escaped, newlines stay.
+std::string message(const std::string& text);
+
 /// The printable text in double quotes.
 std::string quoted(const std::string& text);
 

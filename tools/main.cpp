@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Failure.h"
+#include "Text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -67,9 +68,9 @@ void addSet(CLI::App& app, Arguments& arguments)
         [&] { set(arguments.file, arguments.address, arguments.index, arguments.assignments, arguments.add); });
 }
 
-int report(const std::string& message, eExitCode code)
+int report(const std::string& text, eExitCode code)
 {
-    std::cerr << "vumo: " << message << (message.empty() || message.back() != '\n' ? "\n" : "");
+    std::cerr << "vumo: " << message(text) << (text.empty() || text.back() != '\n' ? "\n" : "");
     return code;
 }
 

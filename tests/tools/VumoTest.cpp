@@ -185,7 +185,12 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
         {"set",
          {"body", "vertex", "all", "0", "i8=200"},
          1,
-         "vumo: FILE: Int8 value on or about character 4 is invalid\n"},
+         "vumo: FILE: member \"i8\": Int8 value on or about character 4 is invalid\n"},
+        {"set", {"body", "vertex", "all", "0", "u64=-1"}, 1, "vumo: FILE: \"-1\" is not a value for member \"u64\"\n"},
+        {"get",
+         {"body", "vertex", "labels", "\x1b[31m"},
+         1,
+         "vumo: FILE: stream \"labels\" has no element at index \"\\x1b[31m\"\n"},
         {"set",
          {"body", "vertex", "all", "0", "pair=1"},
          1,
@@ -193,7 +198,8 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
         {"set",
          {"body", "vertex", "all", "0", "flag=TRUE"},
          1,
-         "vumo: FILE: Boolean on or about character 5 has invalid value 'TRUE'. Use 't', 'true', '1', 'f', 'false', "
+         "vumo: FILE: member \"flag\": Boolean on or about character 5 has invalid value 'TRUE'. Use 't', 'true', '1', "
+         "'f', 'false', "
          "'0' only.\n"},
         {"set",
          {"body", "vertex", "all", "0", "texts=a b"},
@@ -226,6 +232,7 @@ TEST_F(VumoTest, FilesThatCannotBeReadAreNamed)
               "vumo: scene.txt: No factory registered for type of file \"scene.txt\"\n");
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.ob"}).out, "vumo: /nowhere/a.ob: File not valid.\n");
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.oa"}).exitCode, 1);
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "\x1b[31m.ob"}).out, "vumo: \\x1b[31m.ob: File not valid.\n");
     EXPECT_EQ(run(VUMO_TOOL_PATH, {}).exitCode, 2);
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"--help"}).exitCode, 0);
 }

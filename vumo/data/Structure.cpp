@@ -203,7 +203,11 @@ const Member* Structure::findMember(const char* name) const
 
 bool Structure::addMember(Member::eDataType type, unsigned int dimension, const char* name)
 {
-    return addMembers({{type, dimension, name}}) > 0;
+    const NewMember added = {type, dimension, name};
+    if (!isAcceptable(added) || findMember(name))
+        return false;
+    appendMembers({&added});
+    return true;
 }
 
 unsigned int Structure::addMembers(const std::vector<NewMember>& newMembers)
@@ -217,9 +221,13 @@ unsigned int Structure::addMembers(const std::vector<NewMember>& newMembers)
         if (isAcceptable(added) && names.insert(added.name).second)
             accepted.push_back(&added);
     }
-    if (accepted.empty())
-        return 0;
+    if (!accepted.empty())
+        appendMembers(accepted);
+    return static_cast<unsigned int>(accepted.size());
+}
 
+void Structure::appendMembers(const std::vector<const NewMember*>& accepted)
+{
     const auto addedCount = static_cast<unsigned int>(accepted.size());
     auto members = std::make_unique<Member[]>(mMemberCount + addedCount);
     for (unsigned int i = 0; i < addedCount; ++i)
@@ -243,7 +251,6 @@ unsigned int Structure::addMembers(const std::vector<NewMember>& newMembers)
     mMembers = std::move(members);
     mMemberCount += addedCount;
     computeLayout();
-    return addedCount;
 }
 
 const Member* Structure::member(unsigned int index) const

@@ -145,6 +145,7 @@ private:
     void unrefFromIterator() const;
 
     const Member* findMember(const char* name) const;
+    void appendMembers(const std::vector<const NewMember*>& accepted);
     void computeLayout() const;
     void dropDefaultData();
 
