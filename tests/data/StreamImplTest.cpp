@@ -43,6 +43,36 @@ TYPED_TEST(StreamImplTest, CopiesAndAssignments_OwnTheirElements)
     EXPECT_EQ(&outline.structure(), this->mRecord.get());
 }
 
+using StreamImplMappedTest = test::RecordTest;
+
+TEST_F(StreamImplMappedTest, NewElements_HoldDefaultsToBeFilledInPlace)
+{
+    auto* const storage = new StreamImplMapped(*mRecord, "s");
+    const Stream stream(storage);
+    const Index indices[] = {5, 9, IndexString("b"), IndexString("a"), 1, 9, IndexString("a")};
+    for (const Index& index : indices)
+    {
+        SCOPED_TRACE(index.asString());
+        char* const block = storage->newElement(Index(index));
+        EXPECT_EQ(stream.element(index).data(), block);
+        EXPECT_EQ(test::recordText(stream, index), "0 ");
+        Handle element(*mRecord, block);
+        test::setText(element, "label", "replaced the second time");
+    }
+    std::string walked;
+    for (StreamIterator position = stream.begin(); position.valid(); ++position)
+        walked += position.index().asString() + " ";
+    EXPECT_EQ(walked, "1 5 9 a b ");
+}
+
+TEST_F(StreamImplMappedTest, NewElementsWithoutSize_ExistAllTheSame)
+{
+    const auto empty = test::heldStructure("Empty", {});
+    const Ref<StreamImplMapped> stream(new StreamImplMapped(*empty, "s"));
+    EXPECT_EQ(stream->newElement(3), nullptr);
+    EXPECT_TRUE(stream->hasElement(3));
+}
+
 class StreamImplDenseTest : public test::RecordTest
 {
 protected:

@@ -46,6 +46,20 @@ TEST_F(StreamTest, ANewStream_IsMappedNumericAndEmpty)
     EXPECT_TRUE(Stream(*mRecord, "s").useDenseStorage(false));
 }
 
+TEST_F(StreamTest, AStorageMadeElsewhere_IsSharedAndReleased)
+{
+    const Ref<StreamImpl> storage(new StreamImplMapped(*mRecord, "s"));
+    {
+        Stream stream(storage.get());
+        EXPECT_EQ(storage->refCount(), 2);
+        EXPECT_TRUE(stream.setElement(4, test::record(*mRecord, 4, "four")));
+    }
+    EXPECT_EQ(storage->refCount(), 1);
+    EXPECT_TRUE(storage->hasElement(4));
+    EXPECT_EQ(test::thrownBy([] { Stream(static_cast<StreamImpl*>(nullptr)); }),
+              "invalid_argument: Null implementation of a Stream.");
+}
+
 TEST_F(StreamTest, SetElement_TakesOnlyDataOfItsVeryStructure)
 {
     const auto equal = test::recordStructure();

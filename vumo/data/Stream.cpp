@@ -7,6 +7,8 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
+#include <stdexcept>
+
 namespace vumo::Data
 {
 const std::string Stream::kDebugHex = "hex";
@@ -22,6 +24,14 @@ Stream::Stream() : mImpl(new StreamImplMapped())
 
 Stream::Stream(const Structure& structure, const std::string& name) : mImpl(new StreamImplMapped(structure, name))
 {
+    ++_objectsCreated;
+    ++_objectsAlive;
+}
+
+Stream::Stream(StreamImpl* impl) : mImpl(impl)
+{
+    if (!impl)
+        throw std::invalid_argument("Null implementation of a Stream.");
     ++_objectsCreated;
     ++_objectsAlive;
 }

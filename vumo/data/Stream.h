@@ -29,6 +29,9 @@ public:
 
     /// References the structure, copies the name.
     Stream(const Structure& structure, const std::string& name);
+
+    /// References a storage made elsewhere, new or shared. Throws `std::invalid_argument` for null.
+    explicit Stream(StreamImpl* impl);
     Stream(const Stream& other);
     Stream& operator=(const Stream& other);
     ~Stream();

@@ -5,6 +5,9 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
+#include <iterator>
+#include <memory>
+#include <tuple>
 #include <utility>
 
 namespace vumo::Data
@@ -100,7 +103,7 @@ bool StreamImplMapped::setElement(Index index, const Handle& handle)
         return false;
     Handle stored(handle); // copied before the element it may borrow from is released
     stored.makeUnique();
-    slot(index).swap(stored);
+    slot(std::move(index)).swap(stored);
     return true;
 }
 
@@ -122,7 +125,7 @@ bool StreamImplMapped::reindexElement(Index from, Index to)
         return false;
     if (from == to)
         return true;
-    slot(to).swap(source->second);
+    slot(std::move(to)).swap(source->second);
     mElements.erase(source);
     return true;
 }
@@ -157,9 +160,23 @@ bool StreamImplMapped::clear()
     return true;
 }
 
-Handle& StreamImplMapped::slot(const Index& index)
+char* StreamImplMapped::newElement(Index&& index)
 {
-    return mElements.try_emplace(index, structure(), nullptr).first->second;
+    std::unique_ptr<char[]> block(structure().allocateDefaultChunk()); // before there is an entry without one
+    Handle& stored = slot(std::move(index));
+    stored.pointToData(block.get(), true);
+    return block.release();
+}
+
+Handle& StreamImplMapped::slot(Index&& index)
+{
+    const bool isBeyond = mElements.empty() || std::prev(mElements.end())->first < index;
+    if (isBeyond)
+        return mElements
+            .emplace_hint(mElements.end(), std::piecewise_construct, std::forward_as_tuple(std::move(index)),
+                          std::forward_as_tuple(structure(), nullptr))
+            ->second;
+    return mElements.try_emplace(std::move(index), structure(), nullptr).first->second;
 }
 
 Handle& StreamImplMapped::structureHandle()

@@ -48,6 +48,11 @@ public:
     bool setElementRange(Index first, Index last) override;
     bool clear() override;
 
+    /// Puts an element of default values at that index, in place of the one that may be there, and returns its
+    /// block, to be filled; null for a structure of size 0, whose element exists all the same. Borrowed until the
+    /// element is removed or replaced. Indices in ascending order are added without a search.
+    char* newElement(Index&& index);
+
     static bool Debug(const StreamImplMapped* object, vumo::Debug::Print& request);
     static bool Debug(const StreamImplMapped* object, vumo::Debug::Footprint& request);
 
@@ -62,7 +67,7 @@ private:
     friend class StreamMappedIteratorImpl;
 
     /// The entry of that index, made without data if there was none.
-    Handle& slot(const Index& index);
+    Handle& slot(Index&& index);
 
     /// A handle on the present structure, without data.
     Handle& structureHandle();
