@@ -1,0 +1,107 @@
+#include "fuzz/Scene.h"
+
+#include "fuzz/Fuzz.h"
+#include "vumo/accessor/Accessor.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <set>
+#include <utility>
+
+namespace vumo::fuzz
+{
+namespace
+{
+/// A file of this process alone, in memory where the system has such a place.
+class SceneFile
+{
+public:
+    explicit SceneFile(const std::string& ending)
+    {
+        const std::filesystem::path memory = "/dev/shm";
+        const std::filesystem::path folder = is_directory(memory) ? memory : std::filesystem::temp_directory_path();
+        mName = (folder / ("vumo_fuzz_" + std::to_string(getpid()) + ending)).string();
+    }
+
+    SceneFile(const SceneFile&) = delete;
+    SceneFile& operator=(const SceneFile&) = delete;
+    ~SceneFile() { std::remove(mName.c_str()); }
+
+    const std::string& name() const { return mName; }
+
+    void setBytes(const std::string& bytes) const
+    {
+        std::ofstream file(mName, std::ios::binary | std::ios::trunc);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        require(static_cast<bool>(file.flush()), "cannot write " + mName);
+    }
+
+    std::string bytes() const
+    {
+        std::ifstream file(mName, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+private:
+    std::string mName;
+};
+
+SceneFile& fileOf(const std::string& ending, const std::string& bytes)
+{
+    static std::map<std::string, SceneFile> theFiles;
+    SceneFile& file = theFiles.try_emplace(ending, ending).first->second;
+    file.setBytes(bytes);
+    return file;
+}
+
+using Metadata = std::pair<std::set<std::string>, std::map<std::string, std::string>>;
+
+/// The names of the structures, and the text of the associations of each node.
+Metadata metadataOf(const Data::Accessor& accessor)
+{
+    Metadata metadata;
+    for (const Data::Structure* const structure : accessor.structures())
+        metadata.first.insert(structure->name());
+    for (const auto& [node, associations] : accessor.associations())
+        textOf(associations, metadata.second[node]);
+    return metadata;
+}
+} // namespace
+
+void readScene(const char* ending, const std::uint8_t* data, std::size_t size)
+{
+    const SceneFile& file = fileOf(ending, textOf(data, size));
+    std::string errors;
+    const std::unique_ptr<Data::Accessor> accessor = Data::Accessor::accessorByExtension(file.name());
+    const bool isRead = accessor->read(file.name(), errors);
+    require(isRead || !errors.empty(), "a scene is refused without a word");
+    require(isRead || accessor->associations().empty(), "a read that failed leaves associations");
+}
+
+void rewriteScene(const char* ending, const std::uint8_t* data, std::size_t size)
+{
+    const std::string before = textOf(data, size);
+    const SceneFile& file = fileOf(ending, before);
+    std::string errors;
+    const std::unique_ptr<Data::Accessor> first = Data::Accessor::readFile(file.name(), errors);
+    if (!first)
+        return;
+    if (!first->write(errors))
+    {
+        require(file.bytes() == before, "a write that failed changed the file: " + errors);
+        return;
+    }
+    const std::string written = file.bytes();
+    const std::unique_ptr<Data::Accessor> second = Data::Accessor::readFile(file.name(), errors);
+    require(second != nullptr, "a file that was written cannot be read: " + errors);
+    require(metadataOf(*second) == metadataOf(*first), "the metadata changed when it was written");
+    require(second->write(errors), "a file cannot be written twice: " + errors);
+    require(file.bytes() == written, "writing what is there changes the file");
+}
+} // namespace vumo::fuzz
