@@ -1,0 +1,84 @@
+#include "benchmarks/Comparison.h"
+
+#include "benchmarks/Records.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace bench
+{
+namespace
+{
+constexpr std::size_t kQuickDivisor = 50;
+
+double secondsOf(const Side& side, const char* name)
+{
+    Stopwatch watch;
+    if (side.round(watch) != side.expected)
+        throw WrongResult(std::string(name) + " gives wrong values");
+    return watch.seconds();
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+double nanosecondsEach(const std::vector<double>& seconds, std::size_t count)
+{
+    return median(seconds) * 1e9 / static_cast<double>(count);
+}
+} // namespace
+
+double processorTime()
+{
+    timespec time;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+std::size_t Comparison::scaled(std::size_t count) const
+{
+    return mIsQuick ? std::max<std::size_t>(count / kQuickDivisor, 1) : count;
+}
+
+void Comparison::run(std::size_t count, const Side& library, const Side& peer)
+{
+    run(count, library, count, peer);
+}
+
+void Comparison::run(std::size_t libraryCount, const Side& library, std::size_t peerCount, const Side& peer)
+{
+    const double scale = static_cast<double>(peerCount) / static_cast<double>(libraryCount);
+    std::vector<double> librarySeconds;
+    std::vector<double> peerSeconds;
+    std::vector<double> ratios;
+
+    secondsOf(library, "the library");
+    secondsOf(peer, "the peer");
+    for (auto _ : mState)
+    {
+        librarySeconds.push_back(secondsOf(library, "the library"));
+        peerSeconds.push_back(secondsOf(peer, "the peer"));
+        ratios.push_back(librarySeconds.back() / peerSeconds.back() * scale);
+        mState.SetIterationTime(librarySeconds.back());
+    }
+    mState.counters["library"] = nanosecondsEach(librarySeconds, libraryCount);
+    mState.counters["peer"] = nanosecondsEach(peerSeconds, peerCount);
+    mState.counters["ratio"] = median(ratios);
+    mState.counters["lowest"] = *std::min_element(ratios.begin(), ratios.end());
+    mState.counters["highest"] = *std::max_element(ratios.begin(), ratios.end());
+}
+
+void Comparison::count(double library, double peer)
+{
+    for (auto _ : mState)
+        mState.SetIterationTime(0);
+    mState.counters["library"] = library;
+    mState.counters["peer"] = peer;
+    for (const char* name : {"ratio", "lowest", "highest"})
+        mState.counters[name] = library / peer;
+}
+} // namespace bench

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <functional>
+#include <utility>
+#include <vector>
+
+namespace bench
+{
+/// Processor time of this process in seconds, that of the kernel on its behalf included.
+double processorTime();
+
+/// Adds up the time of the parts of a round that count.
+class Stopwatch
+{
+public:
+    template <class Work>
+    void time(Work&& work)
+    {
+        const double start = processorTime();
+        std::forward<Work>(work)();
+        mSeconds += processorTime() - start;
+    }
+
+    double seconds() const { return mSeconds; }
+
+private:
+    double mSeconds = 0;
+};
+
+/// One side of a comparison.
+struct Side
+{
+    /// Does the work once from scratch, has the watch time what counts, and returns a digest of all results.
+    std::function<std::uint64_t(Stopwatch&)> round;
+
+    /// The digest of the right results.
+    std::uint64_t expected;
+};
+
+/// One workload while it runs: measures both sides alternately and hands the figures to Google Benchmark.
+class Comparison
+{
+public:
+    Comparison(benchmark::State& state, bool isQuick) : mState(state), mIsQuick(isQuick) {}
+
+    /// The size of the workload: as given, or a small part of it for a quick run.
+    std::size_t scaled(std::size_t count) const;
+
+    /// Times the sides round by round, after a round each to warm up. The figures are nanoseconds for one of `count`
+    /// elements, and the median of the ratios of all rounds. Throws `WrongResult` when a digest is not as expected.
+    void run(std::size_t count, const Side& library, const Side& peer);
+
+    /// The same for sides that treat different numbers of elements.
+    void run(std::size_t libraryCount, const Side& library, std::size_t peerCount, const Side& peer);
+
+    /// Takes figures that are counted rather than timed, so that one round is enough.
+    void count(double library, double peer);
+
+private:
+    benchmark::State& mState;
+    bool mIsQuick;
+};
+} // namespace bench

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "benchmarks/Comparison.h"
+#include "benchmarks/Streams.h"
+#include "benchmarks/peers/TextPeer.h"
+
+/// Associations as text in memory: one channel with one stream.
+namespace bench
+{
+void compareTextWriting(Comparison& comparison, Storage storage, const TextWriter& peer);
+void compareTextReading(Comparison& comparison, const TextReader& peer);
+
+/// The library's sides, for other workloads to share. What they are given must outlive them.
+Side rawWriting(const vumo::Data::Associations& associations, const std::string& expected);
+Side rawReading(const std::string& text, const std::vector<Record>& expected);
+} // namespace bench

@@ -1,0 +1,115 @@
+// Runs the workloads, all of them or those whose names hold one of the given regular expressions, and prints a table
+// of the library's time and that of a peer for each:
+//
+//     vumo_bench [--quick] [--benchmark_...] [NAME...]
+//
+// Fails when a result is wrong, whatever the time. A quick run checks the results on small workloads; its times mean
+// little.
+
+#include "benchmarks/Comparison.h"
+#include "benchmarks/Records.h"
+#include "benchmarks/TableReporter.h"
+#include "benchmarks/Workloads.h"
+
+#include <benchmark/benchmark.h>
+#include <sched.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+namespace
+{
+constexpr int kQuickRounds = 1;
+
+/// Keeps the process on the last of the processors that it may use: no round pays for a move to another.
+void pinToOneProcessor()
+{
+    cpu_set_t allowed;
+    if (sched_getaffinity(0, sizeof(allowed), &allowed) != 0)
+        return;
+    for (int processor = CPU_SETSIZE - 1; processor >= 0; --processor)
+    {
+        if (!CPU_ISSET(processor, &allowed))
+            continue;
+        cpu_set_t chosen;
+        CPU_ZERO(&chosen);
+        CPU_SET(processor, &chosen);
+        sched_setaffinity(0, sizeof(chosen), &chosen);
+        return;
+    }
+}
+
+void runWorkload(const bench::Workload& workload, bool isQuick, benchmark::State& state)
+{
+    bench::Comparison comparison(state, isQuick);
+    try
+    {
+        workload.run(comparison);
+    }
+    catch (const bench::WrongResult& error)
+    {
+        state.SkipWithError(error.what());
+    }
+}
+
+void registerWorkloads(bool isQuick)
+{
+    for (const bench::Workload& workload : bench::workloads())
+    {
+        benchmark::RegisterBenchmark(
+            workload.name, [&workload, isQuick](benchmark::State& state) { runWorkload(workload, isQuick, state); })
+            ->Iterations(isQuick ? kQuickRounds : workload.rounds)
+            ->UseManualTime();
+    }
+}
+
+/// One regular expression for any of the names; all workloads when there is none.
+std::string filterOf(char** first, char** last)
+{
+    std::string filter;
+    for (; first != last; ++first)
+        filter += (filter.empty() ? "" : "|") + std::string(*first);
+    return filter.empty() ? "." : filter;
+}
+
+int conclude(const bench::TableReporter& reporter, bool isQuick)
+{
+    if (reporter.workloadCount() == 0)
+    {
+        std::fprintf(stderr, "No workload has such a name.\n");
+        return 1;
+    }
+    if (!reporter.isRight())
+    {
+        std::fprintf(stderr, "A result is wrong.\n");
+        return 1;
+    }
+    if (isQuick)
+        std::printf("\n%d workloads, all results right; the times of a quick run mean little.\n",
+                    reporter.workloadCount());
+    else
+        std::printf("\n%d workloads, all results right; %d missed their goals.\n", reporter.workloadCount(),
+                    reporter.missedCount());
+    return 0;
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    char** const last = std::remove(argv + 1, argv + argc, std::string("--quick"));
+    const bool isQuick = last != argv + argc;
+
+    pinToOneProcessor();
+    registerWorkloads(isQuick);
+    bench::TableReporter reporter;
+    if (std::any_of(argv + 1, last, [](const char* argument) { return argument[0] == '-'; }))
+    {
+        std::fprintf(stderr, "usage: vumo_bench [--quick] [--benchmark_...] [NAME...]\n");
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks(&reporter, filterOf(argv + 1, last));
+    benchmark::Shutdown();
+    return conclude(reporter, isQuick);
+}
