@@ -45,35 +45,46 @@ std::string unrecognizedMessage(Member::eDataType type)
     return "Data not recognized as a " + word;
 }
 
+std::string missingElementMessage(const Member* member, unsigned int i)
+{
+    const std::string attempt = "Trying to parse element " + std::to_string(i) + " when the member ";
+    if (!member)
+        return attempt + "does not exist";
+    return attempt + Member::name(member) + " only has dimension " + std::to_string(Member::length(member));
+}
+
 /// The number of a character in messages: 0 after a read that failed.
 long long characterNumber(std::istream& in)
 {
     return in.fail() ? 0 : detail::readPosition(in) + 1;
 }
 
-int readEntries(Member::eDataType type, const std::string& text, char* value, std::ostream& messages)
+int readEntries(Member::eDataType type, const std::string& text, char* value, std::string& messages)
 {
-    std::istringstream in(text);
+    detail::TextBuffer buffer;
+    buffer.restart(text);
+    std::istream in(&buffer);
     in.imbue(std::locale::classic());
+    detail::ValueInput values(in, buffer);
     int errorCount = 0;
     for (unsigned int i = 0; i < detail::entryCount(type); ++i)
     {
         std::string word;
-        if (detail::readEntry(in, type, detail::entryAddress(type, value, i), word))
+        if (detail::readEntry(values, type, detail::entryAddress(type, value, i), word))
             continue;
-        messages << detail::entryMessage(type, i, characterNumber(in), word) << "\n";
+        messages += detail::entryMessage(type, i, characterNumber(in), word) + "\n";
         in.setstate(std::ios::failbit); // no later entry can be told from its neighbours any more
         ++errorCount;
     }
     return errorCount;
 }
 
-int storeString(const std::string& text, char* value, std::ostream& messages)
+int storeString(const std::string& text, char* value, std::string& messages)
 {
     const std::string::size_type zero = text.find('\0');
     if (zero != std::string::npos)
     {
-        messages << detail::entryMessage(Member::kString, 0, static_cast<long long>(zero) + 1, "") << "\n";
+        messages += detail::entryMessage(Member::kString, 0, static_cast<long long>(zero) + 1, "") + "\n";
         return 1; // the stored text would end there
     }
     char* const copy = detail::duplicateText(text.c_str());
@@ -325,37 +336,31 @@ std::string Handle::str(unsigned int i) const
         const bool hasFirst = detail::loadScalar<char*>(value(0)); // without a first string all are empty
         return hasFirst && text ? text : "";
     }
-    std::ostringstream out;
-    out.exceptions(std::ios::badbit); // or a lack of memory would cut the text, and nobody would know
-    out.imbue(std::locale::classic());
-    detail::writeValue(out, type, source);
-    return out.str();
+    std::string text;
+    detail::appendValue(text, detail::NumberFormat(), type, source);
+    return text;
 }
 
 int Handle::fromStr(const std::string& text, unsigned int i, std::string& errors)
 {
     const Member* const member = currentMember();
     const Member::eDataType type = dataType();
-    std::ostringstream messages;
-    messages.imbue(std::locale::classic());
+    std::string messages;
     int errorCount = 1;
-    if (!member)
-        messages << "Trying to parse element " << i << " when the member does not exist\n";
-    else if (i >= Member::length(member))
-        messages << "Trying to parse element " << i << " when the member " << Member::name(member)
-                 << " only has dimension " << Member::length(member) << "\n";
+    if (i >= Member::length(member))
+        messages = missingElementMessage(member, i) + "\n";
     else if (type >= Member::kInvalidType)
     {
-        messages << "Invalid type " << static_cast<unsigned int>(type) << " in structure.\n";
+        messages = "Invalid type " + std::to_string(static_cast<unsigned int>(type)) + " in structure.\n";
         errorCount = 0; // reported, but never counted
     }
     else if (!mData)
-        messages << unrecognizedMessage(type) << "\n";
+        messages = unrecognizedMessage(type) + "\n";
     else if (type == Member::kString)
         errorCount = storeString(text, value(i), messages);
     else
         errorCount = readEntries(type, text, value(i), messages);
-    errors += messages.str();
+    errors += messages;
     return errorCount;
 }
 

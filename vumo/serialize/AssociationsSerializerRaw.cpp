@@ -2,7 +2,7 @@
 
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
-#include "vumo/serialize/detail/ClassicText.h"
+#include "vumo/serialize/detail/ClassicInput.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"

@@ -7,6 +7,7 @@
 #include "vumo/serialize/detail/Messages.h"
 
 #include <memory>
+#include <string_view>
 
 namespace vumo::Data
 {
@@ -36,9 +37,9 @@ constexpr char kDescription[] = "The raw format consists of a Channel name follo
                                 "{FORMATTED_STREAM_DATA} lines.\n";
 
 /// The word at the start of a line.
-std::string firstWord(const std::string& line)
+std::string firstWord(std::string_view line)
 {
-    return line.substr(0, line.find_first_of(" \t"));
+    return std::string(line.substr(0, line.find_first_of(" \t")));
 }
 
 /// A channel of that name with the streams of another: its name is given to a channel once and for all.

@@ -1,13 +1,13 @@
 #include "vumo/serialize/SerializerRaw.h"
 
+#include "vumo/serialize/detail/Trim.h"
+
 #include <iterator>
 
 namespace vumo::Data
 {
 namespace
 {
-constexpr char kWhitespace[] = " \t\n\v\f\r";
-
 constexpr const char* kKeywords[] = {"=",   "endAssociations", "endChannel", "channel", "name",      "indexType", ":",
                                      "raw", "endStream",       "stream",     "name",    "structure", "name"};
 
@@ -24,9 +24,7 @@ const char* SerializerRaw::keyword(eKeyword k)
 
 std::string SerializerRaw::collapseWhitespace(std::string& s)
 {
-    s.erase(s.find_last_not_of(kWhitespace) + 1);
-    s.erase(0, s.find_first_not_of(kWhitespace));
-    return s;
+    return s = std::string(detail::trimmed(s));
 }
 
 std::string SerializerRaw::standardizeSeparators(std::string& s)

@@ -1,6 +1,6 @@
 #include "vumo/serialize/StreamSerializerRaw.h"
 
-#include "vumo/serialize/detail/ClassicText.h"
+#include "vumo/serialize/detail/ClassicInput.h"
 #include "vumo/serialize/detail/ElementText.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
@@ -86,18 +86,33 @@ bool isOfType(const std::string& typeName, const Index& index, const std::string
     }
 }
 
-void writeElements(const Stream& stream, detail::LineWriter& lines, detail::Messages& messages)
+void writeIndex(const Stream& stream, const Index& index, bool isFirst, detail::LineWriter& lines)
 {
+    const std::string text = index.asString();
+    if (isTakenForAnother(text, isFirst) || !isOfType(stream.indexType(), index, text))
+        lines.refuse(text);
+    else
+        lines.check(text);
+    lines.write(text);
+}
+
+void writeElements(const Stream& stream, const detail::NumberFormat& format, detail::LineWriter& lines,
+                   detail::Messages& messages)
+{
+    const detail::ElementText elements(stream.structure());
+    const bool isNumeric = stream.indexType() == Index::theTypeName();
     bool isFirst = true;
     for (StreamIterator position = stream.begin(); position.valid(); ++position)
     {
-        const std::string index = position.index().asString();
-        if (isTakenForAnother(index, isFirst) || !isOfType(stream.indexType(), position.index(), index))
-            lines.refuse(index);
+        Index index = position.index();
+        if (isNumeric && !static_cast<IndexType*>(index))
+        {
+            format.append(lines.line(), index.index()); // always read back
+            lines.endLine();
+        }
         else
-            lines.check(index);
-        lines.write(index);
-        detail::writeElement(stream.structure(), position->data(), lines.record(), lines.line(), messages);
+            writeIndex(stream, index, isFirst, lines);
+        elements.append(lines.line(), format, position->data(), lines.record(), messages);
         lines.endLine();
         isFirst = false;
     }
@@ -144,7 +159,7 @@ int StreamSerializerRaw::write(const Stream& stream, std::ostream& out, std::str
     lines.write(keyword(kStreamName), stream.name());
     lines.write(keyword(kIndexType), stream.indexType());
     lines.write(keyword(kStructure), stream.structure().name());
-    writeElements(stream, lines, messages);
+    writeElements(stream, detail::NumberFormat(out), lines, messages);
     lines.write(keyword(kEndStream));
     if (!out)
         messages.add("Error in stream while writing.");
@@ -159,9 +174,8 @@ std::ostream& StreamSerializerRaw::getFormatDescription(std::ostream& out) const
 int StreamSerializerRaw::writeMember(Handle& handle, unsigned int record, std::ostream& out, std::string& errors) const
 {
     detail::Messages messages;
-    detail::ClassicText text(out);
-    detail::writeMember(detail::MemberValues::of(handle), record, text.stream(), messages);
-    const std::string values = text.take();
+    std::string values;
+    detail::appendMember(values, detail::NumberFormat(out), detail::MemberValues::of(handle), record, messages);
     out.write(values.data(), static_cast<std::streamsize>(values.size()));
     return handOn(messages, errors);
 }
@@ -176,7 +190,8 @@ int StreamSerializerRaw::readMember(std::istream& in, unsigned int record, Handl
         return handOn(messages, errors);
     }
     detail::ClassicInput input(in);
-    detail::readMember(values, record, input.stream(), messages);
+    detail::ValueInput valueInput(input.stream());
+    detail::readMember(values, record, valueInput, messages);
     input.handOnState();
     return handOn(messages, errors);
 }
@@ -193,7 +208,8 @@ int StreamSerializerRaw::readStructure(const Structure& structure, std::istream&
         return handOn(messages, errors);
     }
     detail::ClassicInput input(in);
-    detail::readElement(structure, handle.data(), record, input.stream(), messages);
+    detail::ValueInput values(input.stream());
+    detail::ElementText(structure).read(handle.data(), record, values, messages);
     input.handOnState();
     return handOn(messages, errors);
 }

@@ -1,6 +1,6 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
-#include "vumo/serialize/detail/ClassicText.h"
+#include "vumo/serialize/detail/ClassicInput.h"
 
 #include <cstdint>
 #include <limits>

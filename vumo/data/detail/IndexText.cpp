@@ -2,8 +2,8 @@
 
 #include "vumo/data/Index.h"
 
-#include <locale>
-#include <sstream>
+#include <algorithm>
+#include <charconv>
 
 namespace vumo::Data::detail
 {
@@ -13,20 +13,21 @@ constexpr char kBlanks[] = " \t\r";
 constexpr char kAllowed[] = "0123456789 \t\r";
 } // namespace
 
-void parseIndexNumbers(const std::string& text, unsigned int* numbers, unsigned int count)
+void parseIndexNumbers(std::string_view text, unsigned int* numbers, unsigned int count)
 {
-    if (text.find_first_not_of(kAllowed) != std::string::npos)
+    if (text.find_first_not_of(kAllowed) != std::string_view::npos)
         throw Index::eIllegalIndexText;
 
-    std::istringstream in(text);
-    in.imbue(std::locale::classic());
     for (unsigned int i = 0; i < count; ++i)
     {
-        if (!(in >> numbers[i]))
+        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+        const char* const end = text.data() + text.size();
+        const std::from_chars_result result = std::from_chars(text.data(), end, numbers[i]);
+        if (result.ec != std::errc())
             throw Index::eIllegalIndexText;
+        text.remove_prefix(static_cast<std::string_view::size_type>(result.ptr - text.data()));
     }
-    const std::streamoff end = in.tellg(); // none once the end of the text was met
-    if (end >= 0 && text.find_first_not_of(kBlanks, static_cast<std::string::size_type>(end)) != std::string::npos)
+    if (text.find_first_not_of(kBlanks) != std::string_view::npos)
         throw Index::eTrailingIndexText;
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
 /// Reads `count` unsigned numbers separated by blanks, tabs or carriage returns, and nothing else, from an
 /// index text. Throws `Index::eCreationErrors`; `numbers` is then unspecified.
-void parseIndexNumbers(const std::string& text, unsigned int* numbers, unsigned int count);
+void parseIndexNumbers(std::string_view text, unsigned int* numbers, unsigned int count);
 
 /// |a - b| + 1 in 32-bit arithmetic.
 unsigned int placesBetween(unsigned int a, unsigned int b);

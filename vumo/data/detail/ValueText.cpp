@@ -3,7 +3,10 @@
 #include "vumo/data/detail/DataTypes.h"
 
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <string_view>
+#include <type_traits>
 
 namespace vumo::Data::detail
 {
@@ -18,63 +21,64 @@ constexpr const char* kTypeWords[] = {"Boolean", "Double", "Double matrix", "Flo
 template <class T>
 constexpr bool kIsNarrow = std::is_integral_v<T> && sizeof(T) < sizeof(std::int32_t);
 
-template <class T>
-void writeScalar(std::ostream& out, T value)
+bool readBoolean(ValueInput& in, char* entry, std::string& word)
 {
-    if constexpr (std::is_same_v<T, bool>)
-        out << (value ? "true" : "false");
-    else if constexpr (kIsNarrow<T>)
-        out << static_cast<int>(value);
-    else
-        out << value;
-}
-
-bool readBoolean(std::istream& in, char* entry, std::string& word)
-{
-    static constexpr const char* kTrue[] = {"1", "t", "T", "true", "True"};
-    static constexpr const char* kFalse[] = {"0", "f", "F", "false", "False"};
-    in >> word;
-    for (const char* text : kTrue)
+    static constexpr struct
     {
-        if (word == text)
+        std::string_view text;
+        char value;
+    } kWords[] = {{"true", 1}, {"false", 0}, {"1", 1}, {"t", 1}, {"T", 1},
+                  {"True", 1}, {"0", 0},     {"f", 0}, {"F", 0}, {"False", 0}};
+    std::string_view text = in.takePlainWord();
+    if (text.empty())
+    {
+        in.stream() >> word;
+        text = word;
+    }
+    for (const auto& candidate : kWords)
+    {
+        if (text == candidate.text)
         {
-            *entry = 1;
+            *entry = candidate.value;
             return true;
         }
     }
-    for (const char* text : kFalse)
-    {
-        if (word == text)
-        {
-            *entry = 0;
-            return true;
-        }
-    }
+    word = std::string(text);
     return false;
 }
 
+/// Extracts one number; what an extraction that fails leaves in `value` is up to it.
 template <class T>
-bool readNarrow(std::istream& in, char* entry)
+bool extract(ValueInput& in, T& value)
+{
+    return in.takePlainNumber(value) || in.stream() >> value;
+}
+
+template <class T>
+bool readNarrow(ValueInput& in, char* entry)
 {
     std::int32_t wide = 0;
-    if (!(in >> wide) || wide < std::numeric_limits<T>::min() || wide > std::numeric_limits<T>::max())
+    if (!extract(in, wide) || wide < std::numeric_limits<T>::min() || wide > std::numeric_limits<T>::max())
         return false;
     storeScalar(entry, static_cast<T>(wide));
     return true;
 }
 
 template <class T>
-bool readWide(std::istream& in, char* entry)
+bool readWide(ValueInput& in, char* entry)
 {
     T value = loadScalar<T>(entry); // an extraction that cannot begin leaves it as it is
-    in >> value;
+    bool accepted = extract(in, value);
     storeScalar(entry, value);
     if constexpr (std::is_floating_point_v<T>)
     {
-        if (std::isinf(value))
-            in.setstate(std::ios::failbit); // refused however the standard library reports an overflow
+        if (std::isinf(value)) // refused however the standard library reports an overflow
+        {
+            in.stream().setstate(std::ios::failbit);
+            accepted = false;
+        }
     }
-    return !in.fail();
+    return accepted;
 }
 } // namespace
 
@@ -85,20 +89,31 @@ unsigned int entryCount(Member::eDataType type)
     return count;
 }
 
-void writeValue(std::ostream& out, Member::eDataType type, const char* value)
+bool appendValue(std::string& text, const NumberFormat& format, Member::eDataType type, const char* value)
 {
+    bool readable = true;
     visitDataType(type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
-        for (unsigned int i = 0; i < layout.kEntries; ++i)
+        if constexpr (!std::is_pointer_v<Scalar>)
         {
-            if (i > 0)
-                out << ' ';
-            writeScalar(out, loadScalar<Scalar>(value + i * sizeof(Scalar)));
+            for (unsigned int i = 0; i < layout.kEntries; ++i)
+            {
+                if (i > 0)
+                    text += ' ';
+                const auto entry = loadScalar<Scalar>(value + i * sizeof(Scalar));
+                if constexpr (std::is_same_v<Scalar, bool>)
+                    text += entry ? "true" : "false";
+                else
+                    format.append(text, entry);
+                if constexpr (std::is_floating_point_v<Scalar>)
+                    readable = readable && std::isfinite(entry) && !format.hasHexFloats();
+            }
         }
     });
+    return readable;
 }
 
-bool readEntry(std::istream& in, Member::eDataType type, char* entry, std::string& word)
+bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string& word)
 {
     bool accepted = false;
     visitDataType(type, [&](auto layout) {

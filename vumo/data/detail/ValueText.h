@@ -1,27 +1,28 @@
 #pragma once
 
 #include "vumo/data/Member.h"
+#include "vumo/data/detail/NumberFormat.h"
+#include "vumo/data/detail/ValueInput.h"
 
 #include <istream>
-#include <ostream>
 #include <string>
 
 namespace vumo::Data::detail
 {
 /// The text form of numbers and booleans, shared by handles and text formats. A value of a matrix type is
-/// 16 entries, of any other type one. Streams are expected to use the classic locale.
+/// 16 entries, of any other type one.
 
 /// The number of entries in a value of `type`: 16, 1, or 0 for the invalid type.
 unsigned int entryCount(Member::eDataType type);
 
-/// Writes the entries of the value at `value`, separated by blanks, as `out` formats numbers; an int8 or
-/// uint8 is a number, too. Not for strings.
-void writeValue(std::ostream& out, Member::eDataType type, const char* value);
+/// Appends the entries of the value at `value`, separated by blanks; an int8 or uint8 is a number, too. Returns
+/// whether readers take back what was written: no infinity, no NaN, no hexadecimal float. Not for strings.
+bool appendValue(std::string& text, const NumberFormat& format, Member::eDataType type, const char* value);
 
 /// Reads one entry of a value of `type` to `entry`; false when its text is not acceptable. A number that
 /// is wider than 16 bits is extracted in place, so a refused one leaves what the extraction left.
 /// `word` receives what stood in place of a boolean. Not for strings.
-bool readEntry(std::istream& in, Member::eDataType type, char* entry, std::string& word);
+bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string& word);
 
 /// The address of entry `i` of the value at `value`.
 char* entryAddress(Member::eDataType type, char* value, unsigned int i);

@@ -3,14 +3,12 @@
 #include "vumo/data/detail/DataTypes.h"
 #include "vumo/data/detail/Text.h"
 #include "vumo/data/detail/ValueText.h"
-#include "vumo/serialize/detail/ClassicText.h"
+#include "vumo/serialize/detail/LineReader.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <locale>
-#include <type_traits>
 
 namespace vumo::Data::detail
 {
@@ -25,7 +23,7 @@ bool isEnd(Traits::int_type c)
 
 bool isSpace(Traits::int_type c)
 {
-    return std::isspace(Traits::to_char_type(c), std::locale::classic());
+    return isClassicSpace(Traits::to_char_type(c));
 }
 
 bool isAtSeparator(std::istream& in)
@@ -34,54 +32,29 @@ bool isAtSeparator(std::istream& in)
     return isEnd(next) || isSpace(next);
 }
 
-void writeString(std::ostream& out, const char* text)
+void appendString(std::string& line, const char* text)
 {
-    out.put('"');
+    line += '"';
     for (; text && *text != '\0'; ++text)
     {
         if (*text == '"' || *text == '\\')
-            out.put('\\');
+            line += '\\';
         if (*text == '\n')
-            out << "\\n";
+            line += "\\n";
         else
-            out.put(*text);
+            line += *text;
     }
-    out.put('"');
+    line += '"';
 }
 
-/// Says whether readers take back what `out` makes of the value: no infinity and no NaN, for example.
-bool canBeReadBack(const std::ostream& out, Member::eDataType type, const char* value)
+/// Appends what follows the backslash that was just read; what is no escape stands for itself, backslash included.
+void readEscape(std::streambuf& chars, std::string& text)
 {
-    bool readable = true;
-    visitDataType(type, [&](auto layout) {
-        using Scalar = typename decltype(layout)::Scalar;
-        if constexpr (std::is_floating_point_v<Scalar>)
-        {
-            readable = !ClassicText::hasHexFloats(out);
-            for (unsigned int i = 0; readable && i < layout.kEntries; ++i)
-                readable = std::isfinite(loadScalar<Scalar>(value + i * sizeof(Scalar)));
-        }
-    });
-    return readable;
-}
-
-/// What follows the backslash that was just read; what is no escape stands for itself, backslash included.
-std::string readEscape(std::streambuf& chars)
-{
-    switch (chars.sgetc())
-    {
-    case '"':
+    const Traits::int_type next = chars.sgetc();
+    const bool isEscape = next == '"' || next == '\\' || next == 'n';
+    if (isEscape)
         chars.sbumpc();
-        return "\"";
-    case '\\':
-        chars.sbumpc();
-        return "\\";
-    case 'n':
-        chars.sbumpc();
-        return "\n";
-    default:
-        return "\\";
-    }
+    text += !isEscape ? '\\' : next == 'n' ? '\n' : Traits::to_char_type(next);
 }
 
 std::string placeOf(std::istream& in)
@@ -106,7 +79,7 @@ bool readQuoted(std::istream& in, std::string& text, Messages& messages)
             return false;
         }
         if (c == '\\')
-            text += readEscape(chars);
+            readEscape(chars, text);
         else
             text += Traits::to_char_type(c);
     }
@@ -144,29 +117,35 @@ bool readString(std::istream& in, char* target, Messages& messages)
 }
 
 /// Reads the entries of a number, a boolean or a matrix.
-bool readEntries(std::istream& in, Member::eDataType type, char* target, Messages& messages)
+bool readEntries(ValueInput& in, Member::eDataType type, char* target, Messages& messages)
 {
-    const unsigned int entrySize = Member::typeSize(type) / entryCount(type);
-    for (unsigned int i = 0; i < entryCount(type); ++i)
+    const unsigned int count = entryCount(type);
+    const unsigned int entrySize = Member::typeSize(type) / count;
+    for (unsigned int i = 0; i < count; ++i)
     {
         char entry[sizeof(double)] = {}; // read aside, so that a bad one is not stored
         std::string word;
-        if (!readEntry(in, type, entry, word) || !isAtSeparator(in))
+        if (!readEntry(in, type, entry, word) || !isAtSeparator(in.stream()))
         {
-            messages.add(entryMessage(type, i, readPosition(in), word));
+            messages.add(entryMessage(type, i, readPosition(in.stream()), word));
             return false;
         }
         if (target)
-            std::memcpy(entryAddress(type, target, i), entry, entrySize);
+            std::memcpy(target + std::size_t(i) * entrySize, entry, entrySize);
     }
     return true;
 }
-} // namespace
 
-MemberValues MemberValues::of(const Member* member, char* block)
+/// The least length that the text of the values can have: a character or two quotation marks, and a separator, for
+/// each of them.
+unsigned long long leastLength(Member::eDataType type, unsigned int length)
 {
-    return {Member::type(member), Member::length(member), block ? block + Member::offset(member) : nullptr};
+    constexpr unsigned int kLeastEntry = 2;
+    constexpr unsigned int kLeastString = 3;
+    const unsigned long long value = type == Member::kString ? kLeastString : kLeastEntry * entryCount(type);
+    return value * length;
 }
+} // namespace
 
 MemberValues MemberValues::of(Handle& handle)
 {
@@ -179,50 +158,42 @@ std::string unrecognizedMessage(Member::eDataType type, unsigned int record)
     return "Member at record " + std::to_string(record) + " not recognized as a " + Member::typeName(type);
 }
 
-void writeMember(const MemberValues& values, unsigned int record, std::ostream& out, Messages& messages)
+void appendMember(std::string& line, const NumberFormat& format, const MemberValues& values, unsigned int record,
+                  Messages& messages)
 {
     if (values.type >= Member::kInvalidType || !values.data)
     {
         messages.add(unrecognizedMessage(values.type, record));
         return;
     }
+    const std::size_t size = Member::typeSize(values.type);
     bool readable = true;
     for (unsigned int i = 0; i < values.length; ++i)
     {
-        const char* const value = values.data + std::size_t(i) * Member::typeSize(values.type);
+        const char* const value = values.data + i * size;
         if (i > 0)
-            out.put(' ');
+            line += ' ';
         if (values.type == Member::kString)
-            writeString(out, loadScalar<char*>(value));
-        else
-            writeValue(out, values.type, value);
-        readable = readable && canBeReadBack(out, values.type, value);
+            appendString(line, loadScalar<char*>(value));
+        else if (!appendValue(line, format, values.type, value))
+            readable = false;
     }
     if (!readable)
         messages.add("Member at record " + std::to_string(record) + " has a value that cannot be read back");
 }
 
-void writeElement(const Structure& structure, char* block, unsigned int record, std::ostream& out, Messages& messages)
-{
-    for (unsigned int i = 0; i < structure.memberCount(); ++i)
-    {
-        if (i > 0)
-            out.put(' ');
-        writeMember(MemberValues::of(structure.member(i), block), record, out, messages);
-    }
-}
-
-bool readMember(const MemberValues& values, unsigned int record, std::istream& in, Messages& messages)
+bool readMember(const MemberValues& values, unsigned int record, ValueInput& in, Messages& messages)
 {
     if (values.type >= Member::kInvalidType)
     {
         messages.add(unrecognizedMessage(values.type, record));
         return false;
     }
+    const std::size_t size = Member::typeSize(values.type);
     for (unsigned int i = 0; i < values.length; ++i)
     {
-        char* const target = values.data ? values.data + std::size_t(i) * Member::typeSize(values.type) : nullptr;
-        const bool good = values.type == Member::kString ? readString(in, target, messages)
+        char* const target = values.data ? values.data + i * size : nullptr;
+        const bool good = values.type == Member::kString ? readString(in.stream(), target, messages)
                                                          : readEntries(in, values.type, target, messages);
         if (!good)
             return false;
@@ -230,30 +201,38 @@ bool readMember(const MemberValues& values, unsigned int record, std::istream& i
     return true;
 }
 
-bool readElement(const Structure& structure, char* block, unsigned int record, std::istream& in, Messages& messages)
+ElementText::ElementText(const Structure& structure)
 {
+    mMembers.reserve(structure.memberCount());
     for (unsigned int i = 0; i < structure.memberCount(); ++i)
     {
-        if (!readMember(MemberValues::of(structure.member(i), block), record, in, messages))
-            return false;
+        const Member* const member = structure.member(i);
+        mMembers.push_back({Member::type(member), Member::length(member), Member::offset(member)});
+        if (mLeastLength <= kMaxLineLength + 1)
+            mLeastLength += leastLength(mMembers.back().type, mMembers.back().length);
     }
-    return true;
 }
 
-bool couldHoldElement(const Structure& structure, std::string::size_type length)
+void ElementText::append(std::string& line, const NumberFormat& format, char* block, unsigned int record,
+                         Messages& messages) const
 {
-    // The least that a value takes: a character or two quotation marks, and a separator but for the last one.
-    constexpr unsigned int kLeastEntry = 2;
-    constexpr unsigned int kLeastString = 3;
-    unsigned long long least = 0;
-    for (unsigned int i = 0; i < structure.memberCount() && least <= length + 1; ++i)
+    for (const Place& member : mMembers)
     {
-        const Member* const member = structure.member(i);
-        const Member::eDataType type = Member::type(member);
-        const unsigned long long value = type == Member::kString ? kLeastString : kLeastEntry * entryCount(type);
-        least += value * Member::length(member);
+        if (&member != mMembers.data())
+            line += ' ';
+        appendMember(line, format, valuesOf(member, block), record, messages);
     }
-    return least <= length + 1;
+}
+
+bool ElementText::read(char* block, unsigned int record, ValueInput& in, Messages& messages) const
+{
+    return std::all_of(mMembers.begin(), mMembers.end(),
+                       [&](const Place& member) { return readMember(valuesOf(member, block), record, in, messages); });
+}
+
+MemberValues ElementText::valuesOf(const Place& member, char* block)
+{
+    return {member.type, member.length, block ? block + member.offset : nullptr};
 }
 
 bool skipToText(std::istream& in)

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "vumo/data/detail/ValueInput.h"
 #include "vumo/serialize/detail/LineReader.h"
 
 #include <istream>
-#include <streambuf>
-#include <string>
 
 namespace vumo::Data::detail
 {
@@ -16,26 +15,25 @@ public:
     /// Borrows the reader.
     explicit LineInput(const LineReader& lines);
 
-    /// An input at the start of the reader's current line.
-    std::istream& restart();
+    /// An input at the start of the reader's current line; valid until that reads the next one.
+    ValueInput& restart();
 
 private:
-    class Buffer : public std::streambuf
+    class Buffer : public TextBuffer
     {
     public:
         explicit Buffer(const LineReader& lines) : mLines(lines) {}
-        void restart();
 
     protected:
-        /// Tells the position; moves nowhere.
-        pos_type seekoff(off_type offset, std::ios::seekdir way, std::ios::openmode which) override;
+        long long start() const override { return mLines.position(); }
 
     private:
         const LineReader& mLines;
-        std::string mText;
     };
 
+    const LineReader& mLines;
     Buffer mBuffer;
     std::istream mStream;
+    ValueInput mValues;
 };
 } // namespace vumo::Data::detail

@@ -1,7 +1,7 @@
 #include "vumo/serialize/detail/LineReader.h"
 
 #include "vumo/data/detail/ValueText.h"
-#include "vumo/serialize/SerializerRaw.h"
+#include "vumo/serialize/detail/Trim.h"
 
 #include <cstring>
 #include <limits>
@@ -13,29 +13,28 @@ namespace
 constexpr char kBlanks[] = " \t";
 } // namespace
 
-bool isKeywordLine(const std::string& line, const char* keyword, std::string& text)
+bool isKeywordLine(std::string_view line, const char* keyword, std::string& text)
 {
-    const std::string::size_type length = std::strlen(keyword);
-    if (line.compare(0, length, keyword) != 0)
+    const std::string_view::size_type length = std::strlen(keyword);
+    if (line.substr(0, length) != keyword)
         return false;
-    const std::string::size_type begin = line.find_first_not_of(kBlanks, length);
+    const std::string_view::size_type begin = line.find_first_not_of(kBlanks, length);
     if (begin == length)
         return false; // a longer word
-    text = begin == std::string::npos ? std::string() : line.substr(begin);
+    text = begin == std::string_view::npos ? std::string_view() : line.substr(begin);
     return true;
 }
 
 bool LineReader::next()
 {
-    char line[kMaxLineLength + 1];
-    mIn.getline(line, sizeof(line));
+    mIn.getline(mLine, sizeof(mLine));
     mConsumed = mIn.gcount();
     mTooLong = mIn.fail() && mConsumed == kMaxLineLength;
     if (mIn.fail() && !mTooLong)
         return false;
 
     const bool hasNewline = !mTooLong && !mIn.eof();
-    mText.assign(line, static_cast<std::string::size_type>(mConsumed) - (hasNewline ? 1 : 0));
+    mText = trimmed({mLine, static_cast<std::string_view::size_type>(mConsumed) - (hasNewline ? 1 : 0)});
     if (mTooLong)
     {
         mIn.clear(mIn.rdstate() & ~std::ios::failbit);
@@ -43,9 +42,6 @@ bool LineReader::next()
         mConsumed += mIn.gcount();
     }
     ++mRecord;
-    std::string trimmed = mText;
-    mIndent = mText.find(SerializerRaw::collapseWhitespace(trimmed));
-    mText.swap(trimmed);
     return true;
 }
 
@@ -62,7 +58,7 @@ bool LineReader::nextFilled()
 long long LineReader::position() const
 {
     const long long end = readPosition(mIn);
-    return end < 0 ? end : end - mConsumed + static_cast<long long>(mIndent);
+    return end < 0 ? end : end - mConsumed + (mText.data() - mLine);
 }
 
 std::string LineReader::tooLongMessage() const

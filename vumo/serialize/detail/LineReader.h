@@ -2,6 +2,7 @@
 
 #include <istream>
 #include <string>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
@@ -9,7 +10,7 @@ namespace vumo::Data::detail
 constexpr unsigned int kMaxLineLength = 1023;
 
 /// Says whether a trimmed line is the keyword, alone or followed by a blank and a text, and gives that text.
-bool isKeywordLine(const std::string& line, const char* keyword, std::string& text);
+bool isKeywordLine(std::string_view line, const char* keyword, std::string& text);
 
 /// Reads an input line by line, taking nothing behind the line that was asked for.
 ///
@@ -20,6 +21,8 @@ class LineReader
 public:
     /// Borrows the input.
     explicit LineReader(std::istream& in) : mIn(in) {}
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
 
     /// False at the end of the input.
     bool next();
@@ -27,8 +30,8 @@ public:
     /// Passes over blank lines; a line that is too long is never blank.
     bool nextFilled();
 
-    /// The current line, trimmed at both ends.
-    const std::string& text() const { return mText; }
+    /// The current line, trimmed at both ends; valid until the next one is read.
+    std::string_view text() const { return mText; }
     bool isTooLong() const { return mTooLong; }
 
     /// Says whether lines ended early because the input broke, as a file does whose disk fails.
@@ -44,8 +47,8 @@ public:
 
 private:
     std::istream& mIn;
-    std::string mText;
-    std::string::size_type mIndent = 0;
+    char mLine[kMaxLineLength + 1];
+    std::string_view mText;        // of mLine
     std::streamsize mConsumed = 0; // with the newline
     unsigned int mRecord = 0;
     bool mTooLong = false;

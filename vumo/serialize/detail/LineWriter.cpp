@@ -1,21 +1,14 @@
 #include "vumo/serialize/detail/LineWriter.h"
 
-#include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/detail/LineReader.h"
+#include "vumo/serialize/detail/Trim.h"
 
 namespace vumo::Data::detail
 {
-void LineWriter::write(const std::string& line)
+void LineWriter::write(std::string_view line)
 {
-    if (line.size() > kMaxLineLength)
-    {
-        mMessages.add("Line at record " + std::to_string(mRecord) + " is longer than " +
-                      std::to_string(kMaxLineLength) + " characters and cannot be read back");
-    }
-    mOut.write(line.data(), static_cast<std::streamsize>(line.size()));
-    mOut.put('\n');
-    mOut.flush();
-    ++mRecord;
+    mLine = line;
+    endLine();
 }
 
 void LineWriter::write(const char* keyword, const std::string& name)
@@ -24,10 +17,23 @@ void LineWriter::write(const char* keyword, const std::string& name)
     write(std::string(keyword) + " " + name);
 }
 
+void LineWriter::endLine()
+{
+    if (mLine.size() > kMaxLineLength)
+    {
+        mMessages.add("Line at record " + std::to_string(mRecord) + " is longer than " +
+                      std::to_string(kMaxLineLength) + " characters and cannot be read back");
+    }
+    mLine += '\n';
+    mOut.write(mLine.data(), static_cast<std::streamsize>(mLine.size()));
+    mOut.flush();
+    mLine.clear();
+    ++mRecord;
+}
+
 void LineWriter::check(const std::string& text)
 {
-    std::string trimmed = text;
-    if (SerializerRaw::collapseWhitespace(trimmed) != text || text.find('\n') != std::string::npos)
+    if (trimmed(text) != text || text.find('\n') != std::string::npos)
         refuse(text);
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "vumo/serialize/detail/ClassicText.h"
 #include "vumo/serialize/detail/Messages.h"
 
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
@@ -16,16 +16,16 @@ class LineWriter
 {
 public:
     /// Borrows both; errors go to `messages`.
-    LineWriter(std::ostream& out, Messages& messages) : mOut(out), mMessages(messages), mLine(out) {}
+    LineWriter(std::ostream& out, Messages& messages) : mOut(out), mMessages(messages) {}
 
-    void write(const std::string& line);
+    void write(std::string_view line);
 
     /// Writes the keyword, a blank and the name.
     void write(const char* keyword, const std::string& name);
 
-    /// To build a line from values; endLine() writes it.
-    std::ostream& line() { return mLine.stream(); }
-    void endLine() { write(mLine.take()); }
+    /// To build a line in place, from empty; endLine() writes it.
+    std::string& line() { return mLine; }
+    void endLine();
 
     /// The number of the line to be written next, counted from 1.
     unsigned int record() const { return mRecord; }
@@ -37,7 +37,7 @@ public:
 private:
     std::ostream& mOut;
     Messages& mMessages;
-    ClassicText mLine;
+    std::string mLine;
     unsigned int mRecord = 1;
 };
 } // namespace vumo::Data::detail

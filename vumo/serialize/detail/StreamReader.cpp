@@ -2,7 +2,6 @@
 
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/serialize/SerializerRaw.h"
-#include "vumo/serialize/detail/ElementText.h"
 
 #include <exception>
 
@@ -85,8 +84,8 @@ void StreamReader::acceptStructure(const std::string& name)
 
 bool StreamReader::readIndexAndData()
 {
-    const std::string text = mLines.text();
-    const std::string place = atRecord();
+    mIndexText = mLines.text();
+    const unsigned int record = mLines.record();
     const std::optional<Index> index = parseIndex();
     if (mStructure && mStructure->empty())
     {
@@ -98,7 +97,7 @@ bool StreamReader::readIndexAndData()
     if (!mLines.nextFilled() || isLastLine())
     {
         if (mStructure)
-            mMessages.add("Index '" + text + "'" + place + " has no data line");
+            mMessages.add("Index '" + mIndexText + "'" + atRecord(record) + " has no data line");
         return false;
     }
     if (isLineUsable() && index && mStructure)
@@ -118,7 +117,7 @@ std::optional<Index> StreamReader::parseIndex()
         return std::nullopt;
     try
     {
-        return Index::doCreate(mIndexType, mLines.text());
+        return createIndex();
     }
     catch (Index::eCreationErrors code)
     {
@@ -131,30 +130,39 @@ std::optional<Index> StreamReader::parseIndex()
     return std::nullopt;
 }
 
+Index StreamReader::createIndex()
+{
+    if (!mIndexCreator)
+        mIndexCreator = Index::creator(mIndexType);
+    return mIndexCreator(mIndexText);
+}
+
 void StreamReader::refuseIndex(Index::eCreationErrors code)
 {
-    mMessages.add("Value '" + mLines.text() + "' on or about character " + std::to_string(mLines.position()) +
+    mMessages.add("Value '" + mIndexText + "' on or about character " + std::to_string(mLines.position()) +
                   " is not a legal index (code " + std::to_string(code) + ") of type " + mIndexType);
 }
 
 void StreamReader::readDataLine(const Index& index)
 {
-    std::istream& values = mValues.restart();
-    if (!couldHoldElement(*mStructure, mLines.text().size()))
+    ValueInput& values = mValues.restart();
+    if (!mElementText)
+        mElementText = std::make_unique<ElementText>(*mStructure);
+    if (!mElementText->fitsInto(mLines.text().size()))
     {
         // Nothing is allocated by the size that a structure promises; this finds the first missing value.
-        readElement(*mStructure, nullptr, mLines.record(), values, mMessages);
+        mElementText->read(nullptr, mLines.record(), values, mMessages);
         return;
     }
     if (!mElement)
         mElement = std::make_unique<Handle>(*mStructure);
-    if (!readElement(*mStructure, mElement->data(), mLines.record(), values, mMessages))
+    if (!mElementText->read(mElement->data(), mLines.record(), values, mMessages))
         return;
-    if (skipToText(values))
+    if (skipToText(values.stream()))
     {
-        const long long position = readPosition(values);
+        const long long position = readPosition(values.stream());
         std::string rest;
-        std::getline(values, rest);
+        std::getline(values.stream(), rest);
         mMessages.add("Text '" + rest + "' on or about character " + std::to_string(position) +
                       " is left over behind the last value" + atRecord());
         return;
@@ -202,8 +210,8 @@ bool StreamReader::isLineUsable()
     return !mLines.isTooLong();
 }
 
-std::string StreamReader::atRecord() const
+std::string StreamReader::atRecord(unsigned int record)
 {
-    return " at record " + std::to_string(mLines.record());
+    return " at record " + std::to_string(record);
 }
 } // namespace vumo::Data::detail

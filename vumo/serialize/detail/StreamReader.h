@@ -4,6 +4,7 @@
 #include "vumo/data/Index.h"
 #include "vumo/data/Stream.h"
 #include "vumo/data/Structure.h"
+#include "vumo/serialize/detail/ElementText.h"
 #include "vumo/serialize/detail/LineInput.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/Messages.h"
@@ -34,6 +35,7 @@ private:
     /// The current line is an index line. False when the stream ends in place of the data line.
     bool readIndexAndData();
     std::optional<Index> parseIndex();
+    Index createIndex();
     void refuseIndex(Index::eCreationErrors code);
     void readDataLine(const Index& index);
     void storeElement(const Index& index);
@@ -45,7 +47,8 @@ private:
 
     /// False, with an error, for a line that is too long.
     bool isLineUsable();
-    std::string atRecord() const;
+    std::string atRecord() const { return atRecord(mLines.record()); }
+    static std::string atRecord(unsigned int record);
 
     LineReader mLines;
     LineInput mValues;
@@ -59,7 +62,10 @@ private:
     bool mHasUsableIndexType = true;
     bool mInElements = false;
 
+    Index::Creator mIndexCreator = nullptr; // null: not yet looked up
+    std::string mIndexText;                 // of the current element
     std::unique_ptr<Stream> mStream;
+    std::unique_ptr<ElementText> mElementText;
     std::unique_ptr<Handle> mElement; // filled anew from every data line
 };
 } // namespace vumo::Data::detail
