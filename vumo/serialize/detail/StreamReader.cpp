@@ -4,6 +4,7 @@
 #include "vumo/serialize/SerializerRaw.h"
 
 #include <exception>
+#include <utility>
 
 namespace vumo::Data::detail
 {
@@ -32,8 +33,7 @@ std::unique_ptr<Stream> StreamReader::read(std::string& errors)
         mMessages.add("Error in stream while reading" + atRecord());
     if (mMessages.report("Stream not created", errors) > 0)
         return nullptr;
-    stream();
-    return std::move(mStream);
+    return std::make_unique<Stream>(&storage());
 }
 
 bool StreamReader::readHeaderLine()
@@ -86,12 +86,12 @@ bool StreamReader::readIndexAndData()
 {
     mIndexText = mLines.text();
     const unsigned int record = mLines.record();
-    const std::optional<Index> index = parseIndex();
+    std::optional<Index> index = parseIndex();
     if (mStructure && mStructure->empty())
     {
         // An element without values has a blank data line, which is passed over like any other.
         if (index)
-            storeElement(*index);
+            storage().newElement(std::move(*index));
         return true;
     }
     if (!mLines.nextFilled() || isLastLine())
@@ -101,7 +101,7 @@ bool StreamReader::readIndexAndData()
         return false;
     }
     if (isLineUsable() && index && mStructure)
-        readDataLine(*index);
+        readDataLine(std::move(*index));
     return true;
 }
 
@@ -143,7 +143,7 @@ void StreamReader::refuseIndex(Index::eCreationErrors code)
                   " is not a legal index (code " + std::to_string(code) + ") of type " + mIndexType);
 }
 
-void StreamReader::readDataLine(const Index& index)
+void StreamReader::readDataLine(Index&& index)
 {
     ValueInput& values = mValues.restart();
     if (!mElementText)
@@ -154,9 +154,8 @@ void StreamReader::readDataLine(const Index& index)
         mElementText->read(nullptr, mLines.record(), values, mMessages);
         return;
     }
-    if (!mElement)
-        mElement = std::make_unique<Handle>(*mStructure);
-    if (!mElementText->read(mElement->data(), mLines.record(), values, mMessages))
+    char* const block = storage().newElement(std::move(index)); // half filled after an error, but then nobody sees it
+    if (!mElementText->read(block, mLines.record(), values, mMessages))
         return;
     if (skipToText(values.stream()))
     {
@@ -165,17 +164,7 @@ void StreamReader::readDataLine(const Index& index)
         std::getline(values.stream(), rest);
         mMessages.add("Text '" + rest + "' on or about character " + std::to_string(position) +
                       " is left over behind the last value" + atRecord());
-        return;
     }
-    storeElement(index);
-}
-
-void StreamReader::storeElement(const Index& index)
-{
-    if (!mElement)
-        mElement = std::make_unique<Handle>(*mStructure);
-    if (!stream().setElement(index, *mElement))
-        mMessages.add("Could not add element at index " + index.asString());
 }
 
 void StreamReader::requireHeader()
@@ -188,14 +177,14 @@ void StreamReader::requireHeader()
         mMessages.add("Structure name not specified" + atRecord());
 }
 
-Stream& StreamReader::stream()
+StreamImplMapped& StreamReader::storage()
 {
-    if (!mStream)
+    if (!mStorage)
     {
-        mStream = std::make_unique<Stream>(*mStructure, mName);
-        mStream->setIndexType(mIndexType);
+        mStorage = Ref<StreamImplMapped>(new StreamImplMapped(*mStructure, mName));
+        mStorage->setIndexType(mIndexType);
     }
-    return *mStream;
+    return *mStorage;
 }
 
 bool StreamReader::isLastLine() const

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "vumo/data/Handle.h"
 #include "vumo/data/Index.h"
 #include "vumo/data/Stream.h"
+#include "vumo/data/StreamImplMapped.h"
 #include "vumo/data/Structure.h"
 #include "vumo/serialize/detail/ElementText.h"
 #include "vumo/serialize/detail/LineInput.h"
@@ -37,11 +37,10 @@ private:
     std::optional<Index> parseIndex();
     Index createIndex();
     void refuseIndex(Index::eCreationErrors code);
-    void readDataLine(const Index& index);
-    void storeElement(const Index& index);
+    void readDataLine(Index&& index);
 
     void requireHeader();
-    Stream& stream();
+    StreamImplMapped& storage();
 
     bool isLastLine() const;
 
@@ -64,8 +63,7 @@ private:
 
     Index::Creator mIndexCreator = nullptr; // null: not yet looked up
     std::string mIndexText;                 // of the current element
-    std::unique_ptr<Stream> mStream;
     std::unique_ptr<ElementText> mElementText;
-    std::unique_ptr<Handle> mElement; // filled anew from every data line
+    Ref<StreamImplMapped> mStorage; // null: not yet needed
 };
 } // namespace vumo::Data::detail
