@@ -336,9 +336,9 @@ std::string Handle::str(unsigned int i) const
         const bool hasFirst = detail::loadScalar<char*>(value(0)); // without a first string all are empty
         return hasFirst && text ? text : "";
     }
-    std::string text;
-    detail::appendValue(text, detail::NumberFormat(), type, source);
-    return text;
+    detail::TextBuilder builder;
+    detail::appendValues(builder, detail::NumberFormat(), type, source, 1);
+    return std::string(builder.text());
 }
 
 int Handle::fromStr(const std::string& text, unsigned int i, std::string& errors)

@@ -174,9 +174,9 @@ std::ostream& StreamSerializerRaw::getFormatDescription(std::ostream& out) const
 int StreamSerializerRaw::writeMember(Handle& handle, unsigned int record, std::ostream& out, std::string& errors) const
 {
     detail::Messages messages;
-    std::string values;
+    detail::TextBuilder values;
     detail::appendMember(values, detail::NumberFormat(out), detail::MemberValues::of(handle), record, messages);
-    out.write(values.data(), static_cast<std::streamsize>(values.size()));
+    out.write(values.text().data(), static_cast<std::streamsize>(values.text().size()));
     return handOn(messages, errors);
 }
 

@@ -36,11 +36,13 @@ struct BinaryNumber
     int exponent;
 };
 
-/// A number as the integer below it, and whether it is to be rounded up.
+/// A number as the integer below it, and how what is left compares with a half.
 struct Scaled
 {
     std::uint64_t whole;
-    bool roundsUp;
+    bool isAboveHalf;
+    bool isHalf;
+    bool hasRest;
 };
 
 /// `number` * 10^`scale`, for a scale of 0 to 27.
@@ -49,11 +51,11 @@ Scaled scaleUp(const BinaryNumber& number, int scale)
     const Wide product = static_cast<Wide>(number.integer) * kPowersOfFive[static_cast<unsigned int>(scale)];
     const int shift = number.exponent + scale;
     if (shift >= 0)
-        return {static_cast<std::uint64_t>(product << shift), false};
+        return {static_cast<std::uint64_t>(product << shift), false, false, false};
     const auto whole = static_cast<std::uint64_t>(product >> -shift);
     const Wide rest = product - (static_cast<Wide>(whole) << -shift);
     const Wide half = static_cast<Wide>(1) << (-shift - 1);
-    return {whole, rest > half || (rest == half && whole % 2 == 1)};
+    return {whole, rest > half, rest == half, rest != 0};
 }
 
 /// `number` / 10^`scale`, for a number from 10 up to but not including 2^63.
@@ -71,7 +73,15 @@ Scaled scaleDown(const BinaryNumber& number, int scale)
     const std::uint64_t divisor = kPowersOfTen[static_cast<unsigned int>(scale)];
     const std::uint64_t whole = integer / divisor;
     const std::uint64_t twice = integer % divisor * 2;
-    return {whole, twice > divisor || (twice == divisor && (hasFraction || whole % 2 == 1))};
+    return {whole, twice > divisor || (twice == divisor && hasFraction), twice == divisor && !hasFraction,
+            twice != 0 || hasFraction};
+}
+
+/// Divides by ten.
+Scaled withoutLastDigit(const Scaled& number)
+{
+    const std::uint64_t digit = number.whole % 10;
+    return {number.whole / 10, digit > 5 || (digit == 5 && number.hasRest), digit == 5 && !number.hasRest, true};
 }
 
 /// The exponent of ten of 2^`exponent`, rounded down; right for all exponents of a double.
@@ -92,19 +102,24 @@ std::optional<DecimalDigits> roundToDigits(double value, int count)
 
     // The number is less than twice that power of two, so its exponent is this one or the next.
     int exponent = decimalExponent(magnitude);
+    const int scale = count - 1 - exponent;
+    if (scale >= static_cast<int>(kPowersOfFive.size()))
+        return std::nullopt;
+    Scaled scaled = scale >= 0 ? scaleUp(number, scale) : scaleDown(number, -scale);
     const std::uint64_t end = kPowersOfTen[static_cast<unsigned int>(count)];
-    Scaled scaled{};
-    for (;; ++exponent)
+    if (scaled.whole >= end)
     {
-        const int scale = count - 1 - exponent;
-        if (scale >= static_cast<int>(kPowersOfFive.size()))
-            return std::nullopt;
-        scaled = scale >= 0 ? scaleUp(number, scale) : scaleDown(number, -scale);
-        if (scaled.whole < end)
-            break;
+        scaled = withoutLastDigit(scaled);
+        ++exponent;
     }
-    if (scaled.roundsUp && ++scaled.whole == end)
-        return DecimalDigits{end / 10, exponent + 1};
-    return DecimalDigits{scaled.whole, exponent};
+    std::uint64_t digits = scaled.whole;
+    if (scaled.isAboveHalf || (scaled.isHalf && digits % 2 == 1))
+        ++digits;
+    if (digits == end)
+    {
+        digits /= 10;
+        ++exponent;
+    }
+    return DecimalDigits{digits, exponent};
 }
 } // namespace vumo::Data::detail

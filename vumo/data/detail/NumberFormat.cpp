@@ -2,9 +2,9 @@
 
 #include "vumo/data/detail/DecimalDigits.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <locale>
 #include <sstream>
 
@@ -13,12 +13,20 @@ namespace vumo::Data::detail
 namespace
 {
 constexpr std::ios::fmtflags kFloatFormat = std::ios::floatfield | std::ios::showpoint | std::ios::uppercase;
-constexpr std::ios::fmtflags kHexFloat = std::ios::fixed | std::ios::scientific;
 constexpr std::streamsize kDefaultPrecision = 6;
 
-char* putText(char* out, const char* begin, const char* end)
+constexpr std::size_t kDigitsSize = 24; // of a field that is copied as a whole, whatever it holds
+static_assert(kDigitsSize >= kMaxDecimalDigits);
+
+/// Room for the longest text that putGeneral() makes, a sign, "0.000" or a point and an exponent, and for what the
+/// copies of whole fields put behind it.
+constexpr std::size_t kGeneralRoom = 2 * kDigitsSize + 8;
+
+/// Puts exactly that many digits.
+void putDigits(char* out, std::uint64_t number, int count)
 {
-    return std::copy(begin, end, out);
+    for (char* digit = out + count; digit != out; number /= 10)
+        *--digit = static_cast<char>('0' + number % 10);
 }
 
 /// Puts "e" and an exponent of two digits, as all that roundToDigits() gives have.
@@ -31,33 +39,37 @@ char* putExponent(char* out, int exponent)
     return out;
 }
 
-/// Puts the digits with a point behind the first `whole` of them, and zeros where there are fewer.
-char* putWithPoint(char* out, const char* begin, const char* end, int whole)
-{
-    const auto count = static_cast<int>(end - begin);
-    if (whole >= count)
-        return std::fill_n(putText(out, begin, end), whole - count, '0');
-    out = putText(out, begin, begin + whole);
-    *out++ = '.';
-    return putText(out, begin + whole, end);
-}
-
-/// Puts a number as printf does for "%g": zeros at the end left out, and an exponent for what is very small, or
-/// larger than its digits can tell.
+/// Puts a number of that many digits as printf does for "%g": zeros at the end left out, and an exponent for what is
+/// very small, or larger than its digits can tell.
 char* putGeneral(char* out, const DecimalDigits& number, int precision)
 {
+    static constexpr char kLeadingZeros[] = "0.000";
     constexpr int kLeastPlainExponent = -4;
-    char digits[kMaxDecimalDigits + 3];
-    const char* end = std::to_chars(digits, digits + sizeof(digits), number.digits).ptr;
-    while (end[-1] == '0')
-        --end;
-    if (number.exponent >= precision || number.exponent < kLeastPlainExponent)
-        return putExponent(putWithPoint(out, digits, end, 1), number.exponent);
-    if (number.exponent >= 0)
-        return putWithPoint(out, digits, end, number.exponent + 1);
-    *out++ = '0';
-    *out++ = '.';
-    return putText(std::fill_n(out, -number.exponent - 1, '0'), digits, end);
+    char digits[2 * kDigitsSize];
+    putDigits(digits, number.digits, precision);
+    int count = precision;
+    while (digits[count - 1] == '0')
+        --count;
+
+    const bool isPlain = number.exponent >= kLeastPlainExponent && number.exponent < precision;
+    if (isPlain && number.exponent < 0)
+    {
+        std::memcpy(out, kLeadingZeros, sizeof(kLeadingZeros));
+        out += 1 - number.exponent;
+        std::memcpy(out, digits, kDigitsSize);
+        return out + count;
+    }
+    const int whole = isPlain ? number.exponent + 1 : 1;
+    std::memcpy(out, digits, kDigitsSize);
+    if (count > whole)
+    {
+        out[whole] = '.';
+        std::memcpy(out + whole + 1, digits + whole, kDigitsSize);
+        out += count + 1;
+    }
+    else
+        out += whole; // zeros before the point stay
+    return isPlain ? out : putExponent(out, number.exponent);
 }
 } // namespace
 
@@ -70,12 +82,7 @@ NumberFormat::NumberFormat(const std::ios_base& out) : mFlags(out.flags() & kFlo
         mPrecision = 1; // likewise
 }
 
-bool NumberFormat::hasHexFloats() const
-{
-    return (mFlags & std::ios::floatfield) == kHexFloat;
-}
-
-void NumberFormat::appendFloat(std::string& text, double value) const
+void NumberFormat::appendFloat(TextBuilder& text, double value) const
 {
     const bool isCommon = mFlags == std::ios::fmtflags{} && mPrecision <= kMaxDecimalDigits && std::isfinite(value);
     if (!isCommon)
@@ -83,8 +90,7 @@ void NumberFormat::appendFloat(std::string& text, double value) const
         appendUncommonFloat(text, value);
         return;
     }
-    char chars[kMaxDecimalDigits + 8]; // a sign, "0.000" or a point and an exponent
-    char* end = chars;
+    char* end = text.room(kGeneralRoom);
     if (std::signbit(value))
         *end++ = '-';
     if (value == 0)
@@ -100,10 +106,10 @@ void NumberFormat::appendFloat(std::string& text, double value) const
         }
         end = putGeneral(end, *digits, precision);
     }
-    text.append(chars, end);
+    text.setEnd(end);
 }
 
-void NumberFormat::appendUncommonFloat(std::string& text, double value) const
+void NumberFormat::appendUncommonFloat(TextBuilder& text, double value) const
 {
     static constexpr struct
     {
@@ -114,23 +120,23 @@ void NumberFormat::appendUncommonFloat(std::string& text, double value) const
         {std::ios::fixed, std::chars_format::fixed},
         {std::ios::scientific, std::chars_format::scientific},
     };
-    char chars[512]; // a double in fixed notation with some 200 places behind the point
+    constexpr std::size_t kRoom = 512; // a double in fixed notation with some 200 places behind the point
+    char* const begin = text.room(kRoom);
     for (const auto& entry : kFormats)
     {
-        if (mFlags != entry.flags || mPrecision > static_cast<std::streamsize>(sizeof(chars)))
+        if (mFlags != entry.flags || mPrecision > static_cast<std::streamsize>(kRoom))
             continue;
-        const auto result =
-            std::to_chars(chars, chars + sizeof(chars), value, entry.format, static_cast<int>(mPrecision));
+        const auto result = std::to_chars(begin, begin + kRoom, value, entry.format, static_cast<int>(mPrecision));
         if (result.ec == std::errc())
         {
-            text.append(chars, result.ptr);
+            text.setEnd(result.ptr);
             return;
         }
     }
     appendByStream(text, value);
 }
 
-void NumberFormat::appendByStream(std::string& text, double value) const
+void NumberFormat::appendByStream(TextBuilder& text, double value) const
 {
     std::ostringstream out;
     out.exceptions(std::ios::badbit); // or a lack of memory would cut the text, and nobody would know
@@ -138,6 +144,6 @@ void NumberFormat::appendByStream(std::string& text, double value) const
     out.flags(mFlags);
     out.precision(mPrecision);
     out << value;
-    text += out.str();
+    text.append(out.str());
 }
 } // namespace vumo::Data::detail

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "vumo/data/detail/TextBuilder.h"
+
 #include <charconv>
+#include <cstddef>
 #include <ios>
-#include <string>
 #include <type_traits>
 
 namespace vumo::Data::detail
@@ -20,10 +22,10 @@ public:
     explicit NumberFormat(const std::ios_base& out);
 
     /// Says whether floats are written as hexadecimal ones, which no reader takes back.
-    bool hasHexFloats() const;
+    bool hasHexFloats() const { return (mFlags & std::ios::floatfield) == (std::ios::fixed | std::ios::scientific); }
 
     template <class T>
-    void append(std::string& text, T value) const
+    void append(TextBuilder& text, T value) const
     {
         if constexpr (std::is_floating_point_v<T>)
             appendFloat(text, value);
@@ -33,15 +35,16 @@ public:
 
 private:
     template <class T>
-    static void appendInteger(std::string& text, T value)
+    static void appendInteger(TextBuilder& text, T value)
     {
-        char digits[24]; // 20 and a sign are the longest
-        text.append(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr);
+        constexpr std::size_t kLongest = 20; // of all 64-bit numbers, with the sign
+        char* const begin = text.room(kLongest);
+        text.setEnd(std::to_chars(begin, begin + kLongest, value).ptr);
     }
 
-    void appendFloat(std::string& text, double value) const;
-    void appendUncommonFloat(std::string& text, double value) const;
-    void appendByStream(std::string& text, double value) const;
+    void appendFloat(TextBuilder& text, double value) const;
+    void appendUncommonFloat(TextBuilder& text, double value) const;
+    void appendByStream(TextBuilder& text, double value) const;
 
     std::ios::fmtflags mFlags{}; // of the float format alone
     std::streamsize mPrecision = 6;

@@ -3,6 +3,7 @@
 #include "vumo/data/detail/DataTypes.h"
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string_view>
@@ -20,6 +21,19 @@ constexpr const char* kTypeWords[] = {"Boolean", "Double", "Double matrix", "Flo
 
 template <class T>
 constexpr bool kIsNarrow = std::is_integral_v<T> && sizeof(T) < sizeof(std::int32_t);
+
+/// Returns whether it can be read back.
+template <class T>
+bool appendScalar(TextBuilder& text, const NumberFormat& format, T value)
+{
+    if constexpr (std::is_same_v<T, bool>)
+        text.append(value ? std::string_view("true") : std::string_view("false"));
+    else
+        format.append(text, value);
+    if constexpr (std::is_floating_point_v<T>)
+        return std::isfinite(value) && !format.hasHexFloats();
+    return true;
+}
 
 bool readBoolean(ValueInput& in, char* entry, std::string& word)
 {
@@ -89,24 +103,20 @@ unsigned int entryCount(Member::eDataType type)
     return count;
 }
 
-bool appendValue(std::string& text, const NumberFormat& format, Member::eDataType type, const char* value)
+bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataType type, const char* values,
+                  unsigned int count)
 {
     bool readable = true;
     visitDataType(type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
         if constexpr (!std::is_pointer_v<Scalar>)
         {
-            for (unsigned int i = 0; i < layout.kEntries; ++i)
+            const std::size_t entries = std::size_t(count) * layout.kEntries;
+            for (std::size_t i = 0; i < entries; ++i)
             {
                 if (i > 0)
-                    text += ' ';
-                const auto entry = loadScalar<Scalar>(value + i * sizeof(Scalar));
-                if constexpr (std::is_same_v<Scalar, bool>)
-                    text += entry ? "true" : "false";
-                else
-                    format.append(text, entry);
-                if constexpr (std::is_floating_point_v<Scalar>)
-                    readable = readable && std::isfinite(entry) && !format.hasHexFloats();
+                    text.append(' ');
+                readable = appendScalar(text, format, loadScalar<Scalar>(values + i * sizeof(Scalar))) && readable;
             }
         }
     });

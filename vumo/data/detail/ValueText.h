@@ -15,9 +15,10 @@ namespace vumo::Data::detail
 /// The number of entries in a value of `type`: 16, 1, or 0 for the invalid type.
 unsigned int entryCount(Member::eDataType type);
 
-/// Appends the entries of the value at `value`, separated by blanks; an int8 or uint8 is a number, too. Returns
-/// whether readers take back what was written: no infinity, no NaN, no hexadecimal float. Not for strings.
-bool appendValue(std::string& text, const NumberFormat& format, Member::eDataType type, const char* value);
+/// Appends the entries of the `count` values at `values`, separated by blanks; an int8 or uint8 is a number, too.
+/// Returns whether readers take back what was written: no infinity, no NaN, no hexadecimal float. Not for strings.
+bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataType type, const char* values,
+                  unsigned int count);
 
 /// Reads one entry of a value of `type` to `entry`; false when its text is not acceptable. A number that
 /// is wider than 16 bits is extracted in place, so a refused one leaves what the extraction left.

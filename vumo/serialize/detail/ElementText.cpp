@@ -32,19 +32,30 @@ bool isAtSeparator(std::istream& in)
     return isEnd(next) || isSpace(next);
 }
 
-void appendString(std::string& line, const char* text)
+void appendString(TextBuilder& line, const char* text)
 {
-    line += '"';
-    for (; text && *text != '\0'; ++text)
+    const std::size_t length = text ? std::strlen(text) : 0;
+    char* out = line.room(2 * length + 2);
+    *out++ = '"';
+    for (std::size_t i = 0; i < length; ++i)
     {
-        if (*text == '"' || *text == '\\')
-            line += '\\';
-        if (*text == '\n')
-            line += "\\n";
-        else
-            line += *text;
+        const bool isEscaped = text[i] == '"' || text[i] == '\\' || text[i] == '\n';
+        if (isEscaped)
+            *out++ = '\\';
+        *out++ = text[i] == '\n' ? 'n' : text[i];
     }
-    line += '"';
+    *out++ = '"';
+    line.setEnd(out);
+}
+
+void appendStrings(TextBuilder& line, const char* values, unsigned int count)
+{
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        if (i > 0)
+            line.append(' ');
+        appendString(line, loadScalar<char*>(values + i * sizeof(char*)));
+    }
 }
 
 /// Appends what follows the backslash that was just read; what is no escape stands for itself, backslash included.
@@ -158,7 +169,7 @@ std::string unrecognizedMessage(Member::eDataType type, unsigned int record)
     return "Member at record " + std::to_string(record) + " not recognized as a " + Member::typeName(type);
 }
 
-void appendMember(std::string& line, const NumberFormat& format, const MemberValues& values, unsigned int record,
+void appendMember(TextBuilder& line, const NumberFormat& format, const MemberValues& values, unsigned int record,
                   Messages& messages)
 {
     if (values.type >= Member::kInvalidType || !values.data)
@@ -166,19 +177,9 @@ void appendMember(std::string& line, const NumberFormat& format, const MemberVal
         messages.add(unrecognizedMessage(values.type, record));
         return;
     }
-    const std::size_t size = Member::typeSize(values.type);
-    bool readable = true;
-    for (unsigned int i = 0; i < values.length; ++i)
-    {
-        const char* const value = values.data + i * size;
-        if (i > 0)
-            line += ' ';
-        if (values.type == Member::kString)
-            appendString(line, loadScalar<char*>(value));
-        else if (!appendValue(line, format, values.type, value))
-            readable = false;
-    }
-    if (!readable)
+    if (values.type == Member::kString)
+        appendStrings(line, values.data, values.length);
+    else if (!appendValues(line, format, values.type, values.data, values.length))
         messages.add("Member at record " + std::to_string(record) + " has a value that cannot be read back");
 }
 
@@ -213,13 +214,13 @@ ElementText::ElementText(const Structure& structure)
     }
 }
 
-void ElementText::append(std::string& line, const NumberFormat& format, char* block, unsigned int record,
+void ElementText::append(TextBuilder& line, const NumberFormat& format, char* block, unsigned int record,
                          Messages& messages) const
 {
     for (const Place& member : mMembers)
     {
         if (&member != mMembers.data())
-            line += ' ';
+            line.append(' ');
         appendMember(line, format, valuesOf(member, block), record, messages);
     }
 }

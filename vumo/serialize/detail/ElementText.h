@@ -4,6 +4,7 @@
 #include "vumo/data/Member.h"
 #include "vumo/data/Structure.h"
 #include "vumo/data/detail/NumberFormat.h"
+#include "vumo/data/detail/TextBuilder.h"
 #include "vumo/data/detail/ValueInput.h"
 #include "vumo/serialize/detail/Messages.h"
 
@@ -33,7 +34,7 @@ std::string unrecognizedMessage(Member::eDataType type, unsigned int record);
 
 /// Appends the values to the line. An error for a type that is none, for values that are not there, and for numbers
 /// that no reader takes back.
-void appendMember(std::string& line, const NumberFormat& format, const MemberValues& values, unsigned int record,
+void appendMember(TextBuilder& line, const NumberFormat& format, const MemberValues& values, unsigned int record,
                   Messages& messages);
 
 /// Reads the values up to the first that is bad, which is an error and is not stored. With null data it reads
@@ -48,7 +49,7 @@ public:
     explicit ElementText(const Structure& structure);
 
     /// Appends the members to the line; `block` is null only for an element without members.
-    void append(std::string& line, const NumberFormat& format, char* block, unsigned int record,
+    void append(TextBuilder& line, const NumberFormat& format, char* block, unsigned int record,
                 Messages& messages) const;
 
     /// Reads the members up to the first bad value; null for `block` stores nothing.

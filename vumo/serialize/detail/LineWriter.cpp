@@ -7,7 +7,7 @@ namespace vumo::Data::detail
 {
 void LineWriter::write(std::string_view line)
 {
-    mLine = line;
+    mLine.append(line);
     endLine();
 }
 
@@ -19,13 +19,13 @@ void LineWriter::write(const char* keyword, const std::string& name)
 
 void LineWriter::endLine()
 {
-    if (mLine.size() > kMaxLineLength)
+    if (mLine.text().size() > kMaxLineLength)
     {
         mMessages.add("Line at record " + std::to_string(mRecord) + " is longer than " +
                       std::to_string(kMaxLineLength) + " characters and cannot be read back");
     }
-    mLine += '\n';
-    mOut.write(mLine.data(), static_cast<std::streamsize>(mLine.size()));
+    mLine.append('\n');
+    mOut.write(mLine.text().data(), static_cast<std::streamsize>(mLine.text().size()));
     mOut.flush();
     mLine.clear();
     ++mRecord;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/data/detail/TextBuilder.h"
 #include "vumo/serialize/detail/Messages.h"
 
 #include <ostream>
@@ -24,7 +25,7 @@ public:
     void write(const char* keyword, const std::string& name);
 
     /// To build a line in place, from empty; endLine() writes it.
-    std::string& line() { return mLine; }
+    TextBuilder& line() { return mLine; }
     void endLine();
 
     /// The number of the line to be written next, counted from 1.
@@ -37,7 +38,7 @@ public:
 private:
     std::ostream& mOut;
     Messages& mMessages;
-    std::string mLine;
+    TextBuilder mLine;
     unsigned int mRecord = 1;
 };
 } // namespace vumo::Data::detail
