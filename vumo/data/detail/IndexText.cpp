@@ -9,25 +9,32 @@ namespace vumo::Data::detail
 {
 namespace
 {
-constexpr char kBlanks[] = " \t\r";
-constexpr char kAllowed[] = "0123456789 \t\r";
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r';
+}
+
+bool isAllowed(char c)
+{
+    return (c >= '0' && c <= '9') || isBlank(c);
+}
 } // namespace
 
 void parseIndexNumbers(std::string_view text, unsigned int* numbers, unsigned int count)
 {
-    if (text.find_first_not_of(kAllowed) != std::string_view::npos)
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    if (!std::all_of(at, end, isAllowed))
         throw Index::eIllegalIndexText;
 
     for (unsigned int i = 0; i < count; ++i)
     {
-        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-        const char* const end = text.data() + text.size();
-        const std::from_chars_result result = std::from_chars(text.data(), end, numbers[i]);
+        const std::from_chars_result result = std::from_chars(std::find_if_not(at, end, isBlank), end, numbers[i]);
         if (result.ec != std::errc())
             throw Index::eIllegalIndexText;
-        text.remove_prefix(static_cast<std::string_view::size_type>(result.ptr - text.data()));
+        at = result.ptr;
     }
-    if (text.find_first_not_of(kBlanks) != std::string_view::npos)
+    if (!std::all_of(at, end, isBlank))
         throw Index::eTrailingIndexText;
 }
 

@@ -17,25 +17,24 @@ constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr auto kGreatestExactPower = static_cast<std::ptrdiff_t>(std::size(kPowersOfTen)) - 1;
 
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 /// The parts of a number's text: +-`integer` * 10^`exponent`.
 struct DecimalText
 {
-    std::uint64_t integer = 0;
+    std::uint64_t integer = 0; // of no use when there are more than kMostDigits
     std::ptrdiff_t exponent = 0;
     std::ptrdiff_t digits = 0;
     bool isNegative = false;
-    const char* end = nullptr; // null: not plain
 };
 
-const char* scanDigits(const char* at, const char* end, std::uint64_t& integer)
+inline const char* scanDigits(const char* at, const char* end, std::uint64_t& integer)
 {
-    for (; at != end && isDigit(*at); ++at)
-        integer = integer * 10 + static_cast<std::uint64_t>(*at - '0'); // of too many digits no use is made
+    for (; at != end; ++at)
+    {
+        const auto digit = static_cast<unsigned char>(*at - '0');
+        if (digit > 9)
+            break;
+        integer = integer * 10 + digit;
+    }
     return at;
 }
 
@@ -55,9 +54,9 @@ const char* scanExponent(const char* at, const char* end, std::ptrdiff_t& expone
     return at;
 }
 
-DecimalText scanDecimal(std::string_view text)
+/// Returns what is behind the number; null when it is not plain.
+inline const char* scanDecimal(std::string_view text, DecimalText& number)
 {
-    DecimalText number;
     const char* at = text.data();
     const char* const end = at + text.size();
     number.isNegative = at != end && *at == '-';
@@ -65,23 +64,19 @@ DecimalText scanDecimal(std::string_view text)
         ++at;
     const char* begin = at;
     at = scanDigits(at, end, number.integer);
-    std::ptrdiff_t digits = at - begin;
-    if (digits == 0)
-        return number;
+    number.digits = at - begin;
+    if (at == begin)
+        return nullptr;
     if (at != end && *at == '.')
     {
         begin = ++at;
         at = scanDigits(at, end, number.integer);
         if (at == begin)
-            return number;
-        digits += at - begin;
-        number.exponent = -(at - begin);
+            return nullptr;
+        number.exponent = begin - at;
+        number.digits += at - begin;
     }
-    if (at != end && (*at == 'e' || *at == 'E'))
-        at = scanExponent(at + 1, end, number.exponent);
-    number.digits = digits;
-    number.end = at;
-    return number;
+    return at != end && (*at == 'e' || *at == 'E') ? scanExponent(at + 1, end, number.exponent) : at;
 }
 
 /// Says whether one floating-point operation makes the double out of the parts.
@@ -110,34 +105,43 @@ bool isHalfwayBetweenFloats(double value)
     return (bits & (kHalf * 2 - 1)) == kHalf;
 }
 
-template <class T>
-const char* readByLibrary(const DecimalText& number, std::string_view text, T& value)
+/// Makes the number of its parts, where that is exact.
+bool convert(const DecimalText& number, double& value)
 {
-    const std::from_chars_result result = std::from_chars(text.data(), number.end, value);
-    return result.ec == std::errc() && result.ptr == number.end ? number.end : nullptr;
+    if (!isExact(number))
+        return false;
+    value = exactDouble(number);
+    return true;
+}
+
+bool convert(const DecimalText& number, float& value)
+{
+    double wide = 0;
+    if (!convert(number, wide) || isHalfwayBetweenFloats(wide))
+        return false;
+    value = static_cast<float>(wide);
+    return true;
+}
+
+template <class T>
+const char* readFloat(std::string_view text, T& value)
+{
+    DecimalText number;
+    const char* const end = scanDecimal(text, number);
+    if (!end || convert(number, value))
+        return end;
+    const std::from_chars_result result = std::from_chars(text.data(), end, value);
+    return result.ec == std::errc() && result.ptr == end ? end : nullptr;
 }
 } // namespace
 
 const char* readPlainFloat(std::string_view text, double& value)
 {
-    const DecimalText number = scanDecimal(text);
-    if (!number.end)
-        return nullptr;
-    if (!isExact(number))
-        return readByLibrary(number, text, value);
-    value = exactDouble(number);
-    return number.end;
+    return readFloat(text, value);
 }
 
 const char* readPlainFloat(std::string_view text, float& value)
 {
-    const DecimalText number = scanDecimal(text);
-    if (!number.end)
-        return nullptr;
-    const double wide = isExact(number) ? exactDouble(number) : 0;
-    if (!isExact(number) || isHalfwayBetweenFloats(wide))
-        return readByLibrary(number, text, value);
-    value = static_cast<float>(wide);
-    return number.end;
+    return readFloat(text, value);
 }
 } // namespace vumo::Data::detail

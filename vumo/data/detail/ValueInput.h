@@ -2,6 +2,8 @@
 
 #include "vumo/data/detail/PlainNumber.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <istream>
 #include <streambuf>
 #include <string_view>
@@ -61,11 +63,38 @@ public:
     }
 
     /// Extracts the characters up to the next whitespace; none when that is left to the input.
-    std::string_view takePlainWord();
+    std::string_view takePlainWord()
+    {
+        const std::string_view words = nextWords();
+        const auto end = std::find_if(words.begin(), words.end(), isClassicSpace);
+        const std::string_view word = words.substr(0, static_cast<std::size_t>(end - words.begin()));
+        if (!word.empty())
+            mText->skipTo(word.data() + word.size());
+        return word;
+    }
+
+    /// Extracts the characters at hand up to the first that fulfils the condition.
+    template <class Condition>
+    std::string_view takeUntil(Condition condition)
+    {
+        if (!mText)
+            return {};
+        const std::string_view rest = mText->rest();
+        const auto end = std::find_if(rest.begin(), rest.end(), condition);
+        mText->skipTo(rest.data() + (end - rest.begin()));
+        return rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
+    }
 
 private:
     /// What is left of the text behind the whitespace; none where it is not known, or after a failure.
-    std::string_view nextWords() const;
+    std::string_view nextWords() const
+    {
+        if (!mText || !mStream.good())
+            return {};
+        const std::string_view rest = mText->rest();
+        const auto begin = std::find_if_not(rest.begin(), rest.end(), isClassicSpace);
+        return rest.substr(static_cast<std::size_t>(begin - rest.begin()));
+    }
 
     std::istream& mStream;
     TextBuffer* mText = nullptr;

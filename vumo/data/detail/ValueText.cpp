@@ -35,14 +35,14 @@ bool appendScalar(TextBuilder& text, const NumberFormat& format, T value)
     return true;
 }
 
-bool readBoolean(ValueInput& in, char* entry, std::string& word)
+bool extract(ValueInput& in, bool& value, std::string& word)
 {
     static constexpr struct
     {
         std::string_view text;
-        char value;
-    } kWords[] = {{"true", 1}, {"false", 0}, {"1", 1}, {"t", 1}, {"T", 1},
-                  {"True", 1}, {"0", 0},     {"f", 0}, {"F", 0}, {"False", 0}};
+        bool value;
+    } kWords[] = {{"true", true}, {"false", false}, {"1", true},  {"t", true},  {"T", true},
+                  {"True", true}, {"0", false},     {"f", false}, {"F", false}, {"False", false}};
     std::string_view text = in.takePlainWord();
     if (text.empty())
     {
@@ -53,7 +53,7 @@ bool readBoolean(ValueInput& in, char* entry, std::string& word)
     {
         if (text == candidate.text)
         {
-            *entry = candidate.value;
+            value = candidate.value;
             return true;
         }
     }
@@ -61,38 +61,39 @@ bool readBoolean(ValueInput& in, char* entry, std::string& word)
     return false;
 }
 
-/// Extracts one number; what an extraction that fails leaves in `value` is up to it.
 template <class T>
-bool extract(ValueInput& in, T& value)
-{
-    return in.takePlainNumber(value) || in.stream() >> value;
-}
-
-template <class T>
-bool readNarrow(ValueInput& in, char* entry)
+bool extractNarrow(ValueInput& in, T& value)
 {
     std::int32_t wide = 0;
-    if (!extract(in, wide) || wide < std::numeric_limits<T>::min() || wide > std::numeric_limits<T>::max())
+    const bool isNumber = in.takePlainNumber(wide) || in.stream() >> wide;
+    if (!isNumber || wide < std::numeric_limits<T>::min() || wide > std::numeric_limits<T>::max())
         return false;
-    storeScalar(entry, static_cast<T>(wide));
+    value = static_cast<T>(wide);
     return true;
 }
 
 template <class T>
-bool readWide(ValueInput& in, char* entry)
+bool extractWide(ValueInput& in, T& value)
 {
-    T value = loadScalar<T>(entry); // an extraction that cannot begin leaves it as it is
-    bool accepted = extract(in, value);
-    storeScalar(entry, value);
+    if (in.takePlainNumber(value))
+        return true;
+    in.stream() >> value;
     if constexpr (std::is_floating_point_v<T>)
     {
-        if (std::isinf(value)) // refused however the standard library reports an overflow
-        {
-            in.stream().setstate(std::ios::failbit);
-            accepted = false;
-        }
+        if (std::isinf(value))
+            in.stream().setstate(std::ios::failbit); // refused however the standard library reports an overflow
     }
-    return accepted;
+    return !in.stream().fail();
+}
+
+/// Extracts one number. Of one that is refused a wide type keeps what the extraction left, a narrow one nothing.
+template <class T>
+bool extract(ValueInput& in, T& value, std::string&)
+{
+    if constexpr (kIsNarrow<T>)
+        return extractNarrow(in, value);
+    else
+        return extractWide(in, value);
 }
 } // namespace
 
@@ -128,14 +129,35 @@ bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string&
     bool accepted = false;
     visitDataType(type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
-        if constexpr (std::is_same_v<Scalar, bool>)
-            accepted = readBoolean(in, entry, word);
-        else if constexpr (kIsNarrow<Scalar>)
-            accepted = readNarrow<Scalar>(in, entry);
-        else if constexpr (!std::is_pointer_v<Scalar>)
-            accepted = readWide<Scalar>(in, entry);
+        if constexpr (!std::is_pointer_v<Scalar>)
+        {
+            auto value = loadScalar<Scalar>(entry); // an extraction that cannot begin leaves it as it is
+            accepted = extract(in, value, word);
+            if (accepted || !(std::is_same_v<Scalar, bool> || kIsNarrow<Scalar>))
+                storeScalar(entry, value);
+        }
     });
     return accepted;
+}
+
+std::size_t readEntries(ValueInput& in, Member::eDataType type, std::size_t count, char* target, std::string& word)
+{
+    std::size_t i = 0;
+    visitDataType(type, [&](auto layout) {
+        using Scalar = typename decltype(layout)::Scalar;
+        if constexpr (!std::is_pointer_v<Scalar>)
+        {
+            for (; i < count; ++i)
+            {
+                Scalar value{};
+                if (!extract(in, value, word) || !isAtSeparator(in.stream()))
+                    break;
+                if (target)
+                    storeScalar(target + i * sizeof(Scalar), value);
+            }
+        }
+    });
+    return i;
 }
 
 char* entryAddress(Member::eDataType type, char* value, unsigned int i)
@@ -160,6 +182,13 @@ std::string entryMessage(Member::eDataType type, unsigned int i, long long chara
 const char* typeWord(Member::eDataType type)
 {
     return kTypeWords[type < Member::kInvalidType ? type : Member::kInvalidType];
+}
+
+bool isAtSeparator(std::istream& in)
+{
+    using Traits = std::istream::traits_type;
+    const Traits::int_type next = in.rdbuf()->sgetc();
+    return Traits::eq_int_type(next, Traits::eof()) || isClassicSpace(Traits::to_char_type(next));
 }
 
 long long readPosition(std::istream& in)

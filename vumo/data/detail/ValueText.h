@@ -4,6 +4,7 @@
 #include "vumo/data/detail/NumberFormat.h"
 #include "vumo/data/detail/ValueInput.h"
 
+#include <cstddef>
 #include <istream>
 #include <string>
 
@@ -25,6 +26,11 @@ bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataTy
 /// `word` receives what stood in place of a boolean. Not for strings.
 bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string& word);
 
+/// Reads `count` entries of values of `type` to `target`, or only over them when that is null. Each must be followed
+/// by whitespace or the end of the input. Stops at the first that is not acceptable, which is not stored; returns how
+/// many were read before. `word` as above.
+std::size_t readEntries(ValueInput& in, Member::eDataType type, std::size_t count, char* target, std::string& word);
+
 /// The address of entry `i` of the value at `value`.
 char* entryAddress(Member::eDataType type, char* value, unsigned int i);
 
@@ -33,6 +39,9 @@ std::string entryMessage(Member::eDataType type, unsigned int i, long long chara
 
 /// What messages call a value of that type: "Boolean", "Double matrix", "Int8" and so on.
 const char* typeWord(Member::eDataType type);
+
+/// Says whether whitespace or the end of the input follows.
+bool isAtSeparator(std::istream& in);
 
 /// The position of the next character to be read, counted from 0, also when the last read failed or met
 /// the end; -1 where the input cannot tell.

@@ -26,12 +26,6 @@ bool isSpace(Traits::int_type c)
     return isClassicSpace(Traits::to_char_type(c));
 }
 
-bool isAtSeparator(std::istream& in)
-{
-    const Traits::int_type next = in.rdbuf()->sgetc();
-    return isEnd(next) || isSpace(next);
-}
-
 void appendString(TextBuilder& line, const char* text)
 {
     const std::size_t length = text ? std::strlen(text) : 0;
@@ -73,20 +67,27 @@ std::string placeOf(std::istream& in)
     return " on or about character " + std::to_string(readPosition(in));
 }
 
-/// Reads what follows the opening quotation mark.
-bool readQuoted(std::istream& in, std::string& text, Messages& messages)
+/// Says whether the character means something inside quotation marks, besides itself.
+bool isSpecial(char c)
 {
-    std::streambuf& chars = *in.rdbuf();
+    return c == '"' || c == '\\' || c == '\0';
+}
+
+/// Reads what follows the opening quotation mark.
+bool readQuoted(ValueInput& in, std::string& text, Messages& messages)
+{
+    std::streambuf& chars = *in.stream().rdbuf();
+    text = in.takeUntil(isSpecial);
     for (Traits::int_type c = chars.sbumpc(); c != '"'; c = chars.sbumpc())
     {
         if (isEnd(c))
         {
-            messages.add("String element not terminated" + placeOf(in));
+            messages.add("String element not terminated" + placeOf(in.stream()));
             return false;
         }
         if (c == '\0')
         {
-            messages.add("String element" + placeOf(in) + " has a zero byte, where its value would end");
+            messages.add("String element" + placeOf(in.stream()) + " has a zero byte, where its value would end");
             return false;
         }
         if (c == '\\')
@@ -98,22 +99,22 @@ bool readQuoted(std::istream& in, std::string& text, Messages& messages)
 }
 
 /// Reads a string, which replaces the one at `target`.
-bool readString(std::istream& in, char* target, Messages& messages)
+bool readString(ValueInput& in, char* target, Messages& messages)
 {
     std::string text;
-    if (skipToText(in))
+    if (skipToText(in.stream()))
     {
-        const Traits::int_type first = in.rdbuf()->sgetc();
+        const Traits::int_type first = in.stream().rdbuf()->sgetc();
         if (first != '"')
         {
-            messages.add("String element" + placeOf(in) + " must be enclosed in double quotes instead of '" +
+            messages.add("String element" + placeOf(in.stream()) + " must be enclosed in double quotes instead of '" +
                          Traits::to_char_type(first) + "'");
             return false;
         }
-        in.rdbuf()->sbumpc();
+        in.stream().rdbuf()->sbumpc();
         if (!readQuoted(in, text, messages))
             return false;
-        if (isAtSeparator(in))
+        if (isAtSeparator(in.stream()))
         {
             if (target)
             {
@@ -123,28 +124,32 @@ bool readString(std::istream& in, char* target, Messages& messages)
             return true;
         }
     }
-    messages.add(entryMessage(Member::kString, 0, readPosition(in), text));
+    messages.add(entryMessage(Member::kString, 0, readPosition(in.stream()), text));
     return false;
 }
 
-/// Reads the entries of a number, a boolean or a matrix.
-bool readEntries(ValueInput& in, Member::eDataType type, char* target, Messages& messages)
+bool readStrings(ValueInput& in, const MemberValues& values, Messages& messages)
 {
-    const unsigned int count = entryCount(type);
-    const unsigned int entrySize = Member::typeSize(type) / count;
-    for (unsigned int i = 0; i < count; ++i)
+    for (unsigned int i = 0; i < values.length; ++i)
     {
-        char entry[sizeof(double)] = {}; // read aside, so that a bad one is not stored
-        std::string word;
-        if (!readEntry(in, type, entry, word) || !isAtSeparator(in.stream()))
-        {
-            messages.add(entryMessage(type, i, readPosition(in.stream()), word));
+        if (!readString(in, values.data ? values.data + i * sizeof(char*) : nullptr, messages))
             return false;
-        }
-        if (target)
-            std::memcpy(target + std::size_t(i) * entrySize, entry, entrySize);
     }
     return true;
+}
+
+/// Reads the entries of numbers, booleans or matrices.
+bool readNumbers(ValueInput& in, const MemberValues& values, Messages& messages)
+{
+    const unsigned int perValue = entryCount(values.type);
+    const std::size_t count = std::size_t(values.length) * perValue;
+    std::string word;
+    const std::size_t good = readEntries(in, values.type, count, values.data, word);
+    if (good == count)
+        return true;
+    const auto place = static_cast<unsigned int>(good % perValue);
+    messages.add(entryMessage(values.type, place, readPosition(in.stream()), word));
+    return false;
 }
 
 /// The least length that the text of the values can have: a character or two quotation marks, and a separator, for
@@ -190,16 +195,7 @@ bool readMember(const MemberValues& values, unsigned int record, ValueInput& in,
         messages.add(unrecognizedMessage(values.type, record));
         return false;
     }
-    const std::size_t size = Member::typeSize(values.type);
-    for (unsigned int i = 0; i < values.length; ++i)
-    {
-        char* const target = values.data ? values.data + i * size : nullptr;
-        const bool good = values.type == Member::kString ? readString(in.stream(), target, messages)
-                                                         : readEntries(in, values.type, target, messages);
-        if (!good)
-            return false;
-    }
-    return true;
+    return values.type == Member::kString ? readStrings(in, values, messages) : readNumbers(in, values, messages);
 }
 
 ElementText::ElementText(const Structure& structure)
