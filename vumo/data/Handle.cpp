@@ -62,18 +62,18 @@ long long characterNumber(std::istream& in)
 int readEntries(Member::eDataType type, const std::string& text, char* value, std::string& messages)
 {
     detail::TextBuffer buffer;
-    buffer.restart(text);
     std::istream in(&buffer);
     in.imbue(std::locale::classic());
     detail::ValueInput values(in, buffer);
+    values.restart(text);
     int errorCount = 0;
     for (unsigned int i = 0; i < detail::entryCount(type); ++i)
     {
         std::string word;
         if (detail::readEntry(values, type, detail::entryAddress(type, value, i), word))
             continue;
-        messages += detail::entryMessage(type, i, characterNumber(in), word) + "\n";
-        in.setstate(std::ios::failbit); // no later entry can be told from its neighbours any more
+        messages += detail::entryMessage(type, i, characterNumber(values.stream()), word) + "\n";
+        values.stream().setstate(std::ios::failbit); // no later entry can be told from its neighbours any more
         ++errorCount;
     }
     return errorCount;

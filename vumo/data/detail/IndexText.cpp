@@ -24,9 +24,6 @@ void parseIndexNumbers(std::string_view text, unsigned int* numbers, unsigned in
 {
     const char* at = text.data();
     const char* const end = at + text.size();
-    if (!std::all_of(at, end, isAllowed))
-        throw Index::eIllegalIndexText;
-
     for (unsigned int i = 0; i < count; ++i)
     {
         const std::from_chars_result result = std::from_chars(std::find_if_not(at, end, isBlank), end, numbers[i]);
@@ -35,7 +32,7 @@ void parseIndexNumbers(std::string_view text, unsigned int* numbers, unsigned in
         at = result.ptr;
     }
     if (!std::all_of(at, end, isBlank))
-        throw Index::eTrailingIndexText;
+        throw std::all_of(at, end, isAllowed) ? Index::eTrailingIndexText : Index::eIllegalIndexText;
 }
 
 unsigned int placesBetween(unsigned int a, unsigned int b)

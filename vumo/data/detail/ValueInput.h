@@ -10,19 +10,16 @@
 
 namespace vumo::Data::detail
 {
-/// Gives out a text in memory, and shows what of it is still to come. Tells positions; moves to none.
+/// Gives out a text in memory. Tells positions; moves to none.
 class TextBuffer : public std::streambuf
 {
 public:
-    /// Borrows the text.
-    void restart(std::string_view text)
+    /// Borrows the text; `place` is the first of its characters that is to be read.
+    void restart(std::string_view text, const char* place)
     {
         char* const begin = const_cast<char*>(text.data()); // never written to: there is no put area, nor a putback
-        setg(begin, begin, begin + text.size());
+        setg(begin, begin + (place - begin), begin + text.size());
     }
-
-    std::string_view rest() const { return {gptr(), static_cast<std::size_t>(egptr() - gptr())}; }
-    void skipTo(const char* place) { setg(eback(), const_cast<char*>(place), egptr()); }
 
 protected:
     /// The position of the first character, or -1 when it is not known.
@@ -37,66 +34,110 @@ protected:
     }
 };
 
-/// What values are read from: any input, or one on a text in memory, where plain values can be taken directly. The
-/// input is expected to use the classic locale.
+/// What values are read from: any input, or a text in memory. The input is expected to use the classic locale.
+///
+/// Of a text all that is plain is taken directly. Nothing of that fails or sets a state; as soon as something is
+/// not plain, the rest is left to an input on the text, which then stands at the same place.
 class ValueInput
 {
 public:
+    using Traits = std::istream::traits_type;
+
     /// Borrows the input.
     explicit ValueInput(std::istream& in) : mStream(in) {}
 
-    /// `in` is an input on `text`; borrows both.
-    ValueInput(std::istream& in, TextBuffer& text) : mStream(in), mText(&text) {}
+    /// Borrows both; `in` is an input on `buffer`, which need not have a text yet.
+    ValueInput(std::istream& in, TextBuffer& buffer) : mStream(in), mBuffer(&buffer) {}
 
-    /// The input, for what is not plain, and to see how reading went.
-    std::istream& stream() const { return mStream; }
+    /// Starts with a text, borrowed, for the buffer that was given.
+    void restart(std::string_view text)
+    {
+        mText = text;
+        mAt = text.data();
+        mEnd = mAt + text.size();
+        mStream.clear();
+    }
+
+    /// The input, from which everything is taken from now on.
+    std::istream& stream()
+    {
+        if (mAt)
+            mBuffer->restart(mText, mAt);
+        mAt = mEnd = nullptr;
+        return mStream;
+    }
+
+    /// The next character, or the end. Does not change the state of the input.
+    Traits::int_type peek() const
+    {
+        if (!mAt)
+            return mStream.rdbuf()->sgetc();
+        return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt);
+    }
+
+    /// Takes the next character. Does not change the state of the input.
+    Traits::int_type get()
+    {
+        if (!mAt)
+            return mStream.rdbuf()->sbumpc();
+        return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt++);
+    }
+
+    /// Skips whitespace; returns whether there is text behind it, as there never is in an input that has failed.
+    bool skipToText();
+
+    /// Says whether whitespace or the end follows.
+    bool isAtSeparator() const
+    {
+        const Traits::int_type next = peek();
+        return Traits::eq_int_type(next, Traits::eof()) || isClassicSpace(Traits::to_char_type(next));
+    }
 
     /// Extracts one number as the input itself would; false, with nothing taken, when that is left to it.
     template <class T>
     bool takePlainNumber(T& value)
     {
-        const std::string_view word = nextWords();
-        const char* const end = word.empty() ? nullptr : readPlainNumber(word, value);
+        const char* const begin = nextWord();
+        const char* const end =
+            begin == mEnd ? nullptr : readPlainNumber({begin, static_cast<std::size_t>(mEnd - begin)}, value);
         if (end)
-            mText->skipTo(end);
+            mAt = end;
         return end;
     }
 
     /// Extracts the characters up to the next whitespace; none when that is left to the input.
     std::string_view takePlainWord()
     {
-        const std::string_view words = nextWords();
-        const auto end = std::find_if(words.begin(), words.end(), isClassicSpace);
-        const std::string_view word = words.substr(0, static_cast<std::size_t>(end - words.begin()));
-        if (!word.empty())
-            mText->skipTo(word.data() + word.size());
-        return word;
+        const char* const begin = nextWord();
+        if (begin == mEnd)
+            return {};
+        mAt = std::find_if(begin, mEnd, isClassicSpace);
+        return {begin, static_cast<std::size_t>(mAt - begin)};
     }
 
-    /// Extracts the characters at hand up to the first that fulfils the condition.
+    /// Takes the characters at hand up to the first that fulfils the condition.
     template <class Condition>
     std::string_view takeUntil(Condition condition)
     {
-        if (!mText)
-            return {};
-        const std::string_view rest = mText->rest();
-        const auto end = std::find_if(rest.begin(), rest.end(), condition);
-        mText->skipTo(rest.data() + (end - rest.begin()));
-        return rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
+        const char* const begin = mAt;
+        mAt = std::find_if(mAt, mEnd, condition);
+        return {begin, static_cast<std::size_t>(mAt - begin)};
     }
 
 private:
-    /// What is left of the text behind the whitespace; none where it is not known, or after a failure.
-    std::string_view nextWords() const
+    /// Where the next word begins, or the end; null for what is not a text.
+    const char* nextWord() const
     {
-        if (!mText || !mStream.good())
-            return {};
-        const std::string_view rest = mText->rest();
-        const auto begin = std::find_if_not(rest.begin(), rest.end(), isClassicSpace);
-        return rest.substr(static_cast<std::size_t>(begin - rest.begin()));
+        const char* at = mAt;
+        while (at != mEnd && isClassicSpace(*at))
+            ++at;
+        return at;
     }
 
     std::istream& mStream;
-    TextBuffer* mText = nullptr;
+    TextBuffer* mBuffer = nullptr;
+    std::string_view mText;
+    const char* mAt = nullptr; // in the text; null: the input is used
+    const char* mEnd = nullptr;
 };
 } // namespace vumo::Data::detail

@@ -150,7 +150,7 @@ std::size_t readEntries(ValueInput& in, Member::eDataType type, std::size_t coun
             for (; i < count; ++i)
             {
                 Scalar value{};
-                if (!extract(in, value, word) || !isAtSeparator(in.stream()))
+                if (!extract(in, value, word) || !in.isAtSeparator())
                     break;
                 if (target)
                     storeScalar(target + i * sizeof(Scalar), value);
@@ -182,13 +182,6 @@ std::string entryMessage(Member::eDataType type, unsigned int i, long long chara
 const char* typeWord(Member::eDataType type)
 {
     return kTypeWords[type < Member::kInvalidType ? type : Member::kInvalidType];
-}
-
-bool isAtSeparator(std::istream& in)
-{
-    using Traits = std::istream::traits_type;
-    const Traits::int_type next = in.rdbuf()->sgetc();
-    return Traits::eq_int_type(next, Traits::eof()) || isClassicSpace(Traits::to_char_type(next));
 }
 
 long long readPosition(std::istream& in)

@@ -40,9 +40,6 @@ std::string entryMessage(Member::eDataType type, unsigned int i, long long chara
 /// What messages call a value of that type: "Boolean", "Double matrix", "Int8" and so on.
 const char* typeWord(Member::eDataType type);
 
-/// Says whether whitespace or the end of the input follows.
-bool isAtSeparator(std::istream& in);
-
 /// The position of the next character to be read, counted from 0, also when the last read failed or met
 /// the end; -1 where the input cannot tell.
 long long readPosition(std::istream& in);

@@ -14,17 +14,7 @@ namespace vumo::Data::detail
 {
 namespace
 {
-using Traits = std::istream::traits_type;
-
-bool isEnd(Traits::int_type c)
-{
-    return Traits::eq_int_type(c, Traits::eof());
-}
-
-bool isSpace(Traits::int_type c)
-{
-    return isClassicSpace(Traits::to_char_type(c));
-}
+using Traits = ValueInput::Traits;
 
 void appendString(TextBuilder& line, const char* text)
 {
@@ -52,19 +42,9 @@ void appendStrings(TextBuilder& line, const char* values, unsigned int count)
     }
 }
 
-/// Appends what follows the backslash that was just read; what is no escape stands for itself, backslash included.
-void readEscape(std::streambuf& chars, std::string& text)
+std::string placeOf(ValueInput& in)
 {
-    const Traits::int_type next = chars.sgetc();
-    const bool isEscape = next == '"' || next == '\\' || next == 'n';
-    if (isEscape)
-        chars.sbumpc();
-    text += !isEscape ? '\\' : next == 'n' ? '\n' : Traits::to_char_type(next);
-}
-
-std::string placeOf(std::istream& in)
-{
-    return " on or about character " + std::to_string(readPosition(in));
+    return " on or about character " + std::to_string(readPosition(in.stream()));
 }
 
 /// Says whether the character means something inside quotation marks, besides itself.
@@ -73,48 +53,59 @@ bool isSpecial(char c)
     return c == '"' || c == '\\' || c == '\0';
 }
 
+/// Appends what follows the backslash that was just read; what is no escape stands for itself, backslash included.
+void readEscape(ValueInput& in, std::string& text)
+{
+    const Traits::int_type next = in.peek();
+    const bool isEscape = next == '"' || next == '\\' || next == 'n';
+    if (isEscape)
+        in.get();
+    text += !isEscape ? '\\' : next == 'n' ? '\n' : Traits::to_char_type(next);
+}
+
 /// Reads what follows the opening quotation mark.
 bool readQuoted(ValueInput& in, std::string& text, Messages& messages)
 {
-    std::streambuf& chars = *in.stream().rdbuf();
-    text = in.takeUntil(isSpecial);
-    for (Traits::int_type c = chars.sbumpc(); c != '"'; c = chars.sbumpc())
+    for (;;)
     {
-        if (isEnd(c))
+        text += in.takeUntil(isSpecial);
+        const Traits::int_type c = in.get();
+        if (c == '"')
+            return true;
+        if (Traits::eq_int_type(c, Traits::eof()))
         {
-            messages.add("String element not terminated" + placeOf(in.stream()));
+            messages.add("String element not terminated" + placeOf(in));
             return false;
         }
         if (c == '\0')
         {
-            messages.add("String element" + placeOf(in.stream()) + " has a zero byte, where its value would end");
+            messages.add("String element" + placeOf(in) + " has a zero byte, where its value would end");
             return false;
         }
         if (c == '\\')
-            readEscape(chars, text);
+            readEscape(in, text);
         else
             text += Traits::to_char_type(c);
     }
-    return true;
 }
 
 /// Reads a string, which replaces the one at `target`.
 bool readString(ValueInput& in, char* target, Messages& messages)
 {
     std::string text;
-    if (skipToText(in.stream()))
+    if (in.skipToText())
     {
-        const Traits::int_type first = in.stream().rdbuf()->sgetc();
+        const Traits::int_type first = in.peek();
         if (first != '"')
         {
-            messages.add("String element" + placeOf(in.stream()) + " must be enclosed in double quotes instead of '" +
+            messages.add("String element" + placeOf(in) + " must be enclosed in double quotes instead of '" +
                          Traits::to_char_type(first) + "'");
             return false;
         }
-        in.stream().rdbuf()->sbumpc();
+        in.get();
         if (!readQuoted(in, text, messages))
             return false;
-        if (isAtSeparator(in.stream()))
+        if (in.isAtSeparator())
         {
             if (target)
             {
@@ -230,15 +221,5 @@ bool ElementText::read(char* block, unsigned int record, ValueInput& in, Message
 MemberValues ElementText::valuesOf(const Place& member, char* block)
 {
     return {member.type, member.length, block ? block + member.offset : nullptr};
-}
-
-bool skipToText(std::istream& in)
-{
-    if (!in.good())
-        return false;
-    std::streambuf& chars = *in.rdbuf();
-    while (!isEnd(chars.sgetc()) && isSpace(chars.sgetc()))
-        chars.sbumpc();
-    return !isEnd(chars.sgetc());
 }
 } // namespace vumo::Data::detail

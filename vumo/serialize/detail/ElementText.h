@@ -9,7 +9,6 @@
 #include "vumo/serialize/detail/Messages.h"
 
 #include <cstddef>
-#include <istream>
 #include <string>
 #include <vector>
 
@@ -71,7 +70,4 @@ private:
     std::vector<Place> mMembers;
     unsigned long long mLeastLength = 0;
 };
-
-/// Skips whitespace; returns whether there is text behind it, as there never is in an input that has failed.
-bool skipToText(std::istream& in);
 } // namespace vumo::Data::detail

@@ -15,8 +15,7 @@ LineInput::LineInput(const LineReader& lines)
 
 ValueInput& LineInput::restart()
 {
-    mBuffer.restart(mLines.text());
-    mStream.clear();
+    mValues.restart(mLines.text());
     return mValues;
 }
 } // namespace vumo::Data::detail

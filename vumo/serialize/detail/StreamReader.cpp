@@ -157,7 +157,7 @@ void StreamReader::readDataLine(Index&& index)
     char* const block = storage().newElement(std::move(index)); // half filled after an error, but then nobody sees it
     if (!mElementText->read(block, mLines.record(), values, mMessages))
         return;
-    if (skipToText(values.stream()))
+    if (values.skipToText())
     {
         const long long position = readPosition(values.stream());
         std::string rest;
