@@ -67,23 +67,27 @@ Side summingSide(SumUp sumUp, std::uint64_t expected)
 }
 } // namespace
 
-void compareDenseSet(Comparison& comparison)
+Side denseSetting(const std::vector<Record>& records)
 {
-    const std::vector<Record> records = makeRecords(comparison.scaled(kElements));
-    const BlockArray blocks(records);
-
-    const auto setAll = [&](Stopwatch& watch) {
+    const auto blocks = std::make_shared<const BlockArray>(records);
+    const auto round = [blocks](Stopwatch& watch) {
         Stream stream = emptyStream(Storage::kDense);
         Handle handle(recordStructure(), nullptr);
         watch.time([&] {
-            for (std::size_t i = 0; i < blocks.size(); ++i)
+            for (std::size_t i = 0; i < blocks->size(); ++i)
             {
-                handle.pointToData(blocks.data(i), false);
+                handle.pointToData(blocks->data(i), false);
                 stream.setElement(static_cast<unsigned int>(i), handle);
             }
         });
         return digestOf(stream);
     };
+    return {round, digestOf(records)};
+}
+
+void compareDenseSet(Comparison& comparison)
+{
+    const std::vector<Record> records = makeRecords(comparison.scaled(kElements));
     const auto pushAll = [&](Stopwatch& watch) {
         std::vector<Record> copies;
         watch.time([&] {
@@ -92,8 +96,7 @@ void compareDenseSet(Comparison& comparison)
         });
         return digestOf(copies);
     };
-    const std::uint64_t expected = digestOf(records);
-    comparison.run(records.size(), {setAll, expected}, {pushAll, expected});
+    comparison.run(records.size(), denseSetting(records), {pushAll, digestOf(records)});
 }
 
 void compareDenseSumByIterator(Comparison& comparison)

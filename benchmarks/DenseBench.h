@@ -1,10 +1,16 @@
 #pragma once
 
 #include "benchmarks/Comparison.h"
+#include "benchmarks/Records.h"
+
+#include <vector>
 
 /// Dense storage against vectors.
 namespace bench
 {
 void compareDenseSet(Comparison& comparison);
 void compareDenseSumByIterator(Comparison& comparison);
+
+/// The library's side, for other workloads to share.
+Side denseSetting(const std::vector<Record>& records);
 } // namespace bench

@@ -3,6 +3,8 @@
 #include "benchmarks/Streams.h"
 #include "vumo/data/IndexString.h"
 
+#include <numeric>
+
 using namespace vumo::Data;
 
 namespace bench
@@ -14,20 +16,34 @@ constexpr std::size_t kElements = 200'000;
 using NumericMap = BlockMap<unsigned int>;
 using TextMap = std::map<std::string, Record>;
 
-/// Records with the order in which they are set and looked up; the i-th record always goes to the number i.
+/// Records and the order in which they are set and looked up; the i-th record always goes to the number i.
 struct Input
 {
-    explicit Input(std::size_t count) : records(makeRecords(count)), blocks(records), order(shuffledIndices(count)) {}
+    Input(const std::vector<Record>& theRecords, const std::vector<unsigned int>& theOrder)
+        : records(theRecords),
+          blocks(theRecords),
+          order(theOrder)
+    {
+    }
 
     std::vector<Record> records;
     BlockArray blocks;
     std::vector<unsigned int> order;
 };
 
-void sortOrder(Input& input)
+using SharedInput = std::shared_ptr<const Input>;
+
+SharedInput shuffledInput(const Comparison& comparison)
 {
-    for (std::size_t i = 0; i < input.order.size(); ++i)
-        input.order[i] = static_cast<unsigned int>(i);
+    const std::size_t count = comparison.scaled(kElements);
+    return std::make_shared<Input>(makeRecords(count), shuffledIndices(count));
+}
+
+SharedInput ascendingInput(const std::vector<Record>& records)
+{
+    std::vector<unsigned int> order(records.size());
+    std::iota(order.begin(), order.end(), 0U);
+    return std::make_shared<Input>(records, order);
 }
 
 std::vector<std::string> textIndices(std::size_t count)
@@ -70,29 +86,29 @@ Index numericIndex(unsigned int i)
     return Index(i);
 }
 
-Side numericInsertSide(const Input& input)
+Side inserting(const SharedInput& input)
 {
-    const auto round = [&input](Stopwatch& watch) {
+    const auto round = [input](Stopwatch& watch) {
         Stream stream = emptyStream(Storage::kMapped);
-        watch.time([&] { setElements(input, stream, numericIndex); });
+        watch.time([&] { setElements(*input, stream, numericIndex); });
         return digestOf(stream);
     };
-    return {round, digestOf(input.records)};
+    return {round, digestOf(input->records)};
 }
 
 /// `insert` puts a block into the map under its number.
 template <class Insert>
-Side blockMapInsertSide(const Input& input, Insert insert)
+Side blockMapInserting(const SharedInput& input, Insert insert)
 {
-    const auto round = [&input, insert](Stopwatch& watch) {
+    const auto round = [input, insert](Stopwatch& watch) {
         NumericMap blocks;
         watch.time([&] {
-            for (const unsigned int i : input.order)
-                insert(blocks.map(), i, duplicate(input.blocks[i]));
+            for (const unsigned int i : input->order)
+                insert(blocks.map(), i, duplicate(input->blocks[i]));
         });
         return blocks.digest();
     };
-    return {round, digestOf(input.records)};
+    return {round, digestOf(input->records)};
 }
 
 void fill(const Input& input, NumericMap& blocks)
@@ -132,28 +148,33 @@ Stream emptyTextStream()
 }
 } // namespace
 
+Side ascendingInserting(const std::vector<Record>& records)
+{
+    return inserting(ascendingInput(records));
+}
+
 void compareShuffledInsert(Comparison& comparison)
 {
-    const Input input(comparison.scaled(kElements));
+    const SharedInput input = shuffledInput(comparison);
     const auto emplace = [](NumericMap::Map& map, unsigned int i, std::unique_ptr<char[]> block) {
         map.emplace(i, std::move(block));
     };
-    comparison.run(input.order.size(), numericInsertSide(input), blockMapInsertSide(input, emplace));
+    comparison.run(input->order.size(), inserting(input), blockMapInserting(input, emplace));
 }
 
 void compareAscendingInsert(Comparison& comparison)
 {
-    Input input(comparison.scaled(kElements));
-    sortOrder(input);
+    const SharedInput input = ascendingInput(makeRecords(comparison.scaled(kElements)));
     const auto append = [](NumericMap::Map& map, unsigned int i, std::unique_ptr<char[]> block) {
         map.emplace_hint(map.end(), i, std::move(block));
     };
-    comparison.run(input.order.size(), numericInsertSide(input), blockMapInsertSide(input, append));
+    comparison.run(input->order.size(), inserting(input), blockMapInserting(input, append));
 }
 
 void compareShuffledLookup(Comparison& comparison)
 {
-    const Input input(comparison.scaled(kElements));
+    const SharedInput shared = shuffledInput(comparison);
+    const Input& input = *shared;
     Stream stream = emptyStream(Storage::kMapped);
     setElements(input, stream, numericIndex);
     NumericMap blocks;
@@ -184,7 +205,8 @@ void compareShuffledLookup(Comparison& comparison)
 
 void compareIteration(Comparison& comparison)
 {
-    const Input input(comparison.scaled(kElements));
+    const SharedInput shared = shuffledInput(comparison);
+    const Input& input = *shared;
     Stream stream = emptyStream(Storage::kMapped);
     setElements(input, stream, numericIndex);
     NumericMap blocks;
@@ -212,7 +234,8 @@ void compareIteration(Comparison& comparison)
 
 void compareTextInsert(Comparison& comparison)
 {
-    const Input input(comparison.scaled(kElements));
+    const SharedInput shared = shuffledInput(comparison);
+    const Input& input = *shared;
     const std::vector<std::string> texts = textIndices(input.order.size());
 
     const auto setAll = [&](Stopwatch& watch) {
@@ -234,7 +257,8 @@ void compareTextInsert(Comparison& comparison)
 
 void compareTextLookup(Comparison& comparison)
 {
-    const Input input(comparison.scaled(kElements));
+    const SharedInput shared = shuffledInput(comparison);
+    const Input& input = *shared;
     const std::vector<std::string> texts = textIndices(input.order.size());
     Stream stream = emptyTextStream();
     setElements(input, stream, [&](unsigned int i) { return Index(IndexString(texts[i])); });

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "benchmarks/Comparison.h"
+#include "benchmarks/Records.h"
+
+#include <vector>
 
 /// Mapped storage against maps.
 namespace bench
@@ -11,4 +14,7 @@ void compareIteration(Comparison& comparison);
 void compareAscendingInsert(Comparison& comparison);
 void compareTextInsert(Comparison& comparison);
 void compareTextLookup(Comparison& comparison);
+
+/// The library's side, for other workloads to share.
+Side ascendingInserting(const std::vector<Record>& records);
 } // namespace bench

@@ -7,7 +7,7 @@ namespace bench
 {
 namespace
 {
-constexpr char kFormat[] = "| %-28s | %-36s | %-32s | %12s | %12s | %6s | %-14s | %5s | %8s | %-16s |\n";
+constexpr char kFormat[] = "| %-28s | %-42s | %-32s | %12s | %12s | %6s | %-14s | %5s | %8s | %-16s |\n";
 
 void printLine(const char* name, const char* what, const char* peerName, const std::string& library,
                const std::string& peer, const std::string& ratio, const std::string& spread, const std::string& goal,

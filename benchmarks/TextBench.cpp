@@ -15,7 +15,7 @@ constexpr std::size_t kElements = 200'000;
 
 Side rawWriting(const Associations& associations, const std::string& expected)
 {
-    const auto round = [&associations](Stopwatch& watch) {
+    const auto round = [associations](Stopwatch& watch) {
         std::ostringstream out;
         watch.time([&] { writeRaw(associations, out); });
         return digestOf(out.str());
@@ -25,8 +25,10 @@ Side rawWriting(const Associations& associations, const std::string& expected)
 
 Side rawReading(const std::string& text, const std::vector<Record>& expected)
 {
-    const auto round = [&text](Stopwatch& watch) {
-        std::istringstream in(text);
+    recordStructure(); // for the reader to find
+    const auto kept = std::make_shared<const std::string>(text);
+    const auto round = [kept](Stopwatch& watch) {
+        std::istringstream in(*kept);
         std::unique_ptr<Associations> associations;
         watch.time([&] { associations = readRaw(in); });
         return digestOf(*associations);
@@ -50,10 +52,8 @@ void compareTextWriting(Comparison& comparison, Storage storage, const TextWrite
 void compareTextReading(Comparison& comparison, const TextReader& peer)
 {
     const std::vector<Record> records = makeRecords(comparison.scaled(kElements));
-    recordStructure(); // for the reader to find
-    const std::string text = rawText(records);
     const std::string peerText = peer.textOf(records);
     const auto peerRound = [&](Stopwatch& watch) { return peer.read(peerText, watch); };
-    comparison.run(records.size(), rawReading(text, records), {peerRound, digestOf(records)});
+    comparison.run(records.size(), rawReading(rawText(records), records), {peerRound, digestOf(records)});
 }
 } // namespace bench

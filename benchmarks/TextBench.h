@@ -10,7 +10,7 @@ namespace bench
 void compareTextWriting(Comparison& comparison, Storage storage, const TextWriter& peer);
 void compareTextReading(Comparison& comparison, const TextReader& peer);
 
-/// The library's sides, for other workloads to share. What they are given must outlive them.
+/// The library's sides, for other workloads to share. They keep what they are given.
 Side rawWriting(const vumo::Data::Associations& associations, const std::string& expected);
 Side rawReading(const std::string& text, const std::vector<Record>& expected);
 } // namespace bench

@@ -1,7 +1,11 @@
 #include "benchmarks/Workloads.h"
 
+#include "benchmarks/CopyBench.h"
 #include "benchmarks/DenseBench.h"
 #include "benchmarks/MappedBench.h"
+#include "benchmarks/MemoryBench.h"
+#include "benchmarks/ScaleBench.h"
+#include "benchmarks/SceneFileBench.h"
 #include "benchmarks/TextBench.h"
 #include "benchmarks/peers/RapidJson.h"
 #include "benchmarks/peers/RawText.h"
@@ -11,11 +15,14 @@ namespace bench
 {
 namespace
 {
-constexpr char kTime[] = "ns";
+constexpr char kTime[] = "ns"; ///< for one element
+constexpr char kBytes[] = "B";
+constexpr char kCalls[] = "calls";
 
 /// Short workloads get more rounds.
 constexpr int kRounds = 9;
 constexpr int kManyRounds = 25;
+constexpr int kCounted = 1;
 
 const std::vector<Workload> kWorkloads = {
     {"text/write/mapped/rapidjson", "text written, mapped", "RapidJSON Writer", kTime, 0.95, 0.7, kRounds,
@@ -47,6 +54,43 @@ const std::vector<Workload> kWorkloads = {
      compareTextInsert},
     {"mapped/lookup/string", "mapped, string indices: lookup", "map<string, Record>", kTime, 1.55, 1.1, kRounds,
      compareTextLookup},
+    {"memory/numeric", "mapped: bytes per element", "map of blocks", kBytes, 1.23, 1.11, kCounted,
+     compareNumericMemory},
+    {"memory/string", "mapped, string indices: bytes per element", "map<string, block>", kBytes, 1.7, 1.5, kCounted,
+     compareTextMemory},
+    {"memory/dense", "dense: bytes per element", "vector of blocks + strdup", kBytes, 0, 0, kCounted,
+     compareDenseMemory},
+
+    {"copy/mapped", "unique copy of 100 streams, mapped", "map of records", kTime, 0.97, 0.8, kRounds,
+     compareMappedCopy},
+    {"copy/dense", "unique copy of 100 streams, dense", "vector of blocks + strdup", kTime, 1.15, 1.0, kRounds,
+     compareDenseCopy},
+
+    {"file/ob/read", ".ob read, 1 MB of metadata", "text in memory read", kTime, 1.2, 1.05, kManyRounds,
+     [](Comparison& c) { compareFileReading(c, "ob"); }},
+    {"file/ob/write", ".ob write, 1 MB of metadata", "text in memory written", kTime, 1.15, 1.05, kManyRounds,
+     [](Comparison& c) { compareFileWriting(c, "ob"); }},
+    {"file/oa/read", ".oa read, 1 MB of metadata", "text in memory read", kTime, 1.6, 1.2, kManyRounds,
+     [](Comparison& c) { compareFileReading(c, "oa"); }},
+    {"file/oa/write", ".oa write, 1 MB of metadata", "text in memory written", kTime, 0, 0, kManyRounds,
+     [](Comparison& c) { compareFileWriting(c, "oa"); }},
+    {"file/ob/bytes", ".ob: bytes read", "pread of the metadata", kBytes, 1.05, 1.0, kCounted,
+     [](Comparison& c) { compareBytesRead(c, "ob"); }},
+    {"file/oa/bytes", ".oa: bytes read", "pread of the metadata", kBytes, 1.05, 1.0, kCounted,
+     [](Comparison& c) { compareBytesRead(c, "oa"); }},
+    {"file/ob/calls", ".ob: read calls", "pread of the metadata", kCalls, 12, 4, kCounted,
+     [](Comparison& c) { compareReadCalls(c, "ob"); }},
+    {"file/oa/calls", ".oa: read calls", "pread of the metadata", kCalls, 40, 10, kCounted,
+     [](Comparison& c) { compareReadCalls(c, "oa"); }},
+
+    {"scale/text/write", "text written, 1M elements", "itself, 10k", kTime, 1.3, 1.1, kRounds,
+     compareTextWritingAtScale},
+    {"scale/text/read", "text read, 1M elements", "itself, 10k", kTime, 1.3, 1.1, kRounds, compareTextReadingAtScale},
+    {"scale/mapped/insert", "mapped: ascending insert, 1M", "itself, 10k", kTime, 1.3, 1.1, kRounds,
+     compareMappedInsertAtScale},
+    {"scale/dense/set", "dense: setElement, 1M", "itself, 10k", kTime, 1.3, 1.1, kRounds, compareDenseSetAtScale},
+    {"scale/oa/read", ".oa read, 32 MB of metadata", "itself, 1 MB", kTime, 1.15, 1.05, kRounds,
+     compareAsciiFileReadingAtScale},
 };
 } // namespace
 

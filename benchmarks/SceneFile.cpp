@@ -1,0 +1,101 @@
+#include "benchmarks/SceneFile.h"
+
+#include "benchmarks/Streams.h"
+#include "examples/scene/Scene.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+using namespace vumo::Data;
+
+namespace bench
+{
+namespace
+{
+constexpr char kNode[] = "Body";
+constexpr std::uint64_t kHoleSize = std::uint64_t(4) << 30;
+constexpr unsigned int kVertices = 50'000;
+
+std::string scratchName(const std::string& extension)
+{
+    static int theCount = 0;
+    const std::string name =
+        "vumo_bench_" + std::to_string(getpid()) + "_" + std::to_string(++theCount) + "." + extension;
+    return (std::filesystem::temp_directory_path() / name).string();
+}
+
+bool isAscii(const std::string& name)
+{
+    return std::filesystem::path(name).extension() == ".oa";
+}
+} // namespace
+
+SceneFile::SceneFile(const std::string& extension, const std::vector<Record>& records) : mName(scratchName(extension))
+{
+    writeScene();
+    const std::uint64_t bareSize = std::filesystem::file_size(mName);
+    attach(records);
+    mMetadataSize = std::filesystem::file_size(mName) - bareSize;
+}
+
+SceneFile::~SceneFile()
+{
+    std::error_code ignored;
+    std::filesystem::remove(mName, ignored);
+}
+
+void SceneFile::writeScene() const
+{
+    example::Scene scene;
+    scene.mNodes = {"World", kNode};
+    scene.mVerticesPerNode = kVertices;
+    scene.mHoleSize = kHoleSize;
+    scene.mTrailer = example::cameraChunk() + example::pluginChunk();
+    std::ofstream file(mName, std::ios::binary | std::ios::trunc);
+    if (!(isAscii(mName) ? example::writeAsciiScene(scene, file) : example::writeScene(scene, file)))
+        throw WrongResult("cannot write the scene " + mName);
+}
+
+void SceneFile::attach(const std::vector<Record>& records) const
+{
+    const std::unique_ptr<Accessor> accessor = accessorFor(*this);
+    read(*accessor, *this);
+    accessor->setStructures({&recordStructure()});
+    accessor->associations()[kNode] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
+    write(*accessor);
+}
+
+std::unique_ptr<Accessor> accessorFor(const SceneFile& file)
+{
+    return Accessor::accessorByExtension(file.name());
+}
+
+void read(Accessor& accessor, const SceneFile& file)
+{
+    std::string errors;
+    if (!accessor.read(file.name(), errors))
+        throw WrongResult("the library does not read the file: " + errors);
+}
+
+void write(const Accessor& accessor)
+{
+    std::string errors;
+    if (!accessor.write(errors))
+        throw WrongResult("the library does not write the file: " + errors);
+}
+
+std::uint64_t digestOf(const Accessor& accessor)
+{
+    return digestOf(metadataOf(accessor));
+}
+
+const Associations& metadataOf(const Accessor& accessor)
+{
+    const auto found = accessor.associations().find(kNode);
+    if (found == accessor.associations().end())
+        throw WrongResult("the node's metadata is lost");
+    return found->second;
+}
+} // namespace bench

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "benchmarks/Comparison.h"
+#include "benchmarks/SceneFile.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Scene files with metadata, of either kind, against the same metadata as text in memory. The files are in the page
+/// cache.
+namespace bench
+{
+void compareFileReading(Comparison& comparison, const std::string& extension);
+void compareFileWriting(Comparison& comparison, const std::string& extension);
+
+/// What reading asks of the kernel, against one `pread` of as many bytes as there is metadata.
+void compareBytesRead(Comparison& comparison, const std::string& extension);
+void compareReadCalls(Comparison& comparison, const std::string& extension);
+
+/// So many records that their text has about that many bytes.
+std::vector<Record> recordsOfTextSize(std::size_t bytes);
+
+/// The library's side, for other workloads to share. It keeps the file.
+Side fileReading(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& expected);
+} // namespace bench
