@@ -2,8 +2,12 @@
 
 #include "benchmarks/Records.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <ctime>
+#include <limits>
+#include <string>
 
 namespace bench
 {
@@ -11,8 +15,17 @@ namespace
 {
 constexpr std::size_t kQuickDivisor = 50;
 
+/// Has the allocator merge what was freed before and keep it. Otherwise each round would get its memory in the
+/// disorder in which the other side left it.
+void tidyHeap()
+{
+    constexpr std::size_t kKeepAll = std::numeric_limits<std::size_t>::max() / 2;
+    malloc_trim(kKeepAll);
+}
+
 double secondsOf(const Side& side, const char* name)
 {
+    tidyHeap();
     Stopwatch watch;
     if (side.round(watch) != side.expected)
         throw WrongResult(std::string(name) + " gives wrong values");
@@ -37,6 +50,11 @@ double processorTime()
     timespec time;
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+Comparison::Comparison(benchmark::State& state, bool isQuick) : mState(state), mIsQuick(isQuick)
+{
+    tidyHeap();
 }
 
 std::size_t Comparison::scaled(std::size_t count) const

@@ -44,7 +44,7 @@ struct Side
 class Comparison
 {
 public:
-    Comparison(benchmark::State& state, bool isQuick) : mState(state), mIsQuick(isQuick) {}
+    Comparison(benchmark::State& state, bool isQuick);
 
     /// The size of the workload: as given, or a small part of it for a quick run.
     std::size_t scaled(std::size_t count) const;

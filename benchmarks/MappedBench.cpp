@@ -4,6 +4,7 @@
 #include "vumo/data/IndexString.h"
 
 #include <numeric>
+#include <type_traits>
 
 using namespace vumo::Data;
 
@@ -13,22 +14,46 @@ namespace
 {
 constexpr std::size_t kElements = 200'000;
 
+/// The disorders in which elements arrive, and in which they are looked up.
+constexpr unsigned int kArrival = 1;
+constexpr unsigned int kLookup = 2;
+
 using NumericMap = BlockMap<unsigned int>;
 using TextMap = std::map<std::string, Record>;
 
-/// Records and the order in which they are set and looked up; the i-th record always goes to the number i.
+/// Records as they arrive, and the numbers under which they are stored: the k-th record under the k-th number.
 struct Input
 {
-    Input(const std::vector<Record>& theRecords, const std::vector<unsigned int>& theOrder)
-        : records(theRecords),
-          blocks(theRecords),
-          order(theOrder)
+    Input(std::vector<Record> theRecords, std::vector<unsigned int> theNumbers)
+        : records(std::move(theRecords)),
+          blocks(records),
+          numbers(std::move(theNumbers))
     {
+    }
+
+    std::size_t size() const { return numbers.size(); }
+
+    /// The records in the order of their numbers.
+    std::vector<Record> sorted() const
+    {
+        std::vector<Record> result(records.size());
+        for (std::size_t k = 0; k < records.size(); ++k)
+            result[numbers[k]] = records[k];
+        return result;
+    }
+
+    /// The texts of the numbers, for streams that are indexed by text.
+    std::vector<std::string> texts() const
+    {
+        std::vector<std::string> result;
+        for (const unsigned int number : numbers)
+            result.push_back(textIndex(number));
+        return result;
     }
 
     std::vector<Record> records;
     BlockArray blocks;
-    std::vector<unsigned int> order;
+    std::vector<unsigned int> numbers;
 };
 
 using SharedInput = std::shared_ptr<const Input>;
@@ -36,22 +61,14 @@ using SharedInput = std::shared_ptr<const Input>;
 SharedInput shuffledInput(const Comparison& comparison)
 {
     const std::size_t count = comparison.scaled(kElements);
-    return std::make_shared<Input>(makeRecords(count), shuffledIndices(count));
+    return std::make_shared<Input>(makeRecords(count), shuffledNumbers(count, kArrival));
 }
 
 SharedInput ascendingInput(const std::vector<Record>& records)
 {
-    std::vector<unsigned int> order(records.size());
-    std::iota(order.begin(), order.end(), 0U);
-    return std::make_shared<Input>(records, order);
-}
-
-std::vector<std::string> textIndices(std::size_t count)
-{
-    std::vector<std::string> texts;
-    for (std::size_t i = 0; i < count; ++i)
-        texts.push_back(textIndex(static_cast<unsigned int>(i)));
-    return texts;
+    std::vector<unsigned int> numbers(records.size());
+    std::iota(numbers.begin(), numbers.end(), 0U);
+    return std::make_shared<Input>(records, std::move(numbers));
 }
 
 std::uint64_t sumOfIds(const std::vector<Record>& records)
@@ -69,31 +86,27 @@ std::int32_t idOf(Handle& handle)
     return id;
 }
 
-/// Sets the blocks in the input's order. `indexOf` makes an index of each number.
-template <class IndexOf>
-void setElements(const Input& input, Stream& stream, IndexOf indexOf)
+/// Sets the blocks at the numbers, or at the texts that `indices` holds.
+template <class AnyIndex>
+void setElements(const Input& input, const std::vector<AnyIndex>& indices, Stream& stream)
 {
+    using Key = std::conditional_t<std::is_same_v<AnyIndex, std::string>, IndexString, unsigned int>;
     Handle handle(recordStructure(), nullptr);
-    for (const unsigned int i : input.order)
+    for (std::size_t k = 0; k < input.size(); ++k)
     {
-        handle.pointToData(input.blocks.data(i), false);
-        stream.setElement(indexOf(i), handle);
+        handle.pointToData(input.blocks.data(k), false);
+        stream.setElement(Key(indices[k]), handle);
     }
-}
-
-Index numericIndex(unsigned int i)
-{
-    return Index(i);
 }
 
 Side inserting(const SharedInput& input)
 {
     const auto round = [input](Stopwatch& watch) {
         Stream stream = emptyStream(Storage::kMapped);
-        watch.time([&] { setElements(*input, stream, numericIndex); });
+        watch.time([&] { setElements(*input, input->numbers, stream); });
         return digestOf(stream);
     };
-    return {round, digestOf(input->records)};
+    return {round, digestOf(input->sorted())};
 }
 
 /// `insert` puts a block into the map under its number.
@@ -103,18 +116,40 @@ Side blockMapInserting(const SharedInput& input, Insert insert)
     const auto round = [input, insert](Stopwatch& watch) {
         NumericMap blocks;
         watch.time([&] {
-            for (const unsigned int i : input->order)
-                insert(blocks.map(), i, duplicate(input->blocks[i]));
+            for (std::size_t k = 0; k < input->size(); ++k)
+                insert(blocks.map(), input->numbers[k], duplicate(input->blocks[k]));
         });
         return blocks.digest();
     };
-    return {round, digestOf(input->records)};
+    return {round, digestOf(input->sorted())};
+}
+
+Stream streamOf(const Input& input)
+{
+    Stream stream = emptyStream(Storage::kMapped);
+    setElements(input, input.numbers, stream);
+    return stream;
 }
 
 void fill(const Input& input, NumericMap& blocks)
 {
-    for (const unsigned int i : input.order)
-        blocks.map().emplace(i, duplicate(input.blocks[i]));
+    for (std::size_t k = 0; k < input.size(); ++k)
+        blocks.map().emplace(input.numbers[k], duplicate(input.blocks[k]));
+}
+
+/// Times the sum of what `idAt` gives for each of the indices.
+template <class AnyIndex, class IdAt>
+Side lookingUp(const std::vector<AnyIndex>& indices, IdAt idAt, std::uint64_t expected)
+{
+    const auto round = [&indices, idAt](Stopwatch& watch) {
+        std::uint64_t sum = 0;
+        watch.time([&] {
+            for (const AnyIndex& index : indices)
+                sum += static_cast<std::uint64_t>(idAt(index));
+        });
+        return sum;
+    };
+    return {round, expected};
 }
 
 /// With the texts of the numbers as indices.
@@ -159,7 +194,7 @@ void compareShuffledInsert(Comparison& comparison)
     const auto emplace = [](NumericMap::Map& map, unsigned int i, std::unique_ptr<char[]> block) {
         map.emplace(i, std::move(block));
     };
-    comparison.run(input->order.size(), inserting(input), blockMapInserting(input, emplace));
+    comparison.run(input->size(), inserting(input), blockMapInserting(input, emplace));
 }
 
 void compareAscendingInsert(Comparison& comparison)
@@ -168,49 +203,32 @@ void compareAscendingInsert(Comparison& comparison)
     const auto append = [](NumericMap::Map& map, unsigned int i, std::unique_ptr<char[]> block) {
         map.emplace_hint(map.end(), i, std::move(block));
     };
-    comparison.run(input->order.size(), inserting(input), blockMapInserting(input, append));
+    comparison.run(input->size(), inserting(input), blockMapInserting(input, append));
 }
 
 void compareShuffledLookup(Comparison& comparison)
 {
-    const SharedInput shared = shuffledInput(comparison);
-    const Input& input = *shared;
-    Stream stream = emptyStream(Storage::kMapped);
-    setElements(input, stream, numericIndex);
+    const SharedInput input = shuffledInput(comparison);
+    const Stream stream = streamOf(*input);
     NumericMap blocks;
-    fill(input, blocks);
+    fill(*input, blocks);
 
-    const auto look = [&](Stopwatch& watch) {
-        std::uint64_t sum = 0;
-        watch.time([&] {
-            for (const unsigned int i : input.order)
-            {
-                Handle handle = stream.element(i);
-                sum += static_cast<std::uint64_t>(idOf(handle));
-            }
-        });
-        return sum;
+    const auto idInStream = [&](unsigned int number) {
+        Handle handle = stream.element(number);
+        return idOf(handle);
     };
-    const auto find = [&](Stopwatch& watch) {
-        std::uint64_t sum = 0;
-        watch.time([&] {
-            for (const unsigned int i : input.order)
-                sum += static_cast<std::uint64_t>(blockAt(blocks.map().find(i)->second.get()).id);
-        });
-        return sum;
-    };
-    const std::uint64_t expected = sumOfIds(input.records);
-    comparison.run(input.order.size(), {look, expected}, {find, expected});
+    const auto idInMap = [&](unsigned int number) { return blockAt(blocks.map().find(number)->second.get()).id; };
+    const std::vector<unsigned int> numbers = shuffledNumbers(input->size(), kLookup);
+    const std::uint64_t expected = sumOfIds(input->records);
+    comparison.run(numbers.size(), lookingUp(numbers, idInStream, expected), lookingUp(numbers, idInMap, expected));
 }
 
 void compareIteration(Comparison& comparison)
 {
-    const SharedInput shared = shuffledInput(comparison);
-    const Input& input = *shared;
-    Stream stream = emptyStream(Storage::kMapped);
-    setElements(input, stream, numericIndex);
+    const SharedInput input = shuffledInput(comparison);
+    const Stream stream = streamOf(*input);
     NumericMap blocks;
-    fill(input, blocks);
+    fill(*input, blocks);
 
     const auto walk = [&](Stopwatch& watch) {
         std::uint64_t sum = 0;
@@ -228,64 +246,50 @@ void compareIteration(Comparison& comparison)
         });
         return sum;
     };
-    const std::uint64_t expected = sumOfIds(input.records);
-    comparison.run(input.order.size(), {walk, expected}, {loop, expected});
+    const std::uint64_t expected = sumOfIds(input->records);
+    comparison.run(input->size(), {walk, expected}, {loop, expected});
 }
 
 void compareTextInsert(Comparison& comparison)
 {
-    const SharedInput shared = shuffledInput(comparison);
-    const Input& input = *shared;
-    const std::vector<std::string> texts = textIndices(input.order.size());
-
+    const SharedInput input = shuffledInput(comparison);
+    const std::vector<std::string> texts = input->texts();
     const auto setAll = [&](Stopwatch& watch) {
         Stream stream = emptyTextStream();
-        watch.time([&] { setElements(input, stream, [&](unsigned int i) { return Index(IndexString(texts[i])); }); });
+        watch.time([&] { setElements(*input, texts, stream); });
         return digestOf(stream);
     };
     const auto emplaceAll = [&](Stopwatch& watch) {
         TextMap map;
         watch.time([&] {
-            for (const unsigned int i : input.order)
-                map.emplace(texts[i], input.records[i]);
+            for (std::size_t k = 0; k < texts.size(); ++k)
+                map.emplace(texts[k], input->records[k]);
         });
         return textDigest(map);
     };
-    const std::uint64_t expected = textDigest(input.records);
-    comparison.run(input.order.size(), {setAll, expected}, {emplaceAll, expected});
+    const std::uint64_t expected = textDigest(input->sorted());
+    comparison.run(input->size(), {setAll, expected}, {emplaceAll, expected});
 }
 
 void compareTextLookup(Comparison& comparison)
 {
-    const SharedInput shared = shuffledInput(comparison);
-    const Input& input = *shared;
-    const std::vector<std::string> texts = textIndices(input.order.size());
+    const SharedInput input = shuffledInput(comparison);
+    const std::vector<std::string> arrived = input->texts();
     Stream stream = emptyTextStream();
-    setElements(input, stream, [&](unsigned int i) { return Index(IndexString(texts[i])); });
+    setElements(*input, arrived, stream);
     TextMap map;
-    for (const unsigned int i : input.order)
-        map.emplace(texts[i], input.records[i]);
+    for (std::size_t k = 0; k < arrived.size(); ++k)
+        map.emplace(arrived[k], input->records[k]);
 
-    const auto look = [&](Stopwatch& watch) {
-        std::uint64_t sum = 0;
-        watch.time([&] {
-            for (const unsigned int i : input.order)
-            {
-                Handle handle = stream.element(IndexString(texts[i]));
-                sum += static_cast<std::uint64_t>(idOf(handle));
-            }
-        });
-        return sum;
+    const auto idInStream = [&](const std::string& text) {
+        Handle handle = stream.element(IndexString(text));
+        return idOf(handle);
     };
-    const auto find = [&](Stopwatch& watch) {
-        std::uint64_t sum = 0;
-        watch.time([&] {
-            for (const unsigned int i : input.order)
-                sum += static_cast<std::uint64_t>(map.find(texts[i])->second.id);
-        });
-        return sum;
-    };
-    const std::uint64_t expected = sumOfIds(input.records);
-    comparison.run(input.order.size(), {look, expected}, {find, expected});
+    const auto idInMap = [&](const std::string& text) { return map.find(text)->second.id; };
+    std::vector<std::string> texts;
+    for (const unsigned int number : shuffledNumbers(input->size(), kLookup))
+        texts.push_back(textIndex(number));
+    const std::uint64_t expected = sumOfIds(input->records);
+    comparison.run(texts.size(), lookingUp(texts, idInStream, expected), lookingUp(texts, idInMap, expected));
 }
 } // namespace bench

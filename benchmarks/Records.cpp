@@ -58,12 +58,12 @@ std::vector<Record> makeRecords(std::size_t count)
     return records;
 }
 
-std::vector<unsigned int> shuffledIndices(std::size_t count)
+std::vector<unsigned int> shuffledNumbers(std::size_t count, unsigned int seed)
 {
-    std::vector<unsigned int> indices(count);
-    std::iota(indices.begin(), indices.end(), 0U);
-    std::shuffle(indices.begin(), indices.end(), Random(42));
-    return indices;
+    std::vector<unsigned int> numbers(count);
+    std::iota(numbers.begin(), numbers.end(), 0U);
+    std::shuffle(numbers.begin(), numbers.end(), Random(seed));
+    return numbers;
 }
 
 std::string textIndex(unsigned int number)

@@ -32,8 +32,8 @@ class WrongResult : public std::runtime_error
 /// 12 characters, and those of one record in eight need escapes.
 std::vector<Record> makeRecords(std::size_t count);
 
-/// The numbers from 0 to `count` - 1, always in the same disorder.
-std::vector<unsigned int> shuffledIndices(std::size_t count);
+/// The numbers from 0 to `count` - 1; for each seed always in the same disorder.
+std::vector<unsigned int> shuffledNumbers(std::size_t count, unsigned int seed);
 
 /// A text of twelve characters for each number, in their order.
 std::string textIndex(unsigned int number);

@@ -1,6 +1,7 @@
 #include "benchmarks/TableReporter.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace bench
@@ -8,6 +9,8 @@ namespace bench
 namespace
 {
 constexpr char kFormat[] = "| %-28s | %-42s | %-32s | %12s | %12s | %6s | %-14s | %5s | %8s | %-16s |\n";
+
+constexpr char kMissed[] = "misses goal";
 
 void printLine(const char* name, const char* what, const char* peerName, const std::string& library,
                const std::string& peer, const std::string& ratio, const std::string& spread, const std::string& goal,
@@ -35,13 +38,19 @@ std::string wanted(double ratio)
     return ratio == 0 ? "" : format("%.2f", ratio);
 }
 
+/// Ratios are wanted to two digits behind the point, so they are judged to two digits, too.
+bool reaches(double ratio, double wantedRatio)
+{
+    return std::round(ratio * 100) <= std::round(wantedRatio * 100);
+}
+
 std::string verdictOf(const Workload& workload, double ratio)
 {
     if (workload.goal == 0)
         return "";
-    if (ratio > workload.goal)
-        return "misses goal";
-    return ratio > workload.moonshot ? "goal" : "moonshot";
+    if (!reaches(ratio, workload.goal))
+        return kMissed;
+    return reaches(ratio, workload.moonshot) ? "moonshot" : "goal";
 }
 
 const Workload& workloadOf(const std::string& name)
@@ -78,7 +87,7 @@ void TableReporter::report(const Workload& workload, const Run& run)
     const auto figure = [&](const char* name) { return run.counters.at(name).value; };
     const double ratio = figure("ratio");
     const std::string verdict = verdictOf(workload, ratio);
-    if (workload.goal != 0 && ratio > workload.goal)
+    if (verdict == kMissed)
         ++mMissedCount;
     printLine(workload.name, workload.what, workload.peer, withUnit(figure("library"), workload.unit),
               withUnit(figure("peer"), workload.unit), format("%.2f", ratio),
