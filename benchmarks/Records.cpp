@@ -104,6 +104,14 @@ std::uint64_t digestOf(std::string_view text)
     return digest.sum();
 }
 
+std::uint64_t digestOf(const std::vector<std::string>& texts)
+{
+    Digest digest;
+    for (const std::string& text : texts)
+        digest.add(text);
+    return digest.sum();
+}
+
 std::uint64_t digestOf(const std::vector<Record>& records)
 {
     Digest digest;

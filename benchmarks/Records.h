@@ -66,6 +66,7 @@ private:
 };
 
 std::uint64_t digestOf(std::string_view text);
+std::uint64_t digestOf(const std::vector<std::string>& texts);
 
 /// Of the records at the numbers from 0, which is also the digest of a map that holds them.
 std::uint64_t digestOf(const std::vector<Record>& records);

@@ -86,16 +86,16 @@ void write(const Accessor& accessor)
         throw WrongResult("the library does not write the file: " + errors);
 }
 
-std::uint64_t digestOf(const Accessor& accessor)
-{
-    return digestOf(metadataOf(accessor));
-}
-
 const Associations& metadataOf(const Accessor& accessor)
 {
     const auto found = accessor.associations().find(kNode);
     if (found == accessor.associations().end())
         throw WrongResult("the node's metadata is lost");
     return found->second;
+}
+
+const Stream& streamIn(const Accessor& accessor)
+{
+    return streamIn(metadataOf(accessor));
 }
 } // namespace bench

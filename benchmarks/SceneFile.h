@@ -41,9 +41,9 @@ std::unique_ptr<vumo::Data::Accessor> accessorFor(const SceneFile& file);
 void read(vumo::Data::Accessor& accessor, const SceneFile& file);
 void write(const vumo::Data::Accessor& accessor);
 
-/// Of the node's records that the accessor holds.
-std::uint64_t digestOf(const vumo::Data::Accessor& accessor);
-
 /// The node's associations.
 const vumo::Data::Associations& metadataOf(const vumo::Data::Accessor& accessor);
+
+/// Their one stream.
+const vumo::Data::Stream& streamIn(const vumo::Data::Accessor& accessor);
 } // namespace bench

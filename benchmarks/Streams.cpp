@@ -78,6 +78,15 @@ Associations associationsOf(const Stream& stream)
     return associations;
 }
 
+const Stream& streamIn(const Associations& associations)
+{
+    const Channel* const channel = associations.findChannel("vertex");
+    const Stream* const stream = channel ? channel->findDataStream("points") : nullptr;
+    if (!stream)
+        throw WrongResult("the stream is lost");
+    return *stream;
+}
+
 std::uint64_t digestOf(const Stream& stream)
 {
     Digest digest;
@@ -87,15 +96,6 @@ std::uint64_t digestOf(const Stream& stream)
         digest.addRecord(blockAt(position->data()));
     }
     return digest.sum();
-}
-
-std::uint64_t digestOf(const Associations& associations)
-{
-    const Channel* const channel = associations.findChannel("vertex");
-    const Stream* const stream = channel ? channel->findDataStream("points") : nullptr;
-    if (!stream)
-        throw WrongResult("the stream is lost");
-    return digestOf(*stream);
 }
 
 void writeRaw(const Associations& associations, std::ostream& out)

@@ -28,11 +28,11 @@ vumo::Data::Stream streamOf(const BlockArray& blocks, Storage storage);
 /// The stream alone in one channel.
 vumo::Data::Associations associationsOf(const vumo::Data::Stream& stream);
 
+/// That stream.
+const vumo::Data::Stream& streamIn(const vumo::Data::Associations& associations);
+
 /// Equal to the digest of the records that the stream should hold; text indices count as their texts.
 std::uint64_t digestOf(const vumo::Data::Stream& stream);
-
-/// That of the one stream of associationsOf().
-std::uint64_t digestOf(const vumo::Data::Associations& associations);
 
 /// In the format "raw". Throws `WrongResult` when the library refuses.
 void writeRaw(const vumo::Data::Associations& associations, std::ostream& out);

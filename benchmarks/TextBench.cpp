@@ -31,7 +31,7 @@ Side rawReading(const std::string& text, const std::vector<Record>& expected)
         std::istringstream in(*kept);
         std::unique_ptr<Associations> associations;
         watch.time([&] { associations = readRaw(in); });
-        return digestOf(*associations);
+        return digestOf(streamIn(*associations));
     };
     return {round, digestOf(expected)};
 }

@@ -6,7 +6,9 @@
 #include "benchmarks/MemoryBench.h"
 #include "benchmarks/ScaleBench.h"
 #include "benchmarks/SceneFileBench.h"
+#include "benchmarks/TagBench.h"
 #include "benchmarks/TextBench.h"
+#include "benchmarks/peers/Nlohmann.h"
 #include "benchmarks/peers/RapidJson.h"
 #include "benchmarks/peers/RawText.h"
 #include "benchmarks/peers/SimdJson.h"
@@ -39,6 +41,10 @@ const std::vector<Workload> kWorkloads = {
      [](Comparison& c) { compareTextReading(c, simdJsonReader()); }},
     {"text/read/from_chars", "text read", "from_chars into a map of blocks", kTime, 1.4, 1.1, kRounds,
      [](Comparison& c) { compareTextReading(c, fromCharsReader()); }},
+    {"text/write/mapped/nlohmann", "text written, mapped", "nlohmann::json dump", kTime, 0, 0, kRounds,
+     [](Comparison& c) { compareTextWriting(c, Storage::kMapped, nlohmannWriter()); }},
+    {"text/read/nlohmann", "text read", "nlohmann::json parse and fill", kTime, 0, 0, kRounds,
+     [](Comparison& c) { compareTextReading(c, nlohmannReader()); }},
 
     {"dense/set", "dense: 1M setElement", "vector<Record>::push_back", kTime, 1.5, 1.0, kRounds, compareDenseSet},
     {"dense/sum/iterator", "dense: sum float[3] by iterator", "loop over vector<Record>", kTime, 1.0, 0.75, kManyRounds,
@@ -82,6 +88,8 @@ const std::vector<Workload> kWorkloads = {
      [](Comparison& c) { compareReadCalls(c, "ob"); }},
     {"file/oa/calls", ".oa: read calls", "pread of the metadata", kCalls, 40, 10, kCounted,
      [](Comparison& c) { compareReadCalls(c, "oa"); }},
+    {"file/ob/edit", ".ob: one label edited in place", "TagLib, a tag of a WAV file", kTime, 0, 0, kManyRounds,
+     compareEditInPlace},
 
     {"scale/text/write", "text written, 1M elements", "itself, 10k", kTime, 1.3, 1.1, kRounds,
      compareTextWritingAtScale},
