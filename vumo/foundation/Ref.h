@@ -22,9 +22,18 @@ public:
 
     Ref(const Ref& other) : Ref(other.mObject) {}
 
+    /// Takes the reference over; `other` is null afterwards.
+    Ref(Ref&& other) noexcept : mObject(std::exchange(other.mObject, nullptr)) {}
+
     Ref& operator=(const Ref& other)
     {
         Ref(other).swap(*this);
+        return *this;
+    }
+
+    Ref& operator=(Ref&& other) noexcept
+    {
+        Ref(std::move(other)).swap(*this);
         return *this;
     }
 

@@ -2,10 +2,11 @@
 
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/CounterPool.h"
 
 namespace vumo
 {
-RefCounted::RefCounted() : mCount(std::make_unique<std::atomic<std::int32_t>>(0)) {}
+RefCounted::RefCounted() : mCount(detail::takeCounter()) {}
 
 RefCounted::RefCounted(const RefCounted&) : RefCounted() {}
 
@@ -14,27 +15,9 @@ RefCounted& RefCounted::operator=(const RefCounted&)
     return *this;
 }
 
-RefCounted::~RefCounted() = default;
-
-void RefCounted::ref() const
+RefCounted::~RefCounted()
 {
-    mCount->fetch_add(1);
-}
-
-void RefCounted::unref() const
-{
-    if (mCount->fetch_sub(1) == 1)
-        delete this;
-}
-
-int RefCounted::refCount() const
-{
-    return mCount->load();
-}
-
-bool RefCounted::isShared() const
-{
-    return refCount() >= 2;
+    detail::returnCounter(mCount);
 }
 
 bool RefCounted::Debug(const RefCounted* object, vumo::Debug::Print& request)

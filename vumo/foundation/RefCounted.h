@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
 
 namespace vumo
 {
@@ -35,21 +34,25 @@ public:
 
     virtual ~RefCounted();
 
-    void ref() const;
+    void ref() const { mCount->fetch_add(1); }
 
     /// Releases one reference; deletes the object when it was the last one. A count that was not
     /// exactly 1 is only lowered, also below 0.
-    void unref() const;
+    void unref() const
+    {
+        if (mCount->fetch_sub(1) == 1)
+            delete this;
+    }
 
-    int refCount() const;
+    int refCount() const { return mCount->load(); }
 
     /// Says whether two or more hold the object, so that whoever wants to change it alone must copy it.
-    bool isShared() const;
+    bool isShared() const { return refCount() >= 2; }
 
     static bool Debug(const RefCounted* object, vumo::Debug::Print& request);
     static bool Debug(const RefCounted* object, vumo::Debug::Footprint& request);
 
 private:
-    std::unique_ptr<std::atomic<std::int32_t>> mCount;
+    std::atomic<std::int32_t>* const mCount; // owned, beside those of other objects
 };
 } // namespace vumo
