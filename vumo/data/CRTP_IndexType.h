@@ -21,6 +21,6 @@ public:
     std::string typeName() const override { return T::myTypeName; }
 
     /// An index that holds the T of that text.
-    static Index doCreate(const std::string& text) { return Index(T(text)); }
+    static Index doCreate(const std::string& text) { return Index::adopt(new T(text)); }
 };
 } // namespace vumo::Data

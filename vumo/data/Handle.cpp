@@ -106,37 +106,37 @@ const std::string Handle::kDebugType = "type";
 unsigned long long Handle::_objectsCreated = 0;
 unsigned long long Handle::_objectsAlive = 0;
 
-Handle::Handle(const StructureIterator& position, char* data, bool owns)
-    : mPosition(position),
-      mData(data),
-      mOwnsData(owns)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-Handle::Handle() : Handle(StructureIterator(), nullptr, false) {}
+Handle::Handle() : Handle(Structure::create(), nullptr, kEndIndex, false) {}
 
 Handle::Handle(const Structure& structure) : Handle(structure, nullptr)
 {
     pointToData(structure.allocateDefaultChunk(), true);
 }
 
-Handle::Handle(const Structure& structure, void* data) : Handle(structure.begin(), static_cast<char*>(data), false) {}
-
-Handle::Handle(const Handle& other) : Handle(other.mPosition, other.mData, false) {}
-
 Handle::Handle(Handle&& other) noexcept
-    : Handle(other.mPosition, std::exchange(other.mData, nullptr), std::exchange(other.mOwnsData, false))
+    : mStructure(std::exchange(other.mStructure, nullptr)),
+      mData(std::exchange(other.mData, nullptr)),
+      mIndex(std::exchange(other.mIndex, kEndIndex)),
+      mOwnsData(std::exchange(other.mOwnsData, false))
 {
+    ++_objectsCreated;
+    ++_objectsAlive;
 }
 
 Handle& Handle::operator=(const Handle& other)
 {
-    const bool keepsBlock = mOwnsData && mData == other.mData && usesStructure(*other.mPosition.structure());
+    const bool isSameStructure = mStructure == other.mStructure;
+    const bool keepsBlock = mOwnsData && mData == other.mData && isSameStructure;
     if (!keepsBlock)
         pointToData(other.mData, false);
-    mPosition = other.mPosition;
+    mIndex = other.mIndex;
+    if (isSameStructure)
+        return *this;
+    const Structure* const before = std::exchange(mStructure, other.mStructure);
+    if (mStructure)
+        mStructure->refFromIterator();
+    if (before)
+        before->unrefFromIterator();
     return *this;
 }
 
@@ -149,173 +149,59 @@ Handle& Handle::operator=(Handle&& other) noexcept
     return *this;
 }
 
-Handle::~Handle()
+void Handle::releaseBlock()
 {
-    release();
-    --_objectsAlive;
-}
-
-void Handle::release()
-{
-    if (mOwnsData && mData)
-    {
-        mPosition.structure()->destroyChunk(mData);
-        delete[] mData;
-    }
-    mData = nullptr;
-    mOwnsData = false;
-}
-
-void Handle::pointToData(char* data, bool owns)
-{
-    if (data != mData)
-        release();
-    mData = data;
-    mOwnsData = owns && data;
+    if (mStructure)
+        mStructure->destroyChunk(mData);
+    delete[] mData;
 }
 
 bool Handle::makeUnique()
 {
-    if (mOwnsData || !mData)
+    if (mOwnsData || !mData || !mStructure)
         return false;
-    pointToData(mPosition.structure()->duplicateChunk(mData), true);
+    pointToData(mStructure->duplicateChunk(mData), true);
     return true;
 }
 
-void Handle::swap(Handle& other)
+void Handle::swap(Handle& other) noexcept
 {
-    std::swap(mPosition, other.mPosition);
+    std::swap(mStructure, other.mStructure);
     std::swap(mData, other.mData);
+    std::swap(mIndex, other.mIndex);
     std::swap(mOwnsData, other.mOwnsData);
 }
 
 bool Handle::setPositionByMemberIndex(unsigned int i)
 {
-    if (mPosition.valid() && mPosition.index() == i)
-        return true;
-    const bool isAhead = mPosition.valid() && mPosition.index() < i;
-    if (!isAhead)
-        mPosition = mPosition.structure()->begin();
-    while (mPosition.valid() && mPosition.index() < i)
-        ++mPosition;
-    return mPosition.valid();
+    if (mIndex != i)
+        mIndex = mStructure && mStructure->member(i) ? i : kEndIndex;
+    return mIndex != kEndIndex;
 }
 
 bool Handle::setPositionByMemberName(const char* name)
 {
-    if (!name)
+    if (!name || !mStructure)
         return false;
     if (detail::equalTexts(Member::name(currentMember()), name))
         return true;
-    mPosition = mPosition.structure()->begin();
-    while (mPosition.valid() && !detail::equalTexts(Member::name(currentMember()), name))
-        ++mPosition;
-    return mPosition.valid();
-}
-
-const Member* Handle::currentMember() const
-{
-    return mPosition.structure()->member(mPosition.index());
-}
-
-Member::eDataType Handle::dataType() const
-{
-    return Member::type(currentMember());
-}
-
-unsigned int Handle::dataLength() const
-{
-    return Member::length(currentMember());
-}
-
-bool Handle::usesStructure(const Structure& structure) const
-{
-    return mPosition.structure() == &structure;
+    mIndex = kEndIndex;
+    for (unsigned int i = 0; i < mStructure->memberCount() && mIndex == kEndIndex; ++i)
+    {
+        if (detail::equalTexts(Member::name(mStructure->member(i)), name))
+            mIndex = i;
+    }
+    return mIndex != kEndIndex;
 }
 
 bool Handle::isDefault() const
 {
-    return mPosition.structure()->chunkIsDefault(mData);
+    return mData && mStructure && mStructure->chunkIsDefault(mData);
 }
 
 bool Handle::isDefaultMember(const char* name) const
 {
-    return mPosition.structure()->chunkMemberIsDefault(mData, name);
-}
-
-bool* Handle::asBoolean()
-{
-    return static_cast<bool*>(asType(Member::kBoolean));
-}
-
-double* Handle::asDouble()
-{
-    return static_cast<double*>(asType(Member::kDouble));
-}
-
-double* Handle::asDoubleMatrix4x4()
-{
-    return static_cast<double*>(asType(Member::kDoubleMatrix4x4));
-}
-
-float* Handle::asFloat()
-{
-    return static_cast<float*>(asType(Member::kFloat));
-}
-
-float* Handle::asFloatMatrix4x4()
-{
-    return static_cast<float*>(asType(Member::kFloatMatrix4x4));
-}
-
-std::int8_t* Handle::asInt8()
-{
-    return static_cast<std::int8_t*>(asType(Member::kInt8));
-}
-
-std::int16_t* Handle::asInt16()
-{
-    return static_cast<std::int16_t*>(asType(Member::kInt16));
-}
-
-std::int32_t* Handle::asInt32()
-{
-    return static_cast<std::int32_t*>(asType(Member::kInt32));
-}
-
-std::int64_t* Handle::asInt64()
-{
-    return static_cast<std::int64_t*>(asType(Member::kInt64));
-}
-
-char** Handle::asString()
-{
-    return static_cast<char**>(asType(Member::kString));
-}
-
-std::uint8_t* Handle::asUInt8()
-{
-    return static_cast<std::uint8_t*>(asType(Member::kUInt8));
-}
-
-std::uint16_t* Handle::asUInt16()
-{
-    return static_cast<std::uint16_t*>(asType(Member::kUInt16));
-}
-
-std::uint32_t* Handle::asUInt32()
-{
-    return static_cast<std::uint32_t*>(asType(Member::kUInt32));
-}
-
-std::uint64_t* Handle::asUInt64()
-{
-    return static_cast<std::uint64_t*>(asType(Member::kUInt64));
-}
-
-void* Handle::asType(Member::eDataType type)
-{
-    return type < Member::kInvalidType && type == dataType() ? value(0) : nullptr;
+    return mData && mStructure && mStructure->chunkMemberIsDefault(mData, name);
 }
 
 char* Handle::value(unsigned int i) const

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "vumo/data/Member.h"
-#include "vumo/data/StructureIterator.h"
+#include "vumo/data/Structure.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
@@ -10,8 +10,6 @@
 
 namespace vumo::Data
 {
-class Structure;
-
 /// Typed access to the values of one element: a structure, an element's data block laid out by it, and
 /// a current member.
 ///
@@ -29,27 +27,43 @@ public:
     explicit Handle(const Structure& structure);
 
     /// On the first member, borrowing `data`, which may be null.
-    Handle(const Structure& structure, void* data);
+    Handle(const Structure& structure, void* data)
+        : Handle(&structure, static_cast<char*>(data), structure.empty() ? kEndIndex : 0, false)
+    {
+    }
 
-    Handle(const Handle& other);
+    Handle(const Handle& other) : Handle(other.mStructure, other.mData, other.mIndex, false) {}
 
-    /// Takes the block with its ownership; `other` is left without data.
+    /// Takes the block with its ownership, and the reference on the structure; `other` is left without either.
     Handle(Handle&& other) noexcept;
 
     /// Releases an owned block, unless the source borrows that very block: then it is kept, and owned. (A source
     /// that borrows it on another structure is misuse.)
     Handle& operator=(const Handle& other);
     Handle& operator=(Handle&& other) noexcept;
-    ~Handle();
+
+    ~Handle()
+    {
+        release();
+        if (mStructure)
+            mStructure->unrefFromIterator();
+        --_objectsAlive;
+    }
 
     /// Releases an owned block, then takes `data`; an owned block comes from array new.
-    void pointToData(char* data, bool owns);
+    void pointToData(char* data, bool owns)
+    {
+        if (data != mData)
+            release();
+        mData = data;
+        mOwnsData = owns && data;
+    }
 
     /// Replaces a borrowed block by a deep copy of its own. False, with nothing done, when the handle
     /// owns its block already or has no data.
     bool makeUnique();
 
-    void swap(Handle& other);
+    void swap(Handle& other) noexcept;
 
     /// False, with the position at the end, when there is no such member.
     bool setPositionByMemberIndex(unsigned int i);
@@ -57,12 +71,15 @@ public:
     /// False, with the position at the end, when no member has that name. Null is false and moves nothing.
     bool setPositionByMemberName(const char* name);
 
+    /// The position of the current member, counted from 0; 4294967295 at the end.
+    unsigned int memberIndex() const { return mIndex; }
+
     /// The current member's type and dimension; `kInvalidType` and 0 at the end.
-    Member::eDataType dataType() const;
-    unsigned int dataLength() const;
+    Member::eDataType dataType() const { return Member::type(currentMember()); }
+    unsigned int dataLength() const { return Member::length(currentMember()); }
 
     /// Says whether the handle is on that very structure, not one equal to it.
-    bool usesStructure(const Structure& structure) const;
+    bool usesStructure(const Structure& structure) const { return mStructure == &structure; }
 
     bool hasData() const { return mData != nullptr; }
 
@@ -78,21 +95,27 @@ public:
     /// The address may be misaligned for the type when the structure's layout makes it so; memcpy is
     /// then the way to move a value. To write a string, free() the old text and store a new one made
     /// by strdup.
-    bool* asBoolean();
-    double* asDouble();
-    double* asDoubleMatrix4x4();
-    float* asFloat();
-    float* asFloatMatrix4x4();
-    std::int8_t* asInt8();
-    std::int16_t* asInt16();
-    std::int32_t* asInt32();
-    std::int64_t* asInt64();
-    char** asString();
-    std::uint8_t* asUInt8();
-    std::uint16_t* asUInt16();
-    std::uint32_t* asUInt32();
-    std::uint64_t* asUInt64();
-    void* asType(Member::eDataType type);
+    bool* asBoolean() { return static_cast<bool*>(asType(Member::kBoolean)); }
+    double* asDouble() { return static_cast<double*>(asType(Member::kDouble)); }
+    double* asDoubleMatrix4x4() { return static_cast<double*>(asType(Member::kDoubleMatrix4x4)); }
+    float* asFloat() { return static_cast<float*>(asType(Member::kFloat)); }
+    float* asFloatMatrix4x4() { return static_cast<float*>(asType(Member::kFloatMatrix4x4)); }
+    std::int8_t* asInt8() { return static_cast<std::int8_t*>(asType(Member::kInt8)); }
+    std::int16_t* asInt16() { return static_cast<std::int16_t*>(asType(Member::kInt16)); }
+    std::int32_t* asInt32() { return static_cast<std::int32_t*>(asType(Member::kInt32)); }
+    std::int64_t* asInt64() { return static_cast<std::int64_t*>(asType(Member::kInt64)); }
+    char** asString() { return static_cast<char**>(asType(Member::kString)); }
+    std::uint8_t* asUInt8() { return static_cast<std::uint8_t*>(asType(Member::kUInt8)); }
+    std::uint16_t* asUInt16() { return static_cast<std::uint16_t*>(asType(Member::kUInt16)); }
+    std::uint32_t* asUInt32() { return static_cast<std::uint32_t*>(asType(Member::kUInt32)); }
+    std::uint64_t* asUInt64() { return static_cast<std::uint64_t*>(asType(Member::kUInt64)); }
+
+    void* asType(Member::eDataType type)
+    {
+        const Member* const member = mData ? currentMember() : nullptr;
+        const bool isOfType = member && Member::type(member) == type && type < Member::kInvalidType;
+        return isOfType && Member::length(member) > 0 ? mData + Member::offset(member) : nullptr;
+    }
 
     /// The text of the i-th value of the current member, a fallback such as "0" when there is no such
     /// value. Numbers have six significant digits; a string is written as it is, without quotes; a matrix
@@ -117,16 +140,39 @@ public:
     static unsigned long long _objectsAlive;
 
 private:
-    Handle(const StructureIterator& position, char* data, bool owns);
+    static constexpr unsigned int kEndIndex = 0xFFFFFFFF;
 
-    const Member* currentMember() const;
+    Handle(const Structure* structure, char* data, unsigned int index, bool owns)
+        : mStructure(structure),
+          mData(data),
+          mIndex(index),
+          mOwnsData(owns)
+    {
+        if (mStructure)
+            mStructure->refFromIterator();
+        ++_objectsCreated;
+        ++_objectsAlive;
+    }
+
+    const Member* currentMember() const { return mStructure ? mStructure->member(mIndex) : nullptr; }
 
     /// The address of the i-th value of the current member; null when there is none.
     char* value(unsigned int i) const;
-    void release();
 
-    StructureIterator mPosition;
+    void release()
+    {
+        if (mOwnsData)
+            releaseBlock();
+        mData = nullptr;
+        mOwnsData = false;
+    }
+
+    void releaseBlock();
+
+    // A StructureIterator taken apart, so that it and the flag share eight bytes: streams keep a handle per element.
+    const Structure* mStructure; // referenced as an iterator does; null once moved from
     char* mData;
-    bool mOwnsData;
+    unsigned int mIndex; // of the current member
+    bool mOwnsData;      // never without data
 };
 } // namespace vumo::Data

@@ -33,43 +33,19 @@ const bool IndexPair::myRegistration = Index::registerType(myTypeName, &CRTP_Ind
 const std::string IndexString::myTypeName = "string";
 const bool IndexString::myRegistration = Index::registerType(myTypeName, &CRTP_IndexType<IndexString>::doCreate);
 
-Index::Index(unsigned int number) : mNumber(number)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-Index::Index(const IndexType& value) : mComplex(value.clone())
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+Index::Index(const IndexType& value) : Index(Ref<IndexType>(value.clone())) {}
 
 Index::Index(const std::string& text)
 {
     detail::parseIndexNumbers(text, &mNumber, 1);
-    ++_objectsCreated;
-    ++_objectsAlive;
+    count();
 }
-
-Index::Index(const Index& other) : mNumber(other.mNumber), mComplex(other.mComplex ? other.mComplex->clone() : nullptr)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-Index& Index::operator=(const Index& other) = default;
 
 Index& Index::operator=(unsigned int number)
 {
     mComplex = Ref<IndexType>();
     mNumber = number;
     return *this;
-}
-
-Index::~Index()
-{
-    --_objectsAlive;
 }
 
 std::string Index::asString() const
@@ -99,46 +75,34 @@ unsigned int Index::denseSpaceBetween(const Index& other) const
     return mComplex || other.mComplex ? 0 : detail::placesBetween(mNumber, other.mNumber);
 }
 
-bool Index::operator==(const Index& other) const
+bool Index::isEqualComplex(const Index& other) const
 {
-    if (mComplex && other.mComplex)
-        return *mComplex == *other.mComplex;
-    return !mComplex && !other.mComplex && mNumber == other.mNumber;
+    return mComplex && other.mComplex && *mComplex == *other.mComplex;
 }
 
-bool Index::operator!=(const Index& other) const
+bool Index::isUnequalComplex(const Index& other) const
 {
-    if (mComplex && other.mComplex)
-        return *mComplex != *other.mComplex;
-    return mComplex || other.mComplex || mNumber != other.mNumber;
+    return !mComplex || !other.mComplex || *mComplex != *other.mComplex;
 }
 
-bool Index::operator<(const Index& other) const
+bool Index::isLessComplex(const Index& other) const
 {
-    if (mComplex)
-        return other.mComplex && *mComplex < *other.mComplex;
-    return other.mComplex || mNumber < other.mNumber;
+    return other.mComplex && (!mComplex || *mComplex < *other.mComplex);
 }
 
-bool Index::operator<=(const Index& other) const
+bool Index::isLessOrEqualComplex(const Index& other) const
 {
-    if (mComplex)
-        return other.mComplex && *mComplex <= *other.mComplex;
-    return other.mComplex || mNumber <= other.mNumber;
+    return other.mComplex && (!mComplex || *mComplex <= *other.mComplex);
 }
 
-bool Index::operator>(const Index& other) const
+bool Index::isGreaterComplex(const Index& other) const
 {
-    if (other.mComplex)
-        return mComplex && *mComplex > *other.mComplex;
-    return mComplex || mNumber > other.mNumber;
+    return mComplex && (!other.mComplex || *mComplex > *other.mComplex);
 }
 
-bool Index::operator>=(const Index& other) const
+bool Index::isGreaterOrEqualComplex(const Index& other) const
 {
-    if (other.mComplex)
-        return mComplex && *mComplex >= *other.mComplex;
-    return mComplex || mNumber >= other.mNumber;
+    return mComplex && (!other.mComplex || *mComplex >= *other.mComplex);
 }
 
 std::map<std::string, Index::Creator>& Index::creators()

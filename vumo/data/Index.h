@@ -1,16 +1,16 @@
 #pragma once
 
+#include "vumo/data/IndexType.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Ref.h"
 
 #include <map>
 #include <string>
+#include <utility>
 
 namespace vumo::Data
 {
-class IndexType;
-
 /// The address of an element in a stream: a plain number, or a value of an index type such as "pair".
 ///
 /// Indices are totally ordered, numbers first. The complex value is shared by assignment and copied by
@@ -28,7 +28,7 @@ public:
 
     using Creator = Index (*)(const std::string& text);
 
-    Index(unsigned int number);
+    Index(unsigned int number) : mNumber(number) { count(); }
 
     /// Holds a copy of the value.
     Index(const IndexType& value);
@@ -36,10 +36,21 @@ public:
     /// The number of that text: decimal digits, with blanks, tabs or carriage returns around them.
     /// Throws `eCreationErrors`.
     Index(const std::string& text);
-    Index(const Index& other);
-    Index& operator=(const Index& other);
+    Index(const Index& other) : mNumber(other.mNumber), mComplex(other.mComplex ? other.mComplex->clone() : nullptr)
+    {
+        count();
+    }
+
+    /// Takes the complex value over; `other` is a number afterwards.
+    Index(Index&& other) noexcept : mNumber(other.mNumber), mComplex(std::move(other.mComplex)) { count(); }
+
+    Index& operator=(const Index& other) = default;
+    Index& operator=(Index&& other) noexcept = default;
     Index& operator=(unsigned int number);
-    ~Index();
+    ~Index() { --_objectsAlive; }
+
+    /// An index that holds the value itself, which is new and held by nobody else.
+    static Index adopt(IndexType* value) { return Index(Ref<IndexType>(value)); }
 
     /// The number; 0 for a complex index.
     unsigned int index() const { return mComplex ? 0 : mNumber; }
@@ -60,12 +71,35 @@ public:
     /// a number and a complex index.
     unsigned int denseSpaceBetween(const Index& other) const;
 
-    bool operator==(const Index& other) const;
-    bool operator!=(const Index& other) const;
-    bool operator<(const Index& other) const;
-    bool operator<=(const Index& other) const;
-    bool operator>(const Index& other) const;
-    bool operator>=(const Index& other) const;
+    bool operator==(const Index& other) const
+    {
+        return areNumbers(other) ? mNumber == other.mNumber : isEqualComplex(other);
+    }
+
+    bool operator!=(const Index& other) const
+    {
+        return areNumbers(other) ? mNumber != other.mNumber : isUnequalComplex(other);
+    }
+
+    bool operator<(const Index& other) const
+    {
+        return areNumbers(other) ? mNumber < other.mNumber : isLessComplex(other);
+    }
+
+    bool operator<=(const Index& other) const
+    {
+        return areNumbers(other) ? mNumber <= other.mNumber : isLessOrEqualComplex(other);
+    }
+
+    bool operator>(const Index& other) const
+    {
+        return areNumbers(other) ? mNumber > other.mNumber : isGreaterComplex(other);
+    }
+
+    bool operator>=(const Index& other) const
+    {
+        return areNumbers(other) ? mNumber >= other.mNumber : isGreaterOrEqualComplex(other);
+    }
 
     /// The registry of index types, by name. Registrations only ever add.
     static std::map<std::string, Creator>& creators();
@@ -89,6 +123,24 @@ public:
     static unsigned long long _objectsAlive;
 
 private:
+    explicit Index(Ref<IndexType> value) : mComplex(std::move(value)) { count(); }
+
+    static void count()
+    {
+        ++_objectsCreated;
+        ++_objectsAlive;
+    }
+
+    bool areNumbers(const Index& other) const { return !mComplex && !other.mComplex; }
+
+    // The comparisons where one of both is complex, at least.
+    bool isEqualComplex(const Index& other) const;
+    bool isUnequalComplex(const Index& other) const;
+    bool isLessComplex(const Index& other) const;
+    bool isLessOrEqualComplex(const Index& other) const;
+    bool isGreaterComplex(const Index& other) const;
+    bool isGreaterOrEqualComplex(const Index& other) const;
+
     unsigned int mNumber = 0;
     Ref<IndexType> mComplex; // null: the index is a number
 };

@@ -9,6 +9,19 @@
 
 namespace vumo::Data
 {
+namespace
+{
+/// Compares the texts at once where nothing can override how they compare.
+template <class Compare>
+bool compareTexts(const IndexString& left, const IndexType& right, Compare compare, bool whenClassPrecedes,
+                  bool whenClassFollows)
+{
+    if (detail::areExactly(left, right))
+        return compare(left.indexString(), static_cast<const IndexString&>(right).indexString());
+    return detail::compareIndexTypes(left, right, compare, whenClassPrecedes, whenClassFollows);
+}
+} // namespace
+
 unsigned long long IndexString::_objectsCreated = 0;
 unsigned long long IndexString::_objectsAlive = 0;
 
@@ -52,32 +65,32 @@ unsigned int IndexString::denseSpaceBetween(const IndexType&) const
 
 bool IndexString::operator==(const IndexType& other) const
 {
-    return detail::compareIndexTypes(*this, other, std::equal_to<>(), false, false);
+    return compareTexts(*this, other, std::equal_to<>(), false, false);
 }
 
 bool IndexString::operator!=(const IndexType& other) const
 {
-    return detail::compareIndexTypes(*this, other, std::not_equal_to<>(), true, true);
+    return compareTexts(*this, other, std::not_equal_to<>(), true, true);
 }
 
 bool IndexString::operator<(const IndexType& other) const
 {
-    return detail::compareIndexTypes(*this, other, std::less<>(), true, false);
+    return compareTexts(*this, other, std::less<>(), true, false);
 }
 
 bool IndexString::operator<=(const IndexType& other) const
 {
-    return detail::compareIndexTypes(*this, other, std::less_equal<>(), true, false);
+    return compareTexts(*this, other, std::less_equal<>(), true, false);
 }
 
 bool IndexString::operator>(const IndexType& other) const
 {
-    return detail::compareIndexTypes(*this, other, std::greater<>(), false, true);
+    return compareTexts(*this, other, std::greater<>(), false, true);
 }
 
 bool IndexString::operator>=(const IndexType& other) const
 {
-    return detail::compareIndexTypes(*this, other, std::greater_equal<>(), false, true);
+    return compareTexts(*this, other, std::greater_equal<>(), false, true);
 }
 
 bool IndexString::operator==(const IndexString& other) const

@@ -31,8 +31,6 @@ const TypeInfo& typeInfo(Member::eDataType type)
     return kTypes[type < Member::kInvalidType ? type : Member::kInvalidType];
 }
 
-constexpr unsigned long long kNoOffset = 0xFFFFFFFF;
-
 /// Calls `visit` with the address of each string of `member` in the block at `data`.
 template <class Visitor>
 void visitStrings(const Member& member, char* data, Visitor&& visit)
@@ -128,29 +126,9 @@ bool Member::isDefault(const char* data) const
     return allDefault;
 }
 
-unsigned int Member::length(const Member* member)
-{
-    return member ? member->mDimension : 0;
-}
-
-const char* Member::name(const Member* member)
-{
-    return member ? member->mName.get() : nullptr;
-}
-
-unsigned long long Member::offset(const Member* member)
-{
-    return member ? member->mOffset : kNoOffset;
-}
-
 unsigned long long Member::offset(const Member* member, unsigned int i)
 {
     return member ? member->mOffset + static_cast<unsigned long long>(typeSize(member->mType)) * i : 0;
-}
-
-Member::eDataType Member::type(const Member* member)
-{
-    return member ? member->mType : kInvalidType;
 }
 
 unsigned int Member::typeSize(eDataType type)

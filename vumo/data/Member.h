@@ -60,17 +60,17 @@ public:
 
     /// The following accept null and then give 0, null, 4294967295 or `kInvalidType`.
 
-    static unsigned int length(const Member* member);
+    static unsigned int length(const Member* member) { return member ? member->mDimension : 0; }
 
     /// Borrowed from the member.
-    static const char* name(const Member* member);
+    static const char* name(const Member* member) { return member ? member->mName.get() : nullptr; }
 
     /// In bytes from the start of the element's data block.
-    static unsigned long long offset(const Member* member);
+    static unsigned long long offset(const Member* member) { return member ? member->mOffset : kNoOffset; }
 
     /// The offset of the i-th value, 0 for null; `i` is not checked.
     static unsigned long long offset(const Member* member, unsigned int i);
-    static eDataType type(const Member* member);
+    static eDataType type(const Member* member) { return member ? member->mType : kInvalidType; }
 
     /// In bytes, of one value; 0 for the invalid type and for any number that is no type.
     static unsigned int typeSize(eDataType type);
@@ -90,6 +90,8 @@ public:
 
 private:
     friend class Structure; // fills the members that it owns
+
+    static constexpr unsigned long long kNoOffset = 0xFFFFFFFF;
 
     eDataType mType = kInvalidType;
     OwnedText mName; // or null

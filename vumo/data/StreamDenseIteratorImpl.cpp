@@ -2,12 +2,15 @@
 
 #include "vumo/data/StreamImplDense.h"
 
+#include <typeinfo>
+
 namespace vumo::Data
 {
 StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, IterLocation location)
     : mOwnHandle(std::make_unique<Handle>(stream.structure(), nullptr)),
       mStream(&stream),
-      mPosition(location == kIterBegin ? 0 : stream.elementCount())
+      mPosition(location == kIterBegin ? 0 : stream.elementCount()),
+      mIsPlain(typeid(stream) == typeid(StreamImplDense))
 {
     if (mPosition < stream.elementCount())
     {
@@ -20,23 +23,32 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamDenseIteratorImpl& 
     : StreamIteratorImpl(other),
       mOwnHandle(std::make_unique<Handle>(*other.mOwnHandle)),
       mStream(other.mStream),
-      mPosition(other.mPosition)
+      mPosition(other.mPosition),
+      mIsPlain(other.mIsPlain)
 {
     mHandle = other.mHandle ? mOwnHandle.get() : nullptr;
 }
 
 StreamDenseIteratorImpl::~StreamDenseIteratorImpl() = default;
 
+char* StreamDenseIteratorImpl::slot() const
+{
+    if (mIsPlain)
+        return mPosition < mStream->mCount ? mStream->slot(mPosition) : nullptr;
+    return mPosition < mStream->elementCount() ? mStream->elementAddr(Index(mPosition)) : nullptr;
+}
+
 void StreamDenseIteratorImpl::pointToSlot()
 {
-    char* const slot = mPosition < mStream->elementCount() ? mStream->elementAddr(Index(mPosition)) : nullptr;
-    mOwnHandle->pointToData(slot, false);
-    mInvalid = !slot;
+    char* const address = slot();
+    mOwnHandle->pointToData(address, false);
+    mInvalid = !address;
 }
 
 StreamIteratorImpl& StreamDenseIteratorImpl::operator++()
 {
-    if (mPosition < mStream->elementCount())
+    const unsigned int count = mIsPlain ? mStream->mCount : mStream->elementCount();
+    if (mPosition < count)
     {
         ++mPosition;
         pointToSlot();

@@ -27,11 +27,15 @@ public:
     const StreamImpl* myStream() const override;
 
 private:
+    /// The address of the current slot or null.
+    char* slot() const;
+
     /// Points the handle at the current slot; the iterator is invalid where the slot has no address.
     void pointToSlot();
 
     std::unique_ptr<Handle> mOwnHandle;
     const StreamImplDense* mStream; // borrowed
     unsigned int mPosition;
+    bool mIsPlain; // the stream is of no derived class, which could have slots of its own
 };
 } // namespace vumo::Data

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -121,7 +123,7 @@ bool StreamImplDense::setElement(Index index, const Handle& handle)
         return storeElement(i, handle);
     Handle kept(handle);
     kept.makeUnique(); // growing may move the element that the handle borrows
-    ensureSpaceForElement(index);
+    ensureSpaceForElement(std::move(index));
     return storeElement(i, kept);
 }
 
@@ -139,7 +141,8 @@ bool StreamImplDense::storeElement(unsigned int i, const Handle& handle)
 
 Handle StreamImplDense::element(Index index)
 {
-    return Handle(structure(), hasElement(index) ? slot(index.index()) : nullptr);
+    const unsigned int i = index.index();
+    return Handle(structure(), i < mCount ? slot(i) : nullptr);
 }
 
 bool StreamImplDense::hasElement(Index index) const
@@ -237,6 +240,14 @@ char* StreamImplDense::elementAddr(Index index) const
     return slot(index.index());
 }
 
+ElementView StreamImplDense::elementView() const
+{
+    char* const first = mCount > 0 ? slot(0) : nullptr;
+    if (!first || elementAddr(0) != first)
+        return ElementView();
+    return ElementView(structure(), first, mCount, mStride);
+}
+
 bool StreamImplDense::ensureSpaceForElement(Index index)
 {
     const unsigned int i = index.index();
@@ -260,13 +271,14 @@ bool StreamImplDense::reallocate(unsigned long long slots)
     if (slots == 0 || slots < mAllocated || slots > mostSlots)
         return false;
     const unsigned long long filled = mData ? mAllocated : 0;
-    char* const data = static_cast<char*>(std::realloc(mData, slots * mStride));
+    // Zero bits are the default of every type, and fresh memory that is wanted so need not be written.
+    char* const data = static_cast<char*>(mData ? std::realloc(mData, slots * mStride) : std::calloc(slots, mStride));
     if (!data)
         return false;
+    if (mData)
+        structure().fillWithDefaultChunks(data + filled * mStride, slots - filled);
     mData = data;
     mAllocated = static_cast<unsigned int>(slots);
-    for (unsigned long long i = filled; i < slots; ++i)
-        structure().fillWithDefaultChunk(mData + i * mStride);
     return true;
 }
 
@@ -278,33 +290,29 @@ void StreamImplDense::rememberLayout()
         mBlockMembers.push_back(*structure().member(i));
 }
 
-bool StreamImplDense::hasStaleBlock() const
+/// Says whether the block was made by the layout that the structure has now.
+bool StreamImplDense::fitsLayout() const
 {
-    if (!mData || mCount > 0)
-        return false;
-    if (mStride != structure().totalSize() || mBlockMembers.size() != structure().memberCount())
-        return true;
-    return !std::equal(mBlockMembers.begin(), mBlockMembers.end(), structure().member(0));
-}
-
-char* StreamImplDense::slot(unsigned int i) const
-{
-    return mData && i < physicalElementCount() ? mData + mStride * i : nullptr;
+    return mStride == structure().totalSize() && mBlockMembers.size() == structure().memberCount() &&
+           std::equal(mBlockMembers.begin(), mBlockMembers.end(), structure().member(0));
 }
 
 void StreamImplDense::copyBlock(const StreamImplDense& other)
 {
     mCount = other.mCount;
-    mAllocated = other.physicalElementCount();
+    mAllocated = other.hasStaleBlock() ? 0 : other.mAllocated;
     if (!other.mData || other.hasStaleBlock())
         return;
     mStride = other.mStride;
     mBlockMembers = other.mBlockMembers;
-    mData = static_cast<char*>(std::malloc(mStride * mAllocated));
-    if (!mData)
+    std::unique_ptr<char, FreeText> block(static_cast<char*>(std::malloc(mStride * mAllocated)));
+    if (!block)
         throw std::bad_alloc();
-    for (unsigned int i = 0; i < mAllocated; ++i)
-        structure().fillWithDuplicateChunk(slot(i), other.slot(i));
+    std::memcpy(block.get(), other.mData, mStride * mAllocated);
+    visitStrings(block.get(), [&](const Member& member, char* element) {
+        member.constructDuplicate(element, other.mData + (element - block.get()));
+    });
+    mData = block.release();
 }
 
 void StreamImplDense::swapBlock(StreamImplDense& other)
@@ -320,13 +328,20 @@ void StreamImplDense::releaseBlock()
 {
     if (!mData)
         return;
-    for (unsigned int i = 0; i < mAllocated; ++i)
-    {
-        for (const Member& member : mBlockMembers)
-            member.destroy(mData + i * mStride);
-    }
+    visitStrings(mData, [](const Member& member, char* element) { member.destroy(element); });
     std::free(mData);
     mData = nullptr;
+}
+
+/// Calls `visit` with each member that has strings and each element of a block of the size and layout of this one.
+template <class Visitor>
+void StreamImplDense::visitStrings(char* block, Visitor&& visit) const
+{
+    for (const Member& member : mBlockMembers)
+    {
+        for (unsigned int i = 0; Member::type(&member) == Member::kString && i < mAllocated; ++i)
+            visit(member, block + mStride * i);
+    }
 }
 
 bool StreamImplDense::Debug(const StreamImplDense* object, vumo::Debug::Print& request)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/data/ElementView.h"
 #include "vumo/data/StreamImpl.h"
 
 #include <vector>
@@ -69,6 +70,9 @@ public:
     /// growth that falls short of the index (it can, for elements of 4096 bytes and more) is kept.
     virtual bool ensureSpaceForElement(Index index);
 
+    /// The blocks of all elements. Empty without a block, and for a derived class that keeps elements elsewhere.
+    ElementView elementView() const;
+
     static bool Debug(const StreamImplDense* object, vumo::Debug::Print& request);
     static bool Debug(const StreamImplDense* object, vumo::Debug::Footprint& request);
 
@@ -80,13 +84,25 @@ public:
     bool debug(vumo::Debug::Footprint& request) const override { return Debug(this, request); }
 
 private:
-    bool hasStaleBlock() const;
+    friend class StreamDenseIteratorImpl;
+
+    bool hasStaleBlock() const { return mData && mCount == 0 && !fitsLayout(); }
+    bool fitsLayout() const;
     void rememberLayout();
-    char* slot(unsigned int i) const;
+
+    /// The address of that slot or null.
+    char* slot(unsigned int i) const
+    {
+        return i < mAllocated && mData && !hasStaleBlock() ? mData + mStride * i : nullptr;
+    }
+
     bool reallocate(unsigned long long slots);
     bool resetElement(unsigned int i);
     bool storeElement(unsigned int i, const Handle& handle);
     void copyBlock(const StreamImplDense& other);
+
+    template <class Visitor>
+    void visitStrings(char* block, Visitor&& visit) const;
     void swapBlock(StreamImplDense& other);
     void releaseBlock();
 

@@ -6,7 +6,6 @@
 #include "vumo/foundation/Print.h"
 
 #include <iterator>
-#include <memory>
 #include <tuple>
 #include <utility>
 
@@ -42,8 +41,6 @@ StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
       mLowestValidIndex(other.mLowestValidIndex),
       mHighestValidIndex(other.mHighestValidIndex)
 {
-    for (auto& entry : mElements)
-        entry.second.makeUnique();
     ++_objectsCreated;
     ++_objectsAlive;
 }
@@ -52,11 +49,9 @@ StreamImplMapped& StreamImplMapped::operator=(const StreamImplMapped& other)
 {
     if (this == &other)
         return *this;
-    std::map<Index, Handle> elements(other.mElements);
-    for (auto& entry : elements)
-        entry.second.makeUnique();
+    StreamImplMapped copy(other);
     StreamImpl::operator=(other);
-    mElements.swap(elements);
+    mElements.swap(copy.mElements);
     mLowestValidIndex = other.mLowestValidIndex;
     mHighestValidIndex = other.mHighestValidIndex;
     return *this;
@@ -101,9 +96,9 @@ bool StreamImplMapped::setElement(Index index, const Handle& handle)
 {
     if (!handle.usesStructure(structure()) || (!handle.hasData() && structure().totalSize() > 0))
         return false;
-    Handle stored(handle); // copied before the element it may borrow from is released
-    stored.makeUnique();
-    slot(std::move(index)).swap(stored);
+    char* const block = structure().duplicateChunk(handle.data()); // before the element it may borrow from is released
+    const unsigned int position = handle.memberIndex();
+    storeBlock(std::move(index), block).setPositionByMemberIndex(position);
     return true;
 }
 
@@ -162,16 +157,42 @@ bool StreamImplMapped::clear()
 
 char* StreamImplMapped::newElement(Index&& index)
 {
-    std::unique_ptr<char[]> block(structure().allocateDefaultChunk()); // before there is an entry without one
-    Handle& stored = slot(std::move(index));
-    stored.pointToData(block.get(), true);
-    return block.release();
+    Handle& stored = storeBlock(std::move(index), structure().allocateDefaultChunk());
+    stored.setPositionByMemberIndex(0);
+    return stored.data();
+}
+
+char* StreamImplMapped::elementBlock(const Index& index) const
+{
+    const auto found = isBeyondLast(index) ? mElements.end() : mElements.find(index);
+    return found == mElements.end() ? nullptr : found->second.data();
+}
+
+bool StreamImplMapped::isBeyondLast(const Index& index) const
+{
+    return mElements.empty() || std::prev(mElements.end())->first < index;
+}
+
+Handle& StreamImplMapped::storeBlock(Index&& index, char* block)
+{
+    try
+    {
+        Handle& stored = slot(std::move(index));
+        stored.pointToData(block, true);
+        return stored;
+    }
+    catch (...)
+    {
+        if (block)
+            structure().destroyChunk(block);
+        delete[] block;
+        throw;
+    }
 }
 
 Handle& StreamImplMapped::slot(Index&& index)
 {
-    const bool isBeyond = mElements.empty() || std::prev(mElements.end())->first < index;
-    if (isBeyond)
+    if (isBeyondLast(index))
         return mElements
             .emplace_hint(mElements.end(), std::piecewise_construct, std::forward_as_tuple(std::move(index)),
                           std::forward_as_tuple(structure(), nullptr))

@@ -53,6 +53,9 @@ public:
     /// element is removed or replaced. Indices in ascending order are added without a search.
     char* newElement(Index&& index);
 
+    /// The block of the element at that index; null where there is none, and for a structure of size 0.
+    char* elementBlock(const Index& index) const;
+
     static bool Debug(const StreamImplMapped* object, vumo::Debug::Print& request);
     static bool Debug(const StreamImplMapped* object, vumo::Debug::Footprint& request);
 
@@ -66,13 +69,31 @@ public:
 private:
     friend class StreamMappedIteratorImpl;
 
+    /// Owns its block, and so does a copy, which makes a copied map one of independent elements.
+    class Element : public Handle
+    {
+    public:
+        using Handle::Handle;
+        Element(const Element& other) : Handle(other) { makeUnique(); }
+        Element& operator=(const Element&) = delete;
+        ~Element() = default;
+    };
+
+    using Elements = std::map<Index, Element>;
+
+    /// Says whether no element comes at or after that index.
+    bool isBeyondLast(const Index& index) const;
+
+    /// Puts the block at that index, in place of the one that may be there; owns it whatever happens.
+    Handle& storeBlock(Index&& index, char* block);
+
     /// The entry of that index, made without data if there was none.
     Handle& slot(Index&& index);
 
     /// A handle on the present structure, without data.
     Handle& structureHandle();
 
-    std::map<Index, Handle> mElements; // each handle owns its block
+    Elements mElements;
     Handle mStructureHandle;
     Index mLowestValidIndex = 0U;
     Index mHighestValidIndex = 0U;

@@ -24,17 +24,14 @@ StreamIterator& StreamIterator::operator=(const StreamIterator& other)
 
 StreamIterator::~StreamIterator() = default;
 
-StreamIteratorImpl* StreamIterator::impl()
+void StreamIterator::throwWithoutImpl()
 {
-    if (!mImpl)
-        throw std::runtime_error(kNoImpl);
-    return mImpl.get();
+    throw std::runtime_error(kNoImpl);
 }
 
 const StreamIteratorImpl* StreamIterator::impl() const
 {
-    if (!mImpl)
-        throw std::runtime_error(kNoImpl);
+    requireImpl();
     return mImpl.get();
 }
 
@@ -45,45 +42,14 @@ const StreamIteratorImpl& StreamIterator::constImpl() const
     return *mImpl;
 }
 
-Handle& StreamIterator::operator*()
-{
-    return **impl();
-}
-
-const Handle& StreamIterator::operator*() const
-{
-    return *constImpl();
-}
-
-Handle* StreamIterator::operator->()
-{
-    return &**this;
-}
-
-const Handle* StreamIterator::operator->() const
-{
-    return &**this;
-}
-
 Index StreamIterator::index() const
 {
     return constImpl().index();
 }
 
-StreamIterator& StreamIterator::operator++()
-{
-    ++*impl();
-    return *this;
-}
-
 StreamIterator StreamIterator::operator++(int)
 {
     return StreamIterator((*impl())++);
-}
-
-bool StreamIterator::valid() const
-{
-    return mImpl && mImpl->valid();
 }
 
 bool StreamIterator::operator==(const StreamIterator& other) const

@@ -25,28 +25,44 @@ public:
 
     /// The handle on the current element; valid until the iterator moves. Throws `std::out_of_range`
     /// where there is none.
-    Handle& operator*();
-    const Handle& operator*() const;
-    Handle* operator->();
-    const Handle* operator->() const;
+    Handle& operator*() { return mImpl && mImpl->mHandle ? *mImpl->mHandle : **impl(); }
+    const Handle& operator*() const { return mImpl && mImpl->mHandle ? *mImpl->mHandle : *constImpl(); }
+    Handle* operator->() { return &**this; }
+    const Handle* operator->() const { return &**this; }
 
     Index index() const;
 
-    StreamIterator& operator++();
+    StreamIterator& operator++()
+    {
+        ++*impl();
+        return *this;
+    }
 
     /// Steps on and returns an iterator at the position before.
     StreamIterator operator++(int);
 
-    bool valid() const;
+    bool valid() const { return mImpl && (!mImpl->mInvalid || mImpl->valid()); }
 
     /// Borrowed from the iterator. Throws `std::runtime_error` when there is none.
-    StreamIteratorImpl* impl();
+    StreamIteratorImpl* impl()
+    {
+        requireImpl();
+        return mImpl.get();
+    }
+
     const StreamIteratorImpl* impl() const;
 
     bool operator==(const StreamIterator& other) const;
     bool operator!=(const StreamIterator& other) const { return !(*this == other); }
 
 private:
+    void requireImpl() const
+    {
+        if (!mImpl)
+            throwWithoutImpl();
+    }
+
+    [[noreturn]] static void throwWithoutImpl();
     const StreamIteratorImpl& constImpl() const;
 
     std::unique_ptr<StreamIteratorImpl> mImpl;

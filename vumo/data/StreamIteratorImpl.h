@@ -46,6 +46,9 @@ protected:
     StreamIteratorImpl(const StreamIteratorImpl&) = default;
     StreamIteratorImpl& operator=(const StreamIteratorImpl&) = delete;
 
+    // `StreamIterator` reads these before it asks: where there is a handle, it is what the dereference operations
+    // give, and where it is not invalid, valid() is true. A class with another opinion leaves them as they are.
+    friend class StreamIterator;
     Handle* mHandle = nullptr; // borrowed; null: no current handle
     bool mInvalid = true;
 };

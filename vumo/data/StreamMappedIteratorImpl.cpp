@@ -1,7 +1,5 @@
 #include "vumo/data/StreamMappedIteratorImpl.h"
 
-#include "vumo/data/StreamImplMapped.h"
-
 namespace vumo::Data
 {
 // What a const storage gives out differs from the rest only in what its user may do with it.

@@ -2,14 +2,11 @@
 
 #include "vumo/data/Handle.h"
 #include "vumo/data/IterLocation.h"
+#include "vumo/data/StreamImplMapped.h"
 #include "vumo/data/StreamIteratorImpl.h"
-
-#include <map>
 
 namespace vumo::Data
 {
-class StreamImplMapped;
-
 /// Walks a mapped storage in index order. Removing the element at its position invalidates it.
 class VUMO_EXPORT StreamMappedIteratorImpl : public StreamIteratorImpl
 {
@@ -25,6 +22,6 @@ public:
 
 private:
     StreamImplMapped* mStream; // borrowed
-    std::map<Index, Handle>::iterator mPosition;
+    StreamImplMapped::Elements::iterator mPosition;
 };
 } // namespace vumo::Data

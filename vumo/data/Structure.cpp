@@ -173,6 +173,7 @@ Structure::~Structure()
     mMembers.reset();
     mTotalSize = 0;
     mMemberCount = 0;
+    mStringsEnd = 0;
 }
 
 bool Structure::operator==(const Structure& other) const
@@ -253,11 +254,6 @@ void Structure::appendMembers(const std::vector<const NewMember*>& accepted)
     computeLayout();
 }
 
-const Member* Structure::member(unsigned int index) const
-{
-    return index < mMemberCount ? &mMembers[index] : nullptr;
-}
-
 StructureIterator Structure::begin() const
 {
     return StructureIterator(*this, kIterBegin);
@@ -268,38 +264,26 @@ StructureIterator Structure::end() const
     return StructureIterator(*this, kIterEnd);
 }
 
-void Structure::refFromIterator() const
-{
-    if (!mBeingDestroyed)
-        ref();
-}
-
-void Structure::unrefFromIterator() const
-{
-    if (!mBeingDestroyed)
-        unref();
-}
-
 /// Gives each member that has no offset yet the next aligned one; those that have one keep it.
 void Structure::computeLayout() const
 {
     unsigned long long end = 0;
+    mFirstString = mMemberCount;
+    mStringsEnd = 0;
     for (unsigned int i = 0; i < mMemberCount; ++i)
     {
         Member& member = mMembers[i];
+        if (member.mType == Member::kString)
+        {
+            mFirstString = std::min(mFirstString, i);
+            mStringsEnd = i + 1;
+        }
         if (member.mOffset == kUnplaced)
             member.mOffset = roundUp(end, Member::typeAlignment(member.mType));
         end = member.mOffset + static_cast<unsigned long long>(Member::typeSize(member.mType)) * member.mDimension;
     }
     // The first member decides, not the largest alignment: files written with one rule must read with it.
     mTotalSize = empty() ? 0 : roundUp(end, Member::typeAlignment(mMembers[0].mType));
-}
-
-unsigned long long Structure::totalSize() const
-{
-    if (mTotalSize == 0)
-        computeLayout();
-    return mTotalSize;
 }
 
 void Structure::dropDefaultData()
@@ -319,13 +303,10 @@ const char* Structure::defaultData() const
     return mDefaultData.get();
 }
 
-void Structure::fillWithDefaultChunk(char* data) const
+void Structure::fillWithDefaultChunks(char* data, unsigned long long count) const
 {
-    if (totalSize() == 0)
-        return;
-    std::memset(data, 0, totalSize());
-    for (unsigned int i = 0; i < mMemberCount; ++i)
-        mMembers[i].fillWithDefault(data);
+    if (totalSize() > 0 && count > 0)
+        std::memset(data, 0, totalSize() * count); // zero bits are the default of every type
 }
 
 char* Structure::allocateDefaultChunk() const
@@ -347,9 +328,15 @@ void Structure::fillWithDuplicateChunk(char* dest, const char* src) const
     if (totalSize() == 0)
         return;
     std::memcpy(dest, src, totalSize());
+    if (hasStrings())
+        duplicateStrings(dest, src);
+}
+
+void Structure::duplicateStrings(char* dest, const char* src) const
+{
     try
     {
-        for (unsigned int i = 0; i < mMemberCount; ++i)
+        for (unsigned int i = mFirstString; i < mStringsEnd; ++i)
             mMembers[i].constructDuplicate(dest, src);
     }
     catch (...)
@@ -359,9 +346,9 @@ void Structure::fillWithDuplicateChunk(char* dest, const char* src) const
     }
 }
 
-void Structure::destroyChunk(char* data) const
+void Structure::destroyStrings(char* data) const
 {
-    for (unsigned int i = 0; i < mMemberCount; ++i)
+    for (unsigned int i = mFirstString; i < mStringsEnd; ++i)
         mMembers[i].destroy(data);
 }
 

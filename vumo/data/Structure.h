@@ -80,7 +80,7 @@ public:
 
     /// The member at that position or null; borrowed until a member is added. Unlike an iterator it does
     /// not hold the structure.
-    const Member* member(unsigned int index) const;
+    const Member* member(unsigned int index) const { return index < mMemberCount ? &mMembers[index] : nullptr; }
 
     StructureIterator begin() const;
     StructureIterator end() const;
@@ -89,7 +89,12 @@ public:
 
     /// The size of an element's data block in bytes: the end of the last member, rounded up to the
     /// alignment of the first one's type.
-    unsigned long long totalSize() const;
+    unsigned long long totalSize() const
+    {
+        if (mTotalSize == 0)
+            computeLayout();
+        return mTotalSize;
+    }
 
     /// The following make and treat element data blocks: totalSize() bytes each, from array new.
 
@@ -99,7 +104,10 @@ public:
 
     /// Sets all values of a block to their defaults, and the bytes between them to zero. What was there
     /// is not released.
-    void fillWithDefaultChunk(char* data) const;
+    void fillWithDefaultChunk(char* data) const { fillWithDefaultChunks(data, 1); }
+
+    /// The same for `count` blocks that follow each other.
+    void fillWithDefaultChunks(char* data, unsigned long long count) const;
 
     /// A new block of default values, owned by the caller; null for a structure of size 0.
     char* allocateDefaultChunk() const;
@@ -111,7 +119,11 @@ public:
     void fillWithDuplicateChunk(char* dest, const char* src) const;
 
     /// Frees what the values own; the block itself stays the caller's to free.
-    void destroyChunk(char* data) const;
+    void destroyChunk(char* data) const
+    {
+        if (hasStrings())
+            destroyStrings(data);
+    }
 
     bool chunkIsDefault(const char* data) const;
 
@@ -139,10 +151,25 @@ public:
     static unsigned long long _objectsAlive;
 
 private:
+    // Hold a structure by the following two, which leave it alone while it is being destroyed.
+    friend class Handle;
     friend class StructureIterator;
 
-    void refFromIterator() const;
-    void unrefFromIterator() const;
+    void refFromIterator() const
+    {
+        if (!mBeingDestroyed)
+            ref();
+    }
+
+    void unrefFromIterator() const
+    {
+        if (!mBeingDestroyed)
+            unref();
+    }
+
+    bool hasStrings() const { return mFirstString < mStringsEnd; }
+    void duplicateStrings(char* dest, const char* src) const;
+    void destroyStrings(char* data) const;
 
     const Member* findMember(const char* name) const;
     void appendMembers(const std::vector<const NewMember*>& accepted);
@@ -154,6 +181,10 @@ private:
     OwnedText mName;                              // never null
     mutable unsigned long long mTotalSize = 0;    // 0: not yet computed
     unsigned int mMemberCount = 0;
+
+    // All string members lie among those from mFirstString to mStringsEnd - 1. Known with the layout.
+    mutable unsigned int mFirstString = 0;
+    mutable unsigned int mStringsEnd = 0;
     bool mBeingDestroyed = false;
 };
 } // namespace vumo::Data

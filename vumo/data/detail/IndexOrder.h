@@ -6,12 +6,21 @@
 
 namespace vumo::Data::detail
 {
+/// Says whether both are of exactly the class T, so that no derived class can have another opinion.
+template <class T>
+bool areExactly(const T& left, const IndexType& right)
+{
+    return typeid(right) == typeid(T) && typeid(left) == typeid(T);
+}
+
 /// Compares `left` with a value of any index type: by `compare` where both are a T, and by the order of
 /// their classes where they are not.
 template <class T, class Compare>
 bool compareIndexTypes(const T& left, const IndexType& right, Compare compare, bool whenClassPrecedes,
                        bool whenClassFollows)
 {
+    if (typeid(left) == typeid(right))
+        return compare(left, static_cast<const T&>(right));
     if (const T* const same = dynamic_cast<const T*>(&right))
         return compare(left, *same);
     return typeid(left).before(typeid(right)) ? whenClassPrecedes : whenClassFollows;
