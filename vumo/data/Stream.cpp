@@ -8,6 +8,7 @@
 #include "vumo/foundation/Print.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace vumo::Data
 {
@@ -70,37 +71,37 @@ unsigned int Stream::elementCount() const
 
 bool Stream::setElement(Index index, const Handle& handle)
 {
-    return mImpl->setElement(index, handle);
+    return mImpl->setElement(std::move(index), handle);
 }
 
 Handle Stream::element(Index index) const
 {
-    return mImpl->element(index);
+    return mImpl->element(std::move(index));
 }
 
 bool Stream::hasElement(Index index) const
 {
-    return mImpl->hasElement(index);
+    return mImpl->hasElement(std::move(index));
 }
 
 bool Stream::removeElement(Index index)
 {
-    return mImpl->removeElement(index);
+    return mImpl->removeElement(std::move(index));
 }
 
 bool Stream::reindexElement(Index from, Index to)
 {
-    return mImpl->reindexElement(from, to);
+    return mImpl->reindexElement(std::move(from), std::move(to));
 }
 
 bool Stream::swapElements(Index a, Index b)
 {
-    return mImpl->swapElements(a, b);
+    return mImpl->swapElements(std::move(a), std::move(b));
 }
 
 bool Stream::setElementRange(Index first, Index last)
 {
-    return mImpl->setElementRange(first, last);
+    return mImpl->setElementRange(std::move(first), std::move(last));
 }
 
 bool Stream::clear()
@@ -116,6 +117,101 @@ StreamIterator Stream::begin() const
 StreamIterator Stream::end() const
 {
     return StreamIterator(mImpl->end());
+}
+
+ElementView Stream::elementView() const
+{
+    const auto* const dense = dynamic_cast<const StreamImplDense*>(mImpl.get());
+    return dense ? dense->elementView() : ElementView();
+}
+
+unsigned int Stream::setElements(const unsigned int* indices, const ElementView& elements)
+{
+    if (elements.empty())
+        return 0;
+    Handle handle(*elements.structure(), nullptr);
+    for (unsigned int i = 0; i < elements.size(); ++i)
+    {
+        handle.pointToData(elements[i], false);
+        if (!mImpl->setElement(indices[i], handle))
+            return i;
+    }
+    return elements.size();
+}
+
+unsigned int Stream::getElements(const unsigned int* indices, const ElementView& elements) const
+{
+    if (elements.structure() != &structure())
+        return 0;
+    unsigned int found = 0;
+    const std::vector<char*> sources = elementBlocks(indices, elements.size());
+    for (unsigned int i = 0; i < elements.size(); ++i)
+    {
+        char* const dest = elements[i];
+        const char* const source = sources[i];
+        found += source ? 1 : 0;
+        if (source == dest)
+            continue;
+        structure().destroyChunk(dest);
+        if (source)
+            structure().fillWithDuplicateChunk(dest, source);
+        else
+            structure().fillWithDefaultChunk(dest);
+    }
+    return found;
+}
+
+std::vector<unsigned int> Stream::numericIndices() const
+{
+    std::vector<unsigned int> indices;
+    indices.reserve(elementCount());
+    for (StreamIterator position = begin(); position.valid(); ++position)
+    {
+        Index index = position.index();
+        if (!static_cast<IndexType*>(index))
+            indices.push_back(index.index());
+    }
+    return indices;
+}
+
+const Member* Stream::findMember(const char* name, Member::eDataType type, Member::eDataType matrixType) const
+{
+    Handle handle(structure(), nullptr);
+    const bool isFound = handle.setPositionByMemberName(name);
+    const Member* const member = isFound ? structure().member(handle.memberIndex()) : nullptr;
+    const Member::eDataType present = Member::type(member);
+    const bool fits = present < Member::kInvalidType && (present == type || present == matrixType);
+    return fits ? member : nullptr;
+}
+
+unsigned int Stream::valueCount(const Member& member)
+{
+    constexpr unsigned int kMatrixEntries = 16;
+    const bool isMatrix =
+        Member::type(&member) == Member::kDoubleMatrix4x4 || Member::type(&member) == Member::kFloatMatrix4x4;
+    return Member::length(&member) * (isMatrix ? kMatrixEntries : 1);
+}
+
+std::vector<char*> Stream::elementBlocks(const unsigned int* indices, unsigned int count) const
+{
+    std::vector<char*> blocks(count);
+    const auto* const mapped = dynamic_cast<const StreamImplMapped*>(mImpl.get());
+    for (unsigned int i = 0; i < count; ++i)
+        blocks[i] = mapped ? mapped->elementBlock(indices[i]) : mImpl->element(indices[i]).data();
+    return blocks;
+}
+
+void Stream::createMissingElements(const unsigned int* indices, unsigned int count)
+{
+    auto* const mapped = dynamic_cast<StreamImplMapped*>(mImpl.get());
+    const Handle defaults(structure());
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        if (mapped && !mapped->elementBlock(indices[i]))
+            mapped->newElement(indices[i]);
+        else if (!mapped && !mImpl->hasElement(indices[i]))
+            mImpl->setElement(indices[i], defaults);
+    }
 }
 
 const std::string& Stream::name() const

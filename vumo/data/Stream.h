@@ -1,7 +1,9 @@
 #pragma once
 
+#include "vumo/data/ElementView.h"
 #include "vumo/data/Handle.h"
 #include "vumo/data/Index.h"
+#include "vumo/data/MemberView.h"
 #include "vumo/data/StreamImpl.h"
 #include "vumo/data/StreamIterator.h"
 #include "vumo/data/Structure.h"
@@ -9,7 +11,10 @@
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Ref.h"
 
+#include <algorithm>
 #include <string>
+#include <type_traits>
+#include <vector>
 
 namespace vumo::Data
 {
@@ -66,6 +71,40 @@ public:
     StreamIterator cbegin() const { return begin(); }
     StreamIterator cend() const { return end(); }
 
+    /// All elements of a dense stream at once: their blocks, or the values of one member. T is the type of a value,
+    /// `const` to read only; see `MemberView`. Empty in mapped storage, without elements, and where no member has the
+    /// name and type.
+    ElementView elementView() const;
+
+    template <class T>
+    MemberView<T> memberView(const char* memberName) const;
+
+    /// Several elements at numbers, in one call: `indices` are as many as `elements`.
+    ///
+    /// setElements() stores a copy of each block, as setElement() does one after the other, and returns how many it
+    /// stored; it ends at the first that is refused. The blocks must not be this stream's.
+    unsigned int setElements(const unsigned int* indices, const ElementView& elements);
+
+    /// Copies each element over the block at its place, which gets default values where there is none; returns how
+    /// many elements there were. None, with nothing copied, when the blocks are of another structure.
+    unsigned int getElements(const unsigned int* indices, const ElementView& elements) const;
+
+    /// One member's values of several elements, one element's after the other's. `T` is the type of a value, that of
+    /// a string `const char*`; nothing happens where no member has the name and type.
+    ///
+    /// setMemberValues() makes the elements that are missing, with default values in their other members, copies
+    /// strings and returns how many elements it wrote to. getMemberValues() lends strings, gives default values where
+    /// there is no element, and returns how many elements there were.
+    template <class T>
+    unsigned int setMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
+                                 const T* values);
+    template <class T>
+    unsigned int getMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
+                                 T* values) const;
+
+    /// The numbers at which there are elements, in ascending order.
+    std::vector<unsigned int> numericIndices() const;
+
     const std::string& name() const;
 
     /// Referenced by the stream.
@@ -112,6 +151,80 @@ public:
 private:
     friend class ChannelImpl; // renames the streams that it holds
 
+    /// The member of that name and one of the types, or null.
+    const Member* findMember(const char* name, Member::eDataType type, Member::eDataType matrixType) const;
+
+    template <class T>
+    const Member* findMember(const char* name) const
+    {
+        using Types = MemberTypes<std::remove_const_t<T>>;
+        return findMember(name, Types::kValue, Types::kMatrix);
+    }
+
+    /// How many scalars of a member an element has.
+    static unsigned int valueCount(const Member& member);
+
+    /// The blocks of these elements, null where there is none.
+    std::vector<char*> elementBlocks(const unsigned int* indices, unsigned int count) const;
+    void createMissingElements(const unsigned int* indices, unsigned int count);
+
     Ref<StreamImpl> mImpl; // never null
 };
+
+template <class T>
+MemberView<T> Stream::memberView(const char* memberName) const
+{
+    const ElementView elements = elementView();
+    const Member* const member = findMember<T>(memberName);
+    if (!member || elements.empty())
+        return MemberView<T>();
+    return MemberView<T>(elements.data() + Member::offset(member), elements.stride(), valueCount(*member),
+                         elements.size());
+}
+
+template <class T>
+unsigned int Stream::setMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
+                                     const T* values)
+{
+    using Writable = std::conditional_t<std::is_same_v<T, const char*>, char*, T>;
+    const Member* const member = findMember<T>(memberName);
+    if (!member)
+        return 0;
+    createMissingElements(indices, count);
+    unsigned int written = 0;
+    for (char* const block : elementBlocks(indices, count))
+    {
+        if (block)
+        {
+            typename MemberView<Writable>::Values(block + Member::offset(member), valueCount(*member)).set(values);
+            ++written;
+        }
+        values += valueCount(*member);
+    }
+    return written;
+}
+
+template <class T>
+unsigned int Stream::getMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
+                                     T* values) const
+{
+    const Member* const member = findMember<T>(memberName);
+    if (!member)
+        return 0;
+    unsigned int found = 0;
+    for (char* const block : elementBlocks(indices, count))
+    {
+        if (block)
+        {
+            typename MemberView<T>::Values(block + Member::offset(member), valueCount(*member)).get(values);
+            ++found;
+        }
+        else
+        {
+            std::fill_n(values, valueCount(*member), T());
+        }
+        values += valueCount(*member);
+    }
+    return found;
+}
 } // namespace vumo::Data
