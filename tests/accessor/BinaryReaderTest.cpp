@@ -172,6 +172,24 @@ TEST_F(BinaryReaderTest, Read_ToleratesAMissingFinalZeroAndStructuresDeclaredAga
     mAccessor.clear();
 }
 
+TEST_F(BinaryReaderTest, Read_SkipsLargeChunksOfTheHostWithoutReadingThem)
+{
+    // Metadata in front of them, between them and behind them, of which one does not fit into what is read at once.
+    const std::string large(5 << 20, 'x');
+    const std::string host = chunk("HOST", large + large + large);
+    const std::string trailer = structureChunk(kWeight) + host + nodeChunk("Body", weightText("1")) +
+                                nodeChunk("Large", weightText("2") + large) + host + nodeChunk("Head", weightText("3"));
+    const std::set<std::string> names = {"Body", "Large", "Head"};
+    mFile.setBytes(sceneWith(trailer));
+    const std::uint64_t before = bytesReadByProcess();
+    ASSERT_TRUE(mAccessor.read(mFile.name(), nullptr, &names, mErrors)) << mErrors;
+    EXPECT_LT(bytesReadByProcess() - before, 3 * large.size());
+    EXPECT_EQ(weightOf("Body"), "1");
+    EXPECT_EQ(weightOf("Large"), "2");
+    EXPECT_EQ(weightOf("Head"), "3");
+    mAccessor.clear();
+}
+
 TEST_F(BinaryReaderTest, Read_TakesOfOneNameTheLastAssociations)
 {
     const std::string node = nodeChunk("Body", weightText("1"));

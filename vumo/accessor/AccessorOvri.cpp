@@ -1,38 +1,12 @@
 #include "vumo/accessor/AccessorOvri.h"
 
-#include "vumo/serialize/AssociationsSerializer.h"
-#include "vumo/serialize/StructureSerializer.h"
+#include "vumo/accessor/detail/MetadataText.h"
 
 #include <sys/types.h>
 #include <unistd.h>
 
-#include <memory>
-#include <sstream>
-#include <utility>
-
 namespace vumo::Data
 {
-namespace
-{
-/// The object that `text` describes in the format of that name; null, with the reason appended to `errors`.
-template <class Serializer>
-auto deserialize(const std::string& format, const std::string& text, std::string& errors)
-    -> decltype(Serializer::formatByName(format)->read(std::declval<std::istream&>(), errors))
-{
-    const Serializer* serializer = Serializer::formatByName(format);
-    if (!serializer)
-    {
-        errors += "Could not find serializer for format " + format;
-        return nullptr;
-    }
-    std::istringstream in(text);
-    std::string ownErrors; // a serializer may clear the text that it is given
-    auto* object = serializer->read(in, ownErrors);
-    errors += ownErrors;
-    return object;
-}
-} // namespace
-
 const std::string& AccessorOvri::Ascii::getHeaderPrefix()
 {
     static const std::string theWord = "//Ovri ASCII";
@@ -168,16 +142,12 @@ bool AccessorOvri::truncateFile(const std::string& fileName, std::uint64_t lengt
 const Structure* AccessorOvri::deserializeStructure(const std::string& format, const std::string& text,
                                                     std::string& errors)
 {
-    return deserialize<StructureSerializer>(format, text, errors);
+    return detail::deserializeStructure(format, text, errors);
 }
 
 bool AccessorOvri::deserializeAssociations(const std::string& format, const std::string& text, Associations& result,
                                            std::string& errors)
 {
-    const std::unique_ptr<Associations> associations(deserialize<AssociationsSerializer>(format, text, errors));
-    if (!associations)
-        return false;
-    result = *associations;
-    return true;
+    return detail::deserializeAssociations(format, text, result, errors);
 }
 } // namespace vumo::Data

@@ -4,12 +4,14 @@
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
+#include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/NameFilter.h"
 #include "vumo/accessor/detail/TextConversion.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/Ref.h"
 
 #include <limits>
+#include <string_view>
 
 namespace vumo::Data
 {
@@ -67,31 +69,44 @@ bool readBackwardOffset(std::istream& in, std::uint64_t& offset, std::string& er
     return true;
 }
 
-/// Takes the text at `position` up to its zero byte, and moves behind that. False when there is none.
-bool takeText(const std::string& data, std::size_t& position, std::string& text)
+/// Takes the text in front of the first zero byte off the data, with that. False when there is none.
+bool takeText(std::string_view& data, std::string_view& text)
 {
-    const std::size_t end = data.find('\0', position);
-    if (end == std::string::npos)
+    const std::size_t end = data.find('\0');
+    if (end == std::string_view::npos)
         return false;
-    text.assign(data, position, end - position);
-    position = end + 1;
+    text = data.substr(0, end);
+    data.remove_prefix(end + 1);
     return true;
 }
 
-/// Takes the last text, from `position` to the end, less its zero byte, which may be missing. False when there
-/// is a zero byte before that: then the chunk holds more than its text, such as another chunk.
-bool takeLastText(const std::string& data, std::size_t position, std::string& text)
+/// Takes all data as the last text, less its zero byte, which may be missing. False when there is a zero byte before
+/// that: then the chunk holds more than its text, such as another chunk.
+bool takeLastText(std::string_view data, std::string_view& text)
 {
-    text.assign(data, position, std::string::npos);
-    if (!text.empty() && text.back() == '\0')
-        text.pop_back();
-    return text.find('\0') == std::string::npos;
+    if (!data.empty() && data.back() == '\0')
+        data.remove_suffix(1);
+    text = data;
+    return text.find('\0') == std::string_view::npos;
 }
 
-std::string fromUtf8(const std::string& text)
+/// A text of the file in the encoding of the locale.
+class LocaleText
 {
-    return convertString(text, eTextDirection::kFromUtf8);
-}
+public:
+    /// Borrows the text.
+    explicit LocaleText(std::string_view text) : mText(text)
+    {
+        if (convertString(text, eTextDirection::kFromUtf8, mConverted))
+            mText = mConverted;
+    }
+
+    std::string_view get() const { return mText; }
+
+private:
+    std::string_view mText;
+    std::string mConverted;
+};
 
 /// Reads the wanted chunks of one trailer.
 class TrailerReader
@@ -130,15 +145,13 @@ private:
 
     bool readStructure(ChunkCursor& chunks)
     {
-        std::string data;
-        std::string format;
-        std::string text;
-        std::size_t position = 0;
-        if (!chunks.readData(data) || !takeText(data, position, format) || !takeLastText(data, position, text))
+        std::string_view data;
+        std::string_view format;
+        std::string_view text;
+        if (!chunks.readData(data) || !takeText(data, format) || !takeLastText(data, text))
             return fail("Could not read data structure chunk.");
         // Nobody else knows the new structure yet; what is not registered is freed with the reference.
-        const Ref<Structure> structure(
-            const_cast<Structure*>(AccessorOvri::deserializeStructure(format, fromUtf8(text), mErrors)));
+        const Ref<Structure> structure(deserializeStructure(format, LocaleText(text).get(), mErrors));
         if (!structure)
             return false;
         return !mStructureFilter.accept(structure->name()) || registerStructure(*structure);
@@ -156,18 +169,17 @@ private:
 
     bool readAssociations(ChunkCursor& chunks)
     {
-        std::string data;
-        std::string name;
-        std::string format;
-        std::string text;
-        std::size_t position = 0;
-        if (!chunks.readData(data) || !takeText(data, position, name) || !takeText(data, position, format) ||
-            !takeLastText(data, position, text))
+        std::string_view data;
+        std::string_view nameText;
+        std::string_view format;
+        std::string_view text;
+        if (!chunks.readData(data) || !takeText(data, nameText) || !takeText(data, format) || !takeLastText(data, text))
             return fail("Could not read apply metadata chunk.");
+        const std::string name(nameText);
         if (!mAssociationFilter.accept(name))
             return true;
         Associations associations;
-        if (!AccessorOvri::deserializeAssociations(format, fromUtf8(text), associations, mErrors))
+        if (!deserializeAssociations(format, LocaleText(text).get(), associations, mErrors))
             return false;
         mAssociations[name] = associations;
         return true;

@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <fstream>
 #include <limits>
-#include <sstream>
+#include <string_view>
 #include <utility>
 
 namespace vumo::Data
@@ -26,25 +26,79 @@ using Binary = AccessorOvri::Binary;
 /// With longer trailers the offset from its end back to its start would not fit its 32 bits.
 constexpr std::uint64_t kLongestTrailer = std::numeric_limits<std::uint32_t>::max() - kHeaderSize - kBackwardOffsetSize;
 
-/// A text as it stands inside a chunk.
-std::string zeroTerminated(const std::string& text)
-{
-    return text + '\0';
-}
-
 bool failWith(std::string& errors, const std::string& message)
 {
     errors += message;
     return false;
 }
 
-bool writeChunk(std::ostream& out, const std::string& tag, const std::string& data)
+/// A chunk that is built at the end of a string.
+class ChunkBuilder
 {
-    std::string chunk = tag + std::string(kReservedSize, '\0');
-    appendBigEndian<std::uint64_t>(data.size(), chunk);
-    chunk += data;
-    chunk.append(paddingOf(data.size()), '\0');
-    return out.write(chunk.data(), static_cast<std::streamsize>(chunk.size())).good();
+public:
+    /// Appends the header. Borrows the string.
+    ChunkBuilder(const std::string& tag, std::string& bytes) : mBytes(bytes), mSizePosition(bytes.size() + kSizeOffset)
+    {
+        mBytes += tag;
+        mBytes.append(kHeaderSize - kTagSize, '\0');
+    }
+
+    void appendZeroTerminated(const std::string& text) { mBytes.append(text.c_str(), text.size() + 1); }
+
+    /// Sets the size, now that the data stand behind the header, and appends the padding.
+    void end()
+    {
+        const std::uint64_t size = mBytes.size() - mSizePosition - (kHeaderSize - kSizeOffset);
+        const std::string number = bigEndian(size);
+        mBytes.replace(mSizePosition, number.size(), number).append(paddingOf(size), '\0');
+    }
+
+    /// Turns what stands behind `begin` into UTF-8, and ends the data with its zero byte.
+    void endWithText(std::size_t begin)
+    {
+        std::string converted;
+        if (convertString(std::string_view(mBytes).substr(begin), eTextDirection::kToUtf8, converted))
+            mBytes.replace(begin, std::string::npos, converted);
+        mBytes += '\0';
+        end();
+    }
+
+private:
+    std::string& mBytes;
+    const std::size_t mSizePosition;
+};
+
+bool appendStructureChunk(const Structure& structure, std::string& out)
+{
+    ChunkBuilder chunk(Binary::getMetaDataStructureChunkName(), out);
+    chunk.appendZeroTerminated(kFormatWritten);
+    const std::size_t text = out.size();
+    if (!serializeStructure(structure, out))
+        return false;
+    chunk.endWithText(text);
+    return true;
+}
+
+bool appendAssociationsChunk(const std::string& tag, const std::string& name, const Associations& associations,
+                             std::string& out, std::string& errors)
+{
+    if (associations.empty())
+        return true;
+    if (name.find('\0') != std::string::npos) // it would end there when read back
+        return false;
+    ChunkBuilder chunk(tag, out);
+    chunk.appendZeroTerminated(name);
+    chunk.appendZeroTerminated(kFormatWritten);
+    const std::size_t text = out.size();
+    if (!serializeAssociations(associations, out, errors))
+        return false;
+    chunk.endWithText(text);
+    return true;
+}
+
+bool writeBytes(std::ostream& out, const std::string& bytes)
+{
+    return out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())).good();
 }
 
 /// The scene's trailer as it stands in a file; positions in bytes from the start of the file.
@@ -94,28 +148,21 @@ bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
     return true;
 }
 
-/// The chunks of an old trailer that are to stay, as they stand in the file.
-struct KeptChunks
-{
-    std::string mBefore; // the old metadata
-    std::string mAfter;
-};
-
-/// Copies all chunks but the old metadata. That begins with the first structure; behind it the host may have
-/// put chunks of its own, and even those between two runs of metadata stay.
-bool readKeptChunks(ChunkCursor& chunks, KeptChunks& kept, std::string& errors)
+/// Copies all chunks of the old trailer but the metadata. That begins with the first structure; behind it the host may
+/// have put chunks of its own, and even those between two runs of metadata stay.
+bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after, std::string& errors)
 {
     bool isBehindStructure = false;
     while (!chunks.atEnd())
     {
         if (!chunks.readHeader())
-            return failWith(errors, !isBehindStructure    ? "Error reading chunk header before metadata."
-                                    : kept.mAfter.empty() ? "Error skipping existing metadata chunks."
-                                                          : "Error skipping backward size chunk.");
+            return failWith(errors, !isBehindStructure ? "Error reading chunk header before metadata."
+                                    : after.empty()    ? "Error skipping existing metadata chunks."
+                                                       : "Error skipping backward size chunk.");
         const bool isStructure = chunks.header().mTag == Binary::getMetaDataStructureChunkName();
         const bool isMetadata =
             isStructure || (isBehindStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
-        if (!isMetadata && !chunks.appendChunk(isBehindStructure ? kept.mAfter : kept.mBefore))
+        if (!isMetadata && !chunks.appendChunk(isBehindStructure ? after : before))
             return failWith(errors, "Error reading chunk before metadata.");
         if (isMetadata && !chunks.skipData())
             return failWith(errors, isBehindStructure ? "Error skipping existing metadata chunks."
@@ -125,26 +172,25 @@ bool readKeptChunks(ChunkCursor& chunks, KeptChunks& kept, std::string& errors)
     return true;
 }
 
-bool writeNewMetadata(std::ostream& out, const Accessor::StructureSet& structures,
-                      const std::map<std::string, Associations>& associations, std::string& errors)
+bool appendNewMetadata(const Accessor::StructureSet& structures,
+                       const std::map<std::string, Associations>& associations, std::string& out, std::string& errors)
 {
     for (const Structure* structure : structures)
     {
-        if (!BinaryWriter::writeStructureChunk(out, *structure))
+        if (!appendStructureChunk(*structure, out))
             return failWith(errors, "Could not write structure chunk to in-memory trailer.");
     }
     const std::string& sceneName = AccessorOvri::getSceneAssociationsName();
     const auto scene = associations.find(sceneName);
     if (scene != associations.end() &&
         !(usesOnly(structures, scene->second, errors) &&
-          BinaryWriter::writeAssociationsChunk(out, Binary::getApplySceneMetaDataChunkName(), sceneName, scene->second,
-                                               &errors)))
+          appendAssociationsChunk(Binary::getApplySceneMetaDataChunkName(), sceneName, scene->second, out, errors)))
         return failWith(errors, "Could not write scene associations chunk to in-memory trailer.");
     for (auto node = associations.begin(); node != associations.end(); ++node)
     {
-        if (node != scene && !(usesOnly(structures, node->second, errors) &&
-                               BinaryWriter::writeAssociationsChunk(out, Binary::getApplyNodeMetaDataChunkName(),
-                                                                    node->first, node->second, &errors)))
+        if (node != scene &&
+            !(usesOnly(structures, node->second, errors) &&
+              appendAssociationsChunk(Binary::getApplyNodeMetaDataChunkName(), node->first, node->second, out, errors)))
             return failWith(errors, "Could not write node associations chunk to in-memory trailer.");
     }
     return true;
@@ -155,11 +201,11 @@ bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::Structur
                   const std::map<std::string, Associations>& associations, std::string& content, std::string& errors)
 {
     ChunkCursor chunks(in, old.length());
-    KeptChunks kept;
-    std::ostringstream metadata;
-    if (!readKeptChunks(chunks, kept, errors) || !writeNewMetadata(metadata, structures, associations, errors))
+    std::string after;
+    if (!readKeptChunks(chunks, content, after, errors) ||
+        !appendNewMetadata(structures, associations, content, errors))
         return false;
-    content = kept.mBefore + metadata.str() + kept.mAfter;
+    content += after;
     if (content.size() > kLongestTrailer)
         return failWith(errors, "Failed to write the backward chunk size.");
     return true;
@@ -184,19 +230,13 @@ bool apply(const Edit& edit, std::ostream& file, std::string& errors)
     return true;
 }
 
-template <class Number>
-std::string bigEndian(Number number)
-{
-    std::string bytes;
-    appendBigEndian(number, bytes);
-    return bytes;
-}
-
 std::string backwardChunk(std::uint32_t offset)
 {
-    std::ostringstream chunk;
-    writeChunk(chunk, Binary::getBackwardChunkSizeChunkName(), bigEndian(offset));
-    return chunk.str();
+    std::string bytes;
+    ChunkBuilder chunk(Binary::getBackwardChunkSizeChunkName(), bytes);
+    bytes += bigEndian(offset);
+    chunk.end();
+    return bytes;
 }
 
 /// What changes in the file when `content` becomes the trailer's chunks, in the order of writing.
@@ -216,25 +256,17 @@ std::array<Edit, 4> editsFor(const Trailer& trailer, std::string content)
 
 bool BinaryWriter::writeStructureChunk(std::ostream& out, const Structure& structure)
 {
-    std::string text;
-    return serializeStructure(structure, text) &&
-           writeChunk(out, Binary::getMetaDataStructureChunkName(),
-                      zeroTerminated(kFormatWritten) + zeroTerminated(convertString(text, eTextDirection::kToUtf8)));
+    std::string bytes;
+    return appendStructureChunk(structure, bytes) && writeBytes(out, bytes);
 }
 
 bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& tag, const std::string& name,
                                           const Associations& associations, std::string* errors)
 {
-    if (associations.empty())
-        return true;
-    if (name.find('\0') != std::string::npos) // it would end there when read back
-        return false;
-    std::string text;
+    std::string bytes;
     std::string ignored;
-    return serializeAssociations(associations, text, errors ? *errors : ignored) &&
-           writeChunk(out, tag,
-                      zeroTerminated(name) + zeroTerminated(kFormatWritten) +
-                          zeroTerminated(convertString(text, eTextDirection::kToUtf8)));
+    return appendAssociationsChunk(tag, name, associations, bytes, errors ? *errors : ignored) &&
+           (bytes.empty() || writeBytes(out, bytes));
 }
 
 bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,

@@ -2,9 +2,9 @@
 
 #include "vumo/accessor/BinaryReader.h"
 #include "vumo/accessor/BinaryWriter.h"
+#include "vumo/accessor/detail/FileInput.h"
 
 #include <cstdint>
-#include <fstream>
 
 namespace vumo::Data
 {
@@ -15,12 +15,13 @@ bool OvriBinaryFileAccessor::write(std::string& errors) const
 
 bool OvriBinaryFileAccessor::isFileSupported(const std::string& fileName) const
 {
-    std::ifstream file(fileName, std::ios::binary);
+    const detail::File file(fileName, detail::File::eMode::kRead);
+    detail::FileInput in(file);
     std::uint64_t mainSizePosition = 0;
     std::uint64_t trailerSizePosition = 0;
     std::uint64_t trailerEnd = 0;
     std::string errors;
-    return BinaryReader::seekToTrailerStart(file, mainSizePosition, trailerSizePosition, trailerEnd, errors);
+    return BinaryReader::seekToTrailerStart(in, mainSizePosition, trailerSizePosition, trailerEnd, errors);
 }
 
 bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureNames,
@@ -31,7 +32,8 @@ bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureN
         errors += "Empty file name.";
         return false;
     }
-    std::ifstream file(fileName(), std::ios::binary);
-    return BinaryReader::readMetadata(file, structureNames, associationNames, associations(), errors);
+    const detail::File file(fileName(), detail::File::eMode::kRead);
+    detail::FileInput in(file);
+    return BinaryReader::readMetadata(in, structureNames, associationNames, associations(), errors);
 }
 } // namespace vumo::Data

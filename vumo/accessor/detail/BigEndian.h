@@ -5,12 +5,14 @@
 
 namespace vumo::Data::detail
 {
-/// Appends an unsigned number to `bytes`, its most significant byte first.
+/// An unsigned number, its most significant byte first.
 template <class Number>
-void appendBigEndian(Number number, std::string& bytes)
+std::string bigEndian(Number number)
 {
+    std::string bytes;
     for (std::size_t i = sizeof(Number); i > 0; --i)
         bytes += static_cast<char>(number >> (8 * (i - 1)) & 0xFF);
+    return bytes;
 }
 
 /// The unsigned number whose most significant byte stands at `bytes`.

@@ -3,21 +3,24 @@
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 
+#include <algorithm>
+
 namespace vumo::Data::detail
 {
 namespace
 {
-/// Below this, reading on is cheaper than a seek, which empties the stream's buffer.
-constexpr std::uint64_t kShortestSeek = 65536;
+/// How much is read at once, unless a single chunk is longer.
+constexpr std::uint64_t kWindowSize = 4 << 20;
 } // namespace
 
 ChunkCursor::ChunkCursor(std::istream& in, std::uint64_t length) : mIn(in), mLeft(length) {}
 
 bool ChunkCursor::readHeader()
 {
-    mHeaderBytes.clear();
-    if (mLeft < kHeaderSize || !append(kHeaderSize, mHeaderBytes))
+    std::string_view bytes;
+    if (mLeft < kHeaderSize || !take(kHeaderSize, bytes))
         return false;
+    mHeaderBytes = bytes;
     mHeader.mTag.assign(mHeaderBytes, 0, kTagSize);
     mHeader.mSize = readBigEndian<std::uint64_t>(mHeaderBytes.data() + kSizeOffset);
     return true;
@@ -28,18 +31,22 @@ bool ChunkCursor::skipData()
     return holdsData() && skip(mHeader.mSize + paddingOf(mHeader.mSize));
 }
 
-bool ChunkCursor::readData(std::string& data)
+bool ChunkCursor::readData(std::string_view& data)
 {
-    data.clear();
-    return holdsData() && append(mHeader.mSize, data) && skip(paddingOf(mHeader.mSize));
+    if (!holdsData() || !take(mHeader.mSize + paddingOf(mHeader.mSize), data))
+        return false;
+    data = data.substr(0, mHeader.mSize);
+    return true;
 }
 
 bool ChunkCursor::appendChunk(std::string& bytes)
 {
-    if (!holdsData())
+    std::string_view data;
+    if (!holdsData() || !take(mHeader.mSize + paddingOf(mHeader.mSize), data))
         return false;
     bytes += mHeaderBytes;
-    return append(mHeader.mSize + paddingOf(mHeader.mSize), bytes);
+    bytes += data;
+    return true;
 }
 
 bool ChunkCursor::holdsData() const
@@ -47,22 +54,31 @@ bool ChunkCursor::holdsData() const
     return mHeader.mSize <= mLeft && paddingOf(mHeader.mSize) <= mLeft - mHeader.mSize;
 }
 
-bool ChunkCursor::append(std::uint64_t size, std::string& bytes)
+bool ChunkCursor::take(std::uint64_t size, std::string_view& bytes)
 {
-    const std::size_t oldSize = bytes.size();
-    bytes.resize(oldSize + size);
-    mIn.read(&bytes[oldSize], static_cast<std::streamsize>(size));
+    if (mWindow.size() - mPosition < size && !fillWindow(size))
+        return false;
+    bytes = std::string_view(mWindow).substr(mPosition, size);
+    mPosition += size;
     mLeft -= size;
-    return mIn.good();
+    return true;
+}
+
+/// Moves the window to the position and reads on until it holds `size` bytes, or as much as there is room for.
+bool ChunkCursor::fillWindow(std::uint64_t size)
+{
+    mWindow.erase(0, mPosition);
+    mPosition = 0;
+    const std::size_t held = mWindow.size();
+    mWindow.resize(std::max(size, std::min(mLeft, kWindowSize)));
+    return static_cast<bool>(mIn.read(&mWindow[held], static_cast<std::streamsize>(mWindow.size() - held)));
 }
 
 bool ChunkCursor::skip(std::uint64_t size)
 {
-    if (size < kShortestSeek)
-        mIn.ignore(static_cast<std::streamsize>(size));
-    else
-        mIn.seekg(static_cast<std::streamoff>(size), std::ios::cur);
+    const std::uint64_t held = std::min<std::uint64_t>(size, mWindow.size() - mPosition);
+    mPosition += held;
     mLeft -= size;
-    return mIn.good();
+    return size == held || mIn.seekg(static_cast<std::streamoff>(size - held), std::ios::cur);
 }
 } // namespace vumo::Data::detail

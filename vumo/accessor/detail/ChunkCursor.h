@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <istream>
 #include <string>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
@@ -13,6 +14,9 @@ namespace vumo::Data::detail
 ///
 /// The row has a given length, which the stream is known to hold. What does not fit into it is refused before
 /// anything of it is read, skipped or allocated; the walk cannot go on from there. Borrows the stream.
+///
+/// A short row is read in one request. Of a long one a window is held, so that a large chunk of the host is never
+/// read when it is skipped.
 class ChunkCursor
 {
 public:
@@ -27,7 +31,9 @@ public:
     const BinaryChunkHeader& header() const { return mHeader; }
 
     bool skipData();
-    bool readData(std::string& data);
+
+    /// Gives the data where they were read to, until the next call.
+    bool readData(std::string_view& data);
 
     /// Appends the whole chunk as it stands in the stream, with reserved bytes and padding.
     bool appendChunk(std::string& bytes);
@@ -35,12 +41,15 @@ public:
 private:
     bool holdsData() const;
 
-    /// Appends the next `size` bytes.
-    bool append(std::uint64_t size, std::string& bytes);
+    /// Gives the next `size` bytes, until the next call.
+    bool take(std::uint64_t size, std::string_view& bytes);
+    bool fillWindow(std::uint64_t size);
     bool skip(std::uint64_t size);
 
     std::istream& mIn;
-    std::uint64_t mLeft;
+    std::uint64_t mLeft; // of the row, from the position in the window on
+    std::string mWindow;
+    std::size_t mPosition = 0; // in the window
     std::string mHeaderBytes;
     BinaryChunkHeader mHeader;
 };

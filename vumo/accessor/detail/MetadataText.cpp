@@ -1,21 +1,46 @@
 #include "vumo/accessor/detail/MetadataText.h"
 
+#include "vumo/accessor/detail/MemoryInput.h"
+#include "vumo/accessor/detail/StringOutput.h"
 #include "vumo/foundation/Ref.h"
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/StructureSerializer.h"
 
-#include <sstream>
+#include <memory>
+#include <utility>
 
 namespace vumo::Data::detail
 {
+namespace
+{
+/// The object that `text` describes in the format of that name; null, with the reason appended to `errors`.
+template <class Serializer>
+auto deserialize(std::string_view formatName, std::string_view text, std::string& errors)
+    -> decltype(Serializer::formatByName("")->read(std::declval<std::istream&>(), errors))
+{
+    const std::string format(formatName);
+    const Serializer* const serializer = Serializer::formatByName(format);
+    if (!serializer)
+    {
+        errors += "Could not find serializer for format " + format;
+        return nullptr;
+    }
+    MemoryInput in(text);
+    std::string ownErrors; // a serializer may clear the text that it is given
+    auto* object = serializer->read(in, ownErrors);
+    errors += ownErrors;
+    return object;
+}
+} // namespace
+
 bool serializeStructure(const Structure& structure, std::string& text)
 {
     const StructureSerializer* const serializer = StructureSerializer::formatByName(kFormatWritten);
-    std::ostringstream out;
+    const std::string::size_type begin = text.size();
+    StringOutput out(text);
     if (!serializer || serializer->write(structure, out) != 0 || !out)
         return false;
-    text = out.str();
-    std::istringstream in(text);
+    MemoryInput in(std::string_view(text).substr(begin));
     std::string ignored;
     const Ref<const Structure> readBack(serializer->read(in, ignored));
     return readBack && *readBack == structure;
@@ -24,13 +49,12 @@ bool serializeStructure(const Structure& structure, std::string& text)
 bool serializeAssociations(const Associations& associations, std::string& text, std::string& errors)
 {
     const AssociationsSerializer* const serializer = AssociationsSerializer::formatByName(kFormatWritten);
-    std::ostringstream out;
     if (!serializer)
         return false;
+    StringOutput out(text);
     std::string ownErrors;
     const bool isWritten = serializer->write(associations, out, ownErrors) == 0 && out;
     errors += ownErrors;
-    text = out.str();
     return isWritten;
 }
 
@@ -48,6 +72,20 @@ bool usesOnly(const Accessor::StructureSet& structures, const Associations& asso
             return false;
         }
     }
+    return true;
+}
+
+Structure* deserializeStructure(std::string_view format, std::string_view text, std::string& errors)
+{
+    return deserialize<StructureSerializer>(format, text, errors);
+}
+
+bool deserializeAssociations(std::string_view format, std::string_view text, Associations& result, std::string& errors)
+{
+    const std::unique_ptr<Associations> associations(deserialize<AssociationsSerializer>(format, text, errors));
+    if (!associations)
+        return false;
+    result = *associations;
     return true;
 }
 } // namespace vumo::Data::detail

@@ -5,20 +5,29 @@
 #include "vumo/data/Structure.h"
 
 #include <string>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
 /// The format of all texts that are written into scene files.
 constexpr char kFormatWritten[] = "raw";
 
-/// The text of a structure. False when there is none, or one that does not read back as an equal structure: the file
-/// could not be read again.
+/// Appends the text of a structure. False when there is none, or one that does not read back as an equal structure:
+/// the file could not be read again.
 bool serializeStructure(const Structure& structure, std::string& text);
 
-/// The text of associations. False, with the serializer's messages appended to `errors`, when there is none.
+/// Appends the text of associations. False, with the serializer's messages appended to `errors`, when there is none.
 bool serializeAssociations(const Associations& associations, std::string& text, std::string& errors);
 
 /// Says whether the structure of every stream is among those that are written, as elements cannot be read without it.
 /// Names the first that is not in `errors`.
 bool usesOnly(const Accessor::StructureSet& structures, const Associations& associations, std::string& errors);
+
+/// The structure that the text declares in the format of that name: a new one, held by nobody. Null, with the reason
+/// appended to `errors`, when there is no such format or the text is faulty.
+Structure* deserializeStructure(std::string_view format, std::string_view text, std::string& errors);
+
+/// Makes `result` what the text says in the format of that name. False, with the reason appended to `errors` and
+/// `result` left alone, when there is no such format or the text is faulty.
+bool deserializeAssociations(std::string_view format, std::string_view text, Associations& result, std::string& errors);
 } // namespace vumo::Data::detail

@@ -1,10 +1,14 @@
 #include "vumo/accessor/detail/TextConversion.h"
 
+#include "vumo/accessor/detail/PlainBytes.h"
+
 #include <iconv.h>
 #include <langinfo.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 namespace vumo::Data::detail
 {
@@ -13,6 +17,29 @@ namespace
 /// The encoding of the current locale, as iconv names it.
 constexpr const char* kLocaleEncoding = "";
 constexpr const char* kUtf8 = "UTF-8";
+
+/// Says whether isPlainByte() holds for all of the text, at the speed of memory.
+bool isPlain(std::string_view text)
+{
+    unsigned char allBits = 0;
+    for (const char byte : text)
+        allBits |= static_cast<unsigned char>(byte);
+    return allBits <= kLastAsciiCode &&
+           std::none_of(std::begin(kShiftCharacters), std::end(kShiftCharacters),
+                        [&](char shift) { return text.find(shift) != std::string_view::npos; });
+}
+
+/// All characters that isPlain() allows.
+std::string plainCharacters()
+{
+    std::string characters;
+    for (int code = 0; code <= kLastAsciiCode; ++code)
+    {
+        if (isPlainByte(static_cast<char>(code)))
+            characters += static_cast<char>(code);
+    }
+    return characters;
+}
 
 /// Owns an open conversion.
 class Converter
@@ -46,8 +73,16 @@ public:
 #endif
     }
 
+    /// Says whether the conversion leaves texts alone for which isPlain() holds. That is much sooner known than done.
+    bool keepsPlainText()
+    {
+        const std::string characters = plainCharacters();
+        std::string converted;
+        return convert(characters, converted) && converted == characters;
+    }
+
     /// False when the text could not be converted to its end.
-    bool convert(const std::string& text, std::string& result)
+    bool convert(std::string_view text, std::string& result)
     {
         result.resize(text.size() + kRoomToGrow);
         std::size_t written = 0;
@@ -84,12 +119,11 @@ private:
 };
 } // namespace
 
-std::string convertString(const std::string& text, eTextDirection direction)
+bool convertString(std::string_view text, eTextDirection direction, std::string& converted)
 {
     Converter converter(direction);
-    std::string converted;
-    if (!converter.isOpen() || converter.isTrivial() || !converter.convert(text, converted))
-        return text;
-    return converted;
+    if (!converter.isOpen() || converter.isTrivial() || (isPlain(text) && converter.keepsPlainText()))
+        return false;
+    return converter.convert(text, converted);
 }
 } // namespace vumo::Data::detail

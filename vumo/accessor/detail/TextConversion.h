@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
@@ -11,7 +12,7 @@ enum class eTextDirection
     kFromUtf8
 };
 
-/// The converted text. A text that cannot be converted as a whole is returned as it is, and so is every text
-/// where the two encodings are one.
-std::string convertString(const std::string& text, eTextDirection direction);
+/// Gives the converted text. False when the text is to be used as it is: the two encodings are one, or write this text
+/// alike, or the text cannot be converted as a whole.
+bool convertString(std::string_view text, eTextDirection direction, std::string& converted);
 } // namespace vumo::Data::detail

@@ -1,0 +1,26 @@
+#include "vumo/accessor/detail/MemoryInput.h"
+
+namespace vumo::Data::detail
+{
+MemoryBuffer::MemoryBuffer(std::string_view bytes)
+{
+    char* const begin = const_cast<char*>(bytes.data()); // nothing is ever put back into a buffer without room for it
+    setg(begin, begin, begin + bytes.size());
+}
+
+MemoryBuffer::pos_type MemoryBuffer::seekoff(off_type offset, std::ios::seekdir way, std::ios::openmode which)
+{
+    const off_type size = egptr() - eback();
+    const off_type from = way == std::ios::cur ? gptr() - eback() : way == std::ios::end ? size : 0;
+    const bool isInside = offset >= -from && offset <= size - from;
+    if (!(which & std::ios::in) || !isInside)
+        return pos_type(off_type(-1));
+    setg(eback(), eback() + from + offset, egptr());
+    return pos_type(from + offset);
+}
+
+MemoryBuffer::pos_type MemoryBuffer::seekpos(pos_type position, std::ios::openmode which)
+{
+    return seekoff(off_type(position), std::ios::beg, which);
+}
+} // namespace vumo::Data::detail
