@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -82,15 +83,27 @@ inline std::string sceneWith(const std::string& trailer)
     return out.str();
 }
 
-/// How many bytes this process has read from files so far.
-inline std::uint64_t bytesReadByProcess()
+/// What this process has read from files so far.
+struct ReadCount
+{
+    std::uint64_t bytes = 0;
+    std::uint64_t calls = 0;
+};
+
+inline ReadCount readsByProcess()
 {
     std::ifstream file("/proc/self/io");
+    std::map<std::string, std::uint64_t> counts;
     std::string word;
-    std::uint64_t count = 0;
-    file >> word >> count;
-    EXPECT_EQ(word, "rchar:");
-    return count;
+    while (file >> word)
+        file >> counts[word];
+    EXPECT_EQ(counts.count("rchar:"), 1U);
+    return {counts["rchar:"], counts["syscr:"]};
+}
+
+inline std::uint64_t bytesReadByProcess()
+{
+    return readsByProcess().bytes;
 }
 
 /// An accessor for the file; null, having failed the test, when it could not be read.

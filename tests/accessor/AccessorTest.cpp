@@ -289,6 +289,44 @@ TEST_F(AccessorTest, Write_RefusesWhatCouldNotBeReadAgain)
     }
 }
 
+TEST_F(AccessorTest, Read_AsksForTheMetadataOnceAndInLargePieces)
+{
+    const struct
+    {
+        const char* ending;
+        std::string bare;
+        std::uint64_t calls;
+    } cases[] = {
+        {".oa", "//Ovri ASCII 2014 scene\n" + std::string(1 << 20, 'x') + "\nselect -ne :a;\n// End of it\n", 40},
+        {".ob", sceneWith(example::cameraChunk()), 12},
+    };
+    const Ref<Structure> note(new Structure("Note"));
+    note->addMember(Member::kString, 1, "Text");
+    for (const auto& sample : cases)
+    {
+        SCOPED_TRACE(sample.ending);
+        const ScratchFile file(sample.ending);
+        file.setBytes(sample.bare);
+        Stream notes(*note, "notes");
+        for (unsigned int i = 0; i < 1100; ++i)
+            setValue(notes, i, std::string(950, 'x'));
+        const auto writer = readScene(file.name());
+        writer->setStructures({note.get()});
+        writer->associations()["Body"].channel("vertex").setDataStream(notes);
+        std::string errors;
+        ASSERT_TRUE(writer->write(errors)) << errors;
+        const double metadata = static_cast<double>(file.bytes().size() - sample.bare.size());
+
+        const ReadCount before = readsByProcess();
+        const ReadCount counting = readsByProcess();
+        const auto accessor = readScene(file.name());
+        const ReadCount after = readsByProcess();
+        EXPECT_LE(after.calls - counting.calls - (counting.calls - before.calls), sample.calls);
+        EXPECT_LE(static_cast<double>(after.bytes - counting.bytes), 1.05 * metadata);
+        EXPECT_EQ(valueAt(*accessor, "Body", "vertex", "notes", 1099), std::string(950, 'x'));
+    }
+}
+
 TEST_F(AccessorTest, ReadFile_SaysWhyThereIsNoAccessor)
 {
     std::string errors = "kept, ";

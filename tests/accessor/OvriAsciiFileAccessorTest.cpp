@@ -458,6 +458,20 @@ TEST_F(OvriAsciiFileAccessorTest, LongAndManyLinesAreJoinedAcrossBlocks)
     }
 }
 
+TEST_F(OvriAsciiFileAccessorTest, AStatementMayBeLongerThanWhatIsHeldOfTheFile)
+{
+    const std::string filling(65 << 20, 'x');
+    std::string large = applying("2", "Large");
+    large.insert(large.find(" \n\t\t"), "\n\t" + filling + "\n\t\"");
+    mFile.setBytes(kHeader + kHost + kWeight + applying("1", "Body") + large + "\t" + filling + "\n" + kTrailer);
+    const std::set<std::string> names = {"Body"};
+    OvriAsciiFileAccessor accessor;
+    std::string errors;
+    ASSERT_TRUE(accessor.read(mFile.name(), nullptr, &names, errors)) << errors;
+    EXPECT_EQ(weightOf(accessor, "Body"), "1");
+    accessor.clear();
+}
+
 /// A golden scene of either kind: reading and rewriting gives the same bytes, and one edit gives those that a
 /// script of its own made of it.
 TEST_F(OvriAsciiFileAccessorTest, RichScenesOfBothKindsAreExactToTheByte)

@@ -3,6 +3,7 @@
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/AsciiStatementText.h"
 #include "vumo/accessor/detail/AsciiStatements.h"
+#include "vumo/accessor/detail/FileInput.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/NameFilter.h"
 #include "vumo/data/Associations.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <utility>
 #include <vector>
 
 namespace vumo::Data
@@ -22,14 +24,6 @@ using detail::AsciiStatement;
 using detail::AsciiTail;
 
 using AssociationsMap = std::map<std::string, Associations>;
-
-/// Opens a file whose blocks are read as they are asked for: a stream's own buffer would read ahead in each of them.
-template <class FileStream>
-void openUnbuffered(FileStream& file, const std::string& fileName, std::ios::openmode mode)
-{
-    file.rdbuf()->pubsetbuf(nullptr, 0);
-    file.open(fileName, mode | std::ios::binary);
-}
 
 /// The first line without its end, or as much of it as tells whether it is a header. False for an empty file.
 bool readFirstLine(std::istream& in, std::string& line)
@@ -68,13 +62,12 @@ std::string headerFault(std::istream& in)
     return "";
 }
 
-/// The text of a statement without its ";", with the carriage returns gone from the ends of its lines.
-bool readText(std::istream& in, const AsciiStatement& statement, std::string& text)
+/// Takes the ";" off the end of a statement, and the carriage returns off the ends of its lines.
+void stripText(std::string& text)
 {
-    text.resize(static_cast<std::size_t>(statement.end - statement.begin));
-    if (!in.seekg(statement.begin) || !in.read(text.data(), static_cast<std::streamsize>(text.size())))
-        return false;
     text.pop_back();
+    if (text.find('\r') == std::string::npos)
+        return;
     std::string::size_type kept = 0;
     for (std::string::size_type i = 0; i < text.size(); ++i)
     {
@@ -83,20 +76,18 @@ bool readText(std::istream& in, const AsciiStatement& statement, std::string& te
             text[kept++] = text[i];
     }
     text.resize(kept);
-    return true;
 }
 
 /// Registers the structure that the statement declares, if it is wanted.
-bool readStructure(const std::string& text, detail::NameFilter& wanted, std::string& errors)
+bool readStructure(std::string&& text, detail::NameFilter& wanted, std::string& errors)
 {
     detail::FormattedValue declared;
-    if (!detail::parseValue(text, declared))
+    if (!detail::parseValue(std::move(text), declared))
     {
         errors += "Error tokenizing format/value for structure.";
         return false;
     }
-    const Ref<Structure> structure(
-        const_cast<Structure*>(AccessorOvri::deserializeStructure(declared.format, declared.value, errors)));
+    const Ref<Structure> structure(detail::deserializeStructure(declared.format, declared.value, errors));
     const bool isFirst = structure && !Structure::structureByName(structure->name()); // the nearest to the file's end
     if (isFirst && wanted.accept(structure->name()))
         Structure::registerStructure(*structure);
@@ -111,7 +102,7 @@ struct PendingAssociations
     detail::FormattedValue applied;
 };
 
-bool collectAssociations(std::string text, detail::NameFilter& wanted, std::vector<PendingAssociations>& pending,
+bool collectAssociations(std::string&& text, detail::NameFilter& wanted, std::vector<PendingAssociations>& pending,
                          std::string& errors)
 {
     PendingAssociations entry;
@@ -122,7 +113,7 @@ bool collectAssociations(std::string text, detail::NameFilter& wanted, std::vect
     }
     if (!wanted.accept(entry.name))
         return true;
-    if (!detail::parseValue(text, entry.applied))
+    if (!detail::parseValue(std::move(text), entry.applied))
     {
         errors += "Error tokenizing format/value for associations.";
         return false;
@@ -136,28 +127,24 @@ bool readAssociations(const std::vector<PendingAssociations>& pending, Associati
     for (const PendingAssociations& entry : pending)
     {
         Associations associations;
-        if (!AccessorOvri::deserializeAssociations(entry.applied.format, entry.applied.value, associations, errors))
+        if (!detail::deserializeAssociations(entry.applied.format, entry.applied.value, associations, errors))
             return false;
         result.emplace(entry.name, associations); // the statement nearest the end of the file came first
     }
     return true;
 }
 
-bool readStatements(std::istream& in, const AsciiTail& tail, detail::NameFilter& structures,
-                    detail::NameFilter& associations, AssociationsMap& result, std::string& errors)
+bool readStatements(AsciiTail& tail, detail::NameFilter& structures, detail::NameFilter& associations,
+                    AssociationsMap& result, std::string& errors)
 {
     std::vector<PendingAssociations> pending;
-    for (const AsciiStatement& statement : tail.statements)
+    for (AsciiStatement& statement : tail.statements)
     {
-        std::string text;
-        if (statement.isComplete() && !readText(in, statement, text))
-        {
-            errors = "Could not read block.";
-            return false;
-        }
+        if (statement.isComplete())
+            stripText(statement.text);
         const bool isRead = statement.command == AsciiStatement::kDataStructure
-                                ? readStructure(text, structures, errors)
-                                : collectAssociations(std::move(text), associations, pending, errors);
+                                ? readStructure(std::move(statement.text), structures, errors)
+                                : collectAssociations(std::move(statement.text), associations, pending, errors);
         if (!isRead)
             return false;
     }
@@ -274,7 +261,8 @@ bool replaceTail(std::iostream& file, const std::string& fileName, std::streamof
 bool OvriAsciiFileAccessor::write(std::string& errors) const
 {
     std::fstream file;
-    openUnbuffered(file, fileName(), std::ios::in | std::ios::out);
+    file.rdbuf()->pubsetbuf(nullptr, 0); // reads blocks as they are asked for, nothing ahead
+    file.open(fileName(), std::ios::in | std::ios::out | std::ios::binary);
     if (!file)
     {
         errors += "Could not open " + fileName() + " for writing.";
@@ -293,9 +281,9 @@ bool OvriAsciiFileAccessor::write(std::string& errors) const
 
 bool OvriAsciiFileAccessor::isFileSupported(const std::string& fileName) const
 {
-    std::ifstream file;
-    openUnbuffered(file, fileName, std::ios::in);
-    return file && headerFault(file).empty();
+    const detail::File file(fileName, detail::File::eMode::kRead);
+    detail::FileInput in(file);
+    return in && headerFault(in).empty();
 }
 
 bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNames,
@@ -306,33 +294,33 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
         errors = "Empty file name.";
         return false;
     }
-    std::ifstream file;
-    openUnbuffered(file, fileName(), std::ios::in);
-    if (!file)
+    const detail::File file(fileName(), detail::File::eMode::kRead);
+    detail::FileInput in(file);
+    if (!in)
     {
         errors = "Could not open " + fileName();
         return false;
     }
-    std::string fault = headerFault(file);
+    std::string fault = headerFault(in);
     if (!fault.empty())
     {
         errors = fault;
         return false;
     }
-    if (!file.seekg(0, std::ios::end))
+    if (!in.seekg(0, std::ios::end))
     {
         errors += "Could not seek to end.";
         return false;
     }
     AsciiTail tail;
-    tail.size = file.tellg();
-    if (!detail::findAsciiTail(file, tail, fault))
+    tail.size = in.tellg();
+    if (!detail::findAsciiTail(in, tail, fault))
     {
         errors = fault;
         return false;
     }
     detail::NameFilter structures(structureNames);
     detail::NameFilter wanted(associationNames);
-    return readStatements(file, tail, structures, wanted, associations(), errors);
+    return readStatements(tail, structures, wanted, associations(), errors);
 }
 } // namespace vumo::Data

@@ -5,6 +5,7 @@
 #include "vumo/accessor/detail/MetadataText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vumo::Data::detail
 {
@@ -32,7 +33,7 @@ std::string quoted(const std::string& text)
 }
 } // namespace
 
-bool parseValue(const std::string& statement, FormattedValue& result)
+bool parseValue(std::string&& statement, FormattedValue& result)
 {
     std::string::size_type quotes[3];
     std::string::size_type from = 0;
@@ -47,7 +48,8 @@ bool parseValue(const std::string& statement, FormattedValue& result)
     if (last == quotes[2] || hasMoreStatements(statement, last))
         return false;
     result.format = statement.substr(quotes[0] + 1, quotes[1] - quotes[0] - 1);
-    result.value = unescapeValue(statement.substr(from, last - from));
+    result.value = std::move(statement);
+    unescapeValue(result.value, from, last);
     return true;
 }
 
@@ -113,8 +115,9 @@ bool appendAssociations(const std::string& target, const Associations& associati
     if (!serializeAssociations(associations, text, errors))
         return false;
     out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
-           quoted(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " " + quoted(escapeValue(text)) +
-           " \n\t\t" + target + ";\n";
+           quoted(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " \"";
+    appendEscapedValue(text, out);
+    out += "\" \n\t\t" + target + ";\n";
     return true;
 }
 } // namespace vumo::Data::detail

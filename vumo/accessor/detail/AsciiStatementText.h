@@ -18,7 +18,7 @@ struct FormattedValue
 
 /// Takes the format from between the first two double quotes of a statement, and the value, unescaped, from between
 /// the third and the last. False when there are too few of them, or when another statement follows on the line.
-bool parseValue(const std::string& statement, FormattedValue& result);
+bool parseValue(std::string&& statement, FormattedValue& result);
 
 /// Cuts the last line, with the node's name, off an associations statement that has lost its ";". The name of the
 /// scene is the scene associations name. False when there is no name, or another statement behind it.

@@ -4,6 +4,7 @@
 #include "vumo/accessor/detail/BackwardLines.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
@@ -23,18 +24,18 @@ enum eLine
     kOtherLine
 };
 
-bool startsWith(const std::string& text, const std::string& start, std::string::size_type position = 0)
+bool startsWith(std::string_view text, const std::string& start, std::size_t position = 0)
 {
     return text.compare(position, start.size(), start) == 0;
 }
 
 /// A word of the metadata's own is whole: a blank follows it.
-bool startsWithWord(const std::string& text, const std::string& word)
+bool startsWithWord(std::string_view text, const std::string& word)
 {
     return startsWith(text, word) && text.find_first_of(kBlanks, word.size()) == word.size();
 }
 
-bool isHostLine(const std::string& head)
+bool isHostLine(std::string_view head)
 {
     const std::string* const commands[] = {&Ascii::getConnectAttrCommandName(), &Ascii::getCreateNodeCommandName(),
                                            &Ascii::getSetAttrCommandName(), &Ascii::getRelationshipCommandName(),
@@ -44,7 +45,7 @@ bool isHostLine(const std::string& head)
 }
 
 /// Commands count at the first column only: the line with the name of a node called "select1" begins with tabs.
-eLine kindOf(const std::string& head)
+eLine kindOf(std::string_view head)
 {
     if (startsWithWord(head, Ascii::getDataStructureCommandName()))
         return kStructureLine;
@@ -52,13 +53,24 @@ eLine kindOf(const std::string& head)
         return kAssociationsLine;
     if (isHostLine(head))
         return kHostLine;
-    const std::string::size_type text = std::min(head.find_first_not_of(kBlanks), head.size());
+    const std::size_t text = std::min(head.find_first_not_of(kBlanks), head.size());
     if (startsWith(head, Ascii::getTrailerPrefix(), text))
         return kTrailerLine;
     const bool isComment = startsWith(head, "//", text);
-    const bool isOneWord = head.find_first_of(" \t\"") == std::string::npos; // a node's name, not indented
+    const bool isOneWord = head.find_first_of(" \t\"") == std::string_view::npos; // a node's name, not indented
     const bool isContinuation = text > 0 || isOneWord || head[0] == '"' || head[0] == '-';
     return isContinuation && !isComment ? kContinuation : kOtherLine;
+}
+
+/// Takes the statement that begins with one line and ends with another, if it has an end.
+AsciiStatement statementOf(eLine kind, const BackwardLines::Line& begin, const BackwardLines::Line* end)
+{
+    AsciiStatement statement;
+    statement.command = kind == kStructureLine ? AsciiStatement::kDataStructure : AsciiStatement::kApplyMetadata;
+    statement.begin = begin.begin;
+    statement.end = end ? end->end : begin.begin;
+    statement.next = end ? end->next : begin.next;
+    return statement;
 }
 } // namespace
 
@@ -82,13 +94,15 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error)
             tail.trailer = line.begin;
         if (kind == kStructureLine || kind == kAssociationsLine)
         {
-            const auto command =
-                kind == kStructureLine ? AsciiStatement::kDataStructure : AsciiStatement::kApplyMetadata;
-            const BackwardLines::Line& end = hasLast ? last : line;
-            tail.statements.push_back({command, line.begin, hasLast ? end.end : line.begin, end.next});
+            tail.statements.push_back(statementOf(kind, line, hasLast ? &last : nullptr));
+            AsciiStatement& statement = tail.statements.back();
+            if (!lines.readText(statement.begin, statement.end, statement.text))
+                break;
         }
         if (kind != kContinuation)
             hasLast = false;
+        if (!hasLast)
+            lines.forgetFrom(line.begin);
     }
     error = lines.error();
     return error.empty();

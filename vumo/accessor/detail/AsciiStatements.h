@@ -19,6 +19,7 @@ struct AsciiStatement
     std::streamoff begin = 0;
     std::streamoff end = 0;  ///< behind its ";"; as `begin` when the statement has no end
     std::streamoff next = 0; ///< of the line that follows
+    std::string text;        ///< as it stands in the file; empty when the statement has no end
 
     bool isComplete() const { return end > begin; }
 };

@@ -1,6 +1,10 @@
 #include "vumo/accessor/detail/AsciiText.h"
 
+#include "vumo/accessor/detail/PlainBytes.h"
+
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <cwchar>
 #include <iterator>
 
@@ -17,37 +21,68 @@ struct Escape
 constexpr Escape kEscapes[] = {{'\a', 'a'}, {'\b', 'b'}, {'\t', 't'},  {'\n', 'n'}, {'\v', 'v'},
                                {'\f', 'f'}, {'\r', 'r'}, {'\\', '\\'}, {'"', '"'}};
 
-constexpr std::string::size_type kOctalDigits = 3;
+constexpr std::size_t kOctalDigits = 3;
+
+bool isControl(unsigned char code)
+{
+    return code < 0x20 || code == 0x7F;
+}
+
+/// Says for each byte whether it stands for itself in a value, escaped or not, unless inside a longer character.
+std::array<bool, 256> bytesThatStay()
+{
+    std::array<bool, 256> result = {};
+    for (std::size_t code = 0; code < result.size(); ++code)
+    {
+        const char byte = static_cast<char>(code);
+        result[code] = isPlainByte(byte) && !isControl(static_cast<unsigned char>(code)) && byte != '\\' && byte != '"';
+    }
+    return result;
+}
+
+bool stays(char byte)
+{
+    static const std::array<bool, 256> theBytes = bytesThatStay();
+    return theBytes[static_cast<unsigned char>(byte)];
+}
 
 /// Walks a text by characters of the current locale's encoding. A byte that is no part of one stands alone.
 class Characters
 {
 public:
-    explicit Characters(const std::string& text) : mText(text) {}
+    /// Borrows the text, which may change in front of the position.
+    Characters(const char* begin, const char* end) : mNext(begin), mEnd(end) {}
 
-    bool atEnd() const { return mPosition >= mText.size(); }
-    std::string::size_type position() const { return mPosition; }
+    bool atEnd() const { return mNext == mEnd; }
+    const char* position() const { return mNext; }
+    std::size_t left() const { return static_cast<std::size_t>(mEnd - mNext); }
+
+    /// Steps over all characters that stay as they are, up to the next one to be looked at.
+    void stepOverWhatStays()
+    {
+        while (mNext != mEnd && stays(*mNext))
+            ++mNext;
+    }
 
     /// The length in bytes of the character at the position, at least 1, which is stepped over.
-    std::string::size_type step()
+    std::size_t step()
     {
-        const char* const next = mText.data() + mPosition;
-        std::size_t length = std::mbrtowc(nullptr, next, mText.size() - mPosition, &mState);
+        std::size_t length = isPlainByte(*mNext) ? 1 : std::mbrtowc(nullptr, mNext, left(), &mState);
         constexpr std::size_t kIncomplete = static_cast<std::size_t>(-2);
         if (length == 0 || length >= kIncomplete)
         {
             length = 1;
             mState = std::mbstate_t();
         }
-        mPosition += length;
+        mNext += length;
         return length;
     }
 
-    void skip(std::string::size_type bytes) { mPosition += bytes; }
+    void skip(std::size_t bytes) { mNext += bytes; }
 
 private:
-    const std::string& mText;
-    std::string::size_type mPosition = 0;
+    const char* mNext;
+    const char* mEnd;
     std::mbstate_t mState{};
 };
 
@@ -61,7 +96,7 @@ void appendEscaped(std::string& result, char character)
         result += '\\';
         result += known->letter;
     }
-    else if (code < 0x20 || code == 0x7F)
+    else if (isControl(code))
     {
         result += '\\';
         for (int shift = 6; shift >= 0; shift -= 3)
@@ -71,58 +106,66 @@ void appendEscaped(std::string& result, char character)
         result += character;
 }
 
-/// Appends what the escape behind the backslash at `position` stands for, and returns the escape's length in
-/// bytes behind the backslash; 0 when there is no such escape.
-std::string::size_type appendUnescaped(std::string& result, const std::string& text, std::string::size_type position)
+bool isOctalDigit(char character)
 {
-    const std::string::size_type next = position + 1;
-    if (next >= text.size())
+    return character >= '0' && character <= '7';
+}
+
+/// Finds what the escape that goes on at `next`, behind its backslash, stands for. Returns its length there in bytes;
+/// 0 when there is no such escape.
+std::size_t unescape(const char* next, std::size_t left, char& character)
+{
+    if (left == 0)
         return 0;
     const auto* const known = std::find_if(std::begin(kEscapes), std::end(kEscapes),
-                                           [&](const Escape& escape) { return escape.letter == text[next]; });
+                                           [&](const Escape& escape) { return escape.letter == *next; });
     if (known != std::end(kEscapes))
     {
-        result += known->character;
+        character = known->character;
         return 1;
     }
-    const std::string::size_type digitsEnd = text.find_first_not_of("01234567", next);
-    const bool isByte = std::min(digitsEnd, text.size()) - next >= kOctalDigits && text[next] <= '3';
-    if (!isByte)
+    if (left < kOctalDigits || *next > '3' || !std::all_of(next, next + kOctalDigits, isOctalDigit))
         return 0;
-    result += static_cast<char>(std::stoul(text.substr(next, kOctalDigits), nullptr, 8));
+    character = static_cast<char>((next[0] - '0') << 6 | (next[1] - '0') << 3 | (next[2] - '0'));
     return kOctalDigits;
 }
 } // namespace
 
-std::string escapeValue(const std::string& text)
+void appendEscapedValue(const std::string& text, std::string& out)
 {
-    std::string result;
-    for (Characters characters(text); !characters.atEnd();)
+    for (Characters characters(text.data(), text.data() + text.size()); !characters.atEnd();)
     {
-        const std::string::size_type position = characters.position();
-        const std::string::size_type length = characters.step();
+        const char* const kept = characters.position();
+        characters.stepOverWhatStays();
+        const char* const next = characters.position();
+        out.append(kept, next);
+        const std::size_t length = characters.atEnd() ? 0 : characters.step();
         if (length == 1)
-            appendEscaped(result, text[position]);
+            appendEscaped(out, *next);
         else
-            result.append(text, position, length);
+            out.append(next, length);
     }
-    return result;
 }
 
-std::string unescapeValue(const std::string& text)
+void unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end)
 {
-    std::string result;
-    for (Characters characters(text); !characters.atEnd();)
+    char* out = text.data(); // never behind what is read
+    for (Characters characters(out + begin, out + end); !characters.atEnd();)
     {
-        const std::string::size_type position = characters.position();
-        const std::string::size_type length = characters.step();
-        std::string::size_type escape = 0;
-        if (length == 1 && text[position] == '\\')
-            escape = appendUnescaped(result, text, position);
-        if (escape == 0)
-            result.append(text, position, length);
+        const char* const kept = characters.position();
+        characters.stepOverWhatStays();
+        const char* const next = characters.position();
+        const std::size_t length = characters.atEnd() ? 0 : characters.step();
+        char character = '\0';
+        const bool isEscape = length == 1 && *next == '\\';
+        const std::size_t escape = isEscape ? unescape(characters.position(), characters.left(), character) : 0;
+        const std::size_t copied = static_cast<std::size_t>(next - kept) + (escape == 0 ? length : 0);
+        std::memmove(out, kept, copied);
+        out += copied;
+        if (escape > 0)
+            *out++ = character;
         characters.skip(escape);
     }
-    return result;
+    text.resize(static_cast<std::size_t>(out - text.data()));
 }
 } // namespace vumo::Data::detail

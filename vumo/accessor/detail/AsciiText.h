@@ -4,11 +4,12 @@
 
 namespace vumo::Data::detail
 {
-/// Makes `text` fit for a quoted value of an ASCII statement: control characters become escapes such as "\n" or
+/// Appends `text` made fit for a quoted value of an ASCII statement: control characters become escapes such as "\n" or
 /// "\001", and quotes and backslashes get a backslash. Steps by characters of the current locale's encoding, so a
 /// byte that looks like a backslash inside a longer character stays what it is.
-std::string escapeValue(const std::string& text);
+void appendEscapedValue(const std::string& text, std::string& out);
 
-/// Undoes escapeValue() in one pass. An unknown escape keeps both of its characters.
-std::string unescapeValue(const std::string& text);
+/// Undoes that in one pass, in place, for what stands between two positions in the text, and cuts off all else. An
+/// unknown escape keeps both of its characters.
+void unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end);
 } // namespace vumo::Data::detail

@@ -1,62 +1,139 @@
 #include "vumo/accessor/detail/BackwardLines.h"
 
 #include <algorithm>
-#include <utility>
+#include <cstring>
 
 namespace vumo::Data::detail
 {
-BackwardLines::BackwardLines(std::istream& in, std::streamoff size) : mIn(in), mSize(size), mEnd(size) {}
-
-bool BackwardLines::Block::holds(std::streamoff offset) const
+namespace
 {
-    return offset >= begin && offset - begin < static_cast<std::streamoff>(bytes.size());
+constexpr std::streamoff kFirstBlock = 4096;
+constexpr std::streamoff kUsualBlock = 40960;
+
+/// A block is at most this part of what was read before it, or kUsualBlock: reading too far, into the scene, stays
+/// cheap.
+constexpr std::streamoff kLargestPart = 32;
+
+/// What is longer is read again when its text is needed.
+constexpr std::size_t kLongestHeld = 64 << 20;
+
+std::streamoff blockSize(std::streamoff alreadyRead)
+{
+    return std::clamp(alreadyRead, kFirstBlock, std::max(kUsualBlock, alreadyRead / kLargestPart));
 }
+} // namespace
+
+BackwardLines::BackwardLines(std::istream& in, std::streamoff size) : mIn(in), mSize(size), mEnd(size), mBegin(size) {}
 
 bool BackwardLines::previous(Line& line)
 {
     if (mEnd < 0)
         return false;
+    // The carriage return and the character before it, while they are held: a long line is not held as a whole.
+    while (mNewlines.empty() && mBegin > std::max<std::streamoff>(0, mEnd - 2) && load())
+        continue;
     line.next = std::min(mEnd + 1, mSize);
-    line.end = mEnd;
-    if (mEnd > 0 && mEnd < mSize && at(mEnd - 1) == '\r')
-        --line.end;
-    line.last = line.end > 0 ? at(line.end - 1) : '\0';
+    line.end = mEnd < mSize && lastOf(mEnd) == '\r' ? mEnd - 1 : mEnd;
+    line.last = lastOf(line.end);
 
-    line.begin = line.end;
-    while (line.begin > 0 && mError.empty() && at(line.begin - 1) != '\n')
-        --line.begin;
+    while (mNewlines.empty() && mBegin > 0 && load())
+        continue;
+    line.begin = mNewlines.empty() ? 0 : mNewlines.back() + 1;
     if (line.begin == line.end)
         line.last = '\0';
-    line.head.clear();
-    for (std::streamoff i = line.begin; i < line.end && line.head.size() < kHeadSize; ++i)
-        line.head += at(i);
+    if (!mError.empty())
+        return false;
+    line.head = held(line.begin, std::min<std::streamoff>(line.end, line.begin + kHeadSize));
 
     mEnd = line.begin - 1;
-    return mError.empty();
+    if (!mNewlines.empty())
+        mNewlines.pop_back();
+    return true;
 }
 
-char BackwardLines::at(std::streamoff offset)
+bool BackwardLines::readText(std::streamoff begin, std::streamoff end, std::string& text)
 {
-    if (mLater.holds(offset))
-        return mLater.bytes[static_cast<std::size_t>(offset - mLater.begin)];
-    if (!mCurrent.holds(offset))
-        load(offset);
-    return mError.empty() ? mCurrent.bytes[static_cast<std::size_t>(offset - mCurrent.begin)] : '\0';
+    if (holdsAll(begin, end))
+    {
+        text = held(begin, end);
+        return true;
+    }
+    text.resize(static_cast<std::size_t>(end - begin));
+    return read(begin, text.data(), text.size());
 }
 
-/// Reads the block that holds `offset`. Blocks are counted from the end of the file; the one at its start may be
-/// shorter than the rest.
-void BackwardLines::load(std::streamoff offset)
+void BackwardLines::forgetFrom(std::streamoff offset)
 {
-    const std::streamoff blockNumber = (mSize - 1 - offset) / kBlockSize + 1;
-    const std::streamoff end = mSize - (blockNumber - 1) * kBlockSize;
-    Block block;
-    block.begin = std::max<std::streamoff>(0, mSize - blockNumber * kBlockSize);
-    block.bytes.resize(static_cast<std::size_t>(end - block.begin));
-    if (!mIn.seekg(block.begin))
-        mError = "Could not seek previous block.";
-    else if (!mIn.read(block.bytes.data(), end - block.begin))
-        mError = "Could not read block.";
-    mLater = std::exchange(mCurrent, std::move(block));
+    if (holdsAll(offset, offset))
+        mBytes.resize(mRoom + static_cast<std::size_t>(offset - mBegin));
+}
+
+bool BackwardLines::holdsAll(std::streamoff begin, std::streamoff end) const
+{
+    return begin >= mBegin && static_cast<std::size_t>(end - mBegin) <= mBytes.size() - mRoom;
+}
+
+std::string_view BackwardLines::held(std::streamoff begin, std::streamoff end) const
+{
+    return std::string_view(mBytes).substr(mRoom + static_cast<std::size_t>(begin - mBegin),
+                                           static_cast<std::size_t>(end - begin));
+}
+
+/// The character in front of `end`; zero when it is not held.
+char BackwardLines::lastOf(std::streamoff end) const
+{
+    return end > 0 && holdsAll(end - 1, end) ? held(end - 1, end).front() : '\0';
+}
+
+/// Reads the block before what is held.
+bool BackwardLines::load()
+{
+    if (mBytes.size() - mRoom > kLongestHeld)
+        mBytes.resize(mRoom + kHeadSize);
+    const auto size = static_cast<std::size_t>(std::min(mBegin, blockSize(mSize - mBegin)));
+    if (mRoom < size)
+        makeRoom(size);
+    const std::size_t place = mRoom - size;
+    const std::streamoff position = mBegin - static_cast<std::streamoff>(size);
+    if (!read(position, &mBytes[place], size))
+        return false;
+    mRoom = place;
+    mBegin = position;
+
+    const char* const begin = mBytes.data() + place;
+    const char* const end = begin + size;
+    for (const char* next = begin; next < end; ++next)
+    {
+        next = static_cast<const char*>(std::memchr(next, '\n', static_cast<std::size_t>(end - next)));
+        if (!next)
+            break;
+        mNewlines.push_back(position + (next - begin));
+    }
+    return true;
+}
+
+/// Makes room for `size` bytes and more, so that a long statement is not moved with each block of it.
+void BackwardLines::makeRoom(std::size_t size)
+{
+    const std::string_view old = std::string_view(mBytes).substr(mRoom);
+    const std::size_t room = std::max(size, old.size());
+    std::string larger;
+    larger.reserve(room + old.size());
+    larger.append(room, '\0').append(old);
+    mBytes.swap(larger);
+    mRoom = room;
+}
+
+bool BackwardLines::read(std::streamoff position, char* bytes, std::size_t size)
+{
+    if (!mIn.seekg(position))
+        return fail("Could not seek previous block.");
+    return mIn.read(bytes, static_cast<std::streamsize>(size)) || fail("Could not read block.");
+}
+
+bool BackwardLines::fail(const char* error)
+{
+    mError = error;
+    return false;
 }
 } // namespace vumo::Data::detail

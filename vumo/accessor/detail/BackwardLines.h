@@ -2,17 +2,18 @@
 
 #include <istream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace vumo::Data::detail
 {
 /// Finds the lines of a file from its last to its first, reading it backwards in blocks.
 ///
-/// Holds two blocks, however long the lines are: it tells where a line lies and what it begins and ends with,
-/// not what it says. Borrows the stream.
+/// Holds what was read until it is told to forget it, so that the text of a statement need not be read again. That
+/// has a limit: of what is longer it tells where it lies and what it begins and ends with. Borrows the stream.
 class BackwardLines
 {
 public:
-    static constexpr std::streamoff kBlockSize = 1024;
     static constexpr std::size_t kHeadSize = 256;
 
     struct Line
@@ -20,7 +21,7 @@ public:
         std::streamoff begin = 0; ///< of its first character
         std::streamoff end = 0;   ///< behind its last character: at its newline, or at a carriage return before it
         std::streamoff next = 0;  ///< of the line that follows
-        std::string head;         ///< its first characters, up to kHeadSize of them
+        std::string_view head;    ///< its first characters, up to kHeadSize of them; valid until the next call
         char last = '\0';         ///< its last character; zero when it has none
     };
 
@@ -30,25 +31,32 @@ public:
     /// Steps to the line before; false when the first line was given out, or on failure.
     bool previous(Line& line);
 
+    /// Gives what stands between two places in the lines that were given out. False on failure.
+    bool readText(std::streamoff begin, std::streamoff end, std::string& text);
+
+    /// What stands from there on will not be asked for.
+    void forgetFrom(std::streamoff offset);
+
     /// Empty, or why the file could not be read.
     const std::string& error() const { return mError; }
 
 private:
-    struct Block
-    {
-        std::streamoff begin = 0;
-        std::string bytes;
-        bool holds(std::streamoff offset) const;
-    };
+    bool holdsAll(std::streamoff begin, std::streamoff end) const;
+    std::string_view held(std::streamoff begin, std::streamoff end) const;
+    char lastOf(std::streamoff end) const;
 
-    char at(std::streamoff offset);
-    void load(std::streamoff offset);
+    bool load();
+    void makeRoom(std::size_t size);
+    bool read(std::streamoff position, char* bytes, std::size_t size);
+    bool fail(const char* error);
 
     std::istream& mIn;
     std::streamoff mSize;
-    std::streamoff mEnd; // of the line to be found next: at its newline; below 0: none is left
-    Block mCurrent;      // the block read last
-    Block mLater;        // the one behind it in the file
+    std::streamoff mEnd;   // of the line to be found next: at its newline; below 0: none is left
+    std::streamoff mBegin; // of what is held, which stands behind the room in mBytes
+    std::string mBytes;
+    std::size_t mRoom = 0;
+    std::vector<std::streamoff> mNewlines; // in what is held, before mEnd
     std::string mError;
 };
 } // namespace vumo::Data::detail
