@@ -2,11 +2,9 @@
 
 #include "benchmarks/Records.h"
 
-#include <malloc.h>
-
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
-#include <limits>
 #include <string>
 
 namespace bench
@@ -15,12 +13,14 @@ namespace
 {
 constexpr std::size_t kQuickDivisor = 50;
 
-/// Has the allocator merge what was freed before and keep it. Otherwise each round would get its memory in the
-/// disorder in which the other side left it.
+/// Has the allocator merge what was freed before; a large request is what makes it do so. Otherwise each round would
+/// get its memory in the disorder in which the other side left it.
 void tidyHeap()
 {
-    constexpr std::size_t kKeepAll = std::numeric_limits<std::size_t>::max() / 2;
-    malloc_trim(kKeepAll);
+    constexpr std::size_t kLarge = 100'000;
+    void* const block = std::malloc(kLarge);
+    benchmark::DoNotOptimize(block);
+    std::free(block);
 }
 
 double secondsOf(const Side& side, const char* name)

@@ -1,6 +1,9 @@
 #include "benchmarks/DenseBench.h"
 
 #include "benchmarks/Streams.h"
+#include "vumo/data/MemberView.h"
+
+#include <algorithm>
 
 using namespace vumo::Data;
 
@@ -15,9 +18,10 @@ constexpr unsigned int kOriginMember = 1;
 class VectorSum
 {
 public:
-    void add(const float* vector)
+    template <class Vector>
+    void add(const Vector& vector)
     {
-        for (int i = 0; i < 3; ++i)
+        for (unsigned int i = 0; i < 3; ++i)
             mSum[i] += static_cast<double>(vector[i]);
     }
 
@@ -51,6 +55,22 @@ VectorSum sumOfOrigins(const Stream& stream)
         std::memcpy(origin, position->asFloat(), sizeof(origin));
         sum.add(origin);
     }
+    return sum;
+}
+
+VectorSum sumOfOrigins(const BlockArray& blocks)
+{
+    VectorSum sum;
+    for (std::size_t i = 0; i < blocks.size(); ++i)
+        sum.add(blocks[i].origin);
+    return sum;
+}
+
+VectorSum sumOfOrigins(const MemberView<const float>& view)
+{
+    VectorSum sum;
+    for (const auto origin : view)
+        sum.add(origin);
     return sum;
 }
 
@@ -106,5 +126,45 @@ void compareDenseSumByIterator(Comparison& comparison)
     const std::uint64_t expected = sumOfOrigins(records).digest();
     comparison.run(records.size(), summingSide([&] { return sumOfOrigins(stream); }, expected),
                    summingSide([&] { return sumOfOrigins(records); }, expected));
+}
+
+void compareDenseSumByView(Comparison& comparison)
+{
+    const std::vector<Record> records = makeRecords(comparison.scaled(kElements));
+    const BlockArray blocks(records);
+    const Stream stream = streamOf(blocks, Storage::kDense);
+    const std::uint64_t expected = sumOfOrigins(records).digest();
+    comparison.run(records.size(),
+                   summingSide([&] { return sumOfOrigins(stream.memberView<const float>("Origin")); }, expected),
+                   summingSide([&] { return sumOfOrigins(blocks); }, expected));
+}
+
+void compareDenseFillByView(Comparison& comparison)
+{
+    const std::vector<Record> records = makeRecords(comparison.scaled(kElements));
+    const auto fillStream = [&](Stopwatch& watch) {
+        Stream stream = emptyStream(Storage::kDense);
+        watch.time([&] {
+            stream.setElementRange(0, static_cast<unsigned int>(records.size() - 1));
+            const MemberView<float> origins = stream.memberView<float>("Origin");
+            for (unsigned int i = 0; i < origins.size(); ++i)
+                origins[i].set(records[i].origin);
+        });
+        return sumOfOrigins(stream).digest();
+    };
+    const auto fillVector = [&](Stopwatch& watch) {
+        std::vector<Record> copies;
+        watch.time([&] {
+            copies.reserve(records.size());
+            for (const Record& record : records)
+            {
+                copies.emplace_back();
+                std::copy_n(record.origin, 3, copies.back().origin);
+            }
+        });
+        return sumOfOrigins(copies).digest();
+    };
+    const std::uint64_t expected = sumOfOrigins(records).digest();
+    comparison.run(records.size(), {fillStream, expected}, {fillVector, expected});
 }
 } // namespace bench

@@ -11,6 +11,12 @@ namespace bench
 void compareDenseSet(Comparison& comparison);
 void compareDenseSumByIterator(Comparison& comparison);
 
+/// By `MemberView`, against a loop over the blocks themselves.
+void compareDenseSumByView(Comparison& comparison);
+
+/// Sets the range, then one member by `MemberView`; against a vector that was reserved.
+void compareDenseFillByView(Comparison& comparison);
+
 /// The library's side, for other workloads to share.
 Side denseSetting(const std::vector<Record>& records);
 } // namespace bench

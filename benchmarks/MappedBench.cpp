@@ -109,6 +109,17 @@ Side inserting(const SharedInput& input)
     return {round, digestOf(input->sorted())};
 }
 
+Side insertingAtOnce(const SharedInput& input)
+{
+    const auto round = [input](Stopwatch& watch) {
+        Stream stream = emptyStream(Storage::kMapped);
+        const ElementView elements(recordStructure(), input->blocks.data(0), static_cast<unsigned int>(input->size()));
+        watch.time([&] { stream.setElements(input->numbers.data(), elements); });
+        return digestOf(stream);
+    };
+    return {round, digestOf(input->sorted())};
+}
+
 /// `insert` puts a block into the map under its number.
 template <class Insert>
 Side blockMapInserting(const SharedInput& input, Insert insert)
@@ -122,6 +133,11 @@ Side blockMapInserting(const SharedInput& input, Insert insert)
         return blocks.digest();
     };
     return {round, digestOf(input->sorted())};
+}
+
+void append(NumericMap::Map& map, unsigned int i, std::unique_ptr<char[]> block)
+{
+    map.emplace_hint(map.end(), i, std::move(block));
 }
 
 Stream streamOf(const Input& input)
@@ -200,10 +216,13 @@ void compareShuffledInsert(Comparison& comparison)
 void compareAscendingInsert(Comparison& comparison)
 {
     const SharedInput input = ascendingInput(makeRecords(comparison.scaled(kElements)));
-    const auto append = [](NumericMap::Map& map, unsigned int i, std::unique_ptr<char[]> block) {
-        map.emplace_hint(map.end(), i, std::move(block));
-    };
     comparison.run(input->size(), inserting(input), blockMapInserting(input, append));
+}
+
+void compareBulkInsert(Comparison& comparison)
+{
+    const SharedInput input = ascendingInput(makeRecords(comparison.scaled(kElements)));
+    comparison.run(input->size(), insertingAtOnce(input), blockMapInserting(input, append));
 }
 
 void compareShuffledLookup(Comparison& comparison)
@@ -221,6 +240,26 @@ void compareShuffledLookup(Comparison& comparison)
     const std::vector<unsigned int> numbers = shuffledNumbers(input->size(), kLookup);
     const std::uint64_t expected = sumOfIds(input->records);
     comparison.run(numbers.size(), lookingUp(numbers, idInStream, expected), lookingUp(numbers, idInMap, expected));
+}
+
+void compareBulkLookup(Comparison& comparison)
+{
+    const SharedInput input = shuffledInput(comparison);
+    const Stream stream = streamOf(*input);
+    NumericMap blocks;
+    fill(*input, blocks);
+    const std::vector<unsigned int> numbers = shuffledNumbers(input->size(), kLookup);
+
+    const auto idInMap = [&](unsigned int number) { return blockAt(blocks.map().find(number)->second.get()).id; };
+    const auto getAll = [&](Stopwatch& watch) {
+        std::vector<std::int32_t> ids(numbers.size());
+        watch.time([&] {
+            stream.getMemberValues("ID", numbers.data(), static_cast<unsigned int>(numbers.size()), ids.data());
+        });
+        return std::accumulate(ids.begin(), ids.end(), std::uint64_t(0));
+    };
+    const std::uint64_t expected = sumOfIds(input->records);
+    comparison.run(numbers.size(), {getAll, expected}, lookingUp(numbers, idInMap, expected));
 }
 
 void compareIteration(Comparison& comparison)

@@ -12,6 +12,11 @@ void compareShuffledInsert(Comparison& comparison);
 void compareShuffledLookup(Comparison& comparison);
 void compareIteration(Comparison& comparison);
 void compareAscendingInsert(Comparison& comparison);
+
+/// Many elements in one call, against the same loops over maps.
+void compareBulkInsert(Comparison& comparison);
+void compareBulkLookup(Comparison& comparison);
+
 void compareTextInsert(Comparison& comparison);
 void compareTextLookup(Comparison& comparison);
 

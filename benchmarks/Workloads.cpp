@@ -8,6 +8,7 @@
 #include "benchmarks/SceneFileBench.h"
 #include "benchmarks/TagBench.h"
 #include "benchmarks/TextBench.h"
+#include "benchmarks/VectorBench.h"
 #include "benchmarks/peers/Nlohmann.h"
 #include "benchmarks/peers/RapidJson.h"
 #include "benchmarks/peers/RawText.h"
@@ -49,6 +50,16 @@ const std::vector<Workload> kWorkloads = {
     {"dense/set", "dense: 1M setElement", "vector<Record>::push_back", kTime, 1.5, 1.0, kRounds, compareDenseSet},
     {"dense/sum/iterator", "dense: sum float[3] by iterator", "loop over vector<Record>", kTime, 1.0, 0.75, kManyRounds,
      compareDenseSumByIterator},
+    {"dense/sum/view", "dense: sum float[3] by bulk view", "loop over the blocks", kTime, 1.1, 1.0, kManyRounds,
+     compareDenseSumByView},
+    {"dense/fill/view", "dense: fill by bulk view", "reserved vector<Record>", kTime, 1.5, 1.1, kManyRounds,
+     compareDenseFillByView},
+    {"vector/sum/openmesh", "dense float[3]: sum by bulk view", "OpenMesh property", kTime, 0, 0, kManyRounds,
+     compareVectorSum},
+    {"vector/fill/openmesh", "dense float[3]: fill by bulk view", "OpenMesh property", kTime, 0, 0, kManyRounds,
+     compareVectorFill},
+    {"vector/copy/openmesh", "dense float[3]: unique copy", "OpenMesh property", kTime, 0, 0, kManyRounds,
+     compareVectorCopy},
 
     {"mapped/insert/shuffled", "mapped: shuffled insert", "map of blocks", kTime, 1.3, 1.0, kRounds,
      compareShuffledInsert},
@@ -56,6 +67,10 @@ const std::vector<Workload> kWorkloads = {
     {"mapped/iterate", "mapped: iterate", "map of blocks", kTime, 1.05, 0.9, kManyRounds, compareIteration},
     {"mapped/insert/ascending", "mapped: ascending insert", "map of blocks, hinted", kTime, 2.0, 1.5, kManyRounds,
      compareAscendingInsert},
+    {"mapped/insert/bulk", "mapped: ascending insert in one call", "map of blocks, hinted", kTime, 0, 0, kManyRounds,
+     compareBulkInsert},
+    {"mapped/lookup/bulk", "mapped: shuffled lookup in one call", "map of blocks", kTime, 0, 0, kManyRounds,
+     compareBulkLookup},
     {"mapped/insert/string", "mapped, string indices: insert", "map<string, Record>", kTime, 1.7, 1.2, kRounds,
      compareTextInsert},
     {"mapped/lookup/string", "mapped, string indices: lookup", "map<string, Record>", kTime, 1.55, 1.1, kRounds,

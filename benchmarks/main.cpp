@@ -12,6 +12,7 @@
 #include "benchmarks/Workloads.h"
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 #include <sched.h>
 
 #include <algorithm>
@@ -38,6 +39,15 @@ void pinToOneProcessor()
         sched_setaffinity(0, sizeof(chosen), &chosen);
         return;
     }
+}
+
+/// Gives the allocator at once the thresholds that it learns by itself in a process that has freed large blocks, so
+/// that figures do not depend on the workloads before.
+void fixThresholds()
+{
+    constexpr int kLargestLearnt = 32 << 20;
+    mallopt(M_MMAP_THRESHOLD, kLargestLearnt);
+    mallopt(M_TRIM_THRESHOLD, 2 * kLargestLearnt);
 }
 
 void runWorkload(const bench::Workload& workload, bool isQuick, benchmark::State& state)
@@ -102,6 +112,7 @@ int main(int argc, char** argv)
     const bool isQuick = last != argv + argc;
 
     pinToOneProcessor();
+    fixThresholds();
     registerWorkloads(isQuick);
     bench::TableReporter reporter;
     if (std::any_of(argv + 1, last, [](const char* argument) { return argument[0] == '-'; }))
