@@ -172,13 +172,6 @@ void Handle::swap(Handle& other) noexcept
     std::swap(mOwnsData, other.mOwnsData);
 }
 
-bool Handle::setPositionByMemberIndex(unsigned int i)
-{
-    if (mIndex != i)
-        mIndex = mStructure && mStructure->member(i) ? i : kEndIndex;
-    return mIndex != kEndIndex;
-}
-
 bool Handle::setPositionByMemberName(const char* name)
 {
     if (!name || !mStructure)

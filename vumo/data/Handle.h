@@ -66,7 +66,12 @@ public:
     void swap(Handle& other) noexcept;
 
     /// False, with the position at the end, when there is no such member.
-    bool setPositionByMemberIndex(unsigned int i);
+    bool setPositionByMemberIndex(unsigned int i)
+    {
+        if (mIndex != i)
+            mIndex = mStructure && mStructure->member(i) ? i : kEndIndex;
+        return mIndex != kEndIndex;
+    }
 
     /// False, with the position at the end, when no member has that name. Null is false and moves nothing.
     bool setPositionByMemberName(const char* name);
@@ -114,7 +119,7 @@ public:
     {
         const Member* const member = mData ? currentMember() : nullptr;
         const bool isOfType = member && Member::type(member) == type && type < Member::kInvalidType;
-        return isOfType && Member::length(member) > 0 ? mData + Member::offset(member) : nullptr;
+        return isOfType ? mData + Member::offset(member) : nullptr;
     }
 
     /// The text of the i-th value of the current member, a fallback such as "0" when there is no such

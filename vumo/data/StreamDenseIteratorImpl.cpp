@@ -1,21 +1,16 @@
 #include "vumo/data/StreamDenseIteratorImpl.h"
 
-#include "vumo/data/StreamImplDense.h"
-
-#include <typeinfo>
-
 namespace vumo::Data
 {
 StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, IterLocation location)
     : mOwnHandle(std::make_unique<Handle>(stream.structure(), nullptr)),
       mStream(&stream),
-      mPosition(location == kIterBegin ? 0 : stream.elementCount()),
-      mIsPlain(typeid(stream) == typeid(StreamImplDense))
+      mPosition(location == kIterBegin ? 0 : stream.elementCount())
 {
     if (mPosition < stream.elementCount())
     {
         mHandle = mOwnHandle.get();
-        pointToSlot();
+        pointTo(stream.elementAddr(0));
     }
 }
 
@@ -23,35 +18,20 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamDenseIteratorImpl& 
     : StreamIteratorImpl(other),
       mOwnHandle(std::make_unique<Handle>(*other.mOwnHandle)),
       mStream(other.mStream),
-      mPosition(other.mPosition),
-      mIsPlain(other.mIsPlain)
+      mPosition(other.mPosition)
 {
     mHandle = other.mHandle ? mOwnHandle.get() : nullptr;
+    mIsPlainDense = false; // it may be a part of a derived class
 }
 
 StreamDenseIteratorImpl::~StreamDenseIteratorImpl() = default;
 
-char* StreamDenseIteratorImpl::slot() const
-{
-    if (mIsPlain)
-        return mPosition < mStream->mCount ? mStream->slot(mPosition) : nullptr;
-    return mPosition < mStream->elementCount() ? mStream->elementAddr(Index(mPosition)) : nullptr;
-}
-
-void StreamDenseIteratorImpl::pointToSlot()
-{
-    char* const address = slot();
-    mOwnHandle->pointToData(address, false);
-    mInvalid = !address;
-}
-
 StreamIteratorImpl& StreamDenseIteratorImpl::operator++()
 {
-    const unsigned int count = mIsPlain ? mStream->mCount : mStream->elementCount();
-    if (mPosition < count)
+    if (mPosition < mStream->elementCount())
     {
         ++mPosition;
-        pointToSlot();
+        pointTo(mPosition < mStream->elementCount() ? mStream->elementAddr(mPosition) : nullptr);
     }
     return *this;
 }
@@ -70,7 +50,9 @@ bool StreamDenseIteratorImpl::valid() const
 
 StreamIteratorImpl* StreamDenseIteratorImpl::clone() const
 {
-    return new StreamDenseIteratorImpl(*this);
+    auto* const copy = new StreamDenseIteratorImpl(*this);
+    copy->mIsPlainDense = mIsPlainDense;
+    return copy;
 }
 
 Index StreamDenseIteratorImpl::index() const

@@ -2,14 +2,13 @@
 
 #include "vumo/data/Handle.h"
 #include "vumo/data/IterLocation.h"
+#include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamIteratorImpl.h"
 
 #include <memory>
 
 namespace vumo::Data
 {
-class StreamImplDense;
-
 /// Walks the slots of a dense storage that are in use, those that were never set included. Growing the
 /// storage invalidates the current handle until the iterator moves.
 class VUMO_EXPORT StreamDenseIteratorImpl : public StreamIteratorImpl
@@ -27,15 +26,26 @@ public:
     const StreamImpl* myStream() const override;
 
 private:
-    /// The address of the current slot or null.
-    char* slot() const;
+    friend class StreamIterator;
 
-    /// Points the handle at the current slot; the iterator is invalid where the slot has no address.
-    void pointToSlot();
+    /// What operator++ does for a storage of no derived class, which could have slots of its own.
+    void step()
+    {
+        if (mPosition >= mStream->mCount)
+            return;
+        ++mPosition;
+        pointTo(mPosition < mStream->mCount ? mStream->slot(mPosition) : nullptr);
+    }
+
+    /// Points the handle at a slot; the iterator is invalid where that has no address.
+    void pointTo(char* slot)
+    {
+        mOwnHandle->pointToData(slot, false);
+        mInvalid = !slot;
+    }
 
     std::unique_ptr<Handle> mOwnHandle;
     const StreamImplDense* mStream; // borrowed
     unsigned int mPosition;
-    bool mIsPlain; // the stream is of no derived class, which could have slots of its own
 };
 } // namespace vumo::Data

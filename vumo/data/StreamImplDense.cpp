@@ -11,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <typeinfo>
 #include <utility>
 
 namespace vumo::Data
@@ -101,7 +102,9 @@ StreamIteratorImpl* StreamImplDense::end()
 
 StreamIteratorImpl* StreamImplDense::cbegin() const
 {
-    return new StreamDenseIteratorImpl(*this, kIterBegin);
+    auto* const position = new StreamDenseIteratorImpl(*this, kIterBegin);
+    position->mIsPlainDense = typeid(*this) == typeid(StreamImplDense);
+    return position;
 }
 
 StreamIteratorImpl* StreamImplDense::cend() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Handle.h"
+#include "vumo/data/StreamDenseIteratorImpl.h"
 #include "vumo/data/StreamIteratorImpl.h"
 #include "vumo/foundation/Export.h"
 
@@ -34,7 +35,10 @@ public:
 
     StreamIterator& operator++()
     {
-        ++*impl();
+        if (mImpl && mImpl->mIsPlainDense)
+            static_cast<StreamDenseIteratorImpl&>(*mImpl).step();
+        else
+            ++*impl();
         return *this;
     }
 

@@ -51,5 +51,10 @@ protected:
     friend class StreamIterator;
     Handle* mHandle = nullptr; // borrowed; null: no current handle
     bool mInvalid = true;
+
+private:
+    friend class StreamDenseIteratorImpl;
+    friend class StreamImplDense;
+    bool mIsPlainDense = false; // exactly a StreamDenseIteratorImpl, over exactly a StreamImplDense
 };
 } // namespace vumo::Data
