@@ -4,11 +4,7 @@
 
 namespace vumo::Data::detail
 {
-LineInput::LineInput(const LineReader& lines)
-    : mLines(lines),
-      mBuffer(lines),
-      mStream(&mBuffer),
-      mValues(mStream, mBuffer)
+LineInput::LineInput(LineReader& lines) : mLines(lines), mBuffer(lines), mStream(&mBuffer), mValues(mStream, mBuffer)
 {
     mStream.imbue(std::locale::classic());
 }

@@ -27,21 +27,38 @@ bool isKeywordLine(std::string_view line, const char* keyword, std::string& text
 
 bool LineReader::next()
 {
-    mIn.getline(mLine, sizeof(mLine));
+    if (!takeLine() && !copyLine())
+        return false;
+    mText = trimmed(mLine);
+    ++mRecord;
+    return true;
+}
+
+bool LineReader::takeLine()
+{
+    if (mUse == kShared || !mWindow.next(mLine, kMaxLineLength))
+        return false;
+    mConsumed = static_cast<std::streamsize>(mLine.size()) + 1;
+    mTooLong = false;
+    return true;
+}
+
+bool LineReader::copyLine()
+{
+    mIn.getline(mCopy, sizeof(mCopy));
     mConsumed = mIn.gcount();
     mTooLong = mIn.fail() && mConsumed == kMaxLineLength;
     if (mIn.fail() && !mTooLong)
         return false;
 
     const bool hasNewline = !mTooLong && !mIn.eof();
-    mText = trimmed({mLine, static_cast<std::string_view::size_type>(mConsumed) - (hasNewline ? 1 : 0)});
+    mLine = {mCopy, static_cast<std::string_view::size_type>(mConsumed) - (hasNewline ? 1 : 0)};
     if (mTooLong)
     {
         mIn.clear(mIn.rdstate() & ~std::ios::failbit);
         mIn.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
         mConsumed += mIn.gcount();
     }
-    ++mRecord;
     return true;
 }
 
@@ -55,13 +72,14 @@ bool LineReader::nextFilled()
     return false;
 }
 
-long long LineReader::position() const
+long long LineReader::position()
 {
+    mWindow.release();
     const long long end = readPosition(mIn);
-    return end < 0 ? end : end - mConsumed + (mText.data() - mLine);
+    return end < 0 ? end : end - mConsumed + (mText.data() - mLine.data());
 }
 
-std::string LineReader::tooLongMessage() const
+std::string LineReader::tooLongMessage()
 {
     return "Line at record " + std::to_string(mRecord) + " on or about character " + std::to_string(position()) +
            " is longer than " + std::to_string(kMaxLineLength) + " characters";

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vumo/serialize/detail/LineWindow.h"
+
 #include <istream>
 #include <string>
 #include <string_view>
@@ -19,8 +21,16 @@ bool isKeywordLine(std::string_view line, const char* keyword, std::string& text
 class LineReader
 {
 public:
+    /// Who reads the input while the reader lives. One that is alone may take lines from it late, at the latest when
+    /// it is destroyed, which is much faster.
+    enum eUse
+    {
+        kShared,
+        kAlone
+    };
+
     /// Borrows the input.
-    explicit LineReader(std::istream& in) : mIn(in) {}
+    explicit LineReader(std::istream& in, eUse use = kShared) : mIn(in), mWindow(in), mUse(use) {}
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
@@ -30,7 +40,7 @@ public:
     /// Passes over blank lines; a line that is too long is never blank.
     bool nextFilled();
 
-    /// The current line, trimmed at both ends; valid until the next one is read.
+    /// The current line, trimmed at both ends; valid until the next one is read or position() is asked for.
     std::string_view text() const { return mText; }
     bool isTooLong() const { return mTooLong; }
 
@@ -41,14 +51,20 @@ public:
     unsigned int record() const { return mRecord; }
 
     /// Where text() begins in the input, counted in characters from 0; -1 where the input cannot tell.
-    long long position() const;
+    long long position();
 
-    std::string tooLongMessage() const;
+    std::string tooLongMessage();
 
 private:
+    bool takeLine();
+    bool copyLine();
+
     std::istream& mIn;
-    char mLine[kMaxLineLength + 1];
-    std::string_view mText;        // of mLine
+    LineWindow mWindow;
+    eUse mUse;
+    char mCopy[kMaxLineLength + 1];
+    std::string_view mLine;        // without its newline
+    std::string_view mText;        // of the line
     std::streamsize mConsumed = 0; // with the newline
     unsigned int mRecord = 0;
     bool mTooLong = false;

@@ -159,9 +159,10 @@ void StreamReader::readDataLine(Index&& index)
         return;
     if (values.skipToText())
     {
-        const long long position = readPosition(values.stream());
         std::string rest;
         std::getline(values.stream(), rest);
+        const long long end = readPosition(values.stream());
+        const long long position = end < 0 ? end : end - static_cast<long long>(rest.size());
         mMessages.add("Text '" + rest + "' on or about character " + std::to_string(position) +
                       " is left over behind the last value" + atRecord());
     }

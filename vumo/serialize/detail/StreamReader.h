@@ -21,7 +21,7 @@ class StreamReader
 {
 public:
     /// Borrows the input.
-    explicit StreamReader(std::istream& in) : mLines(in), mValues(mLines) {}
+    explicit StreamReader(std::istream& in) : mLines(in, LineReader::kAlone), mValues(mLines) {}
 
     /// Owned by the caller; null after any error, with all of them appended to `errors`.
     std::unique_ptr<Stream> read(std::string& errors);
