@@ -86,6 +86,16 @@ bool extractWide(ValueInput& in, T& value)
     return !in.stream().fail();
 }
 
+/// The short way for those types whose plain numbers are all acceptable.
+template <class T>
+bool takePlain(ValueInput& in, T& value)
+{
+    if constexpr (std::is_same_v<T, bool> || kIsNarrow<T>)
+        return false;
+    else
+        return in.takePlainNumber(value);
+}
+
 /// Extracts one number. Of one that is refused a wide type keeps what the extraction left, a narrow one nothing.
 template <class T>
 bool extract(ValueInput& in, T& value, std::string&)
@@ -150,7 +160,8 @@ std::size_t readEntries(ValueInput& in, Member::eDataType type, std::size_t coun
             for (; i < count; ++i)
             {
                 Scalar value{};
-                if (!extract(in, value, word) || !in.isAtSeparator())
+                const bool isPlain = takePlain(in, value);
+                if (!isPlain && !(extract(in, value, word) && in.isAtSeparator()))
                     break;
                 if (target)
                     storeScalar(target + i * sizeof(Scalar), value);

@@ -50,7 +50,7 @@ std::string placeOf(ValueInput& in)
 /// Says whether the character means something inside quotation marks, besides itself.
 bool isSpecial(char c)
 {
-    return c == '"' || c == '\\' || c == '\0';
+    return c <= '\\' && (c == '"' || c == '\\' || c == '\0'); // most letters are greater
 }
 
 /// Appends what follows the backslash that was just read; what is no escape stands for itself, backslash included.
