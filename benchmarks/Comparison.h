@@ -2,10 +2,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <utility>
-#include <vector>
 
 namespace bench
 {

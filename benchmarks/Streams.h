@@ -6,7 +6,8 @@
 #include "vumo/data/Structure.h"
 
 #include <cstdint>
-#include <string>
+#include <iosfwd>
+#include <memory>
 
 /// The library's side of the workloads.
 namespace bench

@@ -4,6 +4,9 @@
 #include "benchmarks/Streams.h"
 #include "benchmarks/peers/TextPeer.h"
 
+#include <string>
+#include <vector>
+
 /// Associations as text in memory: one channel with one stream.
 namespace bench
 {
