@@ -44,7 +44,8 @@ public:
 
     ~Handle()
     {
-        release();
+        if (mOwnsData)
+            releaseBlock();
         if (mStructure)
             mStructure->unrefFromIterator();
         --_objectsAlive;
@@ -53,8 +54,8 @@ public:
     /// Releases an owned block, then takes `data`; an owned block comes from array new.
     void pointToData(char* data, bool owns)
     {
-        if (data != mData)
-            release();
+        if (mOwnsData && data != mData)
+            releaseBlock();
         mData = data;
         mOwnsData = owns && data;
     }
@@ -87,6 +88,7 @@ public:
     bool usesStructure(const Structure& structure) const { return mStructure == &structure; }
 
     bool hasData() const { return mData != nullptr; }
+    bool ownsData() const { return mOwnsData; }
 
     /// The element's data block or null; borrowed.
     char* data() const { return mData; }
@@ -163,14 +165,6 @@ private:
 
     /// The address of the i-th value of the current member; null when there is none.
     char* value(unsigned int i) const;
-
-    void release()
-    {
-        if (mOwnsData)
-            releaseBlock();
-        mData = nullptr;
-        mOwnsData = false;
-    }
 
     void releaseBlock();
 

@@ -28,13 +28,18 @@ public:
 private:
     friend class StreamIterator;
 
-    /// What operator++ does for a storage of no derived class, which could have slots of its own.
-    void step()
+    /// Steps to the next element of a storage of no derived class, which could have slots of its own. False, with
+    /// nothing done, when there is none, or the handle has a block to release.
+    bool step()
     {
-        if (mPosition >= mStream->mCount)
-            return;
-        ++mPosition;
-        pointTo(mPosition < mStream->mCount ? mStream->slot(mPosition) : nullptr);
+        const unsigned int next = mPosition + 1;
+        char* const address = next < mStream->mCount ? mStream->slotInUse(next) : nullptr;
+        if (!address || mOwnHandle->ownsData())
+            return false;
+        mPosition = next;
+        mOwnHandle->pointToData(address, false);
+        mInvalid = false;
+        return true;
     }
 
     /// Points the handle at a slot; the iterator is invalid where that has no address.

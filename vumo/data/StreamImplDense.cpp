@@ -1,7 +1,9 @@
 #include "vumo/data/StreamImplDense.h"
 
 #include "vumo/data/StreamDenseIteratorImpl.h"
+#include "vumo/data/detail/DataTypes.h"
 #include "vumo/data/detail/ObjectCounts.h"
+#include "vumo/data/detail/Text.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -312,8 +314,9 @@ void StreamImplDense::copyBlock(const StreamImplDense& other)
     if (!block)
         throw std::bad_alloc();
     std::memcpy(block.get(), other.mData, mStride * mAllocated);
-    visitStrings(block.get(), [&](const Member& member, char* element) {
-        member.constructDuplicate(element, other.mData + (element - block.get()));
+    visitStrings(block.get(), [](char* string) {
+        if (const char* const text = detail::loadScalar<char*>(string))
+            detail::storeScalar(string, detail::duplicateText(text));
     });
     mData = block.release();
 }
@@ -331,19 +334,24 @@ void StreamImplDense::releaseBlock()
 {
     if (!mData)
         return;
-    visitStrings(mData, [](const Member& member, char* element) { member.destroy(element); });
+    visitStrings(mData, [](char* string) { std::free(detail::loadScalar<char*>(string)); });
     std::free(mData);
     mData = nullptr;
 }
 
-/// Calls `visit` with each member that has strings and each element of a block of the size and layout of this one.
+/// Calls `visit` with the address of each string of a block of the size and layout of this one.
 template <class Visitor>
 void StreamImplDense::visitStrings(char* block, Visitor&& visit) const
 {
     for (const Member& member : mBlockMembers)
     {
-        for (unsigned int i = 0; Member::type(&member) == Member::kString && i < mAllocated; ++i)
-            visit(member, block + mStride * i);
+        const unsigned int count = Member::type(&member) == Member::kString ? Member::length(&member) : 0;
+        for (unsigned int k = 0; k < count; ++k)
+        {
+            char* const first = block + Member::offset(&member, k);
+            for (unsigned int i = 0; i < mAllocated; ++i)
+                visit(first + mStride * i);
+        }
     }
 }
 

@@ -91,10 +91,10 @@ private:
     void rememberLayout();
 
     /// The address of that slot or null.
-    char* slot(unsigned int i) const
-    {
-        return i < mAllocated && mData && !hasStaleBlock() ? mData + mStride * i : nullptr;
-    }
+    char* slot(unsigned int i) const { return hasStaleBlock() ? nullptr : slotInUse(i); }
+
+    /// The same where there are elements.
+    char* slotInUse(unsigned int i) const { return i < mAllocated && mData ? mData + mStride * i : nullptr; }
 
     bool reallocate(unsigned long long slots);
     bool resetElement(unsigned int i);

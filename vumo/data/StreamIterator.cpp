@@ -24,15 +24,33 @@ StreamIterator& StreamIterator::operator=(const StreamIterator& other)
 
 StreamIterator::~StreamIterator() = default;
 
-void StreamIterator::throwWithoutImpl()
+StreamIteratorImpl* StreamIterator::impl()
 {
-    throw std::runtime_error(kNoImpl);
+    if (!mImpl)
+        throw std::runtime_error(kNoImpl);
+    return mImpl.get();
 }
 
 const StreamIteratorImpl* StreamIterator::impl() const
 {
-    requireImpl();
+    if (!mImpl)
+        throw std::runtime_error(kNoImpl);
     return mImpl.get();
+}
+
+void StreamIterator::stepImpl()
+{
+    ++*impl();
+}
+
+bool StreamIterator::isImplValid() const
+{
+    return mImpl->valid();
+}
+
+Handle& StreamIterator::handleOfImpl()
+{
+    return **impl();
 }
 
 const StreamIteratorImpl& StreamIterator::constImpl() const
