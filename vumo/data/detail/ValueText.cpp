@@ -150,25 +150,29 @@ bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string&
     return accepted;
 }
 
-std::size_t readEntries(ValueInput& in, Member::eDataType type, std::size_t count, char* target, std::string& word)
+bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, BadEntry& bad)
 {
-    std::size_t i = 0;
+    std::size_t good = 0;
+    bool accepted = false;
     visitDataType(type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
         if constexpr (!std::is_pointer_v<Scalar>)
         {
-            for (; i < count; ++i)
+            const std::size_t entries = std::size_t(count) * layout.kEntries;
+            for (; good < entries; ++good)
             {
                 Scalar value{};
                 const bool isPlain = takePlain(in, value);
-                if (!isPlain && !(extract(in, value, word) && in.isAtSeparator()))
+                if (!isPlain && !(extract(in, value, bad.word) && in.isAtSeparator()))
                     break;
                 if (target)
-                    storeScalar(target + i * sizeof(Scalar), value);
+                    storeScalar(target + good * sizeof(Scalar), value);
             }
+            accepted = good == entries;
+            bad.place = static_cast<unsigned int>(good % layout.kEntries);
         }
     });
-    return i;
+    return accepted;
 }
 
 char* entryAddress(Member::eDataType type, char* value, unsigned int i)

@@ -26,10 +26,17 @@ bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataTy
 /// `word` receives what stood in place of a boolean. Not for strings.
 bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string& word);
 
-/// Reads `count` entries of values of `type` to `target`, or only over them when that is null. Each must be followed
-/// by whitespace or the end of the input. Stops at the first that is not acceptable, which is not stored; returns how
-/// many were read before. `word` as above.
-std::size_t readEntries(ValueInput& in, Member::eDataType type, std::size_t count, char* target, std::string& word);
+/// An entry that is not acceptable: its place in its value, and what stood in place of a boolean.
+struct BadEntry
+{
+    unsigned int place = 0;
+    std::string word;
+};
+
+/// Reads the entries of `count` values to `target`, or only over them when that is null. Each must be followed by
+/// whitespace or the end of the input. Stops at the first that is not acceptable, which is not stored, and returns
+/// whether there was none. Not for strings.
+bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, BadEntry& bad);
 
 /// The address of entry `i` of the value at `value`.
 char* entryAddress(Member::eDataType type, char* value, unsigned int i);

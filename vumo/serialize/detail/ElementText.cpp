@@ -132,14 +132,10 @@ bool readStrings(ValueInput& in, const MemberValues& values, Messages& messages)
 /// Reads the entries of numbers, booleans or matrices.
 bool readNumbers(ValueInput& in, const MemberValues& values, Messages& messages)
 {
-    const unsigned int perValue = entryCount(values.type);
-    const std::size_t count = std::size_t(values.length) * perValue;
-    std::string word;
-    const std::size_t good = readEntries(in, values.type, count, values.data, word);
-    if (good == count)
+    BadEntry bad;
+    if (readValues(in, values.type, values.length, values.data, bad))
         return true;
-    const auto place = static_cast<unsigned int>(good % perValue);
-    messages.add(entryMessage(values.type, place, readPosition(in.stream()), word));
+    messages.add(entryMessage(values.type, bad.place, readPosition(in.stream()), bad.word));
     return false;
 }
 
