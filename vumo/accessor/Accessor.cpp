@@ -3,6 +3,7 @@
 #include "vumo/accessor/AccessorFactory.h"
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
+#include "vumo/accessor/detail/FileRecovery.h"
 
 #include <algorithm>
 #include <cstring>
@@ -43,6 +44,7 @@ struct Accessor::Impl
     std::string mFileName;
     StructureSet mStructures; // one reference on each
     std::map<std::string, Associations> mAssociations;
+    eDurability mDurability = kJournal;
 };
 
 bool Accessor::StructureNameLessThan::operator()(const Structure* a, const Structure* b) const
@@ -73,6 +75,16 @@ bool Accessor::isFileSupported(const std::string& /*fileName*/) const
     return true;
 }
 
+void Accessor::setDurability(eDurability durability)
+{
+    mImpl->mDurability = durability;
+}
+
+Accessor::eDurability Accessor::durability() const
+{
+    return mImpl->mDurability;
+}
+
 bool Accessor::read(const std::string& fileName, std::string& errors)
 {
     return read(fileName, nullptr, nullptr, errors);
@@ -87,7 +99,7 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         mImpl->mFileName = fileName;
         mImpl->mStructures.clear(); // without releasing them: callers of an earlier read may use them still
         mImpl->mAssociations.clear();
-        const bool isRead = performRead(structureNames, associationNames, errors);
+        const bool isRead = recover(fileName, errors) && performRead(structureNames, associationNames, errors);
         if (isRead)
             keepRegisteredStructures();
         else
@@ -176,5 +188,10 @@ std::unique_ptr<Accessor> Accessor::readFile(const std::string& fileName, std::s
     if (!accessor->read(fileName, errors))
         return nullptr;
     return accessor;
+}
+
+bool Accessor::recover(const std::string& fileName, std::string& errors)
+{
+    return detail::recover(fileName, errors);
 }
 } // namespace vumo::Data

@@ -30,6 +30,14 @@ namespace vumo::Data
 /// has: writing after either removes the rest from the file. Only write after a read() without filters that
 /// returned true.
 ///
+/// write() changes the file in place: its inode, owner, mode and links stay, and so does every byte in front of the
+/// metadata. With the journal, the default, no crash harms the file. What is going to be replaced is first stored
+/// beside it in an undo record, NAME.vumo-undo, which is removed when the new bytes are on the disk. A process or a
+/// machine that stops in between leaves the file with its record; the next read() or write(), or recover(), then
+/// restores the old bytes. Let recover() see a scene before anything else reads it that does not know the record. The
+/// record is looked for under the file's name: a file that was renamed, or is read by another of its hard links, is not
+/// restored.
+///
 /// Not for use from several threads: reading borrows the registry of structures, which is process-wide.
 class VUMO_EXPORT Accessor
 {
@@ -44,6 +52,17 @@ public:
     /// Structures of which no two have the same name.
     using StructureSet = std::set<const Structure*, StructureNameLessThan>;
 
+    /// What write() does for the case that it is interrupted.
+    enum eDurability
+    {
+        /// An undo record, as above, and a wait until the file is on the disk. In a directory where no record can be
+        /// made the file is written without one.
+        kJournal,
+
+        /// Nothing: a crash in the middle leaves a damaged file. For those who keep the file elsewhere.
+        kMemoryOnly
+    };
+
     Accessor(const Accessor&) = delete;
     Accessor& operator=(const Accessor&) = delete;
 
@@ -51,12 +70,19 @@ public:
     virtual ~Accessor();
 
     /// Puts the structures and associations that the accessor holds into the file fileName(), in place of
-    /// the metadata that is there. False, with a message appended to `errors`, when that failed; this class
-    /// itself cannot write any file.
+    /// the metadata that is there. False, with a message appended to `errors`, when that failed; the file is then as
+    /// it was, unless the message says otherwise. This class itself cannot write any file.
+    ///
+    /// Locks the file for other writers that use this library: the second one is refused.
     virtual bool write(std::string& errors) const;
 
     /// Says whether the file, going by its contents, is one that this accessor can read.
     virtual bool isFileSupported(const std::string& fileName) const;
+
+    /// Chooses what the following calls of write() do for the case that they are interrupted. Whatever is chosen, the
+    /// old bytes are put back when a call of the system fails, as on a full disk.
+    void setDurability(eDurability durability);
+    eDurability durability() const;
 
     /// Reads all metadata of the file: the next function without filters.
     bool read(const std::string& fileName, std::string& errors);
@@ -66,6 +92,9 @@ public:
     ///
     /// False when that failed, with the reason in `errors`; the accessor is then empty. It is also empty after
     /// an exception, which is passed on. Either way the registry of structures is afterwards as it was.
+    ///
+    /// Restores the file first, as recover() does, if writing it was interrupted; a file that would have to be restored
+    /// and cannot be written to is not read.
     ///
     /// A structure filter must leave in every structure that the wanted associations use: without it their
     /// elements cannot be read, and the read fails.
@@ -103,6 +132,15 @@ public:
     /// An accessor that has read all metadata of the file; null, with the reason appended to `errors`, when
     /// there is none for its extension or the read failed.
     static std::unique_ptr<Accessor> readFile(const std::string& fileName, std::string& errors);
+
+    /// Restores the file from its undo record if writing it was interrupted, and removes the record. A record that its
+    /// writer did not complete is only removed, as the file was not touched yet, and so is that of a change which was
+    /// complete. True also when there is no record.
+    ///
+    /// False, with the reason appended to `errors` and nothing changed, when the file or its directory cannot be
+    /// written to, when somebody is writing it, or when the record does not fit the file: then somebody has changed the
+    /// file since, and has to decide whether to remove the record.
+    static bool recover(const std::string& fileName, std::string& errors);
 
 protected:
     Accessor();

@@ -5,12 +5,13 @@
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
+#include "vumo/accessor/detail/FileInput.h"
+#include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/accessor/detail/FileTransaction.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/TextConversion.h"
 
-#include <array>
 #include <cstdint>
-#include <fstream>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -202,31 +203,13 @@ bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::Structur
 {
     ChunkCursor chunks(in, old.length());
     std::string after;
+    content.reserve(old.length()); // it is seldom much longer
     if (!readKeptChunks(chunks, content, after, errors) ||
         !appendNewMetadata(structures, associations, content, errors))
         return false;
     content += after;
     if (content.size() > kLongestTrailer)
         return failWith(errors, "Failed to write the backward chunk size.");
-    return true;
-}
-
-/// One place of the file that gets new bytes, and what to say when that fails.
-struct Edit
-{
-    std::uint64_t mPosition;
-    std::string mBytes;
-    const char* mSeekFailed;
-    const char* mWriteFailed;
-};
-
-bool apply(const Edit& edit, std::ostream& file, std::string& errors)
-{
-    if (!file.seekp(static_cast<std::streamoff>(edit.mPosition)))
-        return failWith(errors, edit.mSeekFailed);
-    // Flushed at once, so that a full disk shows here and not later.
-    if (!file.write(edit.mBytes.data(), static_cast<std::streamsize>(edit.mBytes.size())).flush())
-        return failWith(errors, edit.mWriteFailed);
     return true;
 }
 
@@ -240,17 +223,23 @@ std::string backwardChunk(std::uint32_t offset)
 }
 
 /// What changes in the file when `content` becomes the trailer's chunks, in the order of writing.
-std::array<Edit, 4> editsFor(const Trailer& trailer, std::string content)
+FileChange changeFor(Trailer trailer, std::string content)
 {
     const auto offset = static_cast<std::uint32_t>(content.size() + kHeaderSize + kBackwardOffsetSize);
-    return {{{trailer.mSizePosition, bigEndian(Trailer::groupSize(content.size())),
-              "Failed to seek to the trailer size position.", "Failed to write the new trailer size."},
-             {trailer.start(), std::move(content), "Failed to seek to the trailer data start.",
-              "Failed to write the new trailer."},
-             {trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
-              "Failed to write the backward chunk size."},
-             {trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
-              "Failed to the main chunk size position.", "Failed to write the new main chunk size."}}};
+    trailer.mEnd = trailer.start() + content.size();
+    FileChange change;
+    change.edits = {
+        {trailer.mSizePosition, bigEndian(Trailer::groupSize(content.size())),
+         "Failed to seek to the trailer size position.", "Failed to write the new trailer size."},
+        {trailer.start(), "", "Failed to seek to the trailer data start.", "Failed to write the new trailer."},
+        {trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
+         "Failed to write the backward chunk size."},
+        {trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
+         "Failed to the main chunk size position.", "Failed to write the new main chunk size."}};
+    change.edits[1].bytes = std::move(content); // a list would copy it
+    change.length = trailer.mainChunkEnd();
+    change.truncateFailed = "Could not truncate the file.";
+    return change;
 }
 } // namespace
 
@@ -270,28 +259,16 @@ bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& 
 }
 
 bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
-                                 const std::map<std::string, Associations>& associations, std::string& errors)
+                                 const std::map<std::string, Associations>& associations, std::string& errors,
+                                 Accessor::eDurability durability)
 {
-    std::fstream file(fileName, std::ios::in | std::ios::out | std::ios::binary);
-    if (!file)
-        return failWith(errors, "Could not open " + fileName + " for writing.");
+    const File file(fileName, File::eMode::kUpdate);
+    if (!beginWriting(file, fileName, errors))
+        return false;
+    FileInput in(file);
     Trailer trailer;
     std::string content;
-    if (!findTrailer(file, trailer, errors) || !buildTrailer(file, trailer, structures, associations, content, errors))
-        return false;
-
-    const std::uint64_t oldFileEnd = trailer.mainChunkEnd();
-    trailer.mEnd = trailer.start() + content.size();
-    for (const Edit& edit : editsFor(trailer, std::move(content)))
-    {
-        if (!apply(edit, file, errors))
-            return false;
-    }
-    file.close();
-    if (!file)
-        return failWith(errors, "Failed to write the new main chunk size.");
-    if (trailer.mainChunkEnd() < oldFileEnd && !AccessorOvri::truncateFile(fileName, trailer.mainChunkEnd()))
-        return failWith(errors, "Could not truncate the file.");
-    return true;
+    return findTrailer(in, trailer, errors) && buildTrailer(in, trailer, structures, associations, content, errors) &&
+           FileTransaction(file, fileName, durability).run(changeFor(trailer, std::move(content)), errors);
 }
 } // namespace vumo::Data

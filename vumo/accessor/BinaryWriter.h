@@ -31,10 +31,13 @@ public:
     /// Replaces the metadata in the trailer of the file, moves the end of the trailer and of the main chunk
     /// accordingly and cuts the file there. False, with the reason in `errors`, when that failed.
     ///
+    /// The change is made as a whole or not at all, even if it is interrupted: see `Accessor`.
+    ///
     /// Nothing is written that could not be read again: every structure that a stream uses must be among
     /// `structures`. The whole tail is built and checked before the first byte of the file changes; a file that has
     /// anything behind its main chunk is refused, because that would be lost.
     static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
-                              const std::map<std::string, Associations>& associations, std::string& errors);
+                              const std::map<std::string, Associations>& associations, std::string& errors,
+                              Accessor::eDurability durability = Accessor::kJournal);
 };
 } // namespace vumo::Data

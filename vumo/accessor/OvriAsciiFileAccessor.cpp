@@ -4,6 +4,8 @@
 #include "vumo/accessor/detail/AsciiStatementText.h"
 #include "vumo/accessor/detail/AsciiStatements.h"
 #include "vumo/accessor/detail/FileInput.h"
+#include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/accessor/detail/FileTransaction.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/NameFilter.h"
 #include "vumo/data/Associations.h"
@@ -11,7 +13,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <utility>
 #include <vector>
 
@@ -242,41 +243,36 @@ bool readKept(std::istream& file, const AsciiTail& tail, std::string& above, std
     return true;
 }
 
-/// Makes the file end with `content`, from `start` on.
-bool replaceTail(std::iostream& file, const std::string& fileName, std::streamoff start, const std::string& content,
-                 std::string& errors)
+/// What makes the file end with `content`, from `start` on.
+detail::FileChange changeFor(std::streamoff start, std::string content)
 {
-    if (!file.seekp(start))
-        errors += "Could not seek to metadata start.";
-    else if (!file.write(content.data(), static_cast<std::streamsize>(content.size())).flush())
-        errors += "Failed to append the file trailer.";
-    else if (!AccessorOvri::truncateFile(fileName, static_cast<std::uint64_t>(start) + content.size()))
-        errors += "Could not truncate the file.";
-    else
-        return true;
-    return false;
+    detail::FileChange change;
+    const auto position = static_cast<std::uint64_t>(start);
+    change.length = position + content.size();
+    change.edits.push_back(
+        {position, std::move(content), "Could not seek to metadata start.", "Failed to append the file trailer."});
+    change.truncateFailed = "Could not truncate the file.";
+    return change;
 }
 } // namespace
 
 bool OvriAsciiFileAccessor::write(std::string& errors) const
 {
-    std::fstream file;
-    file.rdbuf()->pubsetbuf(nullptr, 0); // reads blocks as they are asked for, nothing ahead
-    file.open(fileName(), std::ios::in | std::ios::out | std::ios::binary);
-    if (!file)
-    {
-        errors += "Could not open " + fileName() + " for writing.";
+    const detail::File file(fileName(), detail::File::eMode::kUpdate);
+    if (!detail::beginWriting(file, fileName(), errors))
         return false;
-    }
+    detail::FileInput in(file);
     AsciiTail tail;
     std::string content;
     std::string trailer;
-    if (!findTail(file, tail, errors) || !readKept(file, tail, content, trailer, errors) ||
+    if (!findTail(in, tail, errors) || !readKept(in, tail, content, trailer, errors) ||
         !appendStatements(*this, content, errors))
     {
         return false;
     }
-    return replaceTail(file, fileName(), regionStart(tail), content + trailer, errors);
+    content += trailer;
+    return detail::FileTransaction(file, fileName(), durability())
+        .run(changeFor(regionStart(tail), std::move(content)), errors);
 }
 
 bool OvriAsciiFileAccessor::isFileSupported(const std::string& fileName) const

@@ -10,7 +10,7 @@ namespace vumo::Data
 {
 bool OvriBinaryFileAccessor::write(std::string& errors) const
 {
-    return BinaryWriter::writeMetadata(fileName(), structures(), associations(), errors);
+    return BinaryWriter::writeMetadata(fileName(), structures(), associations(), errors, durability());
 }
 
 bool OvriBinaryFileAccessor::isFileSupported(const std::string& fileName) const

@@ -1,6 +1,7 @@
 #include "vumo/accessor/detail/File.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,22 +23,49 @@ auto uninterrupted(const Call& call) -> decltype(call())
     }
 }
 
-bool isRegular(int descriptor)
+int flagsFor(File::eMode mode)
+{
+    // Opening a pipe would wait for its other end, opening a terminal could make it this process's own.
+    constexpr int kAlways = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    switch (mode)
+    {
+    case File::eMode::kRead:
+        return kAlways | O_RDONLY;
+    case File::eMode::kUpdate:
+        return kAlways | O_RDWR;
+    case File::eMode::kReadRecord:
+        return kAlways | O_RDONLY | O_NOFOLLOW;
+    case File::eMode::kCreateRecord:
+        return kAlways | O_WRONLY | O_NOFOLLOW | O_CREAT | O_EXCL;
+    case File::eMode::kDirectory:
+        return kAlways | O_RDONLY | O_DIRECTORY;
+    }
+    return kAlways;
+}
+
+struct stat statusOf(int descriptor)
 {
     struct stat status = {};
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    if (fstat(descriptor, &status) != 0)
+        status = {};
+    return status;
 }
 } // namespace
 
 File::File(const std::string& name, eMode mode)
 {
-    const int access = mode == eMode::kRead ? O_RDONLY : O_RDWR;
-    // Opening a pipe would wait for its other end.
-    mDescriptor = uninterrupted([&] { return open(name.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); });
-    if (isOpen() && !isRegular(mDescriptor))
+    mDescriptor = uninterrupted([&] { return open(name.c_str(), flagsFor(mode), S_IRUSR | S_IWUSR); });
+    if (!isOpen())
+    {
+        mOpenError = errno;
+        return;
+    }
+    const mode_t wanted = mode == eMode::kDirectory ? S_IFDIR : S_IFREG;
+    if ((statusOf(mDescriptor).st_mode & S_IFMT) != wanted)
     {
         close(mDescriptor);
         mDescriptor = -1;
+        mOpenError = EINVAL;
     }
 }
 
@@ -49,8 +77,7 @@ File::~File()
 
 std::uint64_t File::size() const
 {
-    struct stat status = {};
-    return fstat(mDescriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+    return static_cast<std::uint64_t>(statusOf(mDescriptor).st_size);
 }
 
 bool File::allowsPosition(std::uint64_t position) const
@@ -70,5 +97,63 @@ std::size_t File::read(std::uint64_t position, char* bytes, std::size_t count) c
         done += static_cast<std::size_t>(got);
     }
     return done;
+}
+
+bool File::write(std::uint64_t position, const char* bytes, std::size_t count) const
+{
+    std::size_t done = 0;
+    while (done < count)
+    {
+        const ssize_t written = uninterrupted(
+            [&] { return pwrite(mDescriptor, bytes + done, count - done, static_cast<off_t>(position + done)); });
+        if (written == 0)
+            errno = ENOSPC;
+        if (written <= 0)
+            return false;
+        done += static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+bool File::truncate(std::uint64_t size) const
+{
+    return uninterrupted([&] { return ftruncate(mDescriptor, static_cast<off_t>(size)); }) == 0;
+}
+
+bool File::sync() const
+{
+    // Some file systems cannot sync a directory and say so.
+    return uninterrupted([&] { return fsync(mDescriptor); }) == 0 || errno == EINVAL;
+}
+
+bool File::tryLock() const
+{
+    return uninterrupted([&] { return flock(mDescriptor, LOCK_EX | LOCK_NB); }) == 0 || errno != EWOULDBLOCK;
+}
+
+void File::shareAs(const File& other) const
+{
+    const struct stat theirs = statusOf(other.mDescriptor);
+    const bool hasItsGroup = statusOf(mDescriptor).st_gid == theirs.st_gid ||
+                             fchown(mDescriptor, static_cast<uid_t>(-1), theirs.st_gid) == 0;
+    constexpr mode_t kReadAndWrite = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+    if (hasItsGroup && fchmod(mDescriptor, theirs.st_mode & kReadAndWrite) != 0)
+        return; // it stays its owner's alone
+}
+
+bool File::hasOwnerOf(const File& other) const
+{
+    const uid_t owner = statusOf(mDescriptor).st_uid;
+    return owner == statusOf(other.mDescriptor).st_uid || owner == geteuid() || owner == 0;
+}
+
+bool File::isSticky() const
+{
+    return (statusOf(mDescriptor).st_mode & S_ISVTX) != 0;
+}
+
+bool File::remove(const std::string& name)
+{
+    return uninterrupted([&] { return unlink(name.c_str()); }) == 0;
 }
 } // namespace vumo::Data::detail

@@ -6,23 +6,33 @@
 
 namespace vumo::Data::detail
 {
-/// An open regular file, by the calls of the system: nothing is read ahead, nothing waits in a buffer.
+/// An open file, by the calls of the system: nothing is read ahead, nothing waits in a buffer. Calls that a signal
+/// interrupts are made again, and what they do in part is completed.
 class File
 {
 public:
     enum class eMode
     {
         kRead,
-        kUpdate
+        kUpdate,
+        kReadRecord,   ///< not through a symbolic link
+        kCreateRecord, ///< to write it; it must not be there, and nobody else may read it
+        kDirectory     ///< to sync() it
     };
 
-    /// Opens the file; isOpen() says whether that worked. What is no regular file is not opened, nor waited for.
+    /// Opens the file; isOpen() says whether that worked. What is no regular file, or no directory, is not opened, nor
+    /// waited for.
     File(const std::string& name, eMode mode);
     File(const File&) = delete;
     File& operator=(const File&) = delete;
+
+    /// Closes the file, which ends its lock.
     ~File();
 
     bool isOpen() const { return mDescriptor >= 0; }
+
+    /// Why the file could not be opened, as `errno` has it.
+    int openError() const { return mOpenError; }
 
     /// In bytes; 0 on failure.
     std::uint64_t size() const;
@@ -33,7 +43,28 @@ public:
     /// Reads up to `count` bytes at `position` and returns how many there were.
     std::size_t read(std::uint64_t position, char* bytes, std::size_t count) const;
 
+    bool write(std::uint64_t position, const char* bytes, std::size_t count) const;
+    bool truncate(std::uint64_t size) const;
+
+    /// Waits until the file is on the disk, as far as its file system can tell.
+    bool sync() const;
+
+    /// Takes the lock for writers. False when another open file has it; true also where files cannot be locked.
+    bool tryLock() const;
+
+    /// Lets all those read the file who may read the other one, as far as this process can do that.
+    void shareAs(const File& other) const;
+
+    /// Says whether the file belongs to whom the other one belongs to, or to this process, or to the administrator.
+    bool hasOwnerOf(const File& other) const;
+
+    /// Says whether only its owner may remove a file from the directory.
+    bool isSticky() const;
+
+    static bool remove(const std::string& name);
+
 private:
     int mDescriptor;
+    int mOpenError = 0;
 };
 } // namespace vumo::Data::detail

@@ -1,0 +1,386 @@
+#include "tests/accessor/AccessorFixture.h"
+#include "tests/accessor/FileCallScript.h"
+#include "tests/support/FullDisk.h"
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace vumo::test
+{
+namespace
+{
+using Script = FileCallScript;
+
+/// Runs the action in a process of its own; says whether the script ended that.
+template <class Action>
+bool isEndedBy(Script script, const Action& action)
+{
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        const Script::Use use(script);
+        _exit(action() ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_TRUE(WEXITSTATUS(status) == Script::kExitCode || WEXITSTATUS(status) == 0) << WEXITSTATUS(status);
+    return WEXITSTATUS(status) == Script::kExitCode;
+}
+
+/// A kind of scene file, and what each step of writing one says when it fails.
+struct Kind
+{
+    const char* ending;
+    std::string bare;
+    std::vector<std::string> writeMessages;
+    std::vector<std::string> seekMessages;
+};
+
+std::vector<Kind> bothKinds()
+{
+    return {{".oa",
+             "//Ovri ASCII 2014 scene\n//" + std::string(9000, 'x') + "\nselect -ne :a;\n// End of it\n",
+             {"Failed to append the file trailer."},
+             {"Could not seek to metadata start."}},
+            {".ob",
+             sceneWith(example::cameraChunk() + example::pluginChunk()),
+             {"Failed to write the new trailer size.", "Failed to write the new trailer.",
+              "Failed to write the backward chunk size.", "Failed to write the new main chunk size."},
+             {"Failed to seek to the trailer size position.", "Failed to seek to the trailer data start.",
+              "Failed to write the backward chunk size.", "Failed to the main chunk size position."}}};
+}
+
+/// A scene with the weights of one node, which a write changes.
+class InterruptedWriteTest : public AccessorFixture
+{
+protected:
+    static constexpr unsigned int kCount = 300;
+
+    struct Change
+    {
+        const char* what;
+        unsigned int count;
+        const char* value;
+    };
+
+    static constexpr Change kChanges[] = {
+        {"larger", 700, "0.5"}, {"smaller", 3, "0.5"}, {"of one size", kCount, "0.7"}};
+
+    /// Makes the scene file, the accessor that is going to write to it, and the bytes before and after that.
+    void prepare(const Kind& kind, const Change& change)
+    {
+        mFile = std::make_unique<ScratchFile>(kind.ending);
+        mFile->setBytes(kind.bare);
+        mAccessor = readScene(mFile->name());
+        mAccessor->setStructures({mWeight.get()});
+        mAccessor->setDurability(Accessor::kMemoryOnly);
+        setWeights({"", kCount, "0.5"});
+        std::string errors;
+        ASSERT_TRUE(mAccessor->write(errors)) << errors;
+        mOld = mFile->bytes();
+        setWeights(change);
+        ASSERT_TRUE(mAccessor->write(errors)) << errors;
+        mNew = mFile->bytes();
+        ASSERT_NE(mNew, mOld);
+        mAccessor->setDurability(Accessor::kJournal);
+        mFile->setBytes(mOld);
+    }
+
+    void setWeights(const Change& change)
+    {
+        Stream stream(*mWeight, "weights");
+        for (unsigned int i = 0; i < change.count; ++i)
+            setValue(stream, i, change.value);
+        mAccessor->associations()["Body"].channel("vertex").setDataStream(stream);
+    }
+
+    bool write()
+    {
+        mErrors.clear();
+        return mAccessor->write(mErrors);
+    }
+
+    /// Writes with a script in force.
+    bool write(Script& script)
+    {
+        const Script::Use use(script);
+        return write();
+    }
+
+    std::string recordName() const { return mFile->name() + ".vumo-undo"; }
+    bool hasRecord() const { return std::filesystem::exists(recordName()); }
+
+    void setRecord(const std::string& bytes) const
+    {
+        std::ofstream(recordName(), std::ios::binary | std::ios::trunc) << bytes;
+    }
+
+    std::string record() const
+    {
+        std::ifstream file(recordName(), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    /// Reads the file that a crash left: afterwards it is the old one or the new one.
+    void expectOldOrNewAfterRead() const
+    {
+        const auto accessor = readScene(mFile->name());
+        ASSERT_TRUE(accessor);
+        EXPECT_FALSE(hasRecord());
+        const std::string bytes = mFile->bytes();
+        EXPECT_TRUE(bytes == mOld || bytes == mNew) << bytes.size();
+        const Stream* stream = accessor->associations()["Body"].channel("vertex").findDataStream("weights");
+        ASSERT_TRUE(stream);
+        EXPECT_EQ(stream->elementCount() == kCount && valueAt(*accessor, "Body", "vertex", "weights", 2) == "0.5",
+                  bytes == mOld);
+    }
+
+    /// Ends the recovery of the file at each of its calls.
+    void expectOldOrNewAfterCrashesOfRecovery()
+    {
+        const std::string file = mFile->bytes();
+        const std::string undo = record();
+        bool isEnded = true;
+        for (int turn = 1; isEnded && !HasFailure(); ++turn)
+        {
+            SCOPED_TRACE("recovery ended at its call " + std::to_string(turn));
+            mFile->setBytes(file);
+            setRecord(undo);
+            Script script;
+            script.mTurn = turn;
+            script.mAction = Script::kExitHalfway;
+            isEnded = isEndedBy(script, [&] { return Accessor::recover(mFile->name(), mErrors); });
+            expectOldOrNewAfterRead();
+        }
+    }
+
+    /// Calls `test` for both kinds of files and all kinds of changes.
+    template <class Test>
+    void forAll(const Test& test)
+    {
+        for (const Kind& kind : bothKinds())
+        {
+            for (const Change& change : kChanges)
+            {
+                SCOPED_TRACE(std::string(kind.ending) + " " + change.what);
+                prepare(kind, change);
+                test(kind);
+                mAccessor.reset();
+            }
+        }
+    }
+
+    const Ref<Structure> mWeight = valueStructure("Weight");
+    std::unique_ptr<ScratchFile> mFile;
+    std::unique_ptr<Accessor> mAccessor;
+    std::string mOld;
+    std::string mNew;
+    std::string mErrors;
+};
+
+TEST_F(InterruptedWriteTest, ACrashAtAnyCallLeavesTheOldOrTheNewFile)
+{
+    int calls = 0;
+    forAll([&](const Kind&) {
+        bool isEnded = true;
+        for (int turn = 1; isEnded && !HasFailure(); ++turn)
+        {
+            for (const Script::eAction action : {Script::kExit, Script::kExitHalfway})
+            {
+                SCOPED_TRACE("ended at call " + std::to_string(turn) + (action == Script::kExit ? "" : ", halfway"));
+                mFile->setBytes(mOld);
+                Script script;
+                script.mTurn = turn;
+                script.mAction = action;
+                isEnded = isEndedBy(script, [&] { return write(); });
+                if (isEnded && hasRecord() && action == Script::kExitHalfway)
+                    expectOldOrNewAfterCrashesOfRecovery();
+                expectOldOrNewAfterRead();
+                calls += isEnded ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(mFile->bytes(), mNew) << "the last one came to its end";
+    });
+    RecordProperty("crashes", calls);
+}
+
+TEST_F(InterruptedWriteTest, TheRecordIsOnTheDiskWhileTheFileChanges)
+{
+    const std::vector<std::string> begin = {"create record",  "share record", "write record", "sync record",
+                                            "sync directory", "write scene",  "sync scene"};
+    const std::vector<std::string> end = {"remove record", "sync directory"};
+    forAll([&](const Kind&) {
+        Script script;
+        EXPECT_TRUE(write(script)) << mErrors;
+        std::vector<std::string> expected = begin;
+        if (mNew.size() < mOld.size())
+            expected.insert(expected.end(), {"cut scene", "sync scene"});
+        expected.insert(expected.end(), end.begin(), end.end());
+        EXPECT_EQ(script.mLog, expected);
+        EXPECT_EQ(mFile->bytes(), mNew);
+
+        mFile->setBytes(mOld);
+        mAccessor->setDurability(Accessor::kMemoryOnly);
+        script = Script();
+        EXPECT_TRUE(write(script)) << mErrors;
+        expected = {"write scene"};
+        if (mNew.size() < mOld.size())
+            expected.push_back("cut scene");
+        EXPECT_EQ(script.mLog, expected);
+        EXPECT_EQ(mFile->bytes(), mNew);
+    });
+}
+
+TEST_F(InterruptedWriteTest, ACallThatFailsLeavesTheFileAsItWas)
+{
+    forAll([&](const Kind& kind) {
+        for (const auto& [action, error] :
+             {std::pair(Script::kFail, ENOSPC), std::pair(Script::kFail, EIO), std::pair(Script::kFailHalfway, ENOSPC)})
+        {
+            std::vector<std::string> messages;
+            Script script;
+            for (int turn = 1; turn == 1 || (script.hadItsTurn() && !HasFailure()); ++turn)
+            {
+                SCOPED_TRACE("call " + std::to_string(turn) + " fails, error " + std::to_string(error));
+                mFile->setBytes(mOld);
+                script = Script();
+                script.mTurn = turn;
+                script.mAction = action;
+                script.mError = error;
+                const bool isWritten = write(script);
+                const bool isHarmless = script.mLog.size() > 1 && script.mLog[1] == "share record" && turn == 2;
+                EXPECT_EQ(isWritten, isHarmless || !script.hadItsTurn());
+                EXPECT_EQ(mFile->bytes(), isWritten ? mNew : mOld);
+                EXPECT_FALSE(hasRecord());
+                EXPECT_EQ(isWritten, mErrors.empty());
+                if (!isWritten && (messages.empty() || messages.back() != mErrors))
+                    messages.push_back(mErrors);
+            }
+            std::vector<std::string> expected = {"Could not write the undo record " + recordName() + "."};
+            expected.insert(expected.end(), kind.writeMessages.begin(), kind.writeMessages.end());
+            if (mNew.size() < mOld.size())
+                expected.push_back("Could not truncate the file.");
+            expected.push_back("Could not remove the undo record " + recordName() + ".");
+            EXPECT_EQ(messages, expected);
+        }
+    });
+}
+
+TEST_F(InterruptedWriteTest, ASeekOrAReadThatFailsLeavesTheFileAsItWas)
+{
+    forAll([&](const Kind& kind) {
+        for (const Script::eCalls calls : {Script::kSeeks, Script::kReads})
+        {
+            std::vector<std::string> messages;
+            Script script;
+            for (int turn = 1; turn == 1 || (script.hadItsTurn() && !HasFailure()); ++turn)
+            {
+                SCOPED_TRACE((calls == Script::kSeeks ? "seek " : "read ") + std::to_string(turn));
+                mFile->setBytes(mOld);
+                script = Script();
+                script.mCalls = calls;
+                script.mTurn = turn;
+                script.mAction = Script::kFail;
+                script.mError = EIO;
+                const bool isWritten = write(script);
+                EXPECT_TRUE(isWritten || !mErrors.empty());
+                EXPECT_EQ(mFile->bytes(), isWritten ? mNew : mOld);
+                EXPECT_FALSE(hasRecord());
+                if (!isWritten)
+                    messages.push_back(mErrors);
+            }
+            const auto& last = kind.seekMessages;
+            if (calls == Script::kSeeks)
+            {
+                EXPECT_EQ(std::vector<std::string>(messages.end() - static_cast<int>(last.size()), messages.end()),
+                          last);
+            }
+            else
+            {
+                EXPECT_NE(std::find(messages.begin(), messages.end(),
+                                    "Could not read the old bytes of " + mFile->name() + "."),
+                          messages.end());
+            }
+        }
+    });
+}
+
+TEST_F(InterruptedWriteTest, CallsThatAreInterruptedOrDoneInPartAreCompleted)
+{
+    forAll([&](const Kind&) {
+        for (const Script::eAction action : {Script::kInterrupt, Script::kShorten})
+        {
+            Script script;
+            for (int turn = 1; turn == 1 || script.hadItsTurn(); ++turn)
+            {
+                mFile->setBytes(mOld);
+                script = Script();
+                script.mTurn = turn;
+                script.mAction = action;
+                EXPECT_TRUE(write(script)) << mErrors;
+                EXPECT_EQ(mFile->bytes(), mNew);
+                EXPECT_FALSE(hasRecord());
+            }
+        }
+    });
+}
+
+TEST_F(InterruptedWriteTest, ADiskThatIsFullAnywhereLeavesTheFileAsItWas)
+{
+    forAll([&](const Kind&) {
+        const std::size_t last = std::max(mOld.size(), mNew.size());
+        for (std::size_t size = mOld.size() - 40; size <= last; size += last / 150)
+        {
+            SCOPED_TRACE(size);
+            mFile->setBytes(mOld);
+            {
+                const FullDisk disk(size);
+                EXPECT_FALSE(write() && mNew.size() > size);
+            }
+            EXPECT_EQ(mFile->bytes(), mErrors.empty() ? mNew : mOld) << mErrors;
+            EXPECT_FALSE(hasRecord());
+        }
+    });
+}
+
+TEST_F(InterruptedWriteTest, WhatCannotBePutBackStaysInTheRecord)
+{
+    const std::string damaged = " The old bytes could not be put back: ";
+    forAll([&](const Kind&) {
+        int damages = 0;
+        Script script;
+        for (int turn = 1; turn == 1 || (script.hadItsTurn() && !HasFailure()); ++turn)
+        {
+            SCOPED_TRACE("the disk fails from call " + std::to_string(turn) + " on");
+            mFile->setBytes(mOld);
+            script = Script();
+            script.mTurn = turn;
+            script.mAction = Script::kFailForGood;
+            script.mError = EIO;
+            const bool isWritten = write(script);
+            EXPECT_EQ(isWritten, !script.hadItsTurn());
+            EXPECT_TRUE(hasRecord() || mFile->bytes() == mOld || mFile->bytes() == mNew);
+            damages +=
+                mErrors.find(damaged + mFile->name() + " may be damaged until " + recordName()) != std::string::npos;
+            expectOldOrNewAfterRead();
+        }
+        EXPECT_GE(damages, 3);
+
+        mFile->setBytes(mOld);
+        mAccessor->setDurability(Accessor::kMemoryOnly);
+        script = Script();
+        script.mTurn = 2;
+        script.mAction = Script::kFailForGood;
+        const bool isWritten = write(script);
+        EXPECT_EQ(isWritten, !script.hadItsTurn());
+        if (script.hadItsTurn() && mFile->bytes() != mOld)
+        {
+            EXPECT_THAT(mErrors, testing::EndsWith(damaged + mFile->name() + " may be damaged."));
+        }
+    });
+}
+} // namespace
+} // namespace vumo::test
