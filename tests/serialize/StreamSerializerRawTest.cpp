@@ -302,6 +302,7 @@ private:
 TEST_F(StreamSerializerRawTest, Read_IsTheSameHoweverMuchTheBufferHolds)
 {
     registered("name=P:float=f:string=s");
+    static constexpr std::size_t kSizes[] = {1, 2, 3, 5, 7, 10, 64, 100, 1000, 1023, 1024, 1025, 5000};
     const std::string head = "name S\nindexType numeric\nstructure P\n";
     const std::string good = head + "0\n1.5 \"a \\\"b\"\n70\n-2e+10 \"\"\n";
     const std::string tooLong = "5\n" + std::string(1500, '7') + "\n";
@@ -323,7 +324,7 @@ TEST_F(StreamSerializerRawTest, Read_IsTheSameHoweverMuchTheBufferHolds)
     };
     for (const auto& row : cases)
     {
-        for (const std::size_t size : {1, 2, 3, 5, 7, 10, 64, 100, 1000, 1023, 1024, 1025, 5000})
+        for (const std::size_t size : kSizes)
         {
             SCOPED_TRACE(size);
             PiecewiseBuffer buffer(row.text, size);
