@@ -1,21 +1,16 @@
 #pragma once
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <climits>
-#include <cstdarg>
-#include <cstdio>
 #include <string>
 #include <vector>
 
 namespace vumo::test
 {
 /// Stands between the library and the system's calls on files, in this program: counts them, notes what they do, and
-/// ends the process or lets a call fail when its turn comes. One source file of a program includes this.
+/// ends the process or lets a call fail when its turn comes.
 struct FileCallScript
 {
     enum eCalls
@@ -40,7 +35,8 @@ struct FileCallScript
     static constexpr int kExitCode = 77;
 
     eCalls mCalls = kChanges;
-    int mTurn = 0; // counted from 1; 0: never
+    std::string mPlace; // where calls count, as "write scene"; empty: everywhere
+    int mTurn = 0;      // counted from 1; 0: never
     eAction mAction = kPass;
     int mError = 0;
 
@@ -56,58 +52,15 @@ struct FileCallScript
 
     bool hadItsTurn() const { return mTurn > 0 && mCount >= mTurn; }
 
+    /// A file by its name or, where that is null, by its descriptor.
+    struct Target
+    {
+        const char* mPath;
+        int mDescriptor;
+    };
+
     /// Says what to do with a call; `isWrite` for one that may be done by half.
-    static eAction next(eCalls calls, const char* what, const std::string& target, bool isWrite = false)
-    {
-        FileCallScript* const script = current();
-        if (!script || script->mCalls != calls)
-            return kPass;
-        const std::string entry = std::string(what) + " " + kindOf(target);
-        if (script->mLog.empty() || script->mLog.back() != entry)
-            script->mLog.push_back(entry);
-        ++script->mCount;
-        if (script->mAction == kFailForGood && script->hadItsTurn())
-            return kFail;
-        if (script->mCount != script->mTurn)
-            return kPass;
-        const eAction action = script->mAction;
-        if (action == kExit || (action == kExitHalfway && !isWrite))
-            _exit(kExitCode);
-        if (action == kFailHalfway && isWrite)
-        {
-            script->mAction = kFail;
-            ++script->mTurn;
-            return kShorten;
-        }
-        if (action == kFailHalfway)
-            return kFail;
-        return action == kShorten && !isWrite ? kPass : action;
-    }
-
-    static int fail(eAction action)
-    {
-        errno = action == kInterrupt ? EINTR : current()->mError;
-        return -1;
-    }
-
-    static bool fails(eAction action) { return action == kFail || action == kInterrupt; }
-
-    static std::string kindOf(const std::string& path)
-    {
-        const std::string ending = ".vumo-undo";
-        struct stat status = {};
-        if (path.size() > ending.size() && path.compare(path.size() - ending.size(), ending.size(), ending) == 0)
-            return "record";
-        return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? "directory" : "scene";
-    }
-
-    static std::string pathOf(int descriptor)
-    {
-        char path[PATH_MAX];
-        const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-        const ssize_t size = readlink(link.c_str(), path, sizeof(path));
-        return std::string(path, size > 0 ? static_cast<std::size_t>(size) : 0);
-    }
+    static eAction next(eCalls calls, const char* what, const Target& target, bool isWrite = false);
 
     /// Puts a script in force while it lives.
     class Use
@@ -120,79 +73,20 @@ struct FileCallScript
     };
 };
 
-/// The result of a system call that has no bytes to count.
-template <class Call>
-int scripted(const char* what, const std::string& target, const Call& call)
+/// Runs the action in a process of its own; says whether the script ended that.
+template <class Action>
+bool isEndedBy(FileCallScript script, const Action& action)
 {
-    const FileCallScript::eAction action = FileCallScript::next(FileCallScript::kChanges, what, target);
-    return FileCallScript::fails(action) ? FileCallScript::fail(action) : static_cast<int>(call());
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        const FileCallScript::Use use(script);
+        _exit(action() ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    EXPECT_TRUE(code == FileCallScript::kExitCode || code == 0) << code;
+    return code == FileCallScript::kExitCode;
 }
 } // namespace vumo::test
-
-// The library finds these functions in front of those of the C library.
-#pragma GCC visibility push(default)
-extern "C"
-{
-    int open(const char* path, int flags, ...)
-    {
-        va_list arguments;
-        va_start(arguments, flags);
-        const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
-        va_end(arguments);
-        const auto call = [&] { return syscall(SYS_openat, AT_FDCWD, path, flags, mode); };
-        return (flags & O_CREAT) != 0 ? vumo::test::scripted("create", path, call) : static_cast<int>(call());
-    }
-
-    ssize_t pwrite(int descriptor, const void* bytes, size_t count, off_t position)
-    {
-        using Script = vumo::test::FileCallScript;
-        const auto action = Script::next(Script::kChanges, "write", Script::pathOf(descriptor), true);
-        if (Script::fails(action))
-            return Script::fail(action);
-        const size_t size = action == Script::kPass ? count : count / 2;
-        const ssize_t written = syscall(SYS_pwrite64, descriptor, bytes, size, position);
-        if (action == Script::kExitHalfway)
-            _exit(Script::kExitCode);
-        return written;
-    }
-
-    ssize_t pread(int descriptor, void* bytes, size_t count, off_t position)
-    {
-        using Script = vumo::test::FileCallScript;
-        const auto action = Script::next(Script::kReads, "read", Script::pathOf(descriptor), true);
-        if (Script::fails(action))
-            return Script::fail(action);
-        return syscall(SYS_pread64, descriptor, bytes, action == Script::kPass ? count : (count + 1) / 2, position);
-    }
-
-    off_t lseek(int descriptor, off_t offset, int way) noexcept
-    {
-        using Script = vumo::test::FileCallScript;
-        const auto action = Script::next(Script::kSeeks, "seek", Script::pathOf(descriptor));
-        return Script::fails(action) ? Script::fail(action) : syscall(SYS_lseek, descriptor, offset, way);
-    }
-
-    int ftruncate(int descriptor, off_t size) noexcept
-    {
-        return vumo::test::scripted("cut", vumo::test::FileCallScript::pathOf(descriptor),
-                                    [&] { return syscall(SYS_ftruncate, descriptor, size); });
-    }
-
-    int fsync(int descriptor)
-    {
-        return vumo::test::scripted("sync", vumo::test::FileCallScript::pathOf(descriptor),
-                                    [&] { return syscall(SYS_fsync, descriptor); });
-    }
-
-    int fchmod(int descriptor, mode_t mode) noexcept
-    {
-        return vumo::test::scripted("share", vumo::test::FileCallScript::pathOf(descriptor),
-                                    [&] { return syscall(SYS_fchmod, descriptor, mode); });
-    }
-
-    int unlink(const char* path) noexcept
-    {
-        return vumo::test::scripted("remove", path, [&] { return syscall(SYS_unlinkat, AT_FDCWD, path, 0); });
-    }
-} // extern "C"
-#pragma GCC visibility pop

@@ -2,8 +2,6 @@
 #include "tests/accessor/FileCallScript.h"
 #include "tests/support/FullDisk.h"
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <filesystem>
 
@@ -12,23 +10,6 @@ namespace vumo::test
 namespace
 {
 using Script = FileCallScript;
-
-/// Runs the action in a process of its own; says whether the script ended that.
-template <class Action>
-bool isEndedBy(Script script, const Action& action)
-{
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        const Script::Use use(script);
-        _exit(action() ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_TRUE(WEXITSTATUS(status) == Script::kExitCode || WEXITSTATUS(status) == 0) << WEXITSTATUS(status);
-    return WEXITSTATUS(status) == Script::kExitCode;
-}
 
 /// A kind of scene file, and what each step of writing one says when it fails.
 struct Kind

@@ -31,7 +31,8 @@ public:
     /// another one, and a stream whose structure is not among structures().
     ///
     /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
-    /// A write that fails later, because the disk is full, say, leaves a damaged file.
+    /// A write that fails later, because the disk is full, say, puts the old bytes back; `Accessor` says what is done
+    /// for the case that it is interrupted.
     bool write(std::string& errors) const override;
 
     /// Says whether the first line is that of an ASCII scene file of a supported year.

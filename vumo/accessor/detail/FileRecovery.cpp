@@ -27,7 +27,8 @@ bool isAbsent(const File& recordFile)
 /// In a directory where everybody may put files, a record of somebody else's is no reason to change a file.
 bool isTrusted(const File& recordFile, const std::string& recordName, const File& file)
 {
-    return recordFile.hasOwnerOf(file) || !File(directoryOf(recordName), File::eMode::kDirectory).isSticky();
+    const File directory(directoryOf(recordName), File::eMode::kDirectory);
+    return recordFile.hasOwnerOf(file) || (directory.isOpen() && !directory.isSticky());
 }
 
 std::string notARecord(const std::string& recordName)

@@ -161,6 +161,9 @@ bool UndoRecord::store(const File& recordFile) const
 
 UndoRecord::eContent UndoRecord::load(const File& recordFile)
 {
+    std::array<char, kTableOffset> begin;
+    if (!mayBeginARecord({begin.data(), recordFile.read(0, begin.data(), begin.size())}))
+        return eContent::kForeign;
     mBytes.resize(static_cast<std::size_t>(recordFile.size()));
     if (recordFile.read(0, mBytes.data(), mBytes.size()) != mBytes.size())
         return eContent::kForeign;
@@ -170,8 +173,6 @@ UndoRecord::eContent UndoRecord::load(const File& recordFile)
 UndoRecord::eContent UndoRecord::parse()
 {
     std::string_view bytes = mBytes;
-    if (!mayBeginARecord(bytes))
-        return eContent::kForeign;
     if (bytes.size() < kTableOffset + kChecksumSize || bytes.front() == '\0')
         return eContent::kIncomplete;
     if (readBigEndian<std::uint32_t>(bytes.data() + kVersionOffset) != kVersion)
@@ -242,11 +243,11 @@ std::uint64_t UndoRecord::surroundingsIn(const File& file) const
         const auto size = static_cast<std::size_t>(end - begin);
         sum.add(std::string_view(buffer.data(), file.read(begin, buffer.data(), size)));
     };
+    if (!mRanges.empty())
+        add(0, std::min(mRanges.front().position, kSurroundingsSize));
     std::uint64_t end = 0; // of the range before
     for (const Range& range : mRanges)
     {
-        if (end == 0)
-            add(0, std::min(range.position, kSurroundingsSize));
         add(std::max(end, range.position - std::min(range.position, kSurroundingsSize)), range.position);
         end = range.end();
     }

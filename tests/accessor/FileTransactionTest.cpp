@@ -1,0 +1,208 @@
+#include "vumo/accessor/detail/FileTransaction.h"
+
+#include "tests/accessor/FileCallScript.h"
+#include "tests/support/Golden.h"
+#include "tests/support/Random.h"
+#include "tests/support/ScratchFile.h"
+#include "vumo/accessor/detail/Checksum.h"
+#include "vumo/accessor/detail/FileRecovery.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace vumo::test
+{
+namespace
+{
+using namespace vumo::Data;
+using namespace vumo::Data::detail;
+
+std::string randomBytes(Random& random, std::size_t size)
+{
+    std::string bytes(size, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(random.below(3)); // often the same in the old and the new bytes, and often zero
+    return bytes;
+}
+
+/// A change of a file that has that length: edits in any order, some of them behind its end, without gaps there.
+FileChange randomChange(Random& random, std::size_t length)
+{
+    FileChange change;
+    change.truncateFailed = "cut";
+    std::size_t position = 0;
+    for (unsigned int count = random.below(5); count > 0; --count)
+    {
+        position = std::min(position + random.below(9000), length);
+        const std::string bytes = randomBytes(random, random.below(3) == 0 ? random.below(9000) : random.below(40));
+        change.edits.push_back({position, bytes, "seek", "write"});
+        position += bytes.size();
+        length = std::max(length, position);
+    }
+    change.length = position + random.below(static_cast<unsigned int>(length - position) + 1);
+    std::reverse(change.edits.begin(), change.edits.begin() + random.below(2) * change.edits.size());
+    return change;
+}
+
+class FileTransactionTest : public testing::Test
+{
+protected:
+    bool run(const FileChange& change)
+    {
+        const File file(mFile.name(), File::eMode::kUpdate);
+        return beginWriting(file, mFile.name(), mErrors) &&
+               FileTransaction(file, mFile.name(), Accessor::kJournal).run(change, mErrors);
+    }
+
+    std::string recordName() const { return mFile.name() + ".vumo-undo"; }
+    bool hasRecord() const { return std::filesystem::exists(recordName()); }
+
+    std::string record() const
+    {
+        std::ifstream file(recordName(), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    void setRecord(const std::string& bytes) const
+    {
+        std::ofstream(recordName(), std::ios::binary | std::ios::trunc) << bytes;
+    }
+
+    /// Leaves the file of the golden record with its first and its last edit made.
+    void leaveBetween()
+    {
+        mFile.setBytes("head, a scene, old tail");
+        FileCallScript script;
+        script.mPlace = "sync scene";
+        script.mTurn = 1;
+        script.mAction = FileCallScript::kExit;
+        const FileChange change = {{{15, "new", "", ""}, {0, "HEAD", "", ""}}, 18, ""};
+        ASSERT_TRUE(isEndedBy(script, [&] { return run(change); }));
+        ASSERT_EQ(mFile.bytes(), "HEAD, a scene, new tail");
+    }
+
+    const ScratchFile mFile{".bin"};
+    std::string mErrors;
+};
+
+using FileTransactionGoldenTest = FileTransactionTest;
+using FileTransactionPropertyTest = FileTransactionTest;
+
+TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhereIsMadeAsAWholeOrNotAtAll)
+{
+    Random random;
+    SCOPED_TRACE(random.seedText());
+    int made = 0;
+    int restored = 0;
+    for (int round = 0; round < 250 && !HasFailure(); ++round)
+    {
+        const std::string before = randomBytes(random, random.below(20000));
+        const FileChange change = randomChange(random, before.size());
+        std::string after = before;
+        for (const FileEdit& edit : change.edits)
+        {
+            after.resize(std::max<std::size_t>(after.size(), edit.position + edit.bytes.size()));
+            after.replace(edit.position, edit.bytes.size(), edit.bytes);
+        }
+        after.resize(change.length);
+
+        mFile.setBytes(before);
+        FileCallScript script;
+        script.mTurn = 1 + static_cast<int>(random.below(24));
+        script.mAction = random.below(2) == 0 ? FileCallScript::kExit : FileCallScript::kExitHalfway;
+        const bool isEnded = isEndedBy(script, [&] { return run(change); });
+        while (hasRecord() && !HasFailure()) // also when it is ended again
+        {
+            script.mTurn = 1 + static_cast<int>(random.below(6));
+            isEndedBy(script, [&] { return recover(mFile.name(), mErrors); });
+        }
+        const std::string bytes = mFile.bytes();
+        EXPECT_TRUE(bytes == after || (isEnded && bytes == before));
+        made += bytes == after;
+        restored += bytes != after;
+    }
+    EXPECT_GT(made, 20);
+    EXPECT_GT(restored, 20);
+}
+
+TEST_F(FileTransactionGoldenTest, TheRecordFollowsItsLayout)
+{
+    leaveBetween();
+    EXPECT_EQ(record(), goldenBytes("undo_record.hex"));
+    EXPECT_TRUE(recover(mFile.name(), mErrors)) << mErrors;
+    EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
+}
+
+TEST_F(FileTransactionTest, ARecordThatIsDamagedChangesNothing)
+{
+    leaveBetween();
+    const std::string file = mFile.bytes();
+    const std::string good = record();
+    const auto expectNothing = [&](const std::string& bytes) {
+        setRecord(bytes);
+        mErrors.clear();
+        const bool isRecovered = recover(mFile.name(), mErrors);
+        EXPECT_EQ(isRecovered, !hasRecord());
+        EXPECT_EQ(mErrors.empty(), !hasRecord());
+        EXPECT_EQ(mFile.bytes(), file);
+    };
+    for (std::size_t size = 0; size < good.size(); ++size)
+    {
+        SCOPED_TRACE("cut at " + std::to_string(size));
+        expectNothing(good.substr(0, size));
+        EXPECT_FALSE(hasRecord()) << "its writer did not complete it";
+        expectNothing(good.substr(0, size) + std::string(good.size() - size, '\0'));
+    }
+    for (std::size_t i = 0; i < good.size(); ++i)
+    {
+        for (const int pattern : {0x01, 0x80, 0xFF})
+        {
+            SCOPED_TRACE("byte " + std::to_string(i) + ", pattern " + std::to_string(pattern));
+            std::string bytes = good;
+            bytes[i] = static_cast<char>(bytes[i] ^ pattern);
+            expectNothing(bytes);
+        }
+    }
+    std::remove(recordName().c_str());
+}
+
+TEST_F(FileTransactionTest, ARecordThatContradictsItselfIsRefused)
+{
+    leaveBetween();
+    const std::string file = mFile.bytes();
+    const std::string good = record();
+    constexpr std::size_t kOldLength = 16;
+    constexpr std::size_t kFirstPosition = 40;
+    constexpr std::size_t kSecondPosition = 64;
+    const struct
+    {
+        std::size_t offset;
+        std::uint64_t number;
+    } cases[] = {
+        {kFirstPosition, 20},         {kFirstPosition, ~0ULL}, {kSecondPosition, 3}, {kSecondPosition, 1ULL << 62},
+        {kSecondPosition, ~0ULL - 1}, {kOldLength, 17},        {kOldLength, ~0ULL},
+    };
+    for (const auto& [offset, number] : cases)
+    {
+        SCOPED_TRACE(std::to_string(number) + " at " + std::to_string(offset));
+        std::string bytes = good;
+        bytes.replace(offset, 8, bigEndian(number));
+        // The pieces that follow the head: old and new bytes of each of the three ranges.
+        Checksum checksum;
+        std::size_t position = 0;
+        for (const std::size_t size : {112U, 4U, 4U, 3U, 3U, 5U, 0U})
+        {
+            checksum.add(std::string_view(bytes).substr(position, size));
+            position += size;
+        }
+        ASSERT_EQ(position + 8, bytes.size());
+        bytes.replace(position, 8, bigEndian(checksum.value()));
+        setRecord(bytes);
+        mErrors.clear();
+        EXPECT_FALSE(recover(mFile.name(), mErrors));
+        EXPECT_EQ(mFile.bytes(), file);
+    }
+    std::remove(recordName().c_str());
+}
+} // namespace
+} // namespace vumo::test

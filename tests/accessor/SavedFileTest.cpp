@@ -1,0 +1,353 @@
+#include "tests/accessor/AccessorFixture.h"
+#include "tests/accessor/FileCallScript.h"
+#include "tests/support/ScratchFolder.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace vumo::test
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+std::string bytesOf(const std::string& name)
+{
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void setBytes(const std::string& name, const std::string& bytes)
+{
+    std::ofstream(name, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+struct stat statusOf(const std::string& name)
+{
+    struct stat status = {};
+    EXPECT_EQ(lstat(name.c_str(), &status), 0) << name;
+    return status;
+}
+
+/// What the action says in a process of its own, which permissions bind as they bind any user.
+template <class Action>
+std::string asAnyUser(const Action& action)
+{
+    int ends[2] = {};
+    EXPECT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        constexpr uid_t kNobody = 65534;
+        const bool isBound =
+            geteuid() != 0 || (setresgid(kNobody, kNobody, kNobody) == 0 && setresuid(kNobody, kNobody, kNobody) == 0);
+        const std::string said = isBound ? action() : "cannot become another user";
+        const bool isSaid = write(ends[1], said.data(), said.size()) == static_cast<ssize_t>(said.size());
+        _exit(isSaid ? 0 : 1);
+    }
+    close(ends[1]);
+    std::string said(4096, '\0');
+    std::size_t size = 0;
+    for (ssize_t got = 1; got > 0; size += static_cast<std::size_t>(got))
+        got = std::max<ssize_t>(0, read(ends[0], &said[size], said.size() - size));
+    close(ends[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    return said.substr(0, size);
+}
+
+class SavedFileTest : public AccessorFixture
+{
+protected:
+    SavedFileTest() { setBytes(mName, mScene); }
+
+    /// Gives the scene a weight and writes it.
+    bool save(const std::string& name)
+    {
+        mErrors.clear();
+        const auto accessor = readScene(name);
+        accessor->setStructures({mWeight.get()});
+        accessor->associations()["Body"] = associationsOf("vertex", "weights", *mWeight, 0, "0.75");
+        return accessor->write(mErrors);
+    }
+
+    bool isSaved(const std::string& name) const
+    {
+        return bytesOf(name) != mScene && valueAt(*readScene(name), "Body", "vertex", "weights", 0) == "0.75";
+    }
+
+    /// Leaves the scene half written, with its record, as a process does that is killed then.
+    void leaveHalfWritten(const std::string& name)
+    {
+        FileCallScript script;
+        script.mPlace = "write scene";
+        script.mTurn = 2;
+        script.mAction = FileCallScript::kExitHalfway;
+        ASSERT_TRUE(isEndedBy(script, [&] { return save(name); }));
+        ASSERT_TRUE(fs::exists(name + kEnding));
+        ASSERT_NE(bytesOf(name), mScene);
+    }
+
+    /// What a read says that must leave the file and its record alone.
+    std::string refusalToRead(const std::string& name)
+    {
+        const std::string file = bytesOf(name);
+        const std::string record = bytesOf(name + kEnding);
+        std::string errors;
+        OvriBinaryFileAccessor accessor;
+        EXPECT_FALSE(accessor.read(name, errors));
+        EXPECT_EQ(bytesOf(name), file);
+        EXPECT_EQ(bytesOf(name + kEnding), record);
+        return errors;
+    }
+
+    static constexpr char kEnding[] = ".vumo-undo";
+    const std::string mScene = sceneWith(example::cameraChunk() + example::pluginChunk());
+    const Ref<Structure> mWeight = valueStructure("Weight");
+    const ScratchFolder mFolder;
+    const std::string mName = mFolder / "scene.ob";
+    std::string mErrors;
+};
+
+TEST_F(SavedFileTest, TheFileStaysTheOneThatItWas)
+{
+    const std::string other = mFolder / "other.ob";
+    fs::create_hard_link(mName, other);
+    ASSERT_EQ(chmod(mName.c_str(), 0640), 0);
+    const struct stat before = statusOf(mName);
+    ASSERT_TRUE(save(mName)) << mErrors;
+    const struct stat after = statusOf(mName);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_nlink, 2U);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(after.st_uid, before.st_uid);
+    EXPECT_TRUE(isSaved(other));
+}
+
+TEST_F(SavedFileTest, TheRecordIsForThoseWhoMayReadTheFile)
+{
+    for (const mode_t mode : {0600U, 0640U, 0664U})
+    {
+        setBytes(mName, mScene);
+        ASSERT_EQ(chmod(mName.c_str(), mode), 0);
+        leaveHalfWritten(mName);
+        EXPECT_EQ(statusOf(mName + kEnding).st_mode & 07777, mode);
+        EXPECT_TRUE(Accessor::recover(mName, mErrors)) << mErrors;
+    }
+}
+
+TEST_F(SavedFileTest, ASymbolicLinkStaysOneAndItsRecordStandsBesideTheFile)
+{
+    const std::string link = mFolder / "link.ob";
+    fs::create_directory(mFolder / "deep");
+    const std::string name = mFolder / "deep/scene.ob";
+    fs::rename(mName, name);
+    fs::create_symlink("deep/scene.ob", link);
+    FileCallScript script;
+    script.mPlace = "write scene";
+    script.mTurn = 2;
+    script.mAction = FileCallScript::kExitHalfway;
+    ASSERT_TRUE(isEndedBy(script, [&] { return save(link); }));
+    EXPECT_FALSE(fs::exists(link + kEnding));
+    EXPECT_TRUE(fs::exists(name + kEnding));
+    ASSERT_TRUE(readScene(link));
+    EXPECT_EQ(bytesOf(name), mScene);
+    EXPECT_TRUE(fs::is_symlink(link));
+
+    ASSERT_TRUE(save(link)) << mErrors;
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_TRUE(isSaved(name));
+}
+
+TEST_F(SavedFileTest, InADirectoryThatCannotBeWrittenToTheFileCan)
+{
+    ASSERT_EQ(chmod(mName.c_str(), 0666), 0);
+    ASSERT_EQ(chmod(mFolder.name().c_str(), 0555), 0);
+    EXPECT_EQ(asAnyUser([&] { return save(mName) ? "saved" : mErrors; }), "saved");
+    EXPECT_TRUE(isSaved(mName));
+
+    setBytes(mName, mScene);
+    EXPECT_EQ(asAnyUser([&] {
+                  FileCallScript script;
+                  script.mPlace = "write scene";
+                  script.mTurn = 3;
+                  script.mAction = FileCallScript::kFailHalfway;
+                  script.mError = ENOSPC;
+                  const FileCallScript::Use use(script);
+                  return save(mName) ? "saved" : mErrors;
+              }),
+              "Failed to write the backward chunk size.");
+    EXPECT_EQ(bytesOf(mName), mScene);
+}
+
+TEST_F(SavedFileTest, AFileThatCannotBeWrittenToIsRead)
+{
+    ASSERT_EQ(chmod(mName.c_str(), 0444), 0);
+    ASSERT_EQ(chmod(mFolder.name().c_str(), 0755), 0);
+    EXPECT_EQ(asAnyUser([&] { return save(mName) ? "saved" : mErrors; }), "Could not open " + mName + " for writing.");
+
+    ASSERT_EQ(chmod(mName.c_str(), 0644), 0);
+    leaveHalfWritten(mName);
+    ASSERT_EQ(chmod(mName.c_str(), 0444), 0);
+    EXPECT_EQ(asAnyUser([&] { return refusalToRead(mName); }),
+              "Writing " + mName + " was interrupted. Make it writable and read it again: " + mName + kEnding +
+                  " holds what restores it.");
+
+    setBytes(mName + kEnding, bytesOf(mName + kEnding).substr(0, 50)); // and so its writer did not come to the scene
+    ASSERT_EQ(chmod(mName.c_str(), 0644), 0);
+    setBytes(mName, mScene);
+    ASSERT_EQ(chmod(mName.c_str(), 0444), 0);
+    EXPECT_EQ(asAnyUser([&] { return readScene(mName) ? "read" : ""; }), "read");
+}
+
+TEST_F(SavedFileTest, OnlyOneWritesAtATime)
+{
+    const int other = open(mName.c_str(), O_RDONLY);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    EXPECT_FALSE(save(mName));
+    EXPECT_EQ(mErrors, mName + " is being written by somebody else.");
+    EXPECT_EQ(bytesOf(mName), mScene);
+    close(other);
+    EXPECT_TRUE(save(mName)) << mErrors;
+
+    setBytes(mName, mScene);
+    leaveHalfWritten(mName);
+    const int writer = open(mName.c_str(), O_RDONLY);
+    ASSERT_EQ(flock(writer, LOCK_EX), 0);
+    EXPECT_EQ(refusalToRead(mName), mName + " is being written by somebody else.");
+    close(writer);
+    EXPECT_TRUE(readScene(mName));
+    EXPECT_EQ(bytesOf(mName), mScene);
+}
+
+TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFileIsNotApplied)
+{
+    leaveHalfWritten(mName);
+    const std::string half = bytesOf(mName);
+    const std::string record = bytesOf(mName + kEnding);
+    const std::string start = "The undo record " + mName + kEnding + " does not fit " + mName + " any more";
+    const auto changedAt = [&](std::size_t position) {
+        std::string bytes = half;
+        bytes[position] = static_cast<char>(bytes[position] ^ 0x55);
+        return bytes;
+    };
+    const struct
+    {
+        const char* what;
+        std::string bytes;
+    } cases[] = {
+        {"another head", changedAt(3)},
+        {"another size of the main chunk", changedAt(15)},
+        {"another byte of the scene in front of the trailer", changedAt(mScene.size() - 200)},
+        {"another byte among the written ones", changedAt(half.size() - 80)},
+        {"a longer file", half + std::string(1000, 'x')},
+        {"a shorter file", half.substr(0, mScene.size() - 1)},
+        {"another scene", sceneWith(example::cameraChunk())},
+    };
+    for (const auto& sample : cases)
+    {
+        SCOPED_TRACE(sample.what);
+        setBytes(mName, sample.bytes);
+        EXPECT_THAT(refusalToRead(mName), testing::StartsWith(start));
+        mErrors.clear();
+        EXPECT_FALSE(Accessor::recover(mName, mErrors));
+        EXPECT_THAT(mErrors, testing::StartsWith(start));
+        OvriBinaryFileAccessor accessor;
+        accessor.read(mName, mErrors);
+        mErrors.clear();
+        EXPECT_FALSE(accessor.write(mErrors));
+        EXPECT_THAT(mErrors, testing::StartsWith(start));
+        EXPECT_EQ(bytesOf(mName), sample.bytes);
+        EXPECT_EQ(bytesOf(mName + kEnding), record);
+    }
+    setBytes(mName, half);
+    EXPECT_TRUE(Accessor::recover(mName, mErrors));
+    EXPECT_EQ(bytesOf(mName), mScene);
+    EXPECT_FALSE(fs::exists(mName + kEnding));
+}
+
+TEST_F(SavedFileTest, ARecordOfTheCompleteChangeIsOnlyRemoved)
+{
+    FileCallScript script;
+    script.mPlace = "remove record";
+    script.mTurn = 1;
+    script.mAction = FileCallScript::kExit;
+    ASSERT_TRUE(isEndedBy(script, [&] { return save(mName); }));
+    ASSERT_TRUE(fs::exists(mName + kEnding));
+    EXPECT_TRUE(isSaved(mName)) << "a save that was done is not taken back";
+    EXPECT_FALSE(fs::exists(mName + kEnding));
+}
+
+TEST_F(SavedFileTest, WhatIsNoRecordIsLeftAlone)
+{
+    const std::string refusal = mName + kEnding + " is not an undo record that can be used. Move it away to go on.";
+    leaveHalfWritten(mName);
+    std::string newer = bytesOf(mName + kEnding);
+    newer[11] = 2;
+    for (const std::string& bytes : {std::string("my notes on this scene"), newer})
+    {
+        setBytes(mName + kEnding, bytes);
+        EXPECT_EQ(refusalToRead(mName), refusal);
+    }
+    fs::remove(mName + kEnding);
+    setBytes(mFolder / "elsewhere", "x");
+    fs::create_symlink(mFolder / "elsewhere", mName + kEnding);
+    EXPECT_EQ(refusalToRead(mName), refusal);
+    fs::remove(mName + kEnding);
+    ASSERT_EQ(mkfifo((mName + kEnding).c_str(), 0600), 0);
+    std::string errors;
+    EXPECT_FALSE(Accessor::recover(mName, errors));
+    EXPECT_EQ(errors, refusal);
+}
+
+TEST_F(SavedFileTest, ARecordOfSomebodyElseIsNoReasonToChangeAFile)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only the administrator gives files away";
+    leaveHalfWritten(mName);
+    ASSERT_EQ(chown((mName + kEnding).c_str(), 65534, 65534), 0);
+    ASSERT_EQ(chmod(mFolder.name().c_str(), 01777), 0);
+    EXPECT_THAT(refusalToRead(mName), testing::HasSubstr("is not an undo record that can be used"));
+    ASSERT_EQ(chmod(mFolder.name().c_str(), 0777), 0);
+    EXPECT_TRUE(Accessor::recover(mName, mErrors)) << "whoever made the record could replace the scene as well";
+    EXPECT_EQ(bytesOf(mName), mScene);
+}
+
+TEST_F(SavedFileTest, WhatIsNoFileIsNeitherReadNorWaitedFor)
+{
+    const std::string pipe = mFolder / "pipe.ob";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& name : {pipe, mFolder / "pipe.oa", std::string("/dev/null")})
+    {
+        if (name.back() == 'a')
+            fs::rename(pipe, name);
+        OvriBinaryFileAccessor binary;
+        EXPECT_FALSE(binary.read(name, mErrors));
+        EXPECT_EQ(mErrors, "File not valid.");
+        EXPECT_FALSE(binary.isFileSupported(name));
+        OvriAsciiFileAccessor ascii;
+        EXPECT_FALSE(ascii.read(name, mErrors));
+        EXPECT_EQ(mErrors, "Could not open " + name);
+        for (const Accessor* const accessor : {static_cast<Accessor*>(&binary), static_cast<Accessor*>(&ascii)})
+        {
+            mErrors.clear();
+            EXPECT_FALSE(accessor->write(mErrors));
+            EXPECT_EQ(mErrors, "Could not open " + name + " for writing.");
+        }
+    }
+}
+
+TEST_F(SavedFileTest, Recover_HasNothingToDoWithoutARecord)
+{
+    for (const std::string& name : {mName, mFolder / "absent.ob", std::string()})
+        EXPECT_TRUE(Accessor::recover(name, mErrors));
+    EXPECT_EQ(mErrors, "");
+    EXPECT_EQ(bytesOf(mName), mScene);
+}
+} // namespace
+} // namespace vumo::test
