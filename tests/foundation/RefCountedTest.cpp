@@ -3,6 +3,7 @@
 #include "tests/support/DataFixtures.h"
 #include "vumo/foundation/Ref.h"
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -51,6 +52,30 @@ TEST(RefCountedTest, CopiesAndAssignments_NeverTakeACount)
     assigned = held;
     EXPECT_EQ(assigned.refCount(), 1);
     EXPECT_EQ(held.refCount(), 2);
+}
+
+TEST(RefCountedTest, ObjectsOfSeveralThreads_NeverShareACounter)
+{
+    constexpr int kObjects = 3000;
+    std::atomic<int> wrongCounts = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+    {
+        threads.emplace_back([&] {
+            std::vector<Ref<RefCounted>> objects;
+            for (int n = 0; n < kObjects; ++n)
+            {
+                objects.emplace_back(new RefCounted);
+                if (n % 3 == 0)
+                    objects.pop_back(); // gives its counter to whoever is next
+            }
+            for (const Ref<RefCounted>& object : objects)
+                wrongCounts += object->refCount() == 1 ? 0 : 1;
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrongCounts, 0);
 }
 
 TEST(RefCountedTest, Counting_LosesNothingAcrossThreads)
