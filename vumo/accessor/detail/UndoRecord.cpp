@@ -106,8 +106,7 @@ void UndoRecord::addRanges(const FileChange& change)
     }
     if (mNewLength < mOldLength)
         mRanges.push_back({mNewLength, {}, {}});
-    std::stable_sort(mRanges.begin(), mRanges.end(),
-                     [](const Range& a, const Range& b) { return a.position < b.position; });
+    std::sort(mRanges.begin(), mRanges.end(), [](const Range& a, const Range& b) { return a.position < b.position; });
 }
 
 bool UndoRecord::readOldBytes(const File& file)
