@@ -193,6 +193,7 @@ protected:
     {
         mFile.setBytes(mGood);
         mHolder = readScene(mFile.name());
+        mHolder->setDurability(Accessor::kMemoryOnly); // thousands of writes need not wait for the disk
     }
 
     void expectRefusedOrRead(const std::string& damaged)

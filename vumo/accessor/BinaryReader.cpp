@@ -243,7 +243,7 @@ bool BinaryReader::readMetadata(std::istream& in, const std::set<std::string>* s
     std::uint64_t trailerEnd = 0;
     if (!seekToTrailerStart(in, mainSizePosition, trailerSizePosition, trailerEnd, errors))
         return false;
-    ChunkCursor chunks(in, trailerEnd - (trailerSizePosition + kGroupSizeToStart));
+    ChunkCursor chunks(in, trailerEnd - (trailerSizePosition + kGroupSizeToStart), ChunkCursor::kWindowToRead);
     return TrailerReader(structureNames, associationNames, associations, errors).read(chunks);
 }
 } // namespace vumo::Data

@@ -201,7 +201,7 @@ bool appendNewMetadata(const Accessor::StructureSet& structures,
 bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::StructureSet& structures,
                   const std::map<std::string, Associations>& associations, std::string& content, std::string& errors)
 {
-    ChunkCursor chunks(in, old.length());
+    ChunkCursor chunks(in, old.length(), ChunkCursor::kWindowToSkip);
     std::string after;
     content.reserve(old.length()); // it is seldom much longer
     if (!readKeptChunks(chunks, content, after, errors) ||

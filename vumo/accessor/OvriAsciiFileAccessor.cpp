@@ -196,7 +196,7 @@ bool findTail(std::istream& file, AsciiTail& tail, std::string& errors)
     }
     tail.size = file.tellg();
     std::string fault;
-    if (!detail::findAsciiTail(file, tail, fault))
+    if (!detail::findAsciiTail(file, detail::eAsciiTexts::kUnwanted, tail, fault))
     {
         errors += "Failed reading line while searching metadata start.";
         return false;
@@ -216,31 +216,34 @@ std::streamoff regionStart(const AsciiTail& tail)
     return tail.statements.empty() ? tail.trailer : std::min(tail.trailer, tail.statements.back().begin);
 }
 
+/// Appends what stands between two positions.
+bool appendBytes(std::istream& file, std::streamoff from, std::streamoff to, std::string& bytes, std::string& errors)
+{
+    const std::string::size_type oldSize = bytes.size();
+    bytes.resize(oldSize + static_cast<std::string::size_type>(to - from));
+    if (!file.seekg(from))
+        errors += "Failed to seek to the trailer position.";
+    else if (!file.read(&bytes[oldSize], to - from))
+        errors += "Failed to read the file trailer.";
+    return static_cast<bool>(file);
+}
+
 /// Reads what stays of that part: the lines above the trailer line, and those from it on.
 bool readKept(std::istream& file, const AsciiTail& tail, std::string& above, std::string& trailer, std::string& errors)
 {
-    const std::streamoff start = regionStart(tail);
-    std::string region(static_cast<std::size_t>(tail.size - start), '\0');
-    if (!file.seekg(start))
-        errors += "Failed to seek to the trailer position.";
-    else if (!file.read(region.data(), static_cast<std::streamsize>(region.size())))
-        errors += "Failed to read the file trailer.";
-    if (!file)
-        return false;
-
     const auto keep = [&](std::streamoff from, std::streamoff to) {
         const std::streamoff split = std::clamp(tail.trailer, from, to);
-        above.append(region, static_cast<std::size_t>(from - start), static_cast<std::size_t>(split - from));
-        trailer.append(region, static_cast<std::size_t>(split - start), static_cast<std::size_t>(to - split));
+        return (from == split || appendBytes(file, from, split, above, errors)) &&
+               (split == to || appendBytes(file, split, to, trailer, errors));
     };
-    std::streamoff position = start;
+    std::streamoff position = regionStart(tail);
     for (auto statement = tail.statements.rbegin(); statement != tail.statements.rend(); ++statement)
     {
-        keep(position, statement->begin);
+        if (!keep(position, statement->begin))
+            return false;
         position = statement->next;
     }
-    keep(position, tail.size);
-    return true;
+    return keep(position, tail.size);
 }
 
 /// What makes the file end with `content`, from `start` on.
@@ -310,7 +313,7 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
     }
     AsciiTail tail;
     tail.size = in.tellg();
-    if (!detail::findAsciiTail(in, tail, fault))
+    if (!detail::findAsciiTail(in, detail::eAsciiTexts::kWanted, tail, fault))
     {
         errors = fault;
         return false;

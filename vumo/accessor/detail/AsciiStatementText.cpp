@@ -114,6 +114,7 @@ bool appendAssociations(const std::string& target, const Associations& associati
     std::string text;
     if (!serializeAssociations(associations, text, errors))
         return false;
+    out.reserve(out.size() + text.size() + text.size() / 8); // most texts have an escape in each line of some length
     out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
            quoted(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " \"";
     appendEscapedValue(text, out);

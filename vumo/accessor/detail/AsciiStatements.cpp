@@ -74,8 +74,9 @@ AsciiStatement statementOf(eLine kind, const BackwardLines::Line& begin, const B
 }
 } // namespace
 
-bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error)
+bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::string& error)
 {
+    const bool areWanted = texts == eAsciiTexts::kWanted;
     BackwardLines lines(in, tail.size);
     BackwardLines::Line line;
     BackwardLines::Line last; // of the statement that the lines above it belong to
@@ -96,12 +97,12 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error)
         {
             tail.statements.push_back(statementOf(kind, line, hasLast ? &last : nullptr));
             AsciiStatement& statement = tail.statements.back();
-            if (!lines.readText(statement.begin, statement.end, statement.text))
+            if (areWanted && !lines.readText(statement.begin, statement.end, statement.text))
                 break;
         }
         if (kind != kContinuation)
             hasLast = false;
-        if (!hasLast)
+        if (!hasLast || !areWanted)
             lines.forgetFrom(line.begin);
     }
     error = lines.error();

@@ -19,7 +19,7 @@ struct AsciiStatement
     std::streamoff begin = 0;
     std::streamoff end = 0;  ///< behind its ";"; as `begin` when the statement has no end
     std::streamoff next = 0; ///< of the line that follows
-    std::string text;        ///< as it stands in the file; empty when the statement has no end
+    std::string text;        ///< as it stands in the file, when it is wanted; empty when the statement has no end
 
     bool isComplete() const { return end > begin; }
 };
@@ -32,7 +32,14 @@ struct AsciiTail
     std::streamoff size = 0;                ///< of the file
 };
 
+/// Whether the texts of the statements are wanted, or only the places where they stand.
+enum class eAsciiTexts
+{
+    kWanted,
+    kUnwanted
+};
+
 /// Searches a file backwards for metadata statements, up to the first host statement. Reads of the scene no more
 /// than that takes, and holds none of it. False, with `error` set, when the file could not be read.
-bool findAsciiTail(std::istream& in, AsciiTail& tail, std::string& error);
+bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::string& error);
 } // namespace vumo::Data::detail

@@ -23,13 +23,13 @@ constexpr Escape kEscapes[] = {{'\a', 'a'}, {'\b', 'b'}, {'\t', 't'},  {'\n', 'n
 
 constexpr std::size_t kOctalDigits = 3;
 
-bool isControl(unsigned char code)
+constexpr bool isControl(unsigned char code)
 {
     return code < 0x20 || code == 0x7F;
 }
 
 /// Says for each byte whether it stands for itself in a value, escaped or not, unless inside a longer character.
-std::array<bool, 256> bytesThatStay()
+constexpr std::array<bool, 256> bytesThatStay()
 {
     std::array<bool, 256> result = {};
     for (std::size_t code = 0; code < result.size(); ++code)
@@ -40,11 +40,7 @@ std::array<bool, 256> bytesThatStay()
     return result;
 }
 
-bool stays(char byte)
-{
-    static const std::array<bool, 256> theBytes = bytesThatStay();
-    return theBytes[static_cast<unsigned char>(byte)];
-}
+constexpr std::array<bool, 256> kBytesThatStay = bytesThatStay();
 
 /// Walks a text by characters of the current locale's encoding. A byte that is no part of one stands alone.
 class Characters
@@ -60,7 +56,7 @@ public:
     /// Steps over all characters that stay as they are, up to the next one to be looked at.
     void stepOverWhatStays()
     {
-        while (mNext != mEnd && stays(*mNext))
+        while (mNext != mEnd && kBytesThatStay[static_cast<unsigned char>(*mNext)])
             ++mNext;
     }
 

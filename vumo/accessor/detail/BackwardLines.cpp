@@ -65,18 +65,17 @@ bool BackwardLines::readText(std::streamoff begin, std::streamoff end, std::stri
 void BackwardLines::forgetFrom(std::streamoff offset)
 {
     if (holdsAll(offset, offset))
-        mBytes.resize(mRoom + static_cast<std::size_t>(offset - mBegin));
+        mHeld = static_cast<std::size_t>(offset - mBegin);
 }
 
 bool BackwardLines::holdsAll(std::streamoff begin, std::streamoff end) const
 {
-    return begin >= mBegin && static_cast<std::size_t>(end - mBegin) <= mBytes.size() - mRoom;
+    return begin >= mBegin && static_cast<std::size_t>(end - mBegin) <= mHeld;
 }
 
 std::string_view BackwardLines::held(std::streamoff begin, std::streamoff end) const
 {
-    return std::string_view(mBytes).substr(mRoom + static_cast<std::size_t>(begin - mBegin),
-                                           static_cast<std::size_t>(end - begin));
+    return {mBytes.get() + mRoom + (begin - mBegin), static_cast<std::size_t>(end - begin)};
 }
 
 /// The character in front of `end`; zero when it is not held.
@@ -88,8 +87,8 @@ char BackwardLines::lastOf(std::streamoff end) const
 /// Reads the block before what is held.
 bool BackwardLines::load()
 {
-    if (mBytes.size() - mRoom > kLongestHeld)
-        mBytes.resize(mRoom + kHeadSize);
+    if (mHeld > kLongestHeld)
+        mHeld = kHeadSize;
     const auto size = static_cast<std::size_t>(std::min(mBegin, blockSize(mSize - mBegin)));
     if (mRoom < size)
         makeRoom(size);
@@ -98,9 +97,10 @@ bool BackwardLines::load()
     if (!read(position, &mBytes[place], size))
         return false;
     mRoom = place;
+    mHeld += size;
     mBegin = position;
 
-    const char* const begin = mBytes.data() + place;
+    const char* const begin = &mBytes[place];
     const char* const end = begin + size;
     for (const char* next = begin; next < end; ++next)
     {
@@ -112,14 +112,13 @@ bool BackwardLines::load()
     return true;
 }
 
-/// Makes room for `size` bytes and more, so that a long statement is not moved with each block of it.
+/// Makes room for `size` bytes and much more, so that a long statement is seldom moved.
 void BackwardLines::makeRoom(std::size_t size)
 {
-    const std::string_view old = std::string_view(mBytes).substr(mRoom);
-    const std::size_t room = std::max(size, old.size());
-    std::string larger;
-    larger.reserve(room + old.size());
-    larger.append(room, '\0').append(old);
+    const std::size_t room = std::max(size, 3 * mHeld);
+    std::unique_ptr<char[]> larger(new char[room + mHeld]);
+    if (mHeld > 0)
+        std::memcpy(&larger[room], &mBytes[mRoom], mHeld);
     mBytes.swap(larger);
     mRoom = room;
 }

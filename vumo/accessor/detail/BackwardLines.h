@@ -1,6 +1,7 @@
 #pragma once
 
 #include <istream>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,10 +53,11 @@ private:
 
     std::istream& mIn;
     std::streamoff mSize;
-    std::streamoff mEnd;   // of the line to be found next: at its newline; below 0: none is left
-    std::streamoff mBegin; // of what is held, which stands behind the room in mBytes
-    std::string mBytes;
+    std::streamoff mEnd;            // of the line to be found next: at its newline; below 0: none is left
+    std::streamoff mBegin;          // of the bytes that are held, which stand behind the room in mBytes
+    std::unique_ptr<char[]> mBytes; // not filled: room that is not used yet costs nothing
     std::size_t mRoom = 0;
+    std::size_t mHeld = 0;
     std::vector<std::streamoff> mNewlines; // in what is held, before mEnd
     std::string mError;
 };

@@ -7,13 +7,12 @@
 
 namespace vumo::Data::detail
 {
-namespace
+ChunkCursor::ChunkCursor(std::istream& in, std::uint64_t length, std::uint64_t windowSize)
+    : mIn(in),
+      mLeft(length),
+      mWindowSize(windowSize)
 {
-/// How much is read at once, unless a single chunk is longer.
-constexpr std::uint64_t kWindowSize = 4 << 20;
-} // namespace
-
-ChunkCursor::ChunkCursor(std::istream& in, std::uint64_t length) : mIn(in), mLeft(length) {}
+}
 
 bool ChunkCursor::readHeader()
 {
@@ -70,7 +69,7 @@ bool ChunkCursor::fillWindow(std::uint64_t size)
     mWindow.erase(0, mPosition);
     mPosition = 0;
     const std::size_t held = mWindow.size();
-    mWindow.resize(std::max(size, std::min(mLeft, kWindowSize)));
+    mWindow.resize(std::max(size, std::min(mLeft, mWindowSize)));
     return static_cast<bool>(mIn.read(&mWindow[held], static_cast<std::streamsize>(mWindow.size() - held)));
 }
 

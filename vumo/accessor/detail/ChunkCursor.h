@@ -16,12 +16,15 @@ namespace vumo::Data::detail
 /// anything of it is read, skipped or allocated; the walk cannot go on from there. Borrows the stream.
 ///
 /// A short row is read in one request. Of a long one a window is held, so that a large chunk of the host is never
-/// read when it is skipped.
+/// read when it is skipped; a smaller one for those who skip most of the chunks.
 class ChunkCursor
 {
 public:
-    /// The stream stands at the first chunk.
-    ChunkCursor(std::istream& in, std::uint64_t length);
+    static constexpr std::uint64_t kWindowToRead = 4 << 20;
+    static constexpr std::uint64_t kWindowToSkip = 64 << 10;
+
+    /// The stream stands at the first chunk. As much as the window is read at once, unless a single chunk is longer.
+    ChunkCursor(std::istream& in, std::uint64_t length, std::uint64_t windowSize);
 
     bool atEnd() const { return mLeft == 0; }
 
@@ -48,6 +51,7 @@ private:
 
     std::istream& mIn;
     std::uint64_t mLeft; // of the row, from the position in the window on
+    std::uint64_t mWindowSize;
     std::string mWindow;
     std::size_t mPosition = 0; // in the window
     std::string mHeaderBytes;
