@@ -4,6 +4,7 @@
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
 #include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/data/detail/StructureNames.h"
 
 #include <algorithm>
 #include <cstring>
@@ -24,7 +25,7 @@ const AccessorFactory<OvriBinaryFileAccessor> theBinaryFactory("ob");
 class RegistryGuard
 {
 public:
-    RegistryGuard() { mSaved.swap(Structure::allStructures()); }
+    RegistryGuard() : mSaved(taken()) {}
     RegistryGuard(const RegistryGuard&) = delete;
     RegistryGuard& operator=(const RegistryGuard&) = delete;
 
@@ -35,7 +36,15 @@ public:
     }
 
 private:
+    static std::set<Structure*> taken()
+    {
+        std::set<Structure*> all;
+        all.swap(Structure::allStructures());
+        return all;
+    }
+
     std::set<Structure*> mSaved;
+    detail::StructureNames mNames; // a file may declare very many
 };
 } // namespace
 

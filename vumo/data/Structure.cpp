@@ -1,5 +1,6 @@
 #include "vumo/data/Structure.h"
 
+#include "vumo/data/detail/StructureNames.h"
 #include "vumo/data/detail/Text.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
@@ -104,6 +105,19 @@ void printClass(vumo::Debug::Print& request)
     request.endSection();
 }
 
+/// Says whether an equal structure is registered.
+bool isKnown(const Structure& structure)
+{
+    const auto isEqual = [&](const Structure* other) { return other && *other == structure; };
+    if (const detail::StructureNames* const names = detail::StructureNames::current())
+    {
+        const std::vector<Structure*>* const found = names->find(structure.name());
+        return found && std::any_of(found->begin(), found->end(), isEqual);
+    }
+    const std::set<Structure*>& registry = Structure::allStructures();
+    return std::any_of(registry.begin(), registry.end(), isEqual);
+}
+
 void measureClass(vumo::Debug::Footprint& request)
 {
     const std::set<Structure*>& registry = Structure::allStructures();
@@ -188,6 +202,8 @@ bool Structure::operator==(const Structure& other) const
 void Structure::setName(const char* name)
 {
     objectChanged();
+    if (detail::StructureNames::current() && allStructures().count(this) > 0)
+        detail::StructureNames::changed();
     if (name != mName.get())
         mName.reset(detail::duplicateText(name ? name : kDefaultName)); // copied before the old one is freed
 }
@@ -378,12 +394,10 @@ std::set<Structure*>& Structure::allStructures()
 
 bool Structure::registerStructure(Structure& structure)
 {
-    std::set<Structure*>& registry = allStructures();
-    const bool known = std::any_of(registry.begin(), registry.end(),
-                                   [&](const Structure* other) { return other && *other == structure; });
-    if (known)
+    if (isKnown(structure))
         return false;
-    registry.insert(&structure);
+    detail::StructureNames::registered(structure); // may throw, so it comes first
+    allStructures().insert(&structure);
     structure.ref();
     return true;
 }
@@ -392,12 +406,18 @@ bool Structure::deregisterStructure(Structure& structure)
 {
     if (allStructures().erase(&structure) == 0)
         return false;
+    detail::StructureNames::changed();
     structure.unref();
     return true;
 }
 
 Structure* Structure::structureByName(const char* name)
 {
+    if (const detail::StructureNames* const names = detail::StructureNames::current(); names && name)
+    {
+        const std::vector<Structure*>* const found = names->find(name);
+        return found ? *std::min_element(found->begin(), found->end()) : nullptr;
+    }
     for (Structure* const structure : allStructures())
     {
         if (name && structure && std::strcmp(structure->name(), name) == 0)
@@ -408,6 +428,7 @@ Structure* Structure::structureByName(const char* name)
 
 void Structure::deleteAllStructures()
 {
+    detail::StructureNames::changed();
     std::set<Structure*>& registry = allStructures();
     while (!registry.empty())
     {

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace vumo::Data
+{
+class Structure;
+}
+
+namespace vumo::Data::detail
+{
+/// Finds registered structures by name without a walk over the registry, for as long as it lives: for those who
+/// register many, one after the other.
+///
+/// To be made while the registry is empty. The registry is open to everybody, so what is kept here is only trusted as
+/// long as nobody seems to have changed it but through `Structure`; otherwise the registry is walked as ever. One that
+/// is made while another lives takes its place until it ends.
+class StructureNames
+{
+public:
+    StructureNames();
+    StructureNames(const StructureNames&) = delete;
+    StructureNames& operator=(const StructureNames&) = delete;
+    ~StructureNames();
+
+    /// The one that lives, if it can be trusted; else null.
+    static StructureNames* current();
+
+    /// All registered structures of that name, or null.
+    const std::vector<Structure*>* find(const char* name) const;
+
+    /// What `Structure` tells of its registry; each does nothing when there is no names object.
+    static void registered(Structure& structure);
+    static void changed(); ///< otherwise than by a registration
+
+private:
+    std::unordered_map<std::string, std::vector<Structure*>> mStructures;
+    std::size_t mCount = 0;
+    bool mIsTrusted = true;
+    StructureNames* mOuter;
+};
+} // namespace vumo::Data::detail
