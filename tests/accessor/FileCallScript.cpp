@@ -107,7 +107,7 @@ extern "C"
         const auto action = Script::next(Script::kChanges, "write", {nullptr, descriptor}, true);
         if (fails(action))
             return fail(action);
-        const size_t size = action == Script::kPass ? count : count / 2;
+        const size_t size = action == Script::kPass ? count : (count + 1) / 2;
         const ssize_t written = syscall(SYS_pwrite64, descriptor, bytes, size, position);
         if (action == Script::kExitHalfway)
             _exit(Script::kExitCode);

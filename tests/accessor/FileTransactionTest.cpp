@@ -25,29 +25,33 @@ std::string randomBytes(Random& random, std::size_t size)
     return bytes;
 }
 
-/// A change of a file that has that length: edits in any order, some of them behind its end, without gaps there.
-FileChange randomChange(Random& random, std::size_t length)
+struct Edit
 {
-    FileChange change;
-    change.truncateFailed = "cut";
+    std::size_t position;
+    std::string bytes;
+};
+
+/// Edits of a file that has that length, in any order; some lie behind its end, without gaps.
+std::vector<Edit> randomEdits(Random& random, std::size_t length)
+{
+    std::vector<Edit> edits;
     std::size_t position = 0;
     for (unsigned int count = random.below(5); count > 0; --count)
     {
         position = std::min(position + random.below(9000), length);
-        const std::string bytes = randomBytes(random, random.below(3) == 0 ? random.below(9000) : random.below(40));
-        change.edits.push_back({position, bytes, "seek", "write"});
-        position += bytes.size();
+        edits.push_back({position, randomBytes(random, random.below(3) == 0 ? random.below(9000) : random.below(40))});
+        position += edits.back().bytes.size();
         length = std::max(length, position);
     }
-    change.length = position + random.below(static_cast<unsigned int>(length - position) + 1);
-    std::reverse(change.edits.begin(), change.edits.begin() + random.below(2) * change.edits.size());
-    return change;
+    if (random.below(2) == 0)
+        std::reverse(edits.begin(), edits.end());
+    return edits;
 }
 
 class FileTransactionTest : public testing::Test
 {
 protected:
-    bool run(const FileChange& change)
+    bool run(FileChange& change)
     {
         const File file(mFile.name(), File::eMode::kUpdate);
         return beginWriting(file, mFile.name(), mErrors) &&
@@ -76,7 +80,9 @@ protected:
         script.mPlace = "sync scene";
         script.mTurn = 1;
         script.mAction = FileCallScript::kExit;
-        const FileChange change = {{{15, "new", "", ""}, {0, "HEAD", "", ""}}, 18, ""};
+        FileChange change(18, "");
+        change.add(15, "new", "", "");
+        change.add(0, "HEAD", "", "");
         ASSERT_TRUE(isEndedBy(script, [&] { return run(change); }));
         ASSERT_EQ(mFile.bytes(), "HEAD, a scene, new tail");
     }
@@ -97,14 +103,19 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhereIsMadeAsAWholeOrNotAtA
     for (int round = 0; round < 250 && !HasFailure(); ++round)
     {
         const std::string before = randomBytes(random, random.below(20000));
-        const FileChange change = randomChange(random, before.size());
+        const std::vector<Edit> edits = randomEdits(random, before.size());
         std::string after = before;
-        for (const FileEdit& edit : change.edits)
+        std::size_t end = 0; // of the edits
+        for (const Edit& edit : edits)
         {
-            after.resize(std::max<std::size_t>(after.size(), edit.position + edit.bytes.size()));
+            end = std::max(end, edit.position + edit.bytes.size());
+            after.resize(std::max(after.size(), end));
             after.replace(edit.position, edit.bytes.size(), edit.bytes);
         }
-        after.resize(change.length);
+        after.resize(end + random.below(static_cast<unsigned int>(after.size() - end) + 1));
+        FileChange change(after.size(), "cut");
+        for (const Edit& edit : edits)
+            change.add(edit.position, edit.bytes, "seek", "write");
 
         mFile.setBytes(before);
         FileCallScript script;

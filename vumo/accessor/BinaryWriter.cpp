@@ -222,24 +222,22 @@ std::string backwardChunk(std::uint32_t offset)
     return bytes;
 }
 
-/// What changes in the file when `content` becomes the trailer's chunks, in the order of writing.
-FileChange changeFor(Trailer trailer, std::string content)
+/// Makes `content` the trailer's chunks.
+bool replaceTrailer(FileTransaction&& transaction, Trailer trailer, std::string content, std::string& errors)
 {
-    const auto offset = static_cast<std::uint32_t>(content.size() + kHeaderSize + kBackwardOffsetSize);
-    trailer.mEnd = trailer.start() + content.size();
-    FileChange change;
-    change.edits = {
-        {trailer.mSizePosition, bigEndian(Trailer::groupSize(content.size())),
-         "Failed to seek to the trailer size position.", "Failed to write the new trailer size."},
-        {trailer.start(), "", "Failed to seek to the trailer data start.", "Failed to write the new trailer."},
-        {trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
-         "Failed to write the backward chunk size."},
-        {trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
-         "Failed to the main chunk size position.", "Failed to write the new main chunk size."}};
-    change.edits[1].bytes = std::move(content); // a list would copy it
-    change.length = trailer.mainChunkEnd();
-    change.truncateFailed = "Could not truncate the file.";
-    return change;
+    const std::uint64_t length = content.size();
+    const auto offset = static_cast<std::uint32_t>(length + kHeaderSize + kBackwardOffsetSize);
+    trailer.mEnd = trailer.start() + length;
+    FileChange change(trailer.mainChunkEnd(), "Could not truncate the file.");
+    change.add(trailer.mSizePosition, bigEndian(Trailer::groupSize(length)),
+               "Failed to seek to the trailer size position.", "Failed to write the new trailer size.");
+    change.add(trailer.start(), std::move(content), "Failed to seek to the trailer data start.",
+               "Failed to write the new trailer.");
+    change.add(trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
+               "Failed to write the backward chunk size.");
+    change.add(trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
+               "Failed to the main chunk size position.", "Failed to write the new main chunk size.");
+    return transaction.run(change, errors);
 }
 } // namespace
 
@@ -269,6 +267,6 @@ bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::St
     Trailer trailer;
     std::string content;
     return findTrailer(in, trailer, errors) && buildTrailer(in, trailer, structures, associations, content, errors) &&
-           FileTransaction(file, fileName, durability).run(changeFor(trailer, std::move(content)), errors);
+           replaceTrailer(FileTransaction(file, fileName, durability), trailer, std::move(content), errors);
 }
 } // namespace vumo::Data

@@ -246,17 +246,6 @@ bool readKept(std::istream& file, const AsciiTail& tail, std::string& above, std
     return keep(position, tail.size);
 }
 
-/// What makes the file end with `content`, from `start` on.
-detail::FileChange changeFor(std::streamoff start, std::string content)
-{
-    detail::FileChange change;
-    const auto position = static_cast<std::uint64_t>(start);
-    change.length = position + content.size();
-    change.edits.push_back(
-        {position, std::move(content), "Could not seek to metadata start.", "Failed to append the file trailer."});
-    change.truncateFailed = "Could not truncate the file.";
-    return change;
-}
 } // namespace
 
 bool OvriAsciiFileAccessor::write(std::string& errors) const
@@ -274,8 +263,10 @@ bool OvriAsciiFileAccessor::write(std::string& errors) const
         return false;
     }
     content += trailer;
-    return detail::FileTransaction(file, fileName(), durability())
-        .run(changeFor(regionStart(tail), std::move(content)), errors);
+    const auto start = static_cast<std::uint64_t>(regionStart(tail));
+    detail::FileChange change(start + content.size(), "Could not truncate the file.");
+    change.add(start, std::move(content), "Could not seek to metadata start.", "Failed to append the file trailer.");
+    return detail::FileTransaction(file, fileName(), durability()).run(change, errors);
 }
 
 bool OvriAsciiFileAccessor::isFileSupported(const std::string& fileName) const

@@ -14,6 +14,9 @@ using Ascii = AccessorOvri::Ascii;
 
 constexpr char kBlanks[] = " \t";
 
+/// What is longer is read a second time when the text of a statement is wanted.
+constexpr std::size_t kLongestText = 64 << 20;
+
 enum eLine
 {
     kStructureLine,
@@ -77,7 +80,7 @@ AsciiStatement statementOf(eLine kind, const BackwardLines::Line& begin, const B
 bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::string& error)
 {
     const bool areWanted = texts == eAsciiTexts::kWanted;
-    BackwardLines lines(in, tail.size);
+    BackwardLines lines(in, tail.size, areWanted ? kLongestText : 0);
     BackwardLines::Line line;
     BackwardLines::Line last; // of the statement that the lines above it belong to
     bool hasLast = false;

@@ -14,16 +14,20 @@ constexpr std::streamoff kUsualBlock = 40960;
 /// cheap.
 constexpr std::streamoff kLargestPart = 32;
 
-/// What is longer is read again when its text is needed.
-constexpr std::size_t kLongestHeld = 64 << 20;
-
 std::streamoff blockSize(std::streamoff alreadyRead)
 {
     return std::clamp(alreadyRead, kFirstBlock, std::max(kUsualBlock, alreadyRead / kLargestPart));
 }
 } // namespace
 
-BackwardLines::BackwardLines(std::istream& in, std::streamoff size) : mIn(in), mSize(size), mEnd(size), mBegin(size) {}
+BackwardLines::BackwardLines(std::istream& in, std::streamoff size, std::size_t longestHeld)
+    : mIn(in),
+      mSize(size),
+      mLongestHeld(std::max(longestHeld, kHeadSize)),
+      mEnd(size),
+      mBegin(size)
+{
+}
 
 bool BackwardLines::previous(Line& line)
 {
@@ -87,7 +91,7 @@ char BackwardLines::lastOf(std::streamoff end) const
 /// Reads the block before what is held.
 bool BackwardLines::load()
 {
-    if (mHeld > kLongestHeld)
+    if (mHeld > mLongestHeld)
         mHeld = kHeadSize;
     const auto size = static_cast<std::size_t>(std::min(mBegin, blockSize(mSize - mBegin)));
     if (mRoom < size)

@@ -26,8 +26,8 @@ public:
         char last = '\0';         ///< its last character; zero when it has none
     };
 
-    /// `size` is that of the file in bytes.
-    BackwardLines(std::istream& in, std::streamoff size);
+    /// `size` is that of the file in bytes. Holds not much more than `longestHeld` of them.
+    BackwardLines(std::istream& in, std::streamoff size, std::size_t longestHeld);
 
     /// Steps to the line before; false when the first line was given out, or on failure.
     bool previous(Line& line);
@@ -53,6 +53,7 @@ private:
 
     std::istream& mIn;
     std::streamoff mSize;
+    std::size_t mLongestHeld;
     std::streamoff mEnd;            // of the line to be found next: at its newline; below 0: none is left
     std::streamoff mBegin;          // of the bytes that are held, which stand behind the room in mBytes
     std::unique_ptr<char[]> mBytes; // not filled: room that is not used yet costs nothing

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "vumo/accessor/detail/File.h"
+
 #include <cstdint>
+#include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vumo::Data::detail
@@ -10,16 +14,38 @@ namespace vumo::Data::detail
 struct FileEdit
 {
     std::uint64_t position;
-    std::string bytes;
+    std::string_view bytes;
     const char* seekFailed;
     const char* writeFailed;
 };
 
 /// What is to become of a file: edits, none of which overlaps another, in the order of writing, and its new length.
-struct FileChange
+class FileChange
 {
-    std::vector<FileEdit> edits;
-    std::uint64_t length;
-    const char* truncateFailed;
+public:
+    /// Says what to report when the file cannot be cut to its new length.
+    FileChange(std::uint64_t length, const char* truncateFailed) : mLength(length), mTruncateFailed(truncateFailed) {}
+    FileChange(const FileChange&) = delete;
+    FileChange& operator=(const FileChange&) = delete;
+
+    /// Takes the bytes over.
+    void add(std::uint64_t position, std::string bytes, const char* seekFailed, const char* writeFailed);
+
+    /// Leaves out of the edits what the file begins and ends them with already: an edit that changes one node's
+    /// metadata costs no more than that. An edit may get empty.
+    void narrow(const File& file);
+
+    /// Says whether nothing is to become of the file.
+    bool isDoneIn(const File& file) const;
+
+    const std::vector<FileEdit>& edits() const { return mEdits; }
+    std::uint64_t length() const { return mLength; }
+    const char* truncateFailed() const { return mTruncateFailed; }
+
+private:
+    std::vector<FileEdit> mEdits;
+    std::deque<std::string> mBytes; // where the edits point to
+    std::uint64_t mLength;
+    const char* mTruncateFailed;
 };
 } // namespace vumo::Data::detail

@@ -29,8 +29,11 @@ FileTransaction::FileTransaction(const File& file, const std::string& fileName, 
 {
 }
 
-bool FileTransaction::run(const FileChange& change, std::string& errors)
+bool FileTransaction::run(FileChange& change, std::string& errors)
 {
+    change.narrow(mFile);
+    if (change.isDoneIn(mFile))
+        return true;
     if (!mRecord.take(mFile, change))
     {
         errors += "Could not read the old bytes of " + mFileName + ".";
@@ -83,9 +86,11 @@ int FileTransaction::storeRecord() const
 const char* FileTransaction::apply(const FileChange& change) const
 {
     const std::uint64_t oldLength = mFile.size();
-    const char* syncFailed = change.truncateFailed;
-    for (const FileEdit& edit : change.edits)
+    const char* syncFailed = change.truncateFailed();
+    for (const FileEdit& edit : change.edits())
     {
+        if (edit.bytes.empty())
+            continue;
         if (!mFile.allowsPosition(edit.position))
             return edit.seekFailed;
         if (!mFile.write(edit.position, edit.bytes.data(), edit.bytes.size()))
@@ -94,10 +99,10 @@ const char* FileTransaction::apply(const FileChange& change) const
     }
     if (mHasJournal && !mFile.sync())
         return syncFailed;
-    if (change.length >= oldLength)
+    if (change.length() >= oldLength)
         return nullptr;
-    const bool isCut = mFile.truncate(change.length) && (!mHasJournal || mFile.sync());
-    return isCut ? nullptr : change.truncateFailed;
+    const bool isCut = mFile.truncate(change.length()) && (!mHasJournal || mFile.sync());
+    return isCut ? nullptr : change.truncateFailed();
 }
 
 /// Null, or what failed.

@@ -23,8 +23,9 @@ public:
     FileTransaction(const FileTransaction&) = delete;
     FileTransaction& operator=(const FileTransaction&) = delete;
 
-    /// Makes the change, once. False, with the file as it was and the message of the step that failed in `errors`.
-    bool run(const FileChange& change, std::string& errors);
+    /// Makes the change, once, or as much of it as changes anything. False, with the file as it was and the message of
+    /// the step that failed in `errors`.
+    bool run(FileChange& change, std::string& errors);
 
 private:
     bool begin(std::string& errors);

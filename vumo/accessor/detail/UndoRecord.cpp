@@ -87,7 +87,7 @@ bool restoreBytes(const File& file, std::uint64_t position, std::string_view old
 bool UndoRecord::take(const File& file, const FileChange& change)
 {
     mOldLength = file.size();
-    mNewLength = change.length;
+    mNewLength = change.length();
     addRanges(change);
     if (!readOldBytes(file))
         return false;
@@ -99,7 +99,7 @@ bool UndoRecord::take(const File& file, const FileChange& change)
 /// One range for each edit, and one without new bytes for what is cut off.
 void UndoRecord::addRanges(const FileChange& change)
 {
-    for (const FileEdit& edit : change.edits)
+    for (const FileEdit& edit : change.edits())
     {
         if (!edit.bytes.empty())
             mRanges.push_back({edit.position, {}, edit.bytes});

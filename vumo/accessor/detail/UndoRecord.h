@@ -14,7 +14,7 @@ namespace vumo::Data::detail
 /// What a change of a file replaces: all that is needed to undo it, and to tell whether a file is one that the change
 /// was being made to. docs/formats/undo-record.md has the form in which it is stored.
 ///
-/// Made from a change, it borrows the change's bytes.
+/// Made from a change, it borrows the change's bytes. Empty edits count for nothing.
 class UndoRecord
 {
 public:
