@@ -15,7 +15,7 @@ using Ascii = AccessorOvri::Ascii;
 constexpr char kBlanks[] = " \t";
 
 /// What is longer is read a second time when the text of a statement is wanted.
-constexpr std::size_t kLongestText = 64 << 20;
+constexpr std::size_t kLongestText = 128 << 20;
 
 enum eLine
 {

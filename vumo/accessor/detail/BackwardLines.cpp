@@ -47,7 +47,7 @@ bool BackwardLines::previous(Line& line)
         line.last = '\0';
     if (!mError.empty())
         return false;
-    line.head = held(line.begin, std::min<std::streamoff>(line.end, line.begin + kHeadSize));
+    line.head = held(line.begin, std::min(line.end, line.begin + std::streamoff{kHeadSize}));
 
     mEnd = line.begin - 1;
     if (!mNewlines.empty())
