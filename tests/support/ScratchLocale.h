@@ -11,12 +11,13 @@ namespace vumo::test
 class ScratchLocale
 {
 public:
-    ScratchLocale(const std::string& directory, const std::string& encoding)
+    ScratchLocale(const std::string& directory, const std::string& encoding) : mBefore(std::setlocale(LC_ALL, nullptr))
     {
         std::filesystem::create_directories(directory);
-        const std::string command = "localedef -i en_US -f " + encoding + " '" + directory + "/made' >/dev/null 2>&1";
+        const std::string command =
+            "localedef -i en_US -f " + encoding + " '" + directory + "/" + encoding + "' >/dev/null 2>&1";
         setenv("LOCPATH", directory.c_str(), 1);
-        mIsSet = std::system(command.c_str()) >= 0 && std::setlocale(LC_ALL, "made") != nullptr;
+        mIsSet = std::system(command.c_str()) >= 0 && std::setlocale(LC_ALL, encoding.c_str()) != nullptr;
         std::filesystem::remove_all(directory);
     }
 
@@ -26,13 +27,14 @@ public:
     ~ScratchLocale()
     {
         unsetenv("LOCPATH");
-        std::setlocale(LC_ALL, "C");
+        std::setlocale(LC_ALL, mBefore.c_str());
     }
 
     /// False where there is no localedef, or no such encoding.
     bool isSet() const { return mIsSet; }
 
 private:
+    std::string mBefore;
     bool mIsSet = false;
 };
 } // namespace vumo::test
