@@ -228,5 +228,34 @@ TEST_F(BinaryWriterTest, Texts_AreUtf8InTheFileAndInTheLocalesEncodingOutside)
     EXPECT_EQ(bytesInFile(many), manyUtf8);
     EXPECT_EQ(valueAt(*readScene(mFile.name()), "", "scene", "notes", 0), many);
 }
+
+TEST_F(BinaryWriterTest, Texts_ThatTheLocaleCannotExpressAreNotTakenForOthers)
+{
+    const std::string japanese = "\xE6\x97\xA5";
+    const std::string zero(1, '\0');
+    const std::string note = "raw" + zero + "name=Note:string=" + japanese + zero;
+    const std::string empty = japanese + zero + "raw" + zero + "endAssociations\n" + zero;
+    const struct
+    {
+        std::string trailer;
+        std::string error;
+    } cases[] = {
+        {chunk("DATS", "raw" + zero + "name=Note:string=a") + chunk("MTDA", empty), ""}, // names are not converted
+        {chunk("DATS", note), "The file holds metadata with characters that the encoding of this locale does not have. "
+                              "Write it in a locale that has them, such as one of UTF-8."},
+    };
+    const ScratchLocale locale(mFile.name() + ".locales", "ISO-8859-1");
+    if (!locale.isSet())
+        GTEST_SKIP() << "localedef cannot make a locale here";
+    for (const auto& [trailer, error] : cases)
+    {
+        mFile.setBytes(sceneWith(trailer));
+        const std::string before = mFile.bytes();
+        mErrors.clear();
+        EXPECT_EQ(readScene(mFile.name())->write(mErrors), error.empty());
+        EXPECT_EQ(mErrors, error);
+        EXPECT_EQ(mFile.bytes() == before, !error.empty());
+    }
+}
 } // namespace
 } // namespace vumo::test

@@ -360,11 +360,12 @@ TEST_F(OvriAsciiFileAccessorTest, Read_StepsOverBytesThatAreNoCharacters)
 {
     const std::string begin = kHeader + kHost + "applyMetadata -fmt \"raw\" -v \"endAssociations\\n";
     const std::string end = "\" \n\t\tBody;\n" + kTrailer;
+    const std::string before = std::setlocale(LC_ALL, nullptr);
     ASSERT_TRUE(std::setlocale(LC_ALL, "C.UTF-8"));
     EXPECT_EQ(readErrors(begin + end), "");
     for (const std::string& odd : {kZero, kZero + "\\n", std::string("\xC3"), std::string("\xC3\\n\xFF\xE6\x97")})
         readErrors(begin + odd + end); // comes to an end
-    std::setlocale(LC_ALL, "C");
+    std::setlocale(LC_ALL, before.c_str());
 }
 
 TEST_F(OvriAsciiFileAccessorTest, ABackslashInsideALongerCharacterIsNone)

@@ -298,6 +298,7 @@ TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)
     request.addFilter("hex", 1);
     EXPECT_TRUE(Handle::Debug(&handle, request));
     std::ostringstream address;
+    address.imbue(std::locale::classic());
     address << static_cast<const void*>(handle.data());
     EXPECT_EQ(out.str(), "    int8 2 elements: [ 0 -1 ](" + address.str() + ")  00  ff ");
     out.str("");

@@ -10,6 +10,7 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <locale>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -85,6 +86,7 @@ template <class T>
 std::string printed(const T* object)
 {
     std::ostringstream out;
+    out.imbue(std::locale::classic());
     vumo::Debug::Print request(out);
     EXPECT_TRUE(T::Debug(object, request));
     return out.str();
@@ -114,6 +116,7 @@ inline std::string livingObjects()
 {
     using namespace vumo::Data;
     std::ostringstream out;
+    out.imbue(std::locale::classic());
     out << "Member " << Member::_objectsAlive << ", Structure " << Structure::_objectsAlive << ", Handle "
         << Handle::_objectsAlive << ", Index " << Index::_objectsAlive << ", IndexPair " << IndexPair::_objectsAlive
         << ", IndexString " << IndexString::_objectsAlive << ", Stream " << Stream::_objectsAlive << ", StreamImpl "

@@ -11,14 +11,16 @@ namespace vumo::test
 class ScratchLocale
 {
 public:
-    ScratchLocale(const std::string& directory, const std::string& encoding) : mBefore(std::setlocale(LC_ALL, nullptr))
+    ScratchLocale(const std::string& directory, const std::string& encoding)
+        : mDirectory(directory),
+          mPathBefore(pathOfLocales()),
+          mBefore(std::setlocale(LC_ALL, nullptr))
     {
         std::filesystem::create_directories(directory);
-        const std::string command =
-            "localedef -i en_US -f " + encoding + " '" + directory + "/" + encoding + "' >/dev/null 2>&1";
-        setenv("LOCPATH", directory.c_str(), 1);
+        const std::string name = directory + "/" + encoding;
+        const std::string command = "localedef -i en_US -f " + encoding + " '" + name + "' >/dev/null 2>&1";
+        setPathOfLocales(directory);
         mIsSet = std::system(command.c_str()) >= 0 && std::setlocale(LC_ALL, encoding.c_str()) != nullptr;
-        std::filesystem::remove_all(directory);
     }
 
     ScratchLocale(const ScratchLocale&) = delete;
@@ -26,14 +28,33 @@ public:
 
     ~ScratchLocale()
     {
-        unsetenv("LOCPATH");
+        setPathOfLocales(mPathBefore);
         std::setlocale(LC_ALL, mBefore.c_str());
+        std::filesystem::remove_all(mDirectory);
     }
 
     /// False where there is no localedef, or no such encoding.
     bool isSet() const { return mIsSet; }
 
 private:
+    static constexpr const char* kPathVariable = "LOCPATH";
+
+    static std::string pathOfLocales()
+    {
+        const char* const path = std::getenv(kPathVariable);
+        return path ? path : "";
+    }
+
+    static void setPathOfLocales(const std::string& path)
+    {
+        if (path.empty())
+            unsetenv(kPathVariable);
+        else
+            setenv(kPathVariable, path.c_str(), 1);
+    }
+
+    std::string mDirectory;
+    std::string mPathBefore;
     std::string mBefore;
     bool mIsSet = false;
 };

@@ -149,6 +149,22 @@ bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
     return true;
 }
 
+/// Passes over a chunk of metadata, which is going to be replaced.
+bool skipMetadata(ChunkCursor& chunks, bool isBehindStructure, std::string& errors)
+{
+    std::string_view data;
+    if (!chunks.readData(data))
+        return failWith(errors, isBehindStructure ? "Error skipping existing metadata chunks."
+                                                  : "Error skipping data structure chunk.");
+    if (!data.empty() && data.back() == '\0')
+        data.remove_suffix(1);
+    const std::string_view text = data.substr(data.rfind('\0') + 1); // behind name and format, which are not converted
+    if (isChangedByRewriting(text))
+        return failWith(errors, "The file holds metadata with characters that the encoding of this locale does not "
+                                "have. Write it in a locale that has them, such as one of UTF-8.");
+    return true;
+}
+
 /// Copies all chunks of the old trailer but the metadata. That begins with the first structure; behind it the host may
 /// have put chunks of its own, and even those between two runs of metadata stay.
 bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after, std::string& errors)
@@ -165,9 +181,8 @@ bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after
             isStructure || (isBehindStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
         if (!isMetadata && !chunks.appendChunk(isBehindStructure ? after : before))
             return failWith(errors, "Error reading chunk before metadata.");
-        if (isMetadata && !chunks.skipData())
-            return failWith(errors, isBehindStructure ? "Error skipping existing metadata chunks."
-                                                      : "Error skipping data structure chunk.");
+        if (isMetadata && !skipMetadata(chunks, isBehindStructure, errors))
+            return false;
         isBehindStructure = isBehindStructure || isStructure;
     }
     return true;

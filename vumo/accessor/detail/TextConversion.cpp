@@ -46,10 +46,12 @@ class Converter
 {
 public:
     explicit Converter(eTextDirection direction)
-        : mDescriptor(direction == eTextDirection::kToUtf8 ? iconv_open(kUtf8, kLocaleEncoding)
-                                                           : iconv_open(kLocaleEncoding, kUtf8))
+        : Converter(direction == eTextDirection::kToUtf8 ? kLocaleEncoding : kUtf8,
+                    direction == eTextDirection::kToUtf8 ? kUtf8 : kLocaleEncoding)
     {
     }
+
+    Converter(const char* from, const char* to) : mDescriptor(iconv_open(to, from)) {}
 
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
@@ -81,7 +83,7 @@ public:
         return convert(characters, converted) && converted == characters;
     }
 
-    /// False when the text could not be converted to its end.
+    /// False when the text could not be converted to its end, or not without a loss.
     bool convert(std::string_view text, std::string& result)
     {
         result.resize(text.size() + kRoomToGrow);
@@ -105,11 +107,11 @@ private:
         {
             char* out = result.data() + written;
             std::size_t outLeft = result.size() - written;
-            const bool isDone = iconv(mDescriptor, in, inLeft, &out, &outLeft) != static_cast<std::size_t>(-1);
+            const std::size_t substitutes = iconv(mDescriptor, in, inLeft, &out, &outLeft);
             written = result.size() - outLeft;
-            if (isDone)
+            if (substitutes == 0)
                 return true;
-            if (errno != E2BIG)
+            if (substitutes != static_cast<std::size_t>(-1) || errno != E2BIG)
                 return false;
             result.resize(result.size() * 2);
         }
@@ -117,6 +119,13 @@ private:
 
     iconv_t mDescriptor;
 };
+
+bool isUtf8(std::string_view text)
+{
+    Converter converter(kUtf8, kUtf8);
+    std::string ignored;
+    return converter.isOpen() && converter.convert(text, ignored);
+}
 } // namespace
 
 bool convertString(std::string_view text, eTextDirection direction, std::string& converted)
@@ -125,5 +134,12 @@ bool convertString(std::string_view text, eTextDirection direction, std::string&
     if (!converter.isOpen() || converter.isTrivial() || (isPlain(text) && converter.keepsPlainText()))
         return false;
     return converter.convert(text, converted);
+}
+
+bool isChangedByRewriting(std::string_view utf8)
+{
+    std::string converted;
+    return !isPlain(utf8) && !convertString(utf8, eTextDirection::kFromUtf8, converted) &&
+           convertString(utf8, eTextDirection::kToUtf8, converted) && isUtf8(utf8);
 }
 } // namespace vumo::Data::detail

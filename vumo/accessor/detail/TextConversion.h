@@ -15,4 +15,8 @@ enum class eTextDirection
 /// Gives the converted text. False when the text is to be used as it is: the two encodings are one, or write this text
 /// alike, or the text cannot be converted as a whole.
 bool convertString(std::string_view text, eTextDirection direction, std::string& converted);
+
+/// Says whether a text of a file would become other characters when it is read and written again: UTF-8 that the
+/// encoding of the locale cannot express is read as it is, and its bytes can mean something in that encoding, too.
+bool isChangedByRewriting(std::string_view utf8);
 } // namespace vumo::Data::detail
