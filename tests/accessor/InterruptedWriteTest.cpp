@@ -214,6 +214,11 @@ TEST_F(InterruptedWriteTest, TheRecordIsOnTheDiskWhileTheFileChanges)
         EXPECT_EQ(script.mLog, expected);
         EXPECT_EQ(mFile->bytes(), mNew);
 
+        script = Script();
+        EXPECT_TRUE(write(script)) << mErrors;
+        EXPECT_EQ(script.mLog, std::vector<std::string>{"sync scene"}) << "nothing has changed";
+        EXPECT_EQ(mFile->bytes(), mNew);
+
         mFile->setBytes(mOld);
         mAccessor->setDurability(Accessor::kMemoryOnly);
         script = Script();

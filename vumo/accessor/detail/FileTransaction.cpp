@@ -32,8 +32,7 @@ FileTransaction::FileTransaction(const File& file, const std::string& fileName, 
 bool FileTransaction::run(FileChange& change, std::string& errors)
 {
     change.narrow(mFile);
-    if (change.isDoneIn(mFile))
-        return true;
+    mNeedsRecord = mNeedsRecord && !change.isDoneIn(mFile);
     if (!mRecord.take(mFile, change))
     {
         errors += "Could not read the old bytes of " + mFileName + ".";
@@ -89,13 +88,13 @@ const char* FileTransaction::apply(const FileChange& change) const
     const char* syncFailed = change.truncateFailed();
     for (const FileEdit& edit : change.edits())
     {
+        syncFailed = edit.writeFailed;
         if (edit.bytes.empty())
             continue;
         if (!mFile.allowsPosition(edit.position))
             return edit.seekFailed;
         if (!mFile.write(edit.position, edit.bytes.data(), edit.bytes.size()))
             return edit.writeFailed;
-        syncFailed = edit.writeFailed;
     }
     if (mHasJournal && !mFile.sync())
         return syncFailed;
