@@ -49,8 +49,9 @@ public:
     /// The size of the workload: as given, or a small part of it for a quick run.
     std::size_t scaled(std::size_t count) const;
 
-    /// Times the sides round by round, after a round each to warm up. The figures are nanoseconds for one of `count`
-    /// elements, and the median of the ratios of all rounds. Throws `WrongResult` when a digest is not as expected.
+    /// Times the sides in turns, each round in a process of its own. The figures are nanoseconds for one of `count`
+    /// elements, and the median of the ratios of all rounds. Throws `WrongResult` when a round fails or its digest is
+    /// not as expected.
     void run(std::size_t count, const Side& library, const Side& peer);
 
     /// The same for sides that treat different numbers of elements.
