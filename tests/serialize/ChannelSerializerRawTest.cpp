@@ -92,17 +92,39 @@ TEST_F(ChannelSerializerRawTest, Read_ReportsEveryFaultInItsOrder)
         EXPECT_EQ(reread(row.text), row.errors + " found, Channel not created\n") << row.text;
 }
 
-TEST_F(ChannelSerializerRawTest, Write_ReportsTheStreamsFaultsBeforeItsOwn)
+TEST_F(ChannelSerializerRawTest, Write_ReportsFaultsOfNamesInTheirOrder)
 {
     Channel channel("face ");
     channel.setDataStream(Stream(registered("name=P:int32=a"), " A"));
     std::ostringstream out;
     std::string errors = "before\n";
     EXPECT_EQ(mFormat.write(channel, out, errors), 2);
-    EXPECT_EQ(errors, "before\nText 'face ' at record 1 cannot be read back\n"
-                      "Text ' A' at record 1 cannot be read back\n"
-                      "1 error found, Stream may not be written correctly\n"
-                      "2 errors found, Channel may not be written correctly\n");
+    EXPECT_EQ(errors,
+              "before\nChannel name 'face ' at record 1 of channel 'face ' cannot be read back: it has whitespace "
+              "at an end\n"
+              "Stream name ' A' at record 1 of stream ' A' in channel 'face ' cannot be read back: it has "
+              "whitespace at an end\n"
+              "1 error found, Stream may not be written correctly\n"
+              "2 errors found, Channel may not be written correctly\n");
+    EXPECT_EQ(out.str(), "name face \nstream\nname  A\nindexType numeric\nstructure P\nendStream\nendChannel\n");
+}
+
+TEST_F(ChannelSerializerRawTest, Write_CountsStreamsThatWereGivenOneName)
+{
+    const Structure& structure = registered("name=P:int32=a");
+    Channel channel("face");
+    Channel other("other");
+    Stream* const shared = channel.setDataStream(Stream(structure, "A"));
+    channel.setDataStream(Stream(structure, "B"));
+    other.setDataStream(*shared);
+    ASSERT_TRUE(other.renameDataStream("A", "B"));
+    std::ostringstream out;
+    std::string errors;
+    EXPECT_EQ(mFormat.write(channel, out, errors), 1);
+    EXPECT_EQ(errors, "Stream 'B' at record 3 of channel 'face' cannot be read back: another one has its name\n"
+                      "1 error found, Channel may not be written correctly\n");
+    const std::string stream = "stream\nname B\nindexType numeric\nstructure P\nendStream\n";
+    EXPECT_EQ(out.str(), "name face\n" + stream + stream + "endChannel\n");
 }
 
 TEST_F(ChannelSerializerRawTest, Write_CountsAFailedOutputOnce)

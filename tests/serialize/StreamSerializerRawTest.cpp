@@ -9,6 +9,8 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <stdexcept>
+#include <vector>
 
 namespace vumo::Data
 {
@@ -378,8 +380,9 @@ TEST_F(StreamSerializerRawTest, ALineOverTheLimit_IsAnErrorThatNamesItsRecord)
     std::ostringstream out;
     std::string errors;
     EXPECT_EQ(mFormat.write(stream, out, errors), 1);
-    EXPECT_EQ(errors, "Line at record 5 is longer than 1023 characters and cannot be read back\n"
-                      "1 error found, Stream may not be written correctly\n");
+    EXPECT_EQ(errors,
+              "Text of member 'm' at index '3' at record 5 of stream 'S' cannot be read back: its line is longer "
+              "than 1023 characters\n1 error found, Stream may not be written correctly\n");
     EXPECT_NE(out.str().find(std::string(1022, 'x') + "\"\nendStream\n"), std::string::npos) << "written all the same";
 }
 
@@ -430,44 +433,146 @@ TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlon
     EXPECT_EQ(std::memcmp(copy->element(0).asDouble(), &value, sizeof(value)), 0);
 }
 
-TEST_F(StreamSerializerRawTest, Write_CountsWhatWouldNotBeReadBack)
+/// Writes what would not be read back as it was, and sees that it is written all the same.
+class StreamSerializerRawRefusalTest : public StreamSerializerRawTest
 {
-    registered("name=P:double=d");
-    const struct
+protected:
+    struct Sample
     {
-        const char* name;
-        const char* index;
-        double value;
-        std::string message;
-    } cases[] = {
-        {" S", "x", 0, "Text ' S' at record 1 cannot be read back"},
-        {"S\nT", "x", 0, "Text 'S\nT' at record 1 cannot be read back"},
-        {"S", "", 0, "Text '' at record 4 cannot be read back"},
-        {"S", "endStream", 0, "Text 'endStream' at record 4 cannot be read back"},
-        {"S", "name x", 0, "Text 'name x' at record 4 cannot be read back"},
-        {"S", "x\n", 0, "Text 'x\n' at record 4 cannot be read back"},
-        {"S", "x", std::numeric_limits<double>::infinity(), "Member at record 5 has a value that cannot be read back"},
-        {"S", "x", std::nan(""), "Member at record 5 has a value that cannot be read back"},
+        std::string message; // "~" in it stands for " of stream 'S' cannot be read back: "
+        std::string name = "S";
+        std::string indexType = "string";
+        Index index = IndexString("x");
+        std::vector<double> numbers = {0, 1, 2, 3};
+        std::string label = "";
+        std::string data = "0 1 2 3 \"\""; // what these values are written as
     };
-    for (const auto& row : cases)
+
+    static Stream streamOf(const Sample& sample)
     {
-        Stream stream(*Structure::structureByName("P"), row.name);
-        stream.setIndexType("string");
+        Stream stream(*Structure::structureByName("P"), sample.name);
+        stream.setIndexType(sample.indexType);
         Handle element(stream.structure());
-        std::memcpy(element.asDouble(), &row.value, sizeof(row.value));
-        stream.setElement(Index(IndexString(row.index)), element);
+        std::memcpy(element.asDouble(), &sample.numbers[0], sizeof(double));
+        element.setPositionByMemberName("f");
+        for (std::size_t i = 0; i < 3; ++i)
+            element.asFloat()[i] = static_cast<float>(sample.numbers[i + 1]);
+        setValue(element, "s", sample.label);
+        stream.setElement(sample.index, element);
+        return stream;
+    }
+
+    void expectRefused(const Sample& sample) const
+    {
+        std::string message = sample.message;
+        const std::string::size_type mark = message.find('~');
+        if (mark != std::string::npos)
+            message.replace(mark, 1, " of stream 'S' cannot be read back: ");
+        SCOPED_TRACE(message);
         std::ostringstream out;
         std::string errors = "before\n";
-        EXPECT_EQ(mFormat.write(stream, out, errors), 1);
-        EXPECT_EQ(errors, "before\n" + row.message + "\n1 error found, Stream may not be written correctly\n");
-        EXPECT_NE(out.str().find("\nendStream\n"), std::string::npos);
+        EXPECT_EQ(mFormat.write(streamOf(sample), out, errors), 1);
+        EXPECT_EQ(errors, "before\n" + message + "\n1 error found, Stream may not be written correctly\n");
+        EXPECT_EQ(out.str(), "name " + sample.name + "\nindexType " + sample.indexType + "\nstructure P\n" +
+                                 sample.index.asString() + "\n" + sample.data + "\nendStream\n");
     }
-    Stream stream(*Structure::structureByName("P"), "S");
-    stream.setElement(0, Handle(stream.structure()));
-    std::ostringstream out;
-    out << std::hexfloat;
+
+    static Sample named(const std::string& name, const std::string& message) { return {message, name}; }
+
+    static Sample indexed(const std::string& indexType, const Index& index, const std::string& message)
+    {
+        return {message, "S", indexType, index};
+    }
+};
+
+TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithNamesAndIndices)
+{
+    registered("name=P:double=d:float[3]=f:string=s");
+    Index::registerType("alias", &Index::TypeCreator);
+    Index::registerType("deaf", [](const std::string&) -> Index { throw std::runtime_error("no"); });
+    const auto text = [](const std::string& index, const std::string& message) {
+        return indexed("string", Index(IndexString(index)), message);
+    };
+    const Sample samples[] = {
+        named(" S", "Stream name ' S' at record 1 of stream ' S' cannot be read back: it has whitespace at an end"),
+        named("S\r", "Stream name 'S\\x0D' at record 1 of stream 'S\\x0D' cannot be read back: it has whitespace at an "
+                     "end"),
+        named("S\nT", "Stream name 'S\\nT' at record 1 of stream 'S\\nT' cannot be read back: it has a line break"),
+        named("S\0T"s, "Stream name 'S\\x00T' at record 1 of stream 'S\\x00T' cannot be read back: it has a zero byte"),
+        named(std::string(1019, 'n'), "Stream name '" + std::string(80, 'n') + "...' at record 1 of stream '" +
+                                          std::string(80, 'n') +
+                                          "...' cannot be read back: its line is longer than 1023 characters"),
+        text("", "Index '' at record 4~it is empty"),
+        text("endStream", "Index 'endStream' at record 4~it reads as a keyword"),
+        text("name x", "Index 'name x' at record 4~it reads as a keyword"),
+        text("indexType\tx", "Index 'indexType\\x09x' at record 4~it reads as a keyword"),
+        text("structure", "Index 'structure' at record 4~it reads as a keyword"),
+        text("x ", "Index 'x ' at record 4~it has whitespace at an end"),
+        text("\vx", "Index '\\x0Bx' at record 4~it has whitespace at an end"),
+        text("x\n", "Index 'x\\n' at record 4~it has a line break"),
+        text("x\ny", "Index 'x\\ny' at record 4~it has a line break"),
+        text("x\0"s, "Index 'x\\x00' at record 4~it has a zero byte"),
+        text(std::string(1024, '-'),
+             "Index '" + std::string(80, '-') + "...' at record 4~its line is longer than 1023 characters"),
+        indexed("numeric", IndexPair(1, 2), "Index '1 2' at record 4~it is not one of type 'numeric'"),
+        indexed("pair", 7U, "Index '7' at record 4~it is not one of type 'pair'"),
+        indexed("string", 7U, "Index '7' at record 4~it is not one of type 'string'"),
+        indexed("deaf", 7U, "Index '7' at record 4~it is not one of type 'deaf'"),
+    };
+    for (const Sample& sample : samples)
+        expectRefused(sample);
+
     std::string errors;
-    EXPECT_EQ(mFormat.write(stream, out, errors), 1) << out.str();
+    std::ostringstream out;
+    EXPECT_EQ(mFormat.write(streamOf(indexed("alias", 7U, "")), out, errors), 0) << errors;
+    const Stream orphan = streamOf(indexed("alias", 7U, ""));
+    Index::creators().erase("alias");
+    Index::creators().erase("deaf");
+    EXPECT_EQ(mFormat.write(orphan, out, errors), 2);
+    EXPECT_EQ(
+        errors.find("Index type 'alias' at record 2 of stream 'S' cannot be read back: no such type is registered\n"
+                    "Index '7' at record 4"),
+        0U);
+}
+
+TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithValues)
+{
+    registered("name=P:double=d:float[3]=f:string=s");
+    const double infinity = std::numeric_limits<double>::infinity();
+    const std::string fits(1013, 's'); // a line of 1,023 characters
+    Sample samples[] = {
+        {"Value inf of member 'd' at index 'x' at record 5~it is not finite"},
+        {"Value -inf of member 'f' at index 'x' at record 5~it is not finite"},
+        {"Value nan of member 'f' at index 'x' at record 5~it is not finite"},
+        {"Text of member 's' at index 'x' at record 5~its line is longer than 1023 characters"},
+    };
+    samples[0].numbers[0] = infinity;
+    samples[0].data = "inf 1 2 3 \"\"";
+    samples[1].numbers[2] = -infinity;
+    samples[1].data = "0 1 -inf 3 \"\"";
+    samples[2].numbers[3] = std::nan("");
+    samples[2].data = "0 1 2 nan \"\"";
+    samples[3].label = fits + "s";
+    samples[3].data = "0 1 2 3 \"" + fits + "s\"";
+    for (const Sample& sample : samples)
+        expectRefused(sample);
+
+    Sample good;
+    good.label = fits;
+    std::ostringstream out;
+    std::string errors;
+    EXPECT_EQ(mFormat.write(streamOf(good), out, errors), 0) << errors;
+    out << std::hexfloat;
+    EXPECT_EQ(mFormat.write(streamOf({}), out, errors), 2);
+    EXPECT_EQ(
+        errors.find("Value 0x0p+0 of member 'd' at index 'x' at record 5 of stream 'S' cannot be read back: it is in "
+                    "hexadecimal digits\nValue 0x1p+0 of member 'f'"),
+        0U)
+        << errors;
+    samples[0].numbers = {infinity, infinity, 0, 0};
+    samples[0].label = fits;
+    errors.clear();
+    EXPECT_EQ(mFormat.write(streamOf(samples[0]), out, errors), 3) << "each fault of a line counts: " << errors;
 }
 
 /// Counts how often it is flushed.
@@ -494,35 +599,6 @@ TEST_F(StreamSerializerRawTest, Write_FlushesEveryLine)
     std::string errors;
     EXPECT_EQ(mFormat.write(Stream(registered("name=P:int32=a"), "S"), out, errors), 0);
     EXPECT_EQ(buffer.count(), 4);
-}
-
-TEST_F(StreamSerializerRawTest, Write_CountsIndicesThatAreNotOfTheIndexTypeOfTheStream)
-{
-    registered("name=P:int32=a");
-    Index::registerType("alias", &Index::TypeCreator);
-    const struct
-    {
-        const char* indexType;
-        Index index;
-        std::string message;
-    } cases[] = {
-        {"numeric", IndexPair(1, 2), "Text '1 2' at record 4 cannot be read back\n"},
-        {"pair", 7U, "Text '7' at record 4 cannot be read back\n"},
-        {"string", 7U, "Text '7' at record 4 cannot be read back\n"},
-        {"alias", 7U, ""},
-    };
-    for (const auto& row : cases)
-    {
-        SCOPED_TRACE(row.indexType);
-        Stream stream(*Structure::structureByName("P"), "S");
-        stream.setIndexType(row.indexType);
-        stream.setElement(row.index, Handle(stream.structure()));
-        std::ostringstream out;
-        std::string errors;
-        EXPECT_EQ(mFormat.write(stream, out, errors), row.message.empty() ? 0 : 1);
-        EXPECT_EQ(errors.substr(0, row.message.size()), row.message);
-    }
-    Index::creators().erase("alias");
 }
 
 TEST_F(StreamSerializerRawTest, Write_CountsAFailedOutput)

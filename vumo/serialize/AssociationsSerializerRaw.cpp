@@ -6,8 +6,11 @@
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
+#include "vumo/serialize/detail/Quoted.h"
 
 #include <memory>
+#include <set>
+#include <string_view>
 
 namespace vumo::Data
 {
@@ -120,10 +123,13 @@ int AssociationsSerializerRaw::write(const Associations& associations, std::ostr
 {
     detail::Messages messages;
     detail::LineWriter lines(out, messages);
+    std::set<std::string_view> channelNames;
     for (AssociationsIterator position = associations.begin(); position.valid(); ++position)
     {
         if (position->empty())
             continue;
+        if (!channelNames.insert(position->name()).second)
+            lines.refuse("Channel " + detail::quoted(position->name()), "another one has its name");
         lines.write(keyword(kChannel));
         messages.countErrors(ChannelSerializerRaw::theFormat()->write(*position, out, messages.text()));
     }

@@ -5,8 +5,11 @@
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
+#include "vumo/serialize/detail/Quoted.h"
+#include "vumo/serialize/detail/StreamWriter.h"
 
 #include <memory>
+#include <set>
 #include <string_view>
 
 namespace vumo::Data
@@ -108,9 +111,11 @@ Channel* ChannelSerializerRaw::read(std::istream& in, std::string& errors) const
 
 int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::string& errors) const
 {
+    const std::string& name = channel.name();
     detail::Messages messages;
-    detail::LineWriter lines(out, messages);
-    lines.write(keyword(kChannelName), channel.name());
+    detail::LineWriter lines(out, messages, {nullptr, &name});
+    lines.writeName(keyword(kChannelName), "Channel name", name);
+    std::set<std::string_view> streamNames;
     unsigned int i = 0;
     for (ChannelIterator position = channel.begin(); position.valid(); ++position, ++i)
     {
@@ -120,8 +125,10 @@ int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::
             messages.note("Null stream at element " + std::to_string(i) + " will be skipped.");
             continue;
         }
+        if (!streamNames.insert(stream->name()).second)
+            lines.refuse("Stream " + detail::quoted(stream->name()), "another one has its name");
         lines.write(keyword(kStream));
-        messages.countErrors(StreamSerializerRaw::theFormat()->write(*stream, out, messages.text()));
+        messages.countErrors(detail::StreamWriter(*stream, out, &name).write(messages.text()));
     }
     lines.write(keyword(kEndChannel));
     if (!out && messages.count() == 0)

@@ -2,13 +2,9 @@
 
 #include "vumo/serialize/detail/ClassicInput.h"
 #include "vumo/serialize/detail/ElementText.h"
-#include "vumo/serialize/detail/LineReader.h"
-#include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
 #include "vumo/serialize/detail/StreamReader.h"
-
-#include <algorithm>
-#include <iterator>
+#include "vumo/serialize/detail/StreamWriter.h"
 
 namespace vumo::Data
 {
@@ -58,66 +54,6 @@ constexpr char kDescription[] = "The raw format consists of a structure name and
                                 "\t1 \"Bicep\" 17.0 -1.0 3.5 false\n"
                                 "\tendStream\n";
 
-/// Says whether the reader would take the text for something else than an index.
-bool isTakenForAnother(const std::string& index, bool isFirst)
-{
-    constexpr SerializerRaw::eKeyword kHeaders[] = {SerializerRaw::kStreamName, SerializerRaw::kIndexType,
-                                                    SerializerRaw::kStructure};
-    if (index.empty() || index == SerializerRaw::keyword(SerializerRaw::kEndStream))
-        return true;
-    return isFirst && std::any_of(std::begin(kHeaders), std::end(kHeaders), [&](SerializerRaw::eKeyword header) {
-               std::string text;
-               return detail::isKeywordLine(index, SerializerRaw::keyword(header), text);
-           });
-}
-
-/// Says whether the reader, which knows the type by its name alone, would make that index of its text.
-bool isOfType(const std::string& typeName, const Index& index, const std::string& text)
-{
-    if (index.typeName() == typeName)
-        return true;
-    try
-    {
-        return Index::doCreate(typeName, text) == index;
-    }
-    catch (Index::eCreationErrors)
-    {
-        return false;
-    }
-}
-
-void writeIndex(const Stream& stream, const Index& index, bool isFirst, detail::LineWriter& lines)
-{
-    const std::string text = index.asString();
-    if (isTakenForAnother(text, isFirst) || !isOfType(stream.indexType(), index, text))
-        lines.refuse(text);
-    else
-        lines.check(text);
-    lines.write(text);
-}
-
-void writeElements(const Stream& stream, const detail::NumberFormat& format, detail::LineWriter& lines,
-                   detail::Messages& messages)
-{
-    const detail::ElementText elements(stream.structure());
-    const bool isNumeric = stream.indexType() == Index::theTypeName();
-    bool isFirst = true;
-    for (StreamIterator position = stream.begin(); position.valid(); ++position)
-    {
-        Index index = position.index();
-        if (isNumeric && !static_cast<IndexType*>(index))
-        {
-            format.append(lines.line(), index.index()); // always read back
-            lines.endLine();
-        }
-        else
-            writeIndex(stream, index, isFirst, lines);
-        elements.append(lines.line(), format, position->data(), lines.record(), messages);
-        lines.endLine();
-        isFirst = false;
-    }
-}
-
 /// Adds the messages to `errors`, without a summary; returns how many of them are errors.
 int handOn(detail::Messages& messages, std::string& errors)
 {
@@ -154,16 +90,7 @@ Stream* StreamSerializerRaw::read(std::istream& in, std::string& errors) const
 
 int StreamSerializerRaw::write(const Stream& stream, std::ostream& out, std::string& errors) const
 {
-    detail::Messages messages;
-    detail::LineWriter lines(out, messages);
-    lines.write(keyword(kStreamName), stream.name());
-    lines.write(keyword(kIndexType), stream.indexType());
-    lines.write(keyword(kStructure), stream.structure().name());
-    writeElements(stream, detail::NumberFormat(out), lines, messages);
-    lines.write(keyword(kEndStream));
-    if (!out)
-        messages.add("Error in stream while writing.");
-    return messages.report("Stream may not be written correctly", errors);
+    return detail::StreamWriter(stream, out).write(errors);
 }
 
 std::ostream& StreamSerializerRaw::getFormatDescription(std::ostream& out) const
@@ -175,7 +102,10 @@ int StreamSerializerRaw::writeMember(Handle& handle, unsigned int record, std::o
 {
     detail::Messages messages;
     detail::TextBuilder values;
-    detail::appendMember(values, detail::NumberFormat(out), detail::MemberValues::of(handle), record, messages);
+    const detail::NumberFormat format(out);
+    const detail::MemberValues member = detail::MemberValues::of(handle);
+    if (!detail::appendMember(values, format, member))
+        messages.add(detail::refusedMessage(member, format, "", record, {}));
     out.write(values.text().data(), static_cast<std::streamsize>(values.text().size()));
     return handOn(messages, errors);
 }

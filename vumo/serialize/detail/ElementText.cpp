@@ -6,9 +6,11 @@
 #include "vumo/serialize/detail/LineReader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 namespace vumo::Data::detail
 {
@@ -148,6 +150,24 @@ unsigned long long leastLength(Member::eDataType type, unsigned int length)
     const unsigned long long value = type == Member::kString ? kLeastString : kLeastEntry * entryCount(type);
     return value * length;
 }
+
+/// The text of the first number among the values that no reader takes back.
+std::string refusedNumber(const MemberValues& values, const NumberFormat& format)
+{
+    TextBuilder text;
+    visitDataType(values.type, [&](auto layout) {
+        using Scalar = typename decltype(layout)::Scalar;
+        if constexpr (std::is_floating_point_v<Scalar>)
+        {
+            const auto scalar = [&](std::size_t i) { return loadScalar<Scalar>(values.data + i * sizeof(Scalar)); };
+            std::size_t refused = 0;
+            while (!format.hasHexFloats() && std::isfinite(scalar(refused)))
+                ++refused;
+            format.append(text, scalar(refused));
+        }
+    });
+    return std::string(text.text());
+}
 } // namespace
 
 MemberValues MemberValues::of(Handle& handle)
@@ -161,18 +181,23 @@ std::string unrecognizedMessage(Member::eDataType type, unsigned int record)
     return "Member at record " + std::to_string(record) + " not recognized as a " + Member::typeName(type);
 }
 
-void appendMember(TextBuilder& line, const NumberFormat& format, const MemberValues& values, unsigned int record,
-                  Messages& messages)
+bool appendMember(TextBuilder& line, const NumberFormat& format, const MemberValues& values)
 {
     if (values.type >= Member::kInvalidType || !values.data)
-    {
-        messages.add(unrecognizedMessage(values.type, record));
-        return;
-    }
-    if (values.type == Member::kString)
-        appendStrings(line, values.data, values.length);
-    else if (!appendValues(line, format, values.type, values.data, values.length))
-        messages.add("Member at record " + std::to_string(record) + " has a value that cannot be read back");
+        return false;
+    if (values.type != Member::kString)
+        return appendValues(line, format, values.type, values.data, values.length);
+    appendStrings(line, values.data, values.length);
+    return true;
+}
+
+std::string refusedMessage(const MemberValues& values, const NumberFormat& format, const std::string& place,
+                           unsigned int record, const LineOwner& owner)
+{
+    if (values.type >= Member::kInvalidType || !values.data)
+        return unrecognizedMessage(values.type, record);
+    const char* const fault = format.hasHexFloats() ? "it is in hexadecimal digits" : "it is not finite";
+    return notReadBackMessage("Value " + refusedNumber(values, format) + place, record, owner, fault);
 }
 
 bool readMember(const MemberValues& values, unsigned int record, ValueInput& in, Messages& messages)
@@ -197,15 +222,16 @@ ElementText::ElementText(const Structure& structure)
     }
 }
 
-void ElementText::append(TextBuilder& line, const NumberFormat& format, char* block, unsigned int record,
-                         Messages& messages) const
+bool ElementText::append(TextBuilder& line, const NumberFormat& format, char* block) const
 {
+    bool isReadBack = true;
     for (const Place& member : mMembers)
     {
         if (&member != mMembers.data())
             line.append(' ');
-        appendMember(line, format, valuesOf(member, block), record, messages);
+        isReadBack = appendMember(line, format, valuesOf(member, block)) && isReadBack;
     }
+    return isReadBack;
 }
 
 bool ElementText::read(char* block, unsigned int record, ValueInput& in, Messages& messages) const

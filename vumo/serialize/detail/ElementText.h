@@ -6,6 +6,7 @@
 #include "vumo/data/detail/NumberFormat.h"
 #include "vumo/data/detail/TextBuilder.h"
 #include "vumo/data/detail/ValueInput.h"
+#include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
 
 #include <cstddef>
@@ -31,10 +32,13 @@ struct MemberValues
 /// Says that a member is not of the type that it should be, or of none.
 std::string unrecognizedMessage(Member::eDataType type, unsigned int record);
 
-/// Appends the values to the line. An error for a type that is none, for values that are not there, and for numbers
-/// that no reader takes back.
-void appendMember(TextBuilder& line, const NumberFormat& format, const MemberValues& values, unsigned int record,
-                  Messages& messages);
+/// Appends the values to the line. False for a type that is none, for values that are not there, and for numbers that
+/// no reader takes back.
+bool appendMember(TextBuilder& line, const NumberFormat& format, const MemberValues& values);
+
+/// The message for values that appendMember() refused. `place` says which they are: " of member 'weight'", say.
+std::string refusedMessage(const MemberValues& values, const NumberFormat& format, const std::string& place,
+                           unsigned int record, const LineOwner& owner);
 
 /// Reads the values up to the first that is bad, which is an error and is not stored. With null data it reads
 /// all the same and stores nothing. Returns whether all were good.
@@ -47,9 +51,14 @@ public:
     /// Keeps no pointer to the structure, which must not change meanwhile.
     explicit ElementText(const Structure& structure);
 
-    /// Appends the members to the line; `block` is null only for an element without members.
-    void append(TextBuilder& line, const NumberFormat& format, char* block, unsigned int record,
-                Messages& messages) const;
+    unsigned int memberCount() const { return static_cast<unsigned int>(mMembers.size()); }
+
+    /// The values of that member in an element's data block; null data without one.
+    MemberValues valuesOf(unsigned int member, char* block) const { return valuesOf(mMembers[member], block); }
+
+    /// Appends the members to the line; `block` is null only for an element without members. False when
+    /// appendMember() refused one of them.
+    bool append(TextBuilder& line, const NumberFormat& format, char* block) const;
 
     /// Reads the members up to the first bad value; null for `block` stores nothing.
     bool read(char* block, unsigned int record, ValueInput& in, Messages& messages) const;

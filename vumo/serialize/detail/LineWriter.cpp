@@ -1,29 +1,59 @@
 #include "vumo/serialize/detail/LineWriter.h"
 
-#include "vumo/serialize/detail/LineReader.h"
+#include "vumo/serialize/detail/Quoted.h"
 #include "vumo/serialize/detail/Trim.h"
 
 namespace vumo::Data::detail
 {
+std::string LineOwner::text() const
+{
+    std::string result;
+    if (stream)
+        result += " of stream " + quoted(*stream);
+    if (channel)
+        result += (stream ? " in channel " : " of channel ") + quoted(*channel);
+    return result;
+}
+
+const char* nameFault(std::string_view text)
+{
+    if (text.find('\0') != std::string_view::npos)
+        return "it has a zero byte";
+    if (text.find('\n') != std::string_view::npos)
+        return "it has a line break";
+    return trimmed(text).size() != text.size() ? "it has whitespace at an end" : nullptr;
+}
+
+std::string tooLongFault()
+{
+    return "its line is longer than " + std::to_string(kMaxLineLength) + " characters";
+}
+
+std::string notReadBackMessage(const std::string& subject, unsigned int record, const LineOwner& owner,
+                               const std::string& fault)
+{
+    return subject + " at record " + std::to_string(record) + owner.text() + " cannot be read back: " + fault;
+}
+
 void LineWriter::write(std::string_view line)
 {
     mLine.append(line);
     endLine();
 }
 
-void LineWriter::write(const char* keyword, const std::string& name)
+void LineWriter::writeName(const char* keyword, const char* what, const std::string& name)
 {
-    check(name);
-    write(std::string(keyword) + " " + name);
+    mLine.append(keyword);
+    mLine.append(' ');
+    mLine.append(name);
+    const char* const fault = nameFault(name);
+    if (fault || isTooLong())
+        refuse(what + (" " + quoted(name)), fault ? fault : tooLongFault());
+    endLine();
 }
 
 void LineWriter::endLine()
 {
-    if (mLine.text().size() > kMaxLineLength)
-    {
-        mMessages.add("Line at record " + std::to_string(mRecord) + " is longer than " +
-                      std::to_string(kMaxLineLength) + " characters and cannot be read back");
-    }
     mLine.append('\n');
     mOut.write(mLine.text().data(), static_cast<std::streamsize>(mLine.text().size()));
     mOut.flush();
@@ -31,14 +61,8 @@ void LineWriter::endLine()
     ++mRecord;
 }
 
-void LineWriter::check(const std::string& text)
+void LineWriter::refuse(const std::string& subject, const std::string& fault)
 {
-    if (trimmed(text) != text || text.find('\n') != std::string::npos)
-        refuse(text);
-}
-
-void LineWriter::refuse(const std::string& text)
-{
-    mMessages.add("Text '" + text + "' at record " + std::to_string(mRecord) + " cannot be read back");
+    mMessages.add(notReadBackMessage(subject, mRecord, mOwner, fault));
 }
 } // namespace vumo::Data::detail
