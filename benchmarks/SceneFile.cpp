@@ -15,7 +15,6 @@ namespace bench
 namespace
 {
 constexpr char kNode[] = "Body";
-constexpr std::uint64_t kHoleSize = std::uint64_t(4) << 30;
 constexpr unsigned int kVertices = 50'000;
 
 std::string scratchName(const std::string& extension)
@@ -32,11 +31,12 @@ bool isAscii(const std::string& name)
 }
 } // namespace
 
-SceneFile::SceneFile(const std::string& extension, const std::vector<Record>& records) : mName(scratchName(extension))
+SceneFile::SceneFile(const std::string& extension, const std::vector<Record>& records, std::uint64_t geometrySize)
+    : mName(scratchName(extension))
 {
-    writeScene();
+    writeScene(geometrySize);
     const std::uint64_t bareSize = std::filesystem::file_size(mName);
-    attach(records);
+    write(*writerOf(*this, records));
     mMetadataSize = std::filesystem::file_size(mName) - bareSize;
 }
 
@@ -46,30 +46,30 @@ SceneFile::~SceneFile()
     std::filesystem::remove(mName, ignored);
 }
 
-void SceneFile::writeScene() const
+void SceneFile::writeScene(std::uint64_t geometrySize) const
 {
     example::Scene scene;
     scene.mNodes = {"World", kNode};
     scene.mVerticesPerNode = kVertices;
-    scene.mHoleSize = kHoleSize;
+    scene.mHoleSize = geometrySize;
     scene.mTrailer = example::cameraChunk() + example::pluginChunk();
     std::ofstream file(mName, std::ios::binary | std::ios::trunc);
     if (!(isAscii(mName) ? example::writeAsciiScene(scene, file) : example::writeScene(scene, file)))
         throw WrongResult("cannot write the scene " + mName);
 }
 
-void SceneFile::attach(const std::vector<Record>& records) const
-{
-    const std::unique_ptr<Accessor> accessor = accessorFor(*this);
-    read(*accessor, *this);
-    accessor->setStructures({&recordStructure()});
-    accessor->associations()[kNode] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
-    write(*accessor);
-}
-
 std::unique_ptr<Accessor> accessorFor(const SceneFile& file)
 {
     return Accessor::accessorByExtension(file.name());
+}
+
+std::unique_ptr<Accessor> writerOf(const SceneFile& file, const std::vector<Record>& records)
+{
+    std::unique_ptr<Accessor> accessor = accessorFor(file);
+    read(*accessor, file);
+    accessor->setStructures({&recordStructure()});
+    accessor->associations()[kNode] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
+    return accessor;
 }
 
 void read(Accessor& accessor, const SceneFile& file)

@@ -11,12 +11,15 @@
 namespace bench
 {
 /// A scene file in the directory for temporary files with the records as metadata of one node, removed with the
-/// object. A binary scene has 4 GiB of geometry, as a hole that takes no space.
+/// object. The geometry of a binary scene is a hole that takes no space.
 class SceneFile
 {
 public:
+    static constexpr std::uint64_t kGeometrySize = std::uint64_t(4) << 30;
+
     /// The extension, "oa" or "ob", says what kind of file it is.
-    SceneFile(const std::string& extension, const std::vector<Record>& records);
+    SceneFile(const std::string& extension, const std::vector<Record>& records,
+              std::uint64_t geometrySize = kGeometrySize);
     SceneFile(const SceneFile&) = delete;
     SceneFile& operator=(const SceneFile&) = delete;
     ~SceneFile();
@@ -27,8 +30,7 @@ public:
     std::uint64_t metadataSize() const { return mMetadataSize; }
 
 private:
-    void writeScene() const;
-    void attach(const std::vector<Record>& records) const;
+    void writeScene(std::uint64_t geometrySize) const;
 
     std::string mName;
     std::uint64_t mMetadataSize = 0;
@@ -36,6 +38,9 @@ private:
 
 /// An accessor for the file that has not read it yet.
 std::unique_ptr<vumo::Data::Accessor> accessorFor(const SceneFile& file);
+
+/// One that has read the file, and will write these records in the place of the node's.
+std::unique_ptr<vumo::Data::Accessor> writerOf(const SceneFile& file, const std::vector<Record>& records);
 
 /// Throw `WrongResult` when the library refuses.
 void read(vumo::Data::Accessor& accessor, const SceneFile& file);

@@ -56,6 +56,23 @@ Side fileReading(const std::shared_ptr<const SceneFile>& file, const std::vector
     return {round, digestOf(expected)};
 }
 
+Side fileWriting(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& records,
+                 Accessor::eDurability durability)
+{
+    std::vector<Record> others(records.rbegin(), records.rend());
+    const std::shared_ptr<const Accessor> spoiler = writerOf(*file, others);
+    const std::shared_ptr<Accessor> writer = writerOf(*file, records);
+    writer->setDurability(durability);
+    const auto round = [file, spoiler, writer](Stopwatch& watch) {
+        write(*spoiler); // what is there already would not be written
+        watch.time([&] { write(*writer); });
+        const std::unique_ptr<Accessor> reader = accessorFor(*file);
+        read(*reader, *file);
+        return digestOf(streamIn(*reader));
+    };
+    return {round, digestOf(records)};
+}
+
 void compareFileReading(Comparison& comparison, const std::string& extension)
 {
     const std::vector<Record> records = recordsOfTextSize(comparison.scaled(kMetadataSize));
@@ -66,18 +83,28 @@ void compareFileReading(Comparison& comparison, const std::string& extension)
 void compareFileWriting(Comparison& comparison, const std::string& extension)
 {
     const std::vector<Record> records = recordsOfTextSize(comparison.scaled(kMetadataSize));
-    const SceneFile file(extension, records);
-    const std::unique_ptr<Accessor> accessor = accessorFor(file);
-    read(*accessor, file);
+    const auto file = std::make_shared<const SceneFile>(extension, records);
+    const Associations metadata = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
+    comparison.run(records.size(), fileWriting(file, records, Accessor::kMemoryOnly),
+                   rawWriting(metadata, rawText(records)));
+}
 
-    const auto writeAndRead = [&](Stopwatch& watch) {
-        watch.time([&] { write(*accessor); });
-        const std::unique_ptr<Accessor> reader = accessorFor(file);
-        read(*reader, file);
-        return digestOf(streamIn(*reader));
-    };
-    comparison.run(records.size(), {writeAndRead, digestOf(records)},
-                   rawWriting(metadataOf(*accessor), rawText(records)));
+void compareJournal(Comparison& comparison, const std::string& extension)
+{
+    const std::vector<Record> records = recordsOfTextSize(comparison.scaled(kMetadataSize));
+    const auto file = std::make_shared<const SceneFile>(extension, records);
+    comparison.run(records.size(), fileWriting(file, records, Accessor::kJournal),
+                   fileWriting(file, records, Accessor::kMemoryOnly));
+}
+
+void compareJournalAtScale(Comparison& comparison)
+{
+    constexpr std::uint64_t kSmallGeometry = 1 << 20;
+    const std::vector<Record> records = recordsOfTextSize(comparison.scaled(kMetadataSize));
+    const auto large = std::make_shared<const SceneFile>("ob", records);
+    const auto small = std::make_shared<const SceneFile>("ob", records, kSmallGeometry);
+    comparison.run(records.size(), fileWriting(large, records, Accessor::kJournal),
+                   fileWriting(small, records, Accessor::kJournal));
 }
 
 void compareBytesRead(Comparison& comparison, const std::string& extension)

@@ -12,7 +12,13 @@
 namespace bench
 {
 void compareFileReading(Comparison& comparison, const std::string& extension);
+
+/// Without a journal; everything is replaced.
 void compareFileWriting(Comparison& comparison, const std::string& extension);
+
+/// Writing with a journal against writing without one, and in a large scene against a small one.
+void compareJournal(Comparison& comparison, const std::string& extension);
+void compareJournalAtScale(Comparison& comparison);
 
 /// What reading asks of the kernel, against one `pread` of as many bytes as there is metadata.
 void compareBytesRead(Comparison& comparison, const std::string& extension);
@@ -21,6 +27,8 @@ void compareReadCalls(Comparison& comparison, const std::string& extension);
 /// So many records that their text has about that many bytes.
 std::vector<Record> recordsOfTextSize(std::size_t bytes);
 
-/// The library's side, for other workloads to share. It keeps the file.
+/// The library's sides, for other workloads to share. They keep the file.
 Side fileReading(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& expected);
+Side fileWriting(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& records,
+                 vumo::Data::Accessor::eDurability durability);
 } // namespace bench

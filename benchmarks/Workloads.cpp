@@ -95,6 +95,10 @@ const std::vector<Workload> kWorkloads = {
      [](Comparison& c) { compareFileReading(c, "oa"); }},
     {"file/oa/write", ".oa write, 1 MB of metadata", "text in memory written", kTime, 0, 0, kManyRounds,
      [](Comparison& c) { compareFileWriting(c, "oa"); }},
+    {"file/ob/journal", ".ob write with a journal", "without a journal", kTime, 0, 0, kManyRounds,
+     [](Comparison& c) { compareJournal(c, "ob"); }},
+    {"file/oa/journal", ".oa write with a journal", "without a journal", kTime, 0, 0, kManyRounds,
+     [](Comparison& c) { compareJournal(c, "oa"); }},
     {"file/ob/bytes", ".ob: bytes read", "pread of the metadata", kBytes, 1.05, 1.0, kCounted,
      [](Comparison& c) { compareBytesRead(c, "ob"); }},
     {"file/oa/bytes", ".oa: bytes read", "pread of the metadata", kBytes, 1.05, 1.0, kCounted,
@@ -114,6 +118,8 @@ const std::vector<Workload> kWorkloads = {
     {"scale/dense/set", "dense: setElement, 1M", "itself, 10k", kTime, 1.3, 1.1, kRounds, compareDenseSetAtScale},
     {"scale/oa/read", ".oa read, 32 MB of metadata", "itself, 1 MB", kTime, 1.15, 1.05, kRounds,
      compareAsciiFileReadingAtScale},
+    {"scale/ob/journal", ".ob write with a journal, 4 GiB scene", "itself, 1 MiB scene", kTime, 0, 0, kManyRounds,
+     compareJournalAtScale},
 };
 } // namespace
 
