@@ -259,6 +259,8 @@ TEST_F(InterruptedWriteTest, ACallThatFailsLeavesTheFileAsItWas)
             std::vector<std::string> expected = {"Could not write the undo record " + recordName() + "."};
             const std::vector<std::string> steps = ofThisChange(kind, kind.writeMessages);
             expected.insert(expected.end(), steps.begin(), steps.end());
+            if (expected.back() != kind.writeMessages.back())
+                expected.push_back(kind.writeMessages.back()); // also that of a sync
             if (mNew.size() < mOld.size())
                 expected.push_back("Could not truncate the file.");
             expected.push_back("Could not remove the undo record " + recordName() + ".");
