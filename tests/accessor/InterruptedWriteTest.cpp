@@ -199,6 +199,29 @@ TEST_F(InterruptedWriteTest, ACrashAtAnyCallLeavesTheOldOrTheNewFile)
     RecordProperty("crashes", calls);
 }
 
+TEST_F(InterruptedWriteTest, ACrashWhileTheOldBytesArePutBackLeavesTheOldOrTheNewFile)
+{
+    forAll([&](const Kind&) {
+        for (const char* place : {"sync scene", "remove record", "sync directory"})
+        {
+            bool isEnded = true;
+            for (int later = 1; isEnded && !HasFailure(); ++later)
+            {
+                SCOPED_TRACE(std::string(place) + " fails, ended " + std::to_string(later) + " calls later");
+                mFile->setBytes(mOld);
+                Script script;
+                script.mPlace = place;
+                script.mTurn = place == std::string("sync directory") ? 2 : 1;
+                script.mAction = Script::kFail;
+                script.mError = EIO;
+                script.mExitLater = later;
+                isEnded = isEndedBy(script, [&] { return !write(); });
+                expectOldOrNewAfterRead();
+            }
+        }
+    });
+}
+
 TEST_F(InterruptedWriteTest, TheRecordIsOnTheDiskWhileTheFileChanges)
 {
     const std::vector<std::string> begin = {"create record",  "share record", "write record", "sync record",

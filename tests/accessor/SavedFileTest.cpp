@@ -230,6 +230,9 @@ TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFileIsNotApplied)
     leaveHalfWritten(mName);
     const std::string half = bytesOf(mName);
     const std::string record = bytesOf(mName + kEnding);
+    const std::string other = mFolder / "other.ob";
+    setBytes(other, mScene);
+    ASSERT_TRUE(save(other)) << mErrors;
     const std::string start = "The undo record " + mName + kEnding + " does not fit " + mName + " any more";
     const auto changedAt = [&](std::size_t position) {
         std::string bytes = half;
@@ -246,6 +249,7 @@ TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFileIsNotApplied)
         {"another byte of the scene in front of the trailer", changedAt(mScene.size() - 200)},
         {"another byte among the written ones", changedAt(half.size() - 80)},
         {"a longer file", half + std::string(1000, 'x')},
+        {"all of the new file and more", bytesOf(other) + "x"},
         {"a shorter file", half.substr(0, mScene.size() - 1)},
         {"another scene", sceneWith(example::cameraChunk())},
     };
@@ -295,7 +299,9 @@ TEST_F(SavedFileTest, WhatIsNoRecordIsLeftAlone)
         EXPECT_EQ(refusalToRead(mName), refusal);
     }
     fs::remove(mName + kEnding);
-    setBytes(mFolder / "elsewhere", "x");
+    setBytes(mName, mScene);
+    leaveHalfWritten(mName);
+    fs::rename(mName + kEnding, mFolder / "elsewhere");
     fs::create_symlink(mFolder / "elsewhere", mName + kEnding);
     EXPECT_EQ(refusalToRead(mName), refusal);
     fs::remove(mName + kEnding);
