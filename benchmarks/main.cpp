@@ -16,6 +16,7 @@
 #include <sched.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <string>
 
@@ -41,13 +42,14 @@ void pinToOneProcessor()
     }
 }
 
-/// Gives the allocator at once the thresholds that it learns by itself in a process that has freed large blocks, so
-/// that figures do not depend on the workloads before.
+/// Gives the allocator at once the threshold that it learns by itself in a process that has freed large blocks, so
+/// that figures do not depend on the workloads before; and has it keep what a round has freed, whose return to the
+/// kernel would hit now this side, now that.
 void fixThresholds()
 {
     constexpr int kLargestLearnt = 32 << 20;
     mallopt(M_MMAP_THRESHOLD, kLargestLearnt);
-    mallopt(M_TRIM_THRESHOLD, 2 * kLargestLearnt);
+    mallopt(M_TRIM_THRESHOLD, INT_MAX);
 }
 
 void runWorkload(const bench::Workload& workload, bool isQuick, benchmark::State& state)
