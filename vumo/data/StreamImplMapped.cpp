@@ -36,11 +36,13 @@ StreamImplMapped::StreamImplMapped(const StreamImpl& other) : StreamImpl(other),
 
 StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
     : StreamImpl(other),
-      mElements(other.mElements),
       mStructureHandle(structure(), nullptr),
       mLowestValidIndex(other.mLowestValidIndex),
       mHighestValidIndex(other.mHighestValidIndex)
 {
+    // The map's own copy would be made in the order of its branches, which memory caches do not foresee.
+    for (const auto& [index, element] : other.mElements)
+        mElements.emplace_hint(mElements.end(), index, element);
     ++_objectsCreated;
     ++_objectsAlive;
 }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "vumo/data/NodeAllocator.h"
 #include "vumo/data/StreamImpl.h"
 
+#include <functional>
 #include <map>
+#include <utility>
 
 namespace vumo::Data
 {
@@ -79,7 +82,7 @@ private:
         ~Element() = default;
     };
 
-    using Elements = std::map<Index, Element>;
+    using Elements = std::map<Index, Element, std::less<Index>, NodeAllocator<std::pair<const Index, Element>>>;
 
     /// Says whether no element comes at or after that index.
     bool isBeyondLast(const Index& index) const;
