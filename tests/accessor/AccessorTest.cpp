@@ -232,63 +232,6 @@ TEST_F(AccessorTest, Factories_TheFirstOneOfAnExtensionStaysUntilItIsDestroyed)
     EXPECT_TRUE(isBinary("ob"));
 }
 
-TEST_F(AccessorTest, Write_RefusesWhatCouldNotBeReadAgain)
-{
-    const struct
-    {
-        const char* ending;
-        std::string bare;
-        std::string structureMessage;
-        std::string nodeMessage;
-        std::string sceneMessage;
-    } cases[] = {
-        {".oa", "//Ovri ASCII 2014 scene\nselect -ne :a;\n// End of it\n", "Could not write structure chunk to file.",
-         "Could not write node associations statement to file.",
-         "Could not write scene associations statement to file."},
-        {".ob", sceneWith(""), "Could not write structure chunk to in-memory trailer.",
-         "Could not write node associations chunk to in-memory trailer.",
-         "Could not write scene associations chunk to in-memory trailer."},
-    };
-    for (const auto& sample : cases)
-    {
-        SCOPED_TRACE(sample.ending);
-        const ScratchFile file(sample.ending);
-        file.setBytes(sample.bare);
-        const auto accessor = readScene(file.name());
-        const auto refusal = [&] {
-            std::string errors;
-            EXPECT_FALSE(accessor->write(errors));
-            EXPECT_EQ(file.bytes(), sample.bare);
-            return errors;
-        };
-        for (const char* member : {"", "a:int8=b", "a=b", "a ", "a\nint8=b"})
-        {
-            SCOPED_TRACE(member);
-            const Ref<Structure> structure(new Structure("Odd"));
-            structure->addMember(Member::kInt8, 1, member); // without a name: no member
-            accessor->setStructures({structure.get()});
-            EXPECT_EQ(refusal(), sample.structureMessage);
-        }
-        const std::string missing = "Structure 'Weight' of stream 'weights' in channel 'vertex' is not among the "
-                                    "structures to be written.\n";
-        const Ref<Structure> weight = valueStructure("Weight");
-        const Ref<Structure> other(new Structure("Weight"));
-        other->addMember(Member::kDouble, 1, "Value");
-        const Structure* const choices[] = {nullptr, other.get()};
-        for (const Structure* const written : choices)
-        {
-            accessor->clear();
-            if (written)
-                accessor->setStructures({written});
-            accessor->associations()["Body"] = associationsOf("vertex", "weights", *weight, 0, "1");
-            EXPECT_EQ(refusal(), missing + sample.nodeMessage);
-            accessor->associations()[""] = accessor->associations()["Body"];
-            accessor->associations().erase("Body");
-            EXPECT_EQ(refusal(), missing + sample.sceneMessage);
-        }
-    }
-}
-
 TEST_F(AccessorTest, Read_AsksForTheMetadataOnceAndInLargePieces)
 {
     const struct

@@ -255,40 +255,6 @@ TEST_F(OvriAsciiFileAccessorTest, Write_LeavesCarriageReturnsOfTheHostAlone)
               host + kWeight + applying("1", "Body") + "// End of it\r\n");
 }
 
-TEST_F(OvriAsciiFileAccessorTest, Write_RefusesWhatAScriptCannotCarry)
-{
-    const struct
-    {
-        const char* node;
-        const char* structure;
-        const char* errors;
-    } cases[] = {
-        {"two words", "Weight", "Could not write node associations statement to file."},
-        {"a;select", "Weight", "Could not write node associations statement to file."},
-        {"a\"b", "Weight", "Could not write node associations statement to file."},
-        {"a\\b", "Weight", "Could not write node associations statement to file."},
-        {"a\nselect", "Weight", "Could not write node associations statement to file."},
-        {"a//b", "Weight", "Could not write node associations statement to file."},
-        {"-scn", "Weight", "Could not write node associations statement to file."},
-        {"Body", "a\";select \"", "Could not write structure chunk to file."},
-        {"Body", "a\\", "Could not write structure chunk to file."},
-        {"Body", "a\tb", "Could not write structure chunk to file."},
-    };
-    for (const auto& [node, name, message] : cases)
-    {
-        SCOPED_TRACE(std::string(node) + " " + name);
-        mFile.setBytes(kHeader + kHost + kTrailer);
-        const auto accessor = readScene(mFile.name());
-        const Ref<Structure> structure = valueStructure(name);
-        accessor->setStructures({structure.get()});
-        accessor->associations()[node] = associationsOf("vertex", "weights", *structure, 0, "1");
-        std::string errors;
-        EXPECT_FALSE(accessor->write(errors));
-        EXPECT_EQ(errors, message);
-        EXPECT_EQ(mFile.bytes(), kHeader + kHost + kTrailer);
-    }
-}
-
 TEST_F(OvriAsciiFileAccessorTest, Write_NeedsATrailerAndWholeStatements)
 {
     const struct

@@ -120,9 +120,10 @@ TEST_F(ChannelSerializerRawTest, Write_CountsStreamsThatWereGivenOneName)
     ASSERT_TRUE(other.renameDataStream("A", "B"));
     std::ostringstream out;
     std::string errors;
-    EXPECT_EQ(mFormat.write(channel, out, errors), 1);
-    EXPECT_EQ(errors, "Stream 'B' at record 3 of channel 'face' cannot be read back: another one has its name\n"
-                      "1 error found, Channel may not be written correctly\n");
+    EXPECT_EQ(mFormat.write(channel, out, errors), 2);
+    EXPECT_EQ(errors, "Stream 'B' at record 2 of channel 'face' cannot be read back: another one has its name\n"
+                      "Stream 'B' at record 3 of channel 'face' cannot be read back: another one has its name\n"
+                      "2 errors found, Channel may not be written correctly\n");
     const std::string stream = "stream\nname B\nindexType numeric\nstructure P\nendStream\n";
     EXPECT_EQ(out.str(), "name face\n" + stream + stream + "endChannel\n");
 }

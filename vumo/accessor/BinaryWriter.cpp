@@ -23,6 +23,7 @@ namespace
 using namespace detail;
 
 using Binary = AccessorOvri::Binary;
+using NamedAssociations = std::map<std::string, Associations>::value_type;
 
 /// With longer trailers the offset from its end back to its start would not fit its 32 bits.
 constexpr std::uint64_t kLongestTrailer = std::numeric_limits<std::uint32_t>::max() - kHeaderSize - kBackwardOffsetSize;
@@ -54,14 +55,19 @@ public:
         mBytes.replace(mSizePosition, number.size(), number).append(paddingOf(size), '\0');
     }
 
-    /// Turns what stands behind `begin` into UTF-8, and ends the data with its zero byte.
-    void endWithText(std::size_t begin)
+    /// Turns what stands behind `begin` into UTF-8, and ends the data with its zero byte. False when a reader would not
+    /// turn that into the same text.
+    bool endWithText(std::size_t begin)
     {
+        const std::string_view text = std::string_view(mBytes).substr(begin);
         std::string converted;
-        if (convertString(std::string_view(mBytes).substr(begin), eTextDirection::kToUtf8, converted))
+        const bool isConverted = convertString(text, eTextDirection::kToUtf8, converted);
+        const bool isReadBack = isConvertedBack(text, isConverted ? converted : text);
+        if (isConverted)
             mBytes.replace(begin, std::string::npos, converted);
         mBytes += '\0';
         end();
+        return isReadBack;
     }
 
 private:
@@ -69,15 +75,19 @@ private:
     const std::size_t mSizePosition;
 };
 
-bool appendStructureChunk(const Structure& structure, std::string& out)
+/// What is wrong with a text that is not the same when a reader has converted it back.
+constexpr char kNotConverted[] = "the encoding of the locale cannot be converted to UTF-8 and back without a loss";
+
+bool appendStructureChunk(const Structure& structure, std::string& out, std::string& errors)
 {
     ChunkBuilder chunk(Binary::getMetaDataStructureChunkName(), out);
     chunk.appendZeroTerminated(kFormatWritten);
     const std::size_t text = out.size();
-    if (!serializeStructure(structure, out))
+    if (!serializeStructure(structure, out, errors))
         return false;
-    chunk.endWithText(text);
-    return true;
+    if (chunk.endWithText(text))
+        return true;
+    return failWith(errors, structureMessage(structure, kNotConverted));
 }
 
 bool appendAssociationsChunk(const std::string& tag, const std::string& name, const Associations& associations,
@@ -85,16 +95,17 @@ bool appendAssociationsChunk(const std::string& tag, const std::string& name, co
 {
     if (associations.empty())
         return true;
-    if (name.find('\0') != std::string::npos) // it would end there when read back
-        return false;
+    if (name.find('\0') != std::string::npos)
+        return failWith(errors, "Its name has a zero byte, where it would end.\n");
     ChunkBuilder chunk(tag, out);
     chunk.appendZeroTerminated(name);
     chunk.appendZeroTerminated(kFormatWritten);
     const std::size_t text = out.size();
     if (!serializeAssociations(associations, out, errors))
         return false;
-    chunk.endWithText(text);
-    return true;
+    if (chunk.endWithText(text))
+        return true;
+    return failWith(errors, std::string("A text cannot be read back: ") + kNotConverted + ".\n");
 }
 
 bool writeBytes(std::ostream& out, const std::string& bytes)
@@ -188,25 +199,33 @@ bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after
     return true;
 }
 
+/// The chunk of one node, or of the scene.
+bool appendMetadata(const Accessor::StructureSet& structures, const std::string& tag, const NamedAssociations& entry,
+                    std::string& out, std::string& errors)
+{
+    std::string faults;
+    const bool isComplete = usesOnly(structures, entry.second, faults);
+    const bool isWritten = appendAssociationsChunk(tag, entry.first, entry.second, out, faults);
+    errors += messagesOf(entry.first, faults);
+    return isComplete && isWritten;
+}
+
 bool appendNewMetadata(const Accessor::StructureSet& structures,
                        const std::map<std::string, Associations>& associations, std::string& out, std::string& errors)
 {
     for (const Structure* structure : structures)
     {
-        if (!appendStructureChunk(*structure, out))
+        if (!appendStructureChunk(*structure, out, errors))
             return failWith(errors, "Could not write structure chunk to in-memory trailer.");
     }
     const std::string& sceneName = AccessorOvri::getSceneAssociationsName();
     const auto scene = associations.find(sceneName);
     if (scene != associations.end() &&
-        !(usesOnly(structures, scene->second, errors) &&
-          appendAssociationsChunk(Binary::getApplySceneMetaDataChunkName(), sceneName, scene->second, out, errors)))
+        !appendMetadata(structures, Binary::getApplySceneMetaDataChunkName(), *scene, out, errors))
         return failWith(errors, "Could not write scene associations chunk to in-memory trailer.");
     for (auto node = associations.begin(); node != associations.end(); ++node)
     {
-        if (node != scene &&
-            !(usesOnly(structures, node->second, errors) &&
-              appendAssociationsChunk(Binary::getApplyNodeMetaDataChunkName(), node->first, node->second, out, errors)))
+        if (node != scene && !appendMetadata(structures, Binary::getApplyNodeMetaDataChunkName(), *node, out, errors))
             return failWith(errors, "Could not write node associations chunk to in-memory trailer.");
     }
     return true;
@@ -259,16 +278,19 @@ bool replaceTrailer(FileTransaction&& transaction, Trailer trailer, std::string 
 bool BinaryWriter::writeStructureChunk(std::ostream& out, const Structure& structure)
 {
     std::string bytes;
-    return appendStructureChunk(structure, bytes) && writeBytes(out, bytes);
+    std::string ignored;
+    return appendStructureChunk(structure, bytes, ignored) && writeBytes(out, bytes);
 }
 
 bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& tag, const std::string& name,
                                           const Associations& associations, std::string* errors)
 {
     std::string bytes;
-    std::string ignored;
-    return appendAssociationsChunk(tag, name, associations, bytes, errors ? *errors : ignored) &&
-           (bytes.empty() || writeBytes(out, bytes));
+    std::string faults;
+    const bool isBuilt = appendAssociationsChunk(tag, name, associations, bytes, faults);
+    if (errors)
+        *errors += messagesOf(name, faults);
+    return isBuilt && (bytes.empty() || writeBytes(out, bytes));
 }
 
 bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,

@@ -23,8 +23,8 @@ public:
 
     /// Writes a chunk of the tag "MTDA", for the node of that name, or "SMTD", for the scene; nothing for empty
     /// associations. False when there is no format "raw", when the name holds a zero byte, when the
-    /// associations could not be serialized, or when the stream failed. The serializer's messages are appended
-    /// to `errors` where that is not null.
+    /// associations could not be serialized or converted, or when the stream failed. What is wrong is appended to
+    /// `errors` where that is not null.
     static bool writeAssociationsChunk(std::ostream& out, const std::string& tag, const std::string& name,
                                        const Associations& associations, std::string* errors = nullptr);
 

@@ -152,12 +152,23 @@ bool readStatements(AsciiTail& tail, detail::NameFilter& structures, detail::Nam
     return readAssociations(pending, result, errors);
 }
 
+/// The statement of one node, or of the scene.
+bool appendMetadata(const Accessor& accessor, const AssociationsMap::value_type& entry, std::string& out,
+                    std::string& errors)
+{
+    std::string faults;
+    const bool isComplete = detail::usesOnly(accessor.structures(), entry.second, faults);
+    const bool isWritten = detail::appendAssociations(entry.first, entry.second, out, faults);
+    errors += detail::messagesOf(entry.first, faults);
+    return isComplete && isWritten;
+}
+
 /// All statements of the accessor, in the order of the file.
 bool appendStatements(const Accessor& accessor, std::string& out, std::string& errors)
 {
     for (const Structure* const structure : accessor.structures())
     {
-        if (!detail::appendStructure(*structure, out))
+        if (!detail::appendStructure(*structure, out, errors))
         {
             errors += "Could not write structure chunk to file.";
             return false;
@@ -166,20 +177,14 @@ bool appendStatements(const Accessor& accessor, std::string& out, std::string& e
     const std::string& scene = AccessorOvri::getSceneAssociationsName();
     for (const auto& entry : accessor.associations())
     {
-        const bool isWritten =
-            entry.first == scene || entry.second.empty() ||
-            (detail::isBareWord(entry.first) && detail::usesOnly(accessor.structures(), entry.second, errors) &&
-             detail::appendAssociations(entry.first, entry.second, out, errors));
-        if (!isWritten)
+        if (entry.first != scene && !appendMetadata(accessor, entry, out, errors))
         {
             errors += "Could not write node associations statement to file.";
             return false;
         }
     }
     const auto entry = accessor.associations().find(scene);
-    if (entry != accessor.associations().end() &&
-        !(detail::usesOnly(accessor.structures(), entry->second, errors) &&
-          detail::appendAssociations(Ascii::getApplyMetadataCommandSceneFlag(), entry->second, out, errors)))
+    if (entry != accessor.associations().end() && !appendMetadata(accessor, *entry, out, errors))
     {
         errors += "Could not write scene associations statement to file.";
         return false;

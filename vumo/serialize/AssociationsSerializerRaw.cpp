@@ -7,10 +7,12 @@
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
 #include "vumo/serialize/detail/Quoted.h"
+#include "vumo/serialize/detail/RepeatedNames.h"
 
 #include <memory>
 #include <set>
 #include <string_view>
+#include <vector>
 
 namespace vumo::Data
 {
@@ -59,6 +61,18 @@ bool readWord(std::istream& in, std::string& word)
     input.stream() >> word;
     input.handOnState();
     return !in.fail();
+}
+
+/// The names of the channels that are written.
+std::vector<std::string_view> channelNames(const Associations& associations)
+{
+    std::vector<std::string_view> names;
+    for (AssociationsIterator position = associations.begin(); position.valid(); ++position)
+    {
+        if (!position->empty())
+            names.push_back(position->name());
+    }
+    return names;
 }
 
 void readChannel(std::istream& in, Associations& associations, detail::Messages& messages)
@@ -123,12 +137,12 @@ int AssociationsSerializerRaw::write(const Associations& associations, std::ostr
 {
     detail::Messages messages;
     detail::LineWriter lines(out, messages);
-    std::set<std::string_view> channelNames;
+    const std::set<std::string_view> repeated = detail::repeatedNames(channelNames(associations));
     for (AssociationsIterator position = associations.begin(); position.valid(); ++position)
     {
         if (position->empty())
             continue;
-        if (!channelNames.insert(position->name()).second)
+        if (repeated.count(position->name()) > 0)
             lines.refuse("Channel " + detail::quoted(position->name()), "another one has its name");
         lines.write(keyword(kChannel));
         messages.countErrors(ChannelSerializerRaw::theFormat()->write(*position, out, messages.text()));

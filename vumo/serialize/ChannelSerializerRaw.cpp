@@ -6,11 +6,13 @@
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
 #include "vumo/serialize/detail/Quoted.h"
+#include "vumo/serialize/detail/RepeatedNames.h"
 #include "vumo/serialize/detail/StreamWriter.h"
 
 #include <memory>
 #include <set>
 #include <string_view>
+#include <vector>
 
 namespace vumo::Data
 {
@@ -52,6 +54,17 @@ std::unique_ptr<Channel> renamed(const Channel& channel, const std::string& name
     for (ChannelIterator position = channel.begin(); position.valid(); ++position)
         result->setDataStream(**position);
     return result;
+}
+
+std::vector<std::string_view> streamNames(const Channel& channel)
+{
+    std::vector<std::string_view> names;
+    for (ChannelIterator position = channel.begin(); position.valid(); ++position)
+    {
+        if (*position)
+            names.push_back((*position)->name());
+    }
+    return names;
 }
 
 void readStream(std::istream& in, Channel& channel, detail::Messages& messages)
@@ -115,7 +128,7 @@ int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::
     detail::Messages messages;
     detail::LineWriter lines(out, messages, {nullptr, &name});
     lines.writeName(keyword(kChannelName), "Channel name", name);
-    std::set<std::string_view> streamNames;
+    const std::set<std::string_view> repeated = detail::repeatedNames(streamNames(channel));
     unsigned int i = 0;
     for (ChannelIterator position = channel.begin(); position.valid(); ++position, ++i)
     {
@@ -125,7 +138,7 @@ int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::
             messages.note("Null stream at element " + std::to_string(i) + " will be skipped.");
             continue;
         }
-        if (!streamNames.insert(stream->name()).second)
+        if (repeated.count(stream->name()) > 0)
             lines.refuse("Stream " + detail::quoted(stream->name()), "another one has its name");
         lines.write(keyword(kStream));
         messages.countErrors(detail::StreamWriter(*stream, out, &name).write(messages.text()));

@@ -27,9 +27,36 @@ bool hasMoreStatements(const std::string& text, std::string::size_type position)
     return text.find(';', position) != std::string::npos;
 }
 
-std::string quoted(const std::string& text)
+std::string inQuotes(const std::string& text)
 {
     return "\"" + text + "\"";
+}
+
+/// What the character is called that cannot stand in a quoted text without an escape; null for all others.
+const char* faultInQuotes(char character)
+{
+    if (character == '"')
+        return "a double quote";
+    if (character == '\\')
+        return "a backslash";
+    return isControl(character) ? "a control character" : nullptr;
+}
+
+/// What keeps the name from being one word of a script; null when nothing does.
+const char* faultAsWord(const std::string& name)
+{
+    for (const char character : name)
+    {
+        if (const char* const fault = faultInQuotes(character))
+            return fault;
+        if (character == ' ')
+            return "a blank";
+        if (character == ';')
+            return "a \";\"";
+    }
+    if (name.find("//") != std::string::npos)
+        return "a \"//\"";
+    return name == Ascii::getApplyMetadataCommandSceneFlag() ? "the meaning of the scene" : nullptr;
 }
 } // namespace
 
@@ -77,48 +104,52 @@ bool takeName(std::string& statement, std::string& name)
     return true;
 }
 
-bool isBareWord(const std::string& name)
-{
-    const bool hasOther = std::any_of(name.begin(), name.end(), [](char character) {
-        return isControl(character) || std::string(" \"\\;").find(character) != std::string::npos;
-    });
-    const bool isComment = name.find("//") != std::string::npos;
-    return !name.empty() && !hasOther && !isComment && name != Ascii::getApplyMetadataCommandSceneFlag();
-}
-
-bool appendStructure(const Structure& structure, std::string& out)
+bool appendStructure(const Structure& structure, std::string& out, std::string& errors)
 {
     std::string text;
-    if (!serializeStructure(structure, text))
+    if (!serializeStructure(structure, text, errors))
         return false;
     std::string value;
     for (const char character : text)
     {
         if (character == '\n')
             value += "\\n";
-        else if (character == '"' || character == '\\' || isControl(character))
+        else if (const char* const fault = faultInQuotes(character))
+        {
+            errors += structureMessage(structure, std::string("a name has ") + fault);
             return false;
+        }
         else
             value += character;
     }
     out += Ascii::getDataStructureCommandName() + " " + Ascii::getDataStructureCommandFormatFlag() + " " +
-           quoted(kFormatWritten) + " " + Ascii::getDataStructureCommandAsStringFlag() + " " + quoted(value) + ";\n";
+           inQuotes(kFormatWritten) + " " + Ascii::getDataStructureCommandAsStringFlag() + " " + inQuotes(value) +
+           ";\n";
     return true;
 }
 
-bool appendAssociations(const std::string& target, const Associations& associations, std::string& out,
+bool appendAssociations(const std::string& nodeName, const Associations& associations, std::string& out,
                         std::string& errors)
 {
     if (associations.empty())
         return true;
+    const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
+    const char* const fault = isScene ? nullptr : faultAsWord(nodeName);
+    if (fault)
+        errors += std::string("Its name has ") + fault + ", and would not be one word of a script.\n";
     std::string text;
-    if (!serializeAssociations(associations, text, errors))
+    if (!serializeAssociations(associations, text, errors) || fault)
         return false;
-    out.reserve(out.size() + text.size() + text.size() / 8); // most texts have an escape in each line of some length
     out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
-           quoted(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " \"";
-    appendEscapedValue(text, out);
-    out += "\" \n\t\t" + target + ";\n";
+           inQuotes(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " \"";
+    if (!appendEscapedValue(text, out))
+    {
+        errors +=
+            "A name, an index or a value has bytes that are no character of the locale, and that would not be read "
+            "back.\n";
+        return false;
+    }
+    out += "\" \n\t\t" + (isScene ? Ascii::getApplyMetadataCommandSceneFlag() : nodeName) + ";\n";
     return true;
 }
 } // namespace vumo::Data::detail

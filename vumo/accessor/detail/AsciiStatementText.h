@@ -24,14 +24,13 @@ bool parseValue(std::string&& statement, FormattedValue& result);
 /// scene is the scene associations name. False when there is no name, or another statement behind it.
 bool takeName(std::string& statement, std::string& name);
 
-/// Says whether a script could take the node's name for nothing but one word.
-bool isBareWord(const std::string& name);
+/// Appends the statement that declares the structure. False, with the reason appended to `errors`, when it has no text,
+/// or one that would not stay inside its quotes.
+bool appendStructure(const Structure& structure, std::string& out, std::string& errors);
 
-/// Appends the statement that declares the structure. False when its text would not stay inside its quotes.
-bool appendStructure(const Structure& structure, std::string& out);
-
-/// Appends the statement that applies the associations to what `target` says: a node's name or the scene flag.
-/// Appends nothing for empty ones. False, with the serializer's errors, when they can't be written.
-bool appendAssociations(const std::string& target, const Associations& associations, std::string& out,
+/// Appends the statement that applies the associations to the node of that name, or to the scene. Appends nothing for
+/// empty ones. False, with the reasons appended to `errors`, when they can't be written, or when a script could take
+/// the name for anything but one word.
+bool appendAssociations(const std::string& nodeName, const Associations& associations, std::string& out,
                         std::string& errors);
 } // namespace vumo::Data::detail

@@ -60,6 +60,9 @@ public:
             ++mNext;
     }
 
+    /// Says whether there was a byte beyond ASCII that is no part of a character.
+    bool hasStrayBytes() const { return mHasStrayBytes; }
+
     /// The length in bytes of the character at the position, at least 1, which is stepped over.
     std::size_t step()
     {
@@ -68,6 +71,7 @@ public:
         if (length == 0 || length >= kIncomplete)
         {
             length = 1;
+            mHasStrayBytes = true;
             mState = std::mbstate_t();
         }
         mNext += length;
@@ -80,6 +84,7 @@ private:
     const char* mNext;
     const char* mEnd;
     std::mbstate_t mState{};
+    bool mHasStrayBytes = false;
 };
 
 void appendEscaped(std::string& result, char character)
@@ -127,9 +132,11 @@ std::size_t unescape(const char* next, std::size_t left, char& character)
 }
 } // namespace
 
-void appendEscapedValue(const std::string& text, std::string& out)
+bool appendEscapedValue(const std::string& text, std::string& out)
 {
-    for (Characters characters(text.data(), text.data() + text.size()); !characters.atEnd();)
+    const std::string::size_type begin = out.size();
+    Characters characters(text.data(), text.data() + text.size());
+    while (!characters.atEnd())
     {
         const char* const kept = characters.position();
         characters.stepOverWhatStays();
@@ -141,6 +148,11 @@ void appendEscapedValue(const std::string& text, std::string& out)
         else
             out.append(next, length);
     }
+    if (!characters.hasStrayBytes())
+        return true;
+    std::string readBack = out.substr(begin);
+    unescapeValue(readBack, 0, readBack.size());
+    return readBack == text;
 }
 
 void unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end)

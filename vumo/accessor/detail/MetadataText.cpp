@@ -1,10 +1,13 @@
 #include "vumo/accessor/detail/MetadataText.h"
 
+#include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/MemoryInput.h"
 #include "vumo/accessor/detail/StringOutput.h"
 #include "vumo/foundation/Ref.h"
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/StructureSerializer.h"
+#include "vumo/serialize/detail/Quoted.h"
+#include "vumo/serialize/detail/StructureFault.h"
 
 #include <memory>
 #include <utility>
@@ -33,7 +36,7 @@ auto deserialize(std::string_view formatName, std::string_view text, std::string
 }
 } // namespace
 
-bool serializeStructure(const Structure& structure, std::string& text)
+bool serializeStructure(const Structure& structure, std::string& text, std::string& errors)
 {
     const StructureSerializer* const serializer = StructureSerializer::formatByName(kFormatWritten);
     const std::string::size_type begin = text.size();
@@ -41,9 +44,13 @@ bool serializeStructure(const Structure& structure, std::string& text)
     if (!serializer || serializer->write(structure, out) != 0 || !out)
         return false;
     MemoryInput in(std::string_view(text).substr(begin));
-    std::string ignored;
-    const Ref<const Structure> readBack(serializer->read(in, ignored));
-    return readBack && *readBack == structure;
+    std::string fault;
+    const Ref<const Structure> readBack(serializer->read(in, fault));
+    if (readBack && *readBack == structure)
+        return true;
+    const std::string known = structureFault(structure);
+    errors += structureMessage(structure, known.empty() ? "its text gives another one or none" : known);
+    return false;
 }
 
 bool serializeAssociations(const Associations& associations, std::string& text, std::string& errors)
@@ -60,19 +67,37 @@ bool serializeAssociations(const Associations& associations, std::string& text, 
 
 bool usesOnly(const Accessor::StructureSet& structures, const Associations& associations, std::string& errors)
 {
+    bool isComplete = true;
     for (const Channel& channel : associations)
     {
         for (const Stream* const stream : channel)
         {
             const auto found = structures.find(&stream->structure());
-            if (found != structures.end() && **found == stream->structure())
+            const bool isFound = found != structures.end();
+            if (isFound && **found == stream->structure())
                 continue;
-            errors += "Structure '" + std::string(stream->structure().name()) + "' of stream '" + stream->name() +
-                      "' in channel '" + channel.name() + "' is not among the structures to be written.\n";
-            return false;
+            isComplete = false;
+            errors += "Structure " + quoted(stream->structure().name()) + " of stream " + quoted(stream->name()) +
+                      " in channel " + quoted(channel.name()) +
+                      (isFound ? " differs from the structure of that name that is to be written.\n"
+                               : " is not among the structures to be written.\n");
         }
     }
-    return true;
+    return isComplete;
+}
+
+std::string structureMessage(const Structure& structure, const std::string& fault)
+{
+    return "Structure " + quoted(structure.name()) + " cannot be written: " + fault + ".\n";
+}
+
+std::string messagesOf(const std::string& nodeName, const std::string& messages)
+{
+    if (messages.empty())
+        return "";
+    const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
+    return "The metadata of " + (isScene ? "the scene" : "node " + quoted(nodeName)) + " cannot be written:\n" +
+           messages;
 }
 
 Structure* deserializeStructure(std::string_view format, std::string_view text, std::string& errors)

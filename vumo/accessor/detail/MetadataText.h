@@ -12,16 +12,22 @@ namespace vumo::Data::detail
 /// The format of all texts that are written into scene files.
 constexpr char kFormatWritten[] = "raw";
 
-/// Appends the text of a structure. False when there is none, or one that does not read back as an equal structure:
-/// the file could not be read again.
-bool serializeStructure(const Structure& structure, std::string& text);
+/// Appends the text of a structure. False when there is none, or one that does not read back as an equal structure,
+/// with the reason appended to `errors`: the file could not be read again.
+bool serializeStructure(const Structure& structure, std::string& text, std::string& errors);
 
 /// Appends the text of associations. False, with the serializer's messages appended to `errors`, when there is none.
 bool serializeAssociations(const Associations& associations, std::string& text, std::string& errors);
 
 /// Says whether the structure of every stream is among those that are written, as elements cannot be read without it.
-/// Names the first that is not in `errors`.
+/// Those that are not are named in `errors`.
 bool usesOnly(const Accessor::StructureSet& structures, const Associations& associations, std::string& errors);
+
+/// What is wrong with the structure, as a line of a message.
+std::string structureMessage(const Structure& structure, const std::string& fault);
+
+/// The messages about the metadata of a node, or of the scene, headed by its name; empty when there are none.
+std::string messagesOf(const std::string& nodeName, const std::string& messages);
 
 /// The structure that the text declares in the format of that name: a new one, held by nobody. Null, with the reason
 /// appended to `errors`, when there is no such format or the text is faulty.

@@ -142,4 +142,12 @@ bool isChangedByRewriting(std::string_view utf8)
     return !isPlain(utf8) && !convertString(utf8, eTextDirection::kFromUtf8, converted) &&
            convertString(utf8, eTextDirection::kToUtf8, converted) && isUtf8(utf8);
 }
+
+bool isConvertedBack(std::string_view text, std::string_view written)
+{
+    if (isPlain(text) && written == text)
+        return true;
+    std::string readBack;
+    return (convertString(written, eTextDirection::kFromUtf8, readBack) ? readBack : written) == text;
+}
 } // namespace vumo::Data::detail

@@ -19,4 +19,7 @@ bool convertString(std::string_view text, eTextDirection direction, std::string&
 /// Says whether a text of a file would become other characters when it is read and written again: UTF-8 that the
 /// encoding of the locale cannot express is read as it is, and its bytes can mean something in that encoding, too.
 bool isChangedByRewriting(std::string_view utf8);
+
+/// Says whether a reader gets the text again from what is written in its place: itself, or its conversion to UTF-8.
+bool isConvertedBack(std::string_view text, std::string_view written);
 } // namespace vumo::Data::detail
