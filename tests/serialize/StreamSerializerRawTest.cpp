@@ -575,6 +575,34 @@ TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithValues)
     EXPECT_EQ(mFormat.write(streamOf(samples[0]), out, errors), 3) << "each fault of a line counts: " << errors;
 }
 
+TEST_F(StreamSerializerRawTest, Write_CountsNumbersThatAreRoundedBeyondTheirRange)
+{
+    registered("name=P:double=d:float=f");
+    Stream stream(*Structure::structureByName("P"), "S");
+    Handle element(stream.structure());
+    const double largest = -std::numeric_limits<double>::max();
+    std::memcpy(element.asDouble(), &largest, sizeof(largest));
+    element.setPositionByMemberName("f");
+    const float largestFloat = std::numeric_limits<float>::max();
+    std::memcpy(element.asFloat(), &largestFloat, sizeof(largestFloat));
+    stream.setElement(0, element);
+    for (const std::ios::fmtflags flags : {std::ios::fmtflags(), std::ios::scientific, std::ios::fixed})
+    {
+        for (int precision = 0; precision < 20; ++precision)
+        {
+            std::ostringstream out;
+            out.setf(flags, std::ios::floatfield);
+            out.precision(precision);
+            std::string errors;
+            const int count = mFormat.write(stream, out, errors);
+            std::string readErrors;
+            EXPECT_EQ(count == 0, read(out.str(), readErrors) != nullptr) << out.str() << readErrors;
+            EXPECT_EQ(count > 0,
+                      errors.find("with so few digits it is beyond the range of its type") != std::string::npos);
+        }
+    }
+}
+
 /// Counts how often it is flushed.
 class FlushCounter : public std::stringbuf
 {

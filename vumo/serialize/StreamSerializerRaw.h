@@ -27,10 +27,10 @@ namespace vumo::Data
 /// written to: six digits unless it was given another precision, and with `precision(17)` all of a double.
 ///
 /// Reading finds structures and index types by their registered names. Writing writes everything, but what
-/// reading would not give back is an error: a line that is too long, a name or an index with a newline in it
-/// or whitespace at an end, an index that reads as a keyword or is not of the stream's index type, a number that is not
-/// finite. Null strings come back as empty ones. An element of a structure without members has a blank data line, which
-/// reading does not insist on.
+/// reading would not give back is an error: a line that is too long, a name or an index with a newline or a zero byte
+/// in it or whitespace at an end, an index that is empty, reads as a keyword or is not of the stream's index type, a
+/// number that is not finite. Its message names the place and the reason. Null strings come back as empty ones. An
+/// element of a structure without members has a blank data line, which reading does not insist on.
 class VUMO_EXPORT StreamSerializerRaw : public StreamSerializer, private SerializerRaw
 {
 public:

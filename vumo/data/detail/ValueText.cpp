@@ -2,11 +2,13 @@
 
 #include "vumo/data/detail/DataTypes.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 
 namespace vumo::Data::detail
@@ -24,14 +26,30 @@ constexpr bool kIsNarrow = std::is_integral_v<T> && sizeof(T) < sizeof(std::int3
 
 /// Returns whether it can be read back.
 template <class T>
+bool appendFloat(TextBuilder& text, const NumberFormat& format, T value)
+{
+    const std::size_t begin = text.text().size();
+    format.append(text, value);
+    if (std::abs(value) <= std::numeric_limits<T>::max() / 2)
+        return !format.hasHexFloats();
+    if (!std::isfinite(value) || format.hasHexFloats())
+        return false;
+    // Rounded to a few digits, the largest numbers may lie beyond the range of their type.
+    const std::string_view written = text.text().substr(begin);
+    T readBack{};
+    return std::from_chars(written.data(), written.data() + written.size(), readBack).ec == std::errc();
+}
+
+/// Returns whether it can be read back.
+template <class T>
 bool appendScalar(TextBuilder& text, const NumberFormat& format, T value)
 {
-    if constexpr (std::is_same_v<T, bool>)
+    if constexpr (std::is_floating_point_v<T>)
+        return appendFloat(text, format, value);
+    else if constexpr (std::is_same_v<T, bool>)
         text.append(value ? std::string_view("true") : std::string_view("false"));
     else
         format.append(text, value);
-    if constexpr (std::is_floating_point_v<T>)
-        return std::isfinite(value) && !format.hasHexFloats();
     return true;
 }
 

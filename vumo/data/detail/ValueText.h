@@ -17,7 +17,8 @@ namespace vumo::Data::detail
 unsigned int entryCount(Member::eDataType type);
 
 /// Appends the entries of the `count` values at `values`, separated by blanks; an int8 or uint8 is a number, too.
-/// Returns whether readers take back what was written: no infinity, no NaN, no hexadecimal float. Not for strings.
+/// Returns whether readers take back what was written: no infinity, no NaN, no hexadecimal float, nothing rounded
+/// beyond the range of its type. Not for strings.
 bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataType type, const char* values,
                   unsigned int count);
 

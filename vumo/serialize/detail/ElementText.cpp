@@ -151,22 +151,37 @@ unsigned long long leastLength(Member::eDataType type, unsigned int length)
     return value * length;
 }
 
-/// The text of the first number among the values that no reader takes back.
-std::string refusedNumber(const MemberValues& values, const NumberFormat& format)
+/// A number that no reader takes back, and why.
+struct RefusedNumber
 {
-    TextBuilder text;
+    std::string text;
+    const char* fault = "";
+};
+
+/// The first such number among values that have one.
+RefusedNumber refusedNumber(const MemberValues& values, const NumberFormat& format)
+{
+    RefusedNumber refused;
     visitDataType(values.type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
         if constexpr (std::is_floating_point_v<Scalar>)
         {
-            const auto scalar = [&](std::size_t i) { return loadScalar<Scalar>(values.data + i * sizeof(Scalar)); };
-            std::size_t refused = 0;
-            while (!format.hasHexFloats() && std::isfinite(scalar(refused)))
-                ++refused;
-            format.append(text, scalar(refused));
+            constexpr Member::eDataType kType = std::is_same_v<Scalar, double> ? Member::kDouble : Member::kFloat;
+            const char* number = values.data;
+            TextBuilder text;
+            while (appendValues(text, format, kType, number, 1))
+            {
+                text.clear();
+                number += sizeof(Scalar);
+            }
+            const bool isFinite = std::isfinite(loadScalar<Scalar>(number));
+            refused.text = text.text();
+            refused.fault = !isFinite               ? "it is not finite"
+                            : format.hasHexFloats() ? "it is in hexadecimal digits"
+                                                    : "with so few digits it is beyond the range of its type";
         }
     });
-    return std::string(text.text());
+    return refused;
 }
 } // namespace
 
@@ -196,8 +211,8 @@ std::string refusedMessage(const MemberValues& values, const NumberFormat& forma
 {
     if (values.type >= Member::kInvalidType || !values.data)
         return unrecognizedMessage(values.type, record);
-    const char* const fault = format.hasHexFloats() ? "it is in hexadecimal digits" : "it is not finite";
-    return notReadBackMessage("Value " + refusedNumber(values, format) + place, record, owner, fault);
+    const RefusedNumber number = refusedNumber(values, format);
+    return notReadBackMessage("Value " + number.text + place, record, owner, number.fault);
 }
 
 bool readMember(const MemberValues& values, unsigned int record, ValueInput& in, Messages& messages)
