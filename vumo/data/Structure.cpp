@@ -327,7 +327,11 @@ void Structure::fillWithDefaultChunks(char* data, unsigned long long count) cons
 
 char* Structure::allocateDefaultChunk() const
 {
-    return duplicateChunk(defaultData());
+    if (totalSize() == 0)
+        return nullptr;
+    char* const data = new char[totalSize()];
+    fillWithDefaultChunk(data);
+    return data;
 }
 
 char* Structure::duplicateChunk(const char* src) const

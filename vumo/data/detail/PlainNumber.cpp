@@ -13,6 +13,7 @@ namespace
 constexpr std::uint64_t kGreatestExactInteger = std::uint64_t(1) << DBL_MANT_DIG;
 constexpr std::ptrdiff_t kMostDigits = 19; // whose integer never overflows 64 bits
 constexpr std::ptrdiff_t kLongestExponent = 4;
+constexpr double kSigns[] = {1.0, -1.0};
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr auto kGreatestExactPower = static_cast<std::ptrdiff_t>(std::size(kPowersOfTen)) - 1;
@@ -60,8 +61,7 @@ inline const char* scanDecimal(std::string_view text, DecimalText& number)
     const char* at = text.data();
     const char* const end = at + text.size();
     number.isNegative = at != end && *at == '-';
-    if (number.isNegative)
-        ++at;
+    at += number.isNegative ? 1 : 0;
     const char* begin = at;
     at = scanDigits(at, end, number.integer);
     number.digits = at - begin;
@@ -91,7 +91,7 @@ double exactDouble(const DecimalText& number)
     const auto integer = static_cast<double>(number.integer);
     const double magnitude =
         number.exponent < 0 ? integer / kPowersOfTen[-number.exponent] : integer * kPowersOfTen[number.exponent];
-    return number.isNegative ? -magnitude : magnitude;
+    return magnitude * kSigns[number.isNegative]; // no branch: signs cannot be foreseen
 }
 
 /// Says whether the double lies halfway between two floats: then the text, which the double may differ from, is on

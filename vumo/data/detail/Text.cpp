@@ -1,5 +1,7 @@
 #include "vumo/data/detail/Text.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -12,6 +14,15 @@ char* duplicateText(const char* text)
     char* const copy = strdup(text);
     if (!copy)
         throw std::bad_alloc();
+    return copy;
+}
+
+char* duplicateText(std::string_view text)
+{
+    char* const copy = static_cast<char*>(std::malloc(text.size() + 1));
+    if (!copy)
+        throw std::bad_alloc();
+    *std::copy(text.begin(), text.end(), copy) = '\0';
     return copy;
 }
 

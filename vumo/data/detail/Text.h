@@ -1,9 +1,14 @@
 #pragma once
 
+#include <string_view>
+
 namespace vumo::Data::detail
 {
 /// A copy of `text` to be released by `free`; null for null. Throws `std::bad_alloc` where strdup fails.
 char* duplicateText(const char* text);
+
+/// The same for a text without zeros, never null.
+char* duplicateText(std::string_view text);
 
 /// Says whether both are null or both are the same text.
 bool equalTexts(const char* left, const char* right);

@@ -115,6 +115,20 @@ public:
         return {begin, static_cast<std::size_t>(mAt - begin)};
     }
 
+    /// Takes the next word if it is that one; false, with nothing taken, for all others and where that is left to the
+    /// input.
+    bool takePlainWord(std::string_view word)
+    {
+        const char* const begin = nextWord();
+        if (static_cast<std::size_t>(mEnd - begin) < word.size() || !std::equal(word.begin(), word.end(), begin))
+            return false;
+        const char* const end = begin + word.size();
+        if (end != mEnd && !isClassicSpace(*end))
+            return false;
+        mAt = end;
+        return true;
+    }
+
     /// Takes the characters at hand up to the first that fulfils the condition.
     template <class Condition>
     std::string_view takeUntil(Condition condition)

@@ -104,11 +104,16 @@ bool extractWide(ValueInput& in, T& value)
     return !in.stream().fail();
 }
 
-/// The short way for those types whose plain numbers are all acceptable.
+/// The short way for those texts that are acceptable without doubt; takes nothing of others.
 template <class T>
 bool takePlain(ValueInput& in, T& value)
 {
-    if constexpr (std::is_same_v<T, bool> || kIsNarrow<T>)
+    if constexpr (std::is_same_v<T, bool>)
+    {
+        value = in.takePlainWord("true");
+        return value || in.takePlainWord("false");
+    }
+    else if constexpr (kIsNarrow<T>)
         return false;
     else
         return in.takePlainNumber(value);

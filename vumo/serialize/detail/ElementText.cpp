@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <type_traits>
 
 namespace vumo::Data::detail
@@ -49,10 +50,11 @@ std::string placeOf(ValueInput& in)
     return " on or about character " + std::to_string(readPosition(in.stream()));
 }
 
-/// Says whether the character means something inside quotation marks, besides itself.
+/// Says whether the character means something inside quotation marks, besides itself. Looks for all at once: what the
+/// letters of a text are cannot be foreseen, that hardly any is special can.
 bool isSpecial(char c)
 {
-    return c <= '\\' && (c == '"' || c == '\\' || c == '\0'); // most letters are greater
+    return static_cast<int>(c == '"') | static_cast<int>(c == '\\') | static_cast<int>(c == '\0');
 }
 
 /// Appends what follows the backslash that was just read; what is no escape stands for itself, backslash included.
@@ -65,7 +67,7 @@ void readEscape(ValueInput& in, std::string& text)
     text += !isEscape ? '\\' : next == 'n' ? '\n' : Traits::to_char_type(next);
 }
 
-/// Reads what follows the opening quotation mark.
+/// Reads what follows the opening quotation mark, or the text that was taken behind it.
 bool readQuoted(ValueInput& in, std::string& text, Messages& messages)
 {
     for (;;)
@@ -94,7 +96,6 @@ bool readQuoted(ValueInput& in, std::string& text, Messages& messages)
 /// Reads a string, which replaces the one at `target`.
 bool readString(ValueInput& in, char* target, Messages& messages)
 {
-    std::string text;
     if (in.skipToText())
     {
         const Traits::int_type first = in.peek();
@@ -105,19 +106,28 @@ bool readString(ValueInput& in, char* target, Messages& messages)
             return false;
         }
         in.get();
-        if (!readQuoted(in, text, messages))
-            return false;
+        std::string_view text = in.takeUntil(isSpecial);
+        std::string unescaped;
+        if (in.peek() == '"')
+            in.get(); // as most strings do, it lies in the input as it is
+        else
+        {
+            unescaped = text;
+            if (!readQuoted(in, unescaped, messages))
+                return false;
+            text = unescaped;
+        }
         if (in.isAtSeparator())
         {
             if (target)
             {
                 std::free(loadScalar<char*>(target));
-                storeScalar(target, duplicateText(text.c_str()));
+                storeScalar(target, duplicateText(text));
             }
             return true;
         }
     }
-    messages.add(entryMessage(Member::kString, 0, readPosition(in.stream()), text));
+    messages.add(entryMessage(Member::kString, 0, readPosition(in.stream()), ""));
     return false;
 }
 
