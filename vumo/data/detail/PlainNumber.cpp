@@ -13,10 +13,18 @@ namespace
 constexpr std::uint64_t kGreatestExactInteger = std::uint64_t(1) << DBL_MANT_DIG;
 constexpr std::ptrdiff_t kMostDigits = 19; // whose integer never overflows 64 bits
 constexpr std::ptrdiff_t kLongestExponent = 4;
+constexpr std::uint64_t kIntegerPowersOfTen[] = {1,       10,        100,        1'000,      10'000,
+                                                 100'000, 1'000'000, 10'000'000, 100'000'000};
 constexpr double kSigns[] = {1.0, -1.0};
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr auto kGreatestExactPower = static_cast<std::ptrdiff_t>(std::size(kPowersOfTen)) - 1;
+
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+constexpr bool kIsLittleEndian = true;
+#else
+constexpr bool kIsLittleEndian = false;
+#endif
 
 /// The parts of a number's text: +-`integer` * 10^`exponent`.
 struct DecimalText
@@ -27,8 +35,54 @@ struct DecimalText
     bool isNegative = false;
 };
 
+/// Up to eight characters, as one number whose lowest byte is the first of them.
+struct Octet
+{
+    static constexpr std::ptrdiff_t kSize = 8;
+
+    explicit Octet(const char* text) { std::memcpy(&bytes, text, sizeof(bytes)); }
+
+    /// How many of them are digits, up to the first that is none.
+    std::ptrdiff_t digitCount() const
+    {
+        const std::uint64_t values = bytes ^ kZeros;
+        const std::uint64_t others = ((values + kOnes * 0x76) | values) & kHighBits; // 10 and more have their high bit
+        const std::uint64_t below = ((others & (~others + 1)) >> 7) - 1; // all ones, up to the first of them
+        return others == 0 ? kSize : static_cast<std::ptrdiff_t>(((below & kOnes) * kOnes) >> 56);
+    }
+
+    /// The number that the first `count` of them make, all of which are digits; there is one at least.
+    std::uint64_t number(std::ptrdiff_t count) const
+    {
+        std::uint64_t values = (bytes ^ kZeros) << (8 * (kSize - count)); // zeros in front
+        values = values * 10 + (values >> 8);                             // in every other byte, pairs of digits
+        const std::uint64_t outer = (values & kPairs) * (100 + (std::uint64_t(1'000'000) << 32));
+        const std::uint64_t inner = ((values >> 16) & kPairs) * (1 + (std::uint64_t(10'000) << 32));
+        return (outer + inner) >> 32;
+    }
+
+    static constexpr std::uint64_t kOnes = 0x0101010101010101;
+    static constexpr std::uint64_t kZeros = kOnes * '0';
+    static constexpr std::uint64_t kHighBits = kOnes * 0x80;
+    static constexpr std::uint64_t kPairs = 0x000000FF000000FF;
+
+    std::uint64_t bytes;
+};
+
+/// Appends the digits to the integer. Where it can, it takes them all at once: how many there are cannot be foreseen.
 inline const char* scanDigits(const char* at, const char* end, std::uint64_t& integer)
 {
+    if (kIsLittleEndian && end - at >= Octet::kSize)
+    {
+        const Octet octet(at);
+        const std::ptrdiff_t count = octet.digitCount();
+        if (count == 0)
+            return at;
+        integer = integer * kIntegerPowersOfTen[count] + octet.number(count);
+        at += count;
+        if (count < Octet::kSize)
+            return at;
+    }
     for (; at != end; ++at)
     {
         const auto digit = static_cast<unsigned char>(*at - '0');
