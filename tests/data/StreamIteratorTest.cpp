@@ -1,6 +1,8 @@
 #include "vumo/data/StreamIterator.h"
 
 #include "tests/support/DataFixtures.h"
+#include "vumo/data/StreamImplDense.h"
+#include "vumo/data/StreamMappedIteratorImpl.h"
 
 namespace vumo::Data
 {
@@ -116,6 +118,68 @@ TEST_F(StreamIteratorTest, AClearedDenseStream_IsWalkedWithoutData)
         ++position;
     }
     EXPECT_TRUE(position == stream.cend());
+}
+
+TEST_F(StreamIteratorTest, ADenseStreamThatShrinks_EndsAWalk)
+{
+    Stream stream(*mRecord, "s");
+    stream.useDenseStorage(true);
+    stream.setElement(9, Handle(*mRecord));
+    StreamIterator position = stream.begin();
+    for (int i = 0; i < 4; ++i)
+        ++position;
+    stream.setElementRange(0, 2);
+    ++position;
+    EXPECT_FALSE(position.valid());
+    EXPECT_FALSE(position->hasData());
+    EXPECT_TRUE(position == stream.end());
+}
+
+/// An iterator with opinions of its own about what it shows.
+template <class Base>
+class OtherIterator : public Base
+{
+public:
+    using Base::Base;
+    Handle& operator*() override { return mShown; }
+    const Handle& operator*() const override { return mShown; }
+    Handle* operator->() override { return &mShown; }
+    const Handle* operator->() const override { return &mShown; }
+    bool valid() const override { return false; }
+
+    Handle mShown;
+};
+
+template <class Base>
+void expectToBeAsked(OtherIterator<Base>* other)
+{
+    StreamIterator position(other);
+    const StreamIterator& constPosition = position;
+    for (int i = 0; i < 2; ++i)
+    {
+        EXPECT_FALSE(position.valid());
+        EXPECT_EQ(&*position, &other->mShown);
+        EXPECT_EQ(position.operator->(), &other->mShown);
+        EXPECT_EQ(&*constPosition, &other->mShown);
+        EXPECT_EQ(constPosition.operator->(), &other->mShown);
+        ++position;
+    }
+    const StreamIterator sliced(position);
+    EXPECT_TRUE(sliced.valid()); // a copy by the base class is one of the base class
+    EXPECT_EQ(sliced.index().index(), 2U);
+}
+
+TEST_F(StreamIteratorTest, IteratorsOfOtherClasses_AreAskedForEverything)
+{
+    const Ref<StreamImplMapped> mapped(new StreamImplMapped(*mRecord, "s"));
+    const Ref<StreamImplDense> dense(new StreamImplDense(*mRecord, "s"));
+    for (unsigned int i = 0; i < 4; ++i)
+    {
+        mapped->setElement(i, Handle(*mRecord));
+        dense->setElement(i, Handle(*mRecord));
+    }
+    expectToBeAsked(new OtherIterator<StreamMappedIteratorImpl>(*mapped, kIterBegin));
+    expectToBeAsked(new OtherIterator<StreamDenseIteratorImpl>(*dense, kIterBegin));
 }
 } // namespace
 } // namespace vumo::Data

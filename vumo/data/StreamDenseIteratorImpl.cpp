@@ -21,18 +21,16 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamDenseIteratorImpl& 
       mPosition(other.mPosition)
 {
     mHandle = other.mHandle ? mOwnHandle.get() : nullptr;
-    mIsPlainDense = false; // it may be a part of a derived class
 }
 
 StreamDenseIteratorImpl::~StreamDenseIteratorImpl() = default;
 
 StreamIteratorImpl& StreamDenseIteratorImpl::operator++()
 {
-    if (mPosition < mStream->elementCount())
-    {
+    const unsigned int count = mStream->elementCount(); // may have become less than the position
+    if (mPosition < count)
         ++mPosition;
-        pointTo(mPosition < mStream->elementCount() ? mStream->elementAddr(mPosition) : nullptr);
-    }
+    pointTo(mPosition < count ? mStream->elementAddr(mPosition) : nullptr);
     return *this;
 }
 
@@ -51,6 +49,7 @@ bool StreamDenseIteratorImpl::valid() const
 StreamIteratorImpl* StreamDenseIteratorImpl::clone() const
 {
     auto* const copy = new StreamDenseIteratorImpl(*this);
+    copy->mIsPlain = mIsPlain;
     copy->mIsPlainDense = mIsPlainDense;
     return copy;
 }

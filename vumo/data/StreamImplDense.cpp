@@ -105,6 +105,7 @@ StreamIteratorImpl* StreamImplDense::end()
 StreamIteratorImpl* StreamImplDense::cbegin() const
 {
     auto* const position = new StreamDenseIteratorImpl(*this, kIterBegin);
+    position->mIsPlain = true;
     position->mIsPlainDense = typeid(*this) == typeid(StreamImplDense);
     return position;
 }

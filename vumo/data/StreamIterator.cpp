@@ -53,6 +53,11 @@ Handle& StreamIterator::handleOfImpl()
     return **impl();
 }
 
+Handle* StreamIterator::handlePointerOfImpl()
+{
+    return impl()->operator->();
+}
+
 const StreamIteratorImpl& StreamIterator::constImpl() const
 {
     if (!mImpl)

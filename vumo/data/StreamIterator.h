@@ -26,10 +26,10 @@ public:
 
     /// The handle on the current element; valid until the iterator moves. Throws `std::out_of_range`
     /// where there is none.
-    Handle& operator*() { return mImpl && mImpl->mHandle ? *mImpl->mHandle : handleOfImpl(); }
-    const Handle& operator*() const { return mImpl && mImpl->mHandle ? *mImpl->mHandle : *constImpl(); }
-    Handle* operator->() { return &**this; }
-    const Handle* operator->() const { return &**this; }
+    Handle& operator*() { return hasPlainHandle() ? *mImpl->mHandle : handleOfImpl(); }
+    const Handle& operator*() const { return hasPlainHandle() ? *mImpl->mHandle : *constImpl(); }
+    Handle* operator->() { return hasPlainHandle() ? mImpl->mHandle : handlePointerOfImpl(); }
+    const Handle* operator->() const { return hasPlainHandle() ? mImpl->mHandle : constImpl().operator->(); }
 
     Index index() const;
 
@@ -44,7 +44,7 @@ public:
     /// Steps on and returns an iterator at the position before.
     StreamIterator operator++(int);
 
-    bool valid() const { return mImpl && (!mImpl->mInvalid || isImplValid()); }
+    bool valid() const { return mImpl && ((mImpl->mIsPlain && !mImpl->mInvalid) || isImplValid()); }
 
     /// Borrowed from the iterator. Throws `std::runtime_error` when there is none.
     StreamIteratorImpl* impl();
@@ -54,6 +54,7 @@ public:
     bool operator!=(const StreamIterator& other) const { return !(*this == other); }
 
 private:
+    bool hasPlainHandle() const { return mImpl && mImpl->mIsPlain && mImpl->mHandle; }
     StreamDenseIteratorImpl& plainDense() { return static_cast<StreamDenseIteratorImpl&>(*mImpl); }
 
     // The ways that a loop over a dense stream does not take. Were they not known to be cold, it would keep what it
@@ -61,6 +62,7 @@ private:
     [[gnu::cold]] void stepImpl();
     [[gnu::cold]] bool isImplValid() const;
     [[gnu::cold]] Handle& handleOfImpl();
+    [[gnu::cold]] Handle* handlePointerOfImpl();
     [[gnu::cold]] const StreamIteratorImpl& constImpl() const;
 
     std::unique_ptr<StreamIteratorImpl> mImpl;

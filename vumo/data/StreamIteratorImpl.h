@@ -43,18 +43,21 @@ public:
 
 protected:
     StreamIteratorImpl() = default;
-    StreamIteratorImpl(const StreamIteratorImpl&) = default;
+    StreamIteratorImpl(const StreamIteratorImpl& other) : mHandle(other.mHandle), mInvalid(other.mInvalid) {}
     StreamIteratorImpl& operator=(const StreamIteratorImpl&) = delete;
 
-    // `StreamIterator` reads these before it asks: where there is a handle, it is what the dereference operations
-    // give, and where it is not invalid, valid() is true. A class with another opinion leaves them as they are.
-    friend class StreamIterator;
     Handle* mHandle = nullptr; // borrowed; null: no current handle
     bool mInvalid = true;
 
 private:
+    // What `StreamIterator` need not ask an iterator for, because no derived class can have another opinion. A copy may
+    // be a part of one, so these are not copied.
     friend class StreamDenseIteratorImpl;
     friend class StreamImplDense;
+    friend class StreamImplMapped;
+    friend class StreamIterator;
+    friend class StreamMappedIteratorImpl;
+    bool mIsPlain = false;      // exactly of one of the library's classes
     bool mIsPlainDense = false; // exactly a StreamDenseIteratorImpl, over exactly a StreamImplDense
 };
 } // namespace vumo::Data
