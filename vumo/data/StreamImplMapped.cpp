@@ -81,7 +81,9 @@ StreamIteratorImpl* StreamImplMapped::end()
 
 StreamIteratorImpl* StreamImplMapped::cbegin() const
 {
-    return new StreamMappedIteratorImpl(*this, kIterBegin);
+    auto* const position = new StreamMappedIteratorImpl(*this, kIterBegin);
+    position->mIsPlain = true;
+    return position;
 }
 
 StreamIteratorImpl* StreamImplMapped::cend() const

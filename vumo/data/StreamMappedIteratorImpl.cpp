@@ -35,7 +35,9 @@ bool StreamMappedIteratorImpl::valid() const
 
 StreamIteratorImpl* StreamMappedIteratorImpl::clone() const
 {
-    return new StreamMappedIteratorImpl(*this);
+    auto* const copy = new StreamMappedIteratorImpl(*this);
+    copy->mIsPlain = mIsPlain;
+    return copy;
 }
 
 Index StreamMappedIteratorImpl::index() const
