@@ -187,6 +187,13 @@ TEST_F(BulkAccessTest, MemberValues_AreWrittenAndReadInOneCall)
         EXPECT_STREQ(lent[0], "three");
         EXPECT_EQ(lent[2], nullptr);
         EXPECT_EQ(stream.getMemberValues("absent", asked, 3, read), 0U);
+
+        const unsigned int places[] = {6, 3, 3, 6, 7};
+        const char* const moved[] = {lent[0], "free", nullptr, lent[0] + 1, lent[0]};
+        EXPECT_EQ(stream.setMemberValues("label", places, 5, moved), 5U); // strings of the stream itself
+        EXPECT_EQ(test::recordText(stream, 6), "60 hree");
+        EXPECT_EQ(test::recordText(stream, 3), "30 ");
+        EXPECT_EQ(test::recordText(stream, 7), "0 three");
     }
 }
 } // namespace

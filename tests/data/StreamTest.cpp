@@ -87,6 +87,8 @@ TEST_F(StreamTest, ElementsWithoutSize_AreStoredWithoutABlock)
         EXPECT_FALSE(stream.element(1).hasData());
         EXPECT_TRUE(stream.reindexElement(1, 4));
         EXPECT_TRUE(stream.swapElements(4, 4));
+        const std::vector<unsigned int> numbers = stream.numericIndices();
+        EXPECT_EQ(numbers, isDense ? std::vector<unsigned int>({0, 1, 2, 3, 4}) : std::vector<unsigned int>({4}));
         Stream copy(stream);
         EXPECT_TRUE(copy.makeUnique());
         EXPECT_TRUE(copy.hasElement(4));

@@ -93,6 +93,7 @@ public:
                 values[i] = (*this)[i];
         }
 
+        /// None of `values` may be a string of this element.
         void set(const Value* values) const
         {
             for (unsigned int i = 0; i < mCount; ++i)

@@ -4,7 +4,9 @@
 #include "vumo/data/StreamImplMapped.h"
 #include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/Renames.h"
+#include "vumo/data/detail/Text.h"
 #include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/OwnedText.h"
 #include "vumo/foundation/Print.h"
 
 #include <stdexcept>
@@ -165,7 +167,8 @@ std::vector<unsigned int> Stream::numericIndices() const
 {
     std::vector<unsigned int> indices;
     indices.reserve(elementCount());
-    for (StreamIterator position = begin(); position.valid(); ++position)
+    const StreamIterator last = end();
+    for (StreamIterator position = begin(); position != last; ++position) // elements without size are never valid()
     {
         Index index = position.index();
         if (!static_cast<IndexType*>(index))
@@ -212,6 +215,32 @@ void Stream::createMissingElements(const unsigned int* indices, unsigned int cou
         else if (!mapped && !mImpl->hasElement(indices[i]))
             mImpl->setElement(indices[i], defaults);
     }
+}
+
+unsigned int Stream::setStrings(const Member& member, const unsigned int* indices, unsigned int count,
+                                const char* const* values)
+{
+    const std::size_t perElement = Member::length(&member);
+    std::vector<OwnedText> texts(count * perElement); // all copied before any of the stream's is released
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        texts[i].reset(detail::duplicateText(values[i]));
+
+    createMissingElements(indices, count);
+    unsigned int written = 0;
+    auto next = texts.begin();
+    for (char* const block : elementBlocks(indices, count))
+    {
+        for (unsigned int i = 0; block && i < perElement; ++i)
+        {
+            char* const place = block + Member::offset(&member, i);
+            char* const before = loadScalar<char*>(place);
+            storeScalar(place, next[i].release());
+            next[i].reset(before);
+        }
+        next += static_cast<std::ptrdiff_t>(perElement);
+        written += block ? 1 : 0;
+    }
+    return written;
 }
 
 const std::string& Stream::name() const

@@ -93,7 +93,8 @@ public:
     /// a string `const char*`; nothing happens where no member has the name and type.
     ///
     /// setMemberValues() makes the elements that are missing, with default values in their other members, copies
-    /// strings and returns how many elements it wrote to. getMemberValues() lends strings, gives default values where
+    /// strings, which may be the stream's own, and returns how many elements it wrote to. getMemberValues() lends
+    /// strings, gives default values where
     /// there is no element, and returns how many elements there were.
     template <class T>
     unsigned int setMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
@@ -168,6 +169,10 @@ private:
     std::vector<char*> elementBlocks(const unsigned int* indices, unsigned int count) const;
     void createMissingElements(const unsigned int* indices, unsigned int count);
 
+    /// setMemberValues() for a member of strings.
+    unsigned int setStrings(const Member& member, const unsigned int* indices, unsigned int count,
+                            const char* const* values);
+
     Ref<StreamImpl> mImpl; // never null
 };
 
@@ -186,22 +191,26 @@ template <class T>
 unsigned int Stream::setMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
                                      const T* values)
 {
-    using Writable = std::conditional_t<std::is_same_v<T, const char*>, char*, T>;
     const Member* const member = findMember<T>(memberName);
     if (!member)
         return 0;
-    createMissingElements(indices, count);
-    unsigned int written = 0;
-    for (char* const block : elementBlocks(indices, count))
+    if constexpr (std::is_pointer_v<T>)
+        return setStrings(*member, indices, count, values);
+    else
     {
-        if (block)
+        createMissingElements(indices, count);
+        unsigned int written = 0;
+        for (char* const block : elementBlocks(indices, count))
         {
-            typename MemberView<Writable>::Values(block + Member::offset(member), valueCount(*member)).set(values);
-            ++written;
+            if (block)
+            {
+                typename MemberView<T>::Values(block + Member::offset(member), valueCount(*member)).set(values);
+                ++written;
+            }
+            values += valueCount(*member);
         }
-        values += valueCount(*member);
+        return written;
     }
-    return written;
 }
 
 template <class T>
