@@ -36,9 +36,12 @@ StreamImpl::StreamImpl(const StreamImpl& other)
 
 StreamImpl& StreamImpl::operator=(const StreamImpl& other)
 {
-    mStructure = other.mStructure;
-    setName(other.mName);
-    mIndexType = other.mIndexType;
+    std::string name = other.mName;
+    std::string indexType = other.mIndexType;
+    mStructure = other.mStructure; // from here on nothing fails: derived classes keep elements of that structure
+    mName.swap(name);
+    detail::countRename();
+    mIndexType.swap(indexType);
     mUseDefaults = other.mUseDefaults;
     return *this;
 }

@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <new>
 #include <typeinfo>
 #include <utility>
@@ -311,15 +310,23 @@ void StreamImplDense::copyBlock(const StreamImplDense& other)
         return;
     mStride = other.mStride;
     mBlockMembers = other.mBlockMembers;
-    std::unique_ptr<char, FreeText> block(static_cast<char*>(std::malloc(mStride * mAllocated)));
-    if (!block)
+    mData = static_cast<char*>(std::malloc(mStride * mAllocated));
+    if (!mData)
         throw std::bad_alloc();
-    std::memcpy(block.get(), other.mData, mStride * mAllocated);
-    visitStrings(block.get(), [](char* string) {
-        if (const char* const text = detail::loadScalar<char*>(string))
-            detail::storeScalar(string, detail::duplicateText(text));
-    });
-    mData = block.release();
+    std::memcpy(mData, other.mData, mStride * mAllocated);
+    visitStrings(mData, [](char* string) { detail::storeScalar<char*>(string, nullptr); });
+    try
+    {
+        visitStrings(mData, [&](char* string) {
+            if (const char* const text = detail::loadScalar<char*>(other.mData + (string - mData)))
+                detail::storeScalar(string, detail::duplicateText(text));
+        });
+    }
+    catch (...)
+    {
+        releaseBlock();
+        throw;
+    }
 }
 
 void StreamImplDense::swapBlock(StreamImplDense& other)

@@ -354,6 +354,11 @@ void Structure::fillWithDuplicateChunk(char* dest, const char* src) const
 
 void Structure::duplicateStrings(char* dest, const char* src) const
 {
+    for (unsigned int i = mFirstString; i < mStringsEnd; ++i)
+    {
+        if (mMembers[i].mType == Member::kString)
+            mMembers[i].fillWithDefault(dest); // two blocks must never own one string
+    }
     try
     {
         for (unsigned int i = mFirstString; i < mStringsEnd; ++i)
@@ -361,7 +366,8 @@ void Structure::duplicateStrings(char* dest, const char* src) const
     }
     catch (...)
     {
-        fillWithDefaultChunk(dest); // two blocks must never own one string
+        destroyStrings(dest);
+        fillWithDefaultChunk(dest);
         throw;
     }
 }
