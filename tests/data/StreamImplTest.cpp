@@ -2,6 +2,8 @@
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamImplMapped.h"
 
+#include <functional>
+#include <stdexcept>
 #include <vector>
 
 namespace vumo::Data
@@ -71,6 +73,62 @@ TEST_F(StreamImplMappedTest, NewElementsWithoutSize_ExistAllTheSame)
     const Ref<StreamImplMapped> stream(new StreamImplMapped(*empty, "s"));
     EXPECT_EQ(stream->newElement(3), nullptr);
     EXPECT_TRUE(stream->hasElement(3));
+}
+
+/// A text that cannot be compared when its turn to fail has come.
+class TouchyIndex : public IndexString
+{
+public:
+    using IndexString::IndexString;
+    IndexType* clone() const override { return new TouchyIndex(*this); }
+    bool operator<(const IndexType& other) const override { return IndexString::operator<(touched(other)); }
+    bool operator==(const IndexType& other) const override { return IndexString::operator==(touched(other)); }
+
+    static inline int theTouchesLeft = -1; // none fails
+
+private:
+    static const IndexType& touched(const IndexType& other)
+    {
+        if (theTouchesLeft == 0)
+            throw std::runtime_error("touched");
+        --theTouchesLeft;
+        return other;
+    }
+};
+
+TEST_F(StreamImplMappedTest, WhatThrows_LeavesAllElementsAsTheyWere)
+{
+    const auto index = [](const char* text) { return Index(TouchyIndex(text)); };
+    const Ref<StreamImplMapped> stream(new StreamImplMapped(*mRecord, "s"));
+    for (const char* text : {"b", "d", "f", "h"})
+        stream->setElement(index(text), test::record(*mRecord, 1, text));
+    const Handle source = test::record(*mRecord, 2, "new");
+    const std::string before = test::printed(stream.get());
+    const std::function<void(StreamImplMapped&)> changes[] = {
+        [&](auto& s) { s.setElement(index("d"), source); },
+        [&](auto& s) { s.setElement(index("e"), source); },
+        [&](auto& s) { s.setElement(index("z"), source); },
+        [&](auto& s) { s.newElement(index("a")); },
+        [&](auto& s) { s.reindexElement(index("b"), index("f")); },
+        [&](auto& s) { s.reindexElement(index("h"), index("c")); },
+        [&](auto& s) { s.swapElements(index("b"), index("f")); },
+        [&](auto& s) { s.removeElement(index("f")); },
+    };
+    for (const auto& change : changes)
+    {
+        bool hasThrown = true;
+        for (int touches = 0; hasThrown && touches < 100; ++touches)
+        {
+            const Ref<StreamImplMapped> copy(new StreamImplMapped(*stream));
+            const std::string copyBefore = test::printedWithoutAddresses(copy.get());
+            TouchyIndex::theTouchesLeft = touches;
+            hasThrown = test::thrownBy([&] { change(*copy); }) == "runtime_error: touched";
+            TouchyIndex::theTouchesLeft = -1;
+            EXPECT_EQ(test::printedWithoutAddresses(copy.get()) == copyBefore, hasThrown);
+        }
+        EXPECT_FALSE(hasThrown);
+    }
+    EXPECT_EQ(test::printed(stream.get()), before);
 }
 
 class StreamImplDenseTest : public test::RecordTest
