@@ -98,6 +98,10 @@ TEST_F(MemberViewTest, WhatDoesNotFit_GivesAnEmptyView)
     EXPECT_TRUE(isEmpty(mapped, "flag"));
     EXPECT_TRUE(isEmpty(cleared, "flag"));
     EXPECT_TRUE(isEmpty(denseRecords(0), "flag"));
+    Stream shrunk = denseRecords(2);
+    shrunk.setElementRange(0, 0); // its block is still there
+    EXPECT_TRUE(isEmpty(shrunk, "flag"));
+    EXPECT_EQ(shrunk.elementView().data(), nullptr);
     EXPECT_TRUE(dense.memberView<std::int8_t>("flag").empty());
     EXPECT_TRUE(mapped.elementView().empty());
     EXPECT_EQ(dense.elementView()[1], dense.element(1).data());
@@ -120,7 +124,12 @@ TEST_F(MemberViewTest, AStorageOfItsOwnAddresses_HasNoViewAndIsWalkedByThem)
     Stream stream(storage);
     stream.setElement(0, test::record(*mRecord, 1, "inside"));
     EXPECT_TRUE(stream.elementView().empty());
-    EXPECT_EQ(stream.begin()->data(), storage->mOther.data());
+    stream.setElement(1, test::record(*mRecord, 1, "inside, too"));
+    StreamIterator position = stream.begin();
+    EXPECT_EQ(position->data(), storage->mOther.data());
+    ++position;
+    EXPECT_EQ(position->data(), storage->mOther.data());
+    EXPECT_EQ(position.index().index(), 1U);
 }
 
 class BulkAccessTest : public MemberViewTest

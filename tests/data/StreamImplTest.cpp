@@ -57,9 +57,12 @@ TEST_F(StreamImplMappedTest, NewElements_HoldDefaultsToBeFilledInPlace)
         SCOPED_TRACE(index.asString());
         char* const block = storage->newElement(Index(index));
         EXPECT_EQ(stream.element(index).data(), block);
+        EXPECT_EQ(stream.element(index).memberIndex(), 0U);
         EXPECT_EQ(test::recordText(stream, index), "0 ");
         Handle element(*mRecord, block);
-        test::setText(element, "label", "replaced the second time");
+        test::setText(element, "label", "replaced at once");
+        storage->setElement(index, test::record(*mRecord, 1, "replaced the second time"));
+        EXPECT_EQ(stream.element(index).memberIndex(), 1U); // that of the handle
     }
     std::string walked;
     for (StreamIterator position = stream.begin(); position.valid(); ++position)
@@ -257,9 +260,29 @@ TEST_F(StreamImplDenseTest, AnotherStructure_GetsABlockOfItsOwnLayout)
     EXPECT_TRUE(mStream->setStructure(*wide));
     EXPECT_EQ(mStream->elementAddr(0), nullptr);
     const Ref<StreamImpl> clone(mStream->clone());
-    EXPECT_TRUE(mStream->setElement(200, Handle(*wide)));
-    EXPECT_TRUE(mStream->element(200).isDefault());
+    for (StreamImpl* const stream : {static_cast<StreamImpl*>(mStream.get()), clone.get()})
+    {
+        EXPECT_TRUE(stream->setElement(200, Handle(*wide)));
+        EXPECT_TRUE(stream->element(200).isDefault());
+    }
     EXPECT_EQ(mRecord->refCount(), 1);
+}
+
+TEST_F(StreamImplDenseTest, AnotherStructureOfThatSize_GetsABlockOfItsOwnLayout)
+{
+    const auto text = test::heldStructure("S", {{Member::kString, 1, "value"}});
+    const auto number = test::heldStructure("S", {{Member::kUInt64, 1, "value"}});
+    const Ref<StreamImplDense> stream(new StreamImplDense(*text, "s"));
+    for (const Ref<Structure>& structure : {number, text, number})
+    {
+        ASSERT_TRUE(stream->setStructure(*structure));
+        EXPECT_EQ(stream->elementAddr(0), nullptr);
+        Handle element(*structure);
+        test::setText(element, "value", "12");
+        EXPECT_TRUE(stream->setElement(0, element));
+        EXPECT_TRUE(stream->setElementRange(0, 1));
+        ASSERT_TRUE(stream->setElementRange(0, 0));
+    }
 }
 
 TEST_F(StreamImplDenseTest, AStructureThatGrewWhileThereWereNoElements_GetsANewBlock)

@@ -141,6 +141,7 @@ class OtherIterator : public Base
 {
 public:
     using Base::Base;
+    explicit OtherIterator(const Base& other) : Base(other) {}
     Handle& operator*() override { return mShown; }
     const Handle& operator*() const override { return mShown; }
     Handle* operator->() override { return &mShown; }
@@ -180,6 +181,12 @@ TEST_F(StreamIteratorTest, IteratorsOfOtherClasses_AreAskedForEverything)
     }
     expectToBeAsked(new OtherIterator<StreamMappedIteratorImpl>(*mapped, kIterBegin));
     expectToBeAsked(new OtherIterator<StreamDenseIteratorImpl>(*dense, kIterBegin));
+    const StreamIterator inMapped(mapped->begin());
+    const StreamIterator inDense(dense->begin());
+    expectToBeAsked(
+        new OtherIterator<StreamMappedIteratorImpl>(dynamic_cast<const StreamMappedIteratorImpl&>(*inMapped.impl())));
+    expectToBeAsked(
+        new OtherIterator<StreamDenseIteratorImpl>(dynamic_cast<const StreamDenseIteratorImpl&>(*inDense.impl())));
 }
 } // namespace
 } // namespace vumo::Data

@@ -1,8 +1,10 @@
 #include "vumo/data/Structure.h"
 
 #include "tests/support/DataFixtures.h"
+#include "vumo/data/ScalarAccess.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -146,6 +148,46 @@ TEST_F(StructureTest, Assignment_ReplacesEverythingAndSharesNothing)
     *target = itself;
     EXPECT_FALSE(target->changedSinceCheckpoint(later));
     EXPECT_TRUE(Handle(*target).isDefault());
+}
+
+TEST_F(StructureTest, Strings_AreCopiedAndReleasedWhereverTheyStand)
+{
+    const Ref<Structure> layouts[] = {
+        test::heldStructure(
+            "S",
+            {{Member::kString, 1, "a"}, {Member::kInt8, 3, "b"}, {Member::kString, 2, "c"}, {Member::kInt8, 8, "d"}}),
+        test::heldStructure("S", {{Member::kInt8, 1, "a"}, {Member::kString, 2, "b"}}),
+        test::heldStructure("S", {{Member::kString, 1, "a"}, {Member::kString, 1, "b"}, {Member::kInt64, 1, "c"}}),
+        test::heldStructure("S", {{Member::kInt64, 2, "a"}}),
+    };
+    const Ref<Structure> structure(Structure::create());
+    for (const Ref<Structure>& layout : layouts)
+    {
+        SCOPED_TRACE(test::printed(layout.get()));
+        *structure = *layout; // what was known of the strings before holds no more
+        Handle original(*structure);
+        const auto forEachString = [&](Handle& handle, auto&& visit) {
+            for (unsigned int i = 0; i < structure->memberCount(); ++i)
+            {
+                handle.setPositionByMemberIndex(i);
+                for (unsigned int k = 0; handle.asString() && k < handle.dataLength(); ++k)
+                    visit(handle, k);
+            }
+        };
+        std::memset(original.data(), 0x5A, structure->totalSize());
+        forEachString(original,
+                      [](Handle& handle, unsigned int k) { storeScalar<char*>(handle.asString() + k, nullptr); });
+        const std::string bytes(original.data(), structure->totalSize());
+        std::string errors;
+        forEachString(original, [&](Handle& handle, unsigned int k) { handle.fromStr("text", k, errors); });
+        Handle copy(original);
+        copy.makeUnique();
+        structure->destroyChunk(original.data());
+        EXPECT_EQ(std::string(original.data(), structure->totalSize()), bytes);
+        forEachString(copy, [](Handle& handle, unsigned int k) { EXPECT_EQ(handle.str(k), "text"); });
+        structure->destroyChunk(copy.data());
+        EXPECT_EQ(std::string(copy.data(), structure->totalSize()), bytes);
+    }
 }
 
 TEST_F(StructureTest, Equality_AsksForNameSizeAndEveryMember)
