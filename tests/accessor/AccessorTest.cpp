@@ -84,6 +84,75 @@ TEST_F(AccessorTest, Read_KeepsWhatTheFileDeclaresAndLeavesTheRegistryAlone)
     EXPECT_EQ(accessor.fileName(), "some file");
 }
 
+TEST_F(AccessorTest, Read_FindsStructuresByNameWhateverBecomesOfThem)
+{
+    using Change = std::function<void(Structure & first, Structure & second)>;
+    const struct
+    {
+        const char* what;
+        Change change;
+        const char* foundAsA; // of "first" and "second", which lie in memory in this order
+        const char* foundAsZ;
+    } cases[] = {
+        {"nothing", [](Structure&, Structure&) {}, "first", "none"},
+        {"renamed", [](Structure& first, Structure&) { first.setName("Z"); }, "second", "first"},
+        {"assigned", [](Structure& first, Structure&) { first = Structure("Z"); }, "second", "first"},
+        {"gone", [](Structure& first, Structure&) { Structure::deregisterStructure(first); }, "second", "none"},
+        {"all gone", [](Structure&, Structure&) { Structure::deleteAllStructures(); }, "none", "none"},
+        {"erased", [](Structure& first, Structure&) { Structure::allStructures().erase(&first); }, "second", "none"},
+        {"replaced",
+         [](Structure& first, Structure&) {
+             Structure::deregisterStructure(first);
+             first.setName("Z");
+             Structure::registerStructure(first);
+         },
+         "second", "first"},
+        {"read meanwhile",
+         [](Structure&, Structure&) {
+             ScriptedAccessor inner([](Accessor& self, std::string&) {
+                 EXPECT_EQ(Structure::structureByName("A"), nullptr);
+                 registerAndStore(self);
+                 return false;
+             });
+             std::string errors;
+             inner.read("inner", errors);
+         },
+         "first", "none"},
+    };
+    for (const auto& expected : cases)
+    {
+        SCOPED_TRACE(expected.what);
+        const Ref<Structure> one = valueStructure("A");
+        const Ref<Structure> two = valueStructure("A");
+        Structure& first = *std::min(one.get(), two.get());
+        Structure& second = *std::max(one.get(), two.get());
+        second.addMember(Member::kInt8, 1, "more");
+        const auto found = [&](const char* name) {
+            const Structure* const structure = Structure::structureByName(name);
+            return structure == &first ? "first" : structure == &second ? "second" : structure ? "other" : "none";
+        };
+        ScriptedAccessor accessor([&](Accessor&, std::string&) {
+            EXPECT_TRUE(Structure::registerStructure(first));
+            EXPECT_TRUE(Structure::registerStructure(second));
+            expected.change(first, second);
+            EXPECT_STREQ(found("A"), expected.foundAsA);
+            EXPECT_STREQ(found("Z"), expected.foundAsZ);
+            for (Structure* const structure : {&first, &second})
+            {
+                const bool isThere = Structure::allStructures().count(structure) > 0;
+                const Ref<Structure> copy(new Structure(*structure));
+                EXPECT_EQ(Structure::registerStructure(*copy), !isThere);
+                EXPECT_EQ(Structure::deregisterStructure(*copy), !isThere);
+            }
+            return false;
+        });
+        std::string errors;
+        accessor.read("some file", errors);
+        if (first.refCount() > 1)
+            first.unref(); // erased behind the registry's back
+    }
+}
+
 TEST_F(AccessorTest, Read_LeavesNothingInTheAccessorHoweverItFails)
 {
     const struct
