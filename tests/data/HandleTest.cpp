@@ -49,6 +49,8 @@ TEST_F(HandleTest, TemporariesAndMoves_HandOverTheBlock)
     handle = test::record(*mRecord, 7, "seven");
     Handle taker(std::move(handle));
     EXPECT_FALSE(handle.hasData()); // NOLINT(bugprone-use-after-move): that is what it promises
+    EXPECT_TRUE(handle.usesStructure(*mRecord));
+    EXPECT_EQ(handle.memberIndex(), taker.memberIndex());
     Handle other = test::record(*mRecord, 8, "eight");
     taker.swap(other);
     EXPECT_EQ(test::recordText(taker), "8 eight");

@@ -5,6 +5,7 @@
 #include "vumo/data/StreamImplMapped.h"
 
 #include <initializer_list>
+#include <utility>
 
 namespace vumo::Data
 {
@@ -116,6 +117,24 @@ TEST_F(StreamTest, ElementsSetFromTheirOwnStream_AreCopiedBeforeTheOldOnesGo)
         const Stream& itself = stream;
         stream = itself;
         EXPECT_EQ(test::recordText(stream, 5000), "3 l3");
+    }
+}
+
+TEST_F(StreamTest, HandlesMovedOutOfAWalk_LeaveTheRestOfItAlone)
+{
+    for (const bool isDense : {false, true})
+    {
+        SCOPED_TRACE(isDense ? "dense" : "mapped");
+        Stream stream = streamWith({0, 1}, isDense);
+        std::string walked;
+        for (StreamIterator position = stream.begin(); position.valid(); ++position)
+        {
+            const Handle taken(std::move(*position));
+            walked += test::recordText(taken) + ", ";
+        }
+        EXPECT_EQ(walked, "0 l0, 1 l1, ");
+        EXPECT_TRUE(stream.setElement(0, test::record(*mRecord, 7, "seven")));
+        EXPECT_EQ(test::recordText(stream, 0), "7 seven");
     }
 }
 

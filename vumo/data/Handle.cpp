@@ -114,13 +114,8 @@ Handle::Handle(const Structure& structure) : Handle(structure, nullptr)
 }
 
 Handle::Handle(Handle&& other) noexcept
-    : mStructure(std::exchange(other.mStructure, nullptr)),
-      mData(std::exchange(other.mData, nullptr)),
-      mIndex(std::exchange(other.mIndex, kEndIndex)),
-      mOwnsData(std::exchange(other.mOwnsData, false))
+    : Handle(other.mStructure, std::exchange(other.mData, nullptr), other.mIndex, std::exchange(other.mOwnsData, false))
 {
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 Handle& Handle::operator=(const Handle& other)
@@ -133,10 +128,8 @@ Handle& Handle::operator=(const Handle& other)
     if (isSameStructure)
         return *this;
     const Structure* const before = std::exchange(mStructure, other.mStructure);
-    if (mStructure)
-        mStructure->refFromIterator();
-    if (before)
-        before->unrefFromIterator();
+    mStructure->refFromIterator();
+    before->unrefFromIterator();
     return *this;
 }
 
@@ -151,14 +144,13 @@ Handle& Handle::operator=(Handle&& other) noexcept
 
 void Handle::releaseBlock()
 {
-    if (mStructure)
-        mStructure->destroyChunk(mData);
+    mStructure->destroyChunk(mData);
     delete[] mData;
 }
 
 bool Handle::makeUnique()
 {
-    if (mOwnsData || !mData || !mStructure)
+    if (mOwnsData || !mData)
         return false;
     pointToData(mStructure->duplicateChunk(mData), true);
     return true;
@@ -174,7 +166,7 @@ void Handle::swap(Handle& other) noexcept
 
 bool Handle::setPositionByMemberName(const char* name)
 {
-    if (!name || !mStructure)
+    if (!name)
         return false;
     if (detail::equalTexts(Member::name(currentMember()), name))
         return true;
@@ -189,12 +181,12 @@ bool Handle::setPositionByMemberName(const char* name)
 
 bool Handle::isDefault() const
 {
-    return mData && mStructure && mStructure->chunkIsDefault(mData);
+    return mData && mStructure->chunkIsDefault(mData);
 }
 
 bool Handle::isDefaultMember(const char* name) const
 {
-    return mData && mStructure && mStructure->chunkMemberIsDefault(mData, name);
+    return mData && mStructure->chunkMemberIsDefault(mData, name);
 }
 
 char* Handle::value(unsigned int i) const

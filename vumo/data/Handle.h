@@ -34,7 +34,7 @@ public:
 
     Handle(const Handle& other) : Handle(other.mStructure, other.mData, other.mIndex, false) {}
 
-    /// Takes the block with its ownership, and the reference on the structure; `other` is left without either.
+    /// Takes the block with its ownership; `other` is left without data, on the same structure and member.
     Handle(Handle&& other) noexcept;
 
     /// Releases an owned block, unless the source borrows that very block: then it is kept, and owned. (A source
@@ -46,8 +46,7 @@ public:
     {
         if (mOwnsData)
             releaseBlock();
-        if (mStructure)
-            mStructure->unrefFromIterator();
+        mStructure->unrefFromIterator();
         --_objectsAlive;
     }
 
@@ -70,7 +69,7 @@ public:
     bool setPositionByMemberIndex(unsigned int i)
     {
         if (mIndex != i)
-            mIndex = mStructure && mStructure->member(i) ? i : kEndIndex;
+            mIndex = mStructure->member(i) ? i : kEndIndex;
         return mIndex != kEndIndex;
     }
 
@@ -155,13 +154,12 @@ private:
           mIndex(index),
           mOwnsData(owns)
     {
-        if (mStructure)
-            mStructure->refFromIterator();
+        mStructure->refFromIterator();
         ++_objectsCreated;
         ++_objectsAlive;
     }
 
-    const Member* currentMember() const { return mStructure ? mStructure->member(mIndex) : nullptr; }
+    const Member* currentMember() const { return mStructure->member(mIndex); }
 
     /// The address of the i-th value of the current member; null when there is none.
     char* value(unsigned int i) const;
@@ -169,7 +167,7 @@ private:
     void releaseBlock();
 
     // A StructureIterator taken apart, so that it and the flag share eight bytes: streams keep a handle per element.
-    const Structure* mStructure; // referenced as an iterator does; null once moved from
+    const Structure* mStructure; // never null; referenced as an iterator does
     char* mData;
     unsigned int mIndex; // of the current member
     bool mOwnsData;      // never without data
