@@ -102,6 +102,7 @@ TEST_F(StructureTest, DefaultData_HasRoomForMembersAddedLater)
     ASSERT_TRUE(structure->addMember(Member::kString, 100, "texts"));
     const Handle handle(*structure); // reads all of the default block
     EXPECT_TRUE(handle.isDefault());
+    EXPECT_EQ(test::printed(structure.get()).find("No default values"), std::string::npos);
 }
 
 TEST_F(StructureTest, EmptyStructures_HaveNoBlocks)

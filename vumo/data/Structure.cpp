@@ -327,7 +327,7 @@ void Structure::fillWithDefaultChunks(char* data, unsigned long long count) cons
 
 char* Structure::allocateDefaultChunk() const
 {
-    if (totalSize() == 0)
+    if (!defaultData()) // which is there from now on
         return nullptr;
     char* const data = new char[totalSize()];
     fillWithDefaultChunk(data);
