@@ -121,8 +121,9 @@ bool readString(ValueInput& in, char* target, Messages& messages)
         {
             if (target)
             {
+                char* const copy = duplicateText(text); // may throw, while the string before is still there
                 std::free(loadScalar<char*>(target));
-                storeScalar(target, duplicateText(text));
+                storeScalar(target, copy);
             }
             return true;
         }
