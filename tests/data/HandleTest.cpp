@@ -34,6 +34,7 @@ TEST_F(HandleTest, AssignmentFromWhatBorrowsItsOwnBlock_KeepsTheBlock)
     handle = Handle(handle);
     const Handle copy(handle);
     handle = copy;
+    EXPECT_TRUE(handle.ownsData());
     handle.pointToData(handle.data(), true);
     EXPECT_EQ(test::recordText(handle), "7 seven");
     EXPECT_FALSE(handle.makeUnique()); // it still owns the block

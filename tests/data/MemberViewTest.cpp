@@ -147,6 +147,7 @@ TEST_F(BulkAccessTest, SetElements_EqualsOneAfterTheOther)
     for (unsigned int i = 0; i < 5; ++i)
         single.setElement(kIndices[i], source.element(i));
     EXPECT_EQ(test::printedWithoutAddresses(&bulk), test::printedWithoutAddresses(&single));
+    bulk.setElement(IndexString("complex"), source.element(0));
     EXPECT_EQ(bulk.numericIndices(), (std::vector<unsigned int>{2, 7, 9, 4294967294U}));
 
     Stream dense = denseRecords(0);
@@ -168,6 +169,11 @@ TEST_F(BulkAccessTest, GetElements_ReplacesWhatTheBlocksHeld)
     EXPECT_EQ(test::recordText(target, 2), "9 nine");
     EXPECT_EQ(Stream().getElements(kIndices, target.elementView()), 0U);
     EXPECT_EQ(test::recordText(target, 0), "7 seven");
+
+    const unsigned int own[] = {0, 0, 2, 2, 0};
+    EXPECT_EQ(target.getElements(own, target.elementView()), 5U); // some of them onto themselves
+    EXPECT_EQ(test::recordText(target, 0) + ", " + test::recordText(target, 1), "7 seven, 7 seven");
+    EXPECT_EQ(test::recordText(target, 2) + ", " + test::recordText(target, 3), "9 nine, 9 nine");
 }
 
 TEST_F(BulkAccessTest, MemberValues_AreWrittenAndReadInOneCall)
