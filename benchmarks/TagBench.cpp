@@ -31,6 +31,7 @@ public:
     {
         const std::unique_ptr<Accessor> accessor = accessorFor(mFile);
         read(*accessor, mFile);
+        accessor->setDurability(Accessor::kMemoryOnly); // the peer does not wait for the disk either
         std::string errors;
         Handle record = streamIn(*accessor).element(i);
         record.setPositionByMemberName("Label");
