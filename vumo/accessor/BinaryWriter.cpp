@@ -163,8 +163,9 @@ bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
 /// Passes over a chunk of metadata, which is going to be replaced.
 bool skipMetadata(ChunkCursor& chunks, bool isBehindStructure, std::string& errors)
 {
+    const bool isToBeRead = canChangeByRewriting();
     std::string_view data;
-    if (!chunks.readData(data))
+    if (!(isToBeRead ? chunks.readData(data) : chunks.skipData()))
         return failWith(errors, isBehindStructure ? "Error skipping existing metadata chunks."
                                                   : "Error skipping data structure chunk.");
     if (!data.empty() && data.back() == '\0')

@@ -21,12 +21,10 @@ constexpr const char* kUtf8 = "UTF-8";
 /// Says whether isPlainByte() holds for all of the text, at the speed of memory.
 bool isPlain(std::string_view text)
 {
-    unsigned char allBits = 0;
+    unsigned char oddBits = 0;
     for (const char byte : text)
-        allBits |= static_cast<unsigned char>(byte);
-    return allBits <= kLastAsciiCode &&
-           std::none_of(std::begin(kShiftCharacters), std::end(kShiftCharacters),
-                        [&](char shift) { return text.find(shift) != std::string_view::npos; });
+        oddBits |= oddBitsOf(byte);
+    return oddBits == 0;
 }
 
 /// All characters that isPlain() allows.
@@ -134,6 +132,13 @@ bool convertString(std::string_view text, eTextDirection direction, std::string&
     if (!converter.isOpen() || converter.isTrivial() || (isPlain(text) && converter.keepsPlainText()))
         return false;
     return converter.convert(text, converted);
+}
+
+bool canChangeByRewriting()
+{
+    constexpr const char* kAscii = "ANSI_X3.4-1968"; // what it has not, it does not convert in either direction
+    const Converter reading(eTextDirection::kFromUtf8);
+    return reading.isOpen() && !reading.isTrivial() && std::strcmp(nl_langinfo(CODESET), kAscii) != 0;
 }
 
 bool isChangedByRewriting(std::string_view utf8)

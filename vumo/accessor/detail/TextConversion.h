@@ -20,6 +20,9 @@ bool convertString(std::string_view text, eTextDirection direction, std::string&
 /// encoding of the locale cannot express is read as it is, and its bytes can mean something in that encoding, too.
 bool isChangedByRewriting(std::string_view utf8);
 
+/// Says whether that can happen to any text in the current locale.
+bool canChangeByRewriting();
+
 /// Says whether a reader gets the text again from what is written in its place: itself, or its conversion to UTF-8.
 bool isConvertedBack(std::string_view text, std::string_view written);
 } // namespace vumo::Data::detail
