@@ -96,7 +96,7 @@ TEST(NodePoolTest, NodesAreDistinctAndUsedAgain)
 TEST(NodePoolTest, Take_RefusesNodesOfAnotherSize)
 {
     NodePool pool;
-    for (const std::size_t illegal : {0, 1, 71})
+    for (const std::size_t illegal : {std::size_t(0), std::size_t(1), std::size_t(71)})
         EXPECT_THROW(pool.take(illegal), std::bad_alloc);
     EXPECT_NE(pool.take(72), nullptr);
     EXPECT_THROW(pool.take(80), std::bad_alloc);
