@@ -9,7 +9,7 @@ namespace vumo::fuzz
 /// Reads a scene file of that ending, ".oa" or ".ob".
 void readScene(const char* ending, const std::uint8_t* data, std::size_t size);
 
-/// Reads a scene file, writes what was read, and reads and writes it once more: a write that fails leaves the file
-/// as it was, one that succeeds can be read, with the same metadata, and the second one changes nothing.
+/// Reads a scene file, writes what was read, and does both twice more: a write that fails leaves the file
+/// as it was, one that succeeds can be read, with the same metadata, and writing goes on to give the same bytes.
 void rewriteScene(const char* ending, const std::uint8_t* data, std::size_t size);
 } // namespace vumo::fuzz
