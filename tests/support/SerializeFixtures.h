@@ -21,6 +21,14 @@ using test::goldenText;
 class SerializeFixture : public test::DataTest
 {
 protected:
+    /// Sets the first value of the named member, or the one that the handle is on.
+    static void setValue(Data::Handle& handle, const char* member, const std::string& text, unsigned int i = 0)
+    {
+        std::string errors;
+        handle.setPositionByMemberName(member);
+        EXPECT_EQ(handle.fromStr(text, i, errors), 0) << errors;
+    }
+
     /// Registers the structure of that raw text. Lives until the end of the test.
     static const Data::Structure& registered(const std::string& text)
     {
