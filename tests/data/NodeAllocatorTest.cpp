@@ -27,8 +27,9 @@ void expectEqual(const Pooled& pooled, const Plain& plain)
 /// A map and its model, after the same random insertions and removals.
 struct Twins
 {
-    explicit Twins(unsigned int seed)
+    explicit Twins(unsigned int seed, NodePool::ePlacement placement = NodePool::ePlacement::kTogether)
     {
+        pooled.get_allocator().pool().setPlacement(placement);
         std::mt19937 random(seed);
         for (int i = 0; i < 20'000; ++i)
         {
@@ -52,7 +53,7 @@ struct Twins
 TEST(NodeAllocatorTest, MapsKeepWhatTheyHoldWhereverTheirNodesGo)
 {
     Twins a(1);
-    Twins b(2);
+    Twins b(2, NodePool::ePlacement::kApart);
     expectEqual(a.pooled, a.plain);
 
     Pooled copy(a.pooled);

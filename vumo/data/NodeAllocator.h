@@ -42,6 +42,8 @@ public:
 
     void deallocate(T* node, std::size_t) noexcept { mPool->giveBack(node); }
 
+    NodePool& pool() const { return *mPool; }
+
     NodeAllocator select_on_container_copy_construction() const { return NodeAllocator(); }
 
     template <class U>

@@ -22,6 +22,8 @@ void* NodePool::take(std::size_t size)
 {
     if (size == 0 || size != mNodeSize)
         setNodeSize(size);
+    if (mPlacement == ePlacement::kApart)
+        return ::operator new(size);
     if (mFree)
     {
         Link* const node = mFree;
@@ -38,6 +40,8 @@ void* NodePool::take(std::size_t size)
 
 void NodePool::giveBack(void* node) noexcept
 {
+    if (mPlacement == ePlacement::kApart)
+        return ::operator delete(node);
     mFree = new (node) Link{mFree};
     ASAN_POISON_MEMORY_REGION(node, mNodeSize); // to whoever still uses it, it is as good as freed
 }

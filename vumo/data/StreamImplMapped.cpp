@@ -41,6 +41,8 @@ StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
       mHighestValidIndex(other.mHighestValidIndex)
 {
     // The map's own copy would be made in the order of its branches, which memory caches do not foresee.
+    if (!other.mElements.empty())
+        placeElementsFor(other.mElements.begin()->first);
     for (const auto& [index, element] : other.mElements)
         mElements.emplace_hint(mElements.end(), index, element);
     ++_objectsCreated;
@@ -196,12 +198,22 @@ Handle& StreamImplMapped::storeBlock(Index&& index, char* block)
 
 Handle& StreamImplMapped::slot(Index&& index)
 {
+    if (mElements.empty())
+        placeElementsFor(index);
     if (isBeyondLast(index))
         return mElements
             .emplace_hint(mElements.end(), std::piecewise_construct, std::forward_as_tuple(std::move(index)),
                           std::forward_as_tuple(structure(), nullptr))
             ->second;
     return mElements.try_emplace(std::move(index), structure(), nullptr).first->second;
+}
+
+void StreamImplMapped::placeElementsFor(Index first)
+{
+    // A search for a complex index reads its value behind every node on the way, so both had better be neighbours.
+    const bool isNumber = !static_cast<IndexType*>(first);
+    mElements.get_allocator().pool().setPlacement(isNumber ? NodePool::ePlacement::kTogether
+                                                           : NodePool::ePlacement::kApart);
 }
 
 Handle& StreamImplMapped::structureHandle()

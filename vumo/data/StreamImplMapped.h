@@ -84,6 +84,9 @@ private:
 
     using Elements = std::map<Index, Element, std::less<Index>, NodeAllocator<std::pair<const Index, Element>>>;
 
+    /// Before the first element comes: says where elements with such indices are to lie.
+    void placeElementsFor(Index first);
+
     /// Says whether no element comes at or after that index.
     bool isBeyondLast(const Index& index) const;
 
