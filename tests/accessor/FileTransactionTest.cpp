@@ -48,6 +48,57 @@ std::vector<Edit> randomEdits(Random& random, std::size_t length)
     return edits;
 }
 
+struct RandomChange
+{
+    std::string before;
+    std::string after;
+    std::vector<Edit> edits;
+};
+
+RandomChange randomChange(Random& random)
+{
+    RandomChange change;
+    change.before = randomBytes(random, random.below(20000));
+    change.edits = randomEdits(random, change.before.size());
+    std::string& after = change.after = change.before;
+    std::size_t end = 0; // of the edits
+    for (const Edit& edit : change.edits)
+    {
+        end = std::max(end, edit.position + edit.bytes.size());
+        after.resize(std::max(after.size(), end));
+        after.replace(edit.position, edit.bytes.size(), edit.bytes);
+    }
+    after.resize(end + random.below(static_cast<unsigned int>(after.size() - end) + 1));
+    return change;
+}
+
+void addTo(FileChange& change, const std::vector<Edit>& edits)
+{
+    for (const Edit& edit : edits)
+        change.add(edit.position, edit.bytes, "seek", "write");
+}
+
+/// What a machine may leave that stops during the change, or while it is undone: any of the sectors, any length
+/// between the two, and zero bytes where the one file has no bytes.
+std::string bytesOnDisk(Random& random, const std::string& before, const std::string& after)
+{
+    constexpr std::size_t kSector = 512;
+    const auto [shorter, longer] = std::minmax(before.size(), after.size());
+    std::string bytes;
+    while (bytes.size() < longer)
+    {
+        const std::string& source = random.below(2) == 0 ? before : after;
+        const std::size_t begin = bytes.size();
+        const std::size_t end = std::min(begin + kSector, longer);
+        bytes += source.substr(std::min(begin, source.size()), end - begin);
+        bytes.resize(end);
+    }
+    const unsigned int which = random.below(4);
+    const std::size_t more = random.below(static_cast<unsigned int>(longer - shorter) + 1);
+    bytes.resize(which == 0 ? shorter : which == 1 ? longer : shorter + more);
+    return bytes;
+}
+
 class FileTransactionTest : public testing::Test
 {
 protected:
@@ -102,20 +153,9 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhereIsMadeAsAWholeOrNotAtA
     int restored = 0;
     for (int round = 0; round < 250 && !HasFailure(); ++round)
     {
-        const std::string before = randomBytes(random, random.below(20000));
-        const std::vector<Edit> edits = randomEdits(random, before.size());
-        std::string after = before;
-        std::size_t end = 0; // of the edits
-        for (const Edit& edit : edits)
-        {
-            end = std::max(end, edit.position + edit.bytes.size());
-            after.resize(std::max(after.size(), end));
-            after.replace(edit.position, edit.bytes.size(), edit.bytes);
-        }
-        after.resize(end + random.below(static_cast<unsigned int>(after.size() - end) + 1));
+        const auto [before, after, edits] = randomChange(random);
         FileChange change(after.size(), "cut");
-        for (const Edit& edit : edits)
-            change.add(edit.position, edit.bytes, "seek", "write");
+        addTo(change, edits);
 
         mFile.setBytes(before);
         FileCallScript script;
@@ -134,6 +174,37 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhereIsMadeAsAWholeOrNotAtA
     }
     EXPECT_GT(made, 20);
     EXPECT_GT(restored, 20);
+}
+
+TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStoppedIsRestored)
+{
+    Random random;
+    SCOPED_TRACE(random.seedText());
+    int restored = 0;
+    for (int round = 0; round < 40 && !HasFailure(); ++round)
+    {
+        const auto [before, after, edits] = randomChange(random);
+        FileChange change(after.size(), "cut");
+        addTo(change, edits);
+        mFile.setBytes(before);
+        FileCallScript script;
+        script.mPlace = "remove record";
+        script.mTurn = 1;
+        script.mAction = FileCallScript::kExit;
+        isEndedBy(script, [&] { return run(change); });
+        const std::string undo = record();
+        for (int disk = 0; disk < 4 && hasRecord() && !HasFailure(); ++disk)
+        {
+            const std::string left = bytesOnDisk(random, before, after);
+            mFile.setBytes(left);
+            EXPECT_TRUE(recover(mFile.name(), mErrors)) << mErrors;
+            EXPECT_TRUE(mFile.bytes() == (left == after ? after : before));
+            restored += left != before && left != after;
+            setRecord(undo);
+        }
+        std::remove(recordName().c_str());
+    }
+    EXPECT_GT(restored, 40);
 }
 
 TEST_F(FileTransactionGoldenTest, TheRecordFollowsItsLayout)

@@ -288,8 +288,9 @@ bool UndoRecord::match(const Range& range, const File& file, std::uint64_t fileS
             const bool isThere = i < size;
             const bool isOld = k < range.oldBytes.size() ? isThere && buffer[i] == range.oldBytes[k] : !isThere;
             const bool isNew = k < range.newBytes.size() ? isThere && buffer[i] == range.newBytes[k] : !isThere;
-            // A file that grew has zero bytes until the disk has got its bytes.
-            const bool isNotWritten = isThere && buffer[i] == '\0' && position + i >= mOldLength;
+            // Where a file grows or is cut off there may be zero bytes until the disk has got all of that.
+            const bool isBehindOne = position + i >= std::min(mOldLength, mNewLength);
+            const bool isNotWritten = isThere && buffer[i] == '\0' && isBehindOne;
             result.isOld = result.isOld && isOld;
             result.isNew = result.isNew && isNew;
             result.isEither = result.isEither && (isOld || isNew || isNotWritten);
