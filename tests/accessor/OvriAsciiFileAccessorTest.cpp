@@ -166,8 +166,9 @@ TEST_F(OvriAsciiFileAccessorTest, Read_JoinsStatementsThatAreSpreadOverLines)
         const char* joined;
         const char* spread;
     } cases[] = {
-        {" -fmt", "\t\n-fmt"}, {" \"raw\"", " \n\"raw\""},   {" -as ", "\n\n\r\n -as\n\t"},
-        {"\";", "\"\n ;"},     {"\n\t\tBody", "\n\n\tBody"},
+        {" -fmt", "\t\n-fmt"},      {"dataStructure\t", "dataStructure"},
+        {" \"raw\"", " \n\"raw\""}, {" -as ", "\n\n\r\n -as\n\t"},
+        {"\";", "\"\n ;"},          {"\n\t\tBody", "\n\n\tBody"},
     };
     for (const auto& [joined, spread] : cases)
     {

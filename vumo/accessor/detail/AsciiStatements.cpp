@@ -32,10 +32,11 @@ bool startsWith(std::string_view text, const std::string& start, std::size_t pos
     return text.compare(position, start.size(), start) == 0;
 }
 
-/// A word of the metadata's own is whole: a blank follows it.
+/// A word of the metadata's own is whole: a blank or the line's end follows it.
 bool startsWithWord(std::string_view text, const std::string& word)
 {
-    return startsWith(text, word) && text.find_first_of(kBlanks, word.size()) == word.size();
+    return startsWith(text, word) &&
+           (text.size() == word.size() || text.find_first_of(kBlanks, word.size()) == word.size());
 }
 
 bool isHostLine(std::string_view head)
