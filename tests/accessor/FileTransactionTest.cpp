@@ -248,6 +248,60 @@ TEST_F(FileTransactionTest, ARecordThatIsDamagedChangesNothing)
     std::remove(recordName().c_str());
 }
 
+TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhileIsNotWritten)
+{
+    mFile.setBytes("head, a scene, old tail");
+    const ScratchFile other(".bin");
+    other.setBytes("another scene");
+    const File file(mFile.name(), File::eMode::kUpdate);
+    FileChange change(4, "");
+    change.add(0, "HEAD", "", "");
+    ASSERT_TRUE(beginWriting(file, mFile.name(), mErrors));
+    std::filesystem::rename(other.name(), mFile.name());
+    EXPECT_FALSE(FileTransaction(file, mFile.name(), Accessor::kMemoryOnly).run(change, mErrors));
+    EXPECT_EQ(mErrors, mFile.name() + " was replaced by somebody else meanwhile.");
+    EXPECT_EQ(mFile.bytes(), "another scene");
+}
+
+TEST_F(FileTransactionTest, AReadThatFailsMakesNoRecordUnfit)
+{
+    leaveBetween();
+    const std::string file = mFile.bytes();
+    const std::string good = record();
+    FileCallScript script;
+    for (int turn = 1; turn == 1 || (script.hadItsTurn() && !HasFailure()); ++turn)
+    {
+        SCOPED_TRACE(turn);
+        mFile.setBytes(file);
+        setRecord(good);
+        script = FileCallScript();
+        script.mCalls = FileCallScript::kReads;
+        script.mTurn = turn;
+        script.mAction = FileCallScript::kFail;
+        script.mError = EIO;
+        const FileCallScript::Use use(script);
+        mErrors.clear();
+        if (recover(mFile.name(), mErrors))
+            continue;
+        EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + recordName() + ".");
+        EXPECT_EQ(mFile.bytes(), file);
+        EXPECT_TRUE(hasRecord());
+    }
+    EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
+
+    const File scene(mFile.name(), File::eMode::kUpdate);
+    FileChange change(18, "");
+    change.add(15, "new", "", "");
+    for (int turn = 1; turn == 1 || script.hadItsTurn(); ++turn)
+    {
+        script.mCount = 0;
+        script.mTurn = turn;
+        const FileCallScript::Use use(script);
+        const bool isTaken = UndoRecord().take(scene, change);
+        EXPECT_EQ(isTaken, !script.hadItsTurn()) << "its surroundings would not fit";
+    }
+}
+
 TEST_F(FileTransactionTest, ARecordThatContradictsItselfIsRefused)
 {
     leaveBetween();

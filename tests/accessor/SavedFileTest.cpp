@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -220,6 +221,10 @@ TEST_F(SavedFileTest, OnlyOneWritesAtATime)
     const int writer = open(mName.c_str(), O_RDONLY);
     ASSERT_EQ(flock(writer, LOCK_EX), 0);
     EXPECT_EQ(refusalToRead(mName), mName + " is being written by somebody else.");
+    ASSERT_EQ(chmod(mName.c_str(), 0444), 0);
+    ASSERT_EQ(chmod(mFolder.name().c_str(), 0755), 0);
+    EXPECT_EQ(asAnyUser([&] { return refusalToRead(mName); }), mName + " is being written by somebody else.");
+    ASSERT_EQ(chmod(mName.c_str(), 0644), 0);
     close(writer);
     EXPECT_TRUE(readScene(mName));
     EXPECT_EQ(bytesOf(mName), mScene);
@@ -346,6 +351,18 @@ TEST_F(SavedFileTest, WhatIsNoFileIsNeitherReadNorWaitedFor)
             EXPECT_EQ(mErrors, "Could not open " + name + " for writing.");
         }
     }
+}
+
+TEST_F(SavedFileTest, AProcessThatCanOpenNoMoreFilesSeesNoRecords)
+{
+    rlimit old = {};
+    getrlimit(RLIMIT_NOFILE, &old);
+    const rlimit none = {0, old.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    OvriBinaryFileAccessor accessor;
+    EXPECT_FALSE(accessor.read(mName, mErrors));
+    setrlimit(RLIMIT_NOFILE, &old);
+    EXPECT_EQ(mErrors, "File not valid.");
 }
 
 TEST_F(SavedFileTest, Recover_HasNothingToDoWithoutARecord)

@@ -75,6 +75,13 @@ File::~File()
         close(mDescriptor);
 }
 
+bool File::hasName(const std::string& name) const
+{
+    struct stat named = {};
+    const struct stat opened = statusOf(mDescriptor);
+    return stat(name.c_str(), &named) == 0 && named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+}
+
 std::uint64_t File::size() const
 {
     return static_cast<std::uint64_t>(statusOf(mDescriptor).st_size);

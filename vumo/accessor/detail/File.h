@@ -34,6 +34,9 @@ public:
     /// Why the file could not be opened, as `errno` has it.
     int openError() const { return mOpenError; }
 
+    /// Says whether the name leads to this file still.
+    bool hasName(const std::string& name) const;
+
     /// In bytes; 0 on failure.
     std::uint64_t size() const;
 

@@ -2,6 +2,8 @@
 
 #include "vumo/accessor/detail/UndoRecord.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -18,10 +20,11 @@ bool fail(std::string& errors, const std::string& message)
     return false;
 }
 
-bool isAbsent(const File& recordFile)
+/// Does not open the file: a process that can open no more files has not lost its record.
+bool isAbsent(const std::string& recordName)
 {
-    const int error = recordFile.openError();
-    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
+    struct stat ignored = {};
+    return lstat(recordName.c_str(), &ignored) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
 }
 
 /// In a directory where everybody may put files, a record of somebody else's is no reason to change a file.
@@ -34,6 +37,11 @@ bool isTrusted(const File& recordFile, const std::string& recordName, const File
 std::string notARecord(const std::string& recordName)
 {
     return recordName + " is not an undo record that can be used. Move it away to go on.";
+}
+
+std::string notRestored(const std::string& fileName, const std::string& recordName)
+{
+    return "Could not restore " + fileName + " from " + recordName + ".";
 }
 
 bool lock(const File& file, const std::string& fileName, std::string& errors)
@@ -50,18 +58,23 @@ bool apply(const UndoRecord& record, const File& file, const std::string& fileNa
         return fail(errors,
                     "The undo record " + recordName + " does not fit " + fileName +
                         " any more, which was changed since. Remove the record to go on with the file as it is.");
-    const bool isWhole = fit != UndoRecord::eFit::kBetween || record.restore(file);
-    return (isWhole && file.sync()) || fail(errors, "Could not restore " + fileName + " from " + recordName + ".");
+    const bool isKnown = fit != UndoRecord::eFit::kUnknown;
+    const bool isWhole = isKnown && (fit != UndoRecord::eFit::kBetween || record.restore(file));
+    return (isWhole && file.sync()) || fail(errors, notRestored(fileName, recordName));
 }
 
 /// The file is open for update and locked.
 bool recover(const File& file, const std::string& fileName, const std::string& recordName, std::string& errors)
 {
+    if (isAbsent(recordName))
+        return true;
     const File recordFile(recordName, File::eMode::kReadRecord);
     if (!recordFile.isOpen())
-        return isAbsent(recordFile) || fail(errors, notARecord(recordName));
+        return fail(errors, notARecord(recordName));
     UndoRecord record;
     const UndoRecord::eContent content = record.load(recordFile);
+    if (content == UndoRecord::eContent::kUnreadable)
+        return fail(errors, notRestored(fileName, recordName));
     if (content == UndoRecord::eContent::kForeign || !isTrusted(recordFile, recordName, file))
         return fail(errors, notARecord(recordName));
     if (content == UndoRecord::eContent::kComplete && !apply(record, file, fileName, recordName, errors))
@@ -75,6 +88,9 @@ bool recover(const File& file, const std::string& fileName, const std::string& r
 /// What can be said of a file that cannot be written to and has a record.
 bool recoverNothing(const std::string& fileName, const std::string& recordName, std::string& errors)
 {
+    const File file(fileName, File::eMode::kRead);
+    if (file.isOpen() && !lock(file, fileName, errors))
+        return false;
     const File recordFile(recordName, File::eMode::kReadRecord);
     UndoRecord record;
     const bool isWhole = recordFile.isOpen() && record.load(recordFile) == UndoRecord::eContent::kIncomplete;
@@ -97,7 +113,7 @@ std::string directoryOf(const std::string& name)
 bool recover(const std::string& fileName, std::string& errors)
 {
     const std::string recordName = undoRecordName(fileName);
-    if (recordName.empty() || isAbsent(File(recordName, File::eMode::kReadRecord)))
+    if (isAbsent(recordName))
         return true;
     const File file(fileName, File::eMode::kUpdate);
     if (!file.isOpen())

@@ -38,6 +38,11 @@ bool FileTransaction::run(FileChange& change, std::string& errors)
         errors += "Could not read the old bytes of " + mFileName + ".";
         return false;
     }
+    if (!mFile.hasName(mFileName))
+    {
+        errors += mFileName + " was replaced by somebody else meanwhile.";
+        return false;
+    }
     if (mNeedsRecord && !begin(errors))
         return false;
     // From here on nothing is allocated until the file is whole again.

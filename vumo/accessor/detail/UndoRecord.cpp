@@ -89,9 +89,8 @@ bool UndoRecord::take(const File& file, const FileChange& change)
     mOldLength = file.size();
     mNewLength = change.length();
     addRanges(change);
-    if (!readOldBytes(file))
+    if (!readOldBytes(file) || !readSurroundings(file, mSurroundings))
         return false;
-    mSurroundings = surroundingsIn(file);
     mHead = head();
     return true;
 }
@@ -165,7 +164,7 @@ UndoRecord::eContent UndoRecord::load(const File& recordFile)
         return eContent::kForeign;
     mBytes.resize(static_cast<std::size_t>(recordFile.size()));
     if (recordFile.read(0, mBytes.data(), mBytes.size()) != mBytes.size())
-        return eContent::kForeign;
+        return eContent::kUnreadable;
     return parse();
 }
 
@@ -233,14 +232,17 @@ bool UndoRecord::isConsistent() const
     return mOldLength <= kLongestFile && mNewLength <= kLongestFile;
 }
 
-/// The checksum of the bytes around the ranges.
-std::uint64_t UndoRecord::surroundingsIn(const File& file) const
+/// Gives the checksum of the bytes around the ranges. False when they cannot be read.
+bool UndoRecord::readSurroundings(const File& file, std::uint64_t& checksum) const
 {
     Checksum sum;
+    bool isRead = true;
     std::array<char, kSurroundingsSize> buffer;
     const auto add = [&](std::uint64_t begin, std::uint64_t end) {
         const auto size = static_cast<std::size_t>(end - begin);
-        sum.add(std::string_view(buffer.data(), file.read(begin, buffer.data(), size)));
+        const std::size_t got = file.read(begin, buffer.data(), size);
+        sum.add(std::string_view(buffer.data(), got));
+        isRead = isRead && got == size;
     };
     if (!mRanges.empty())
         add(0, std::min(mRanges.front().position, kSurroundingsSize));
@@ -250,21 +252,28 @@ std::uint64_t UndoRecord::surroundingsIn(const File& file) const
         add(std::max(end, range.position - std::min(range.position, kSurroundingsSize)), range.position);
         end = range.end();
     }
-    return sum.value();
+    checksum = sum.value();
+    return isRead;
 }
 
 UndoRecord::eFit UndoRecord::fit(const File& file) const
 {
     const std::uint64_t size = file.size();
-    if (size < std::min(mOldLength, mNewLength) || size > std::max(mOldLength, mNewLength) ||
-        surroundingsIn(file) != mSurroundings)
+    if (size < std::min(mOldLength, mNewLength) || size > std::max(mOldLength, mNewLength))
+        return eFit::kNone;
+    std::uint64_t surroundings = 0;
+    if (!readSurroundings(file, surroundings))
+        return eFit::kUnknown;
+    if (surroundings != mSurroundings)
         return eFit::kNone;
     Match all;
     all.isOld = size == mOldLength;
     all.isNew = size == mNewLength;
     for (const Range& range : mRanges)
     {
-        if (!match(range, file, size, all) || !all.isEither)
+        if (!match(range, file, size, all))
+            return eFit::kUnknown;
+        if (!all.isEither)
             return eFit::kNone;
     }
     return all.isNew ? eFit::kChanged : all.isOld ? eFit::kUnchanged : eFit::kBetween;

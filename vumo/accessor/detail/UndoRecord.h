@@ -22,7 +22,8 @@ public:
     {
         kComplete,
         kIncomplete, ///< its writer did not come to the end of it, and so not to the file
-        kForeign     ///< no record, or one of another version
+        kForeign,    ///< no record, or one of another version
+        kUnreadable
     };
 
     enum class eFit
@@ -30,7 +31,8 @@ public:
         kUnchanged, ///< the file is as it was before the change
         kChanged,   ///< the file is as it is after the change
         kBetween,   ///< each byte is one or the other, or zero behind the end of the shorter of the two
-        kNone       ///< the file has other bytes: it is not the one, or was changed since
+        kNone,      ///< the file has other bytes: it is not the one, or was changed since
+        kUnknown    ///< the file cannot be read
     };
 
     UndoRecord() = default;
@@ -75,7 +77,7 @@ private:
     eContent parse();
     bool parseRanges(std::string_view table, std::string_view bytes);
     bool isConsistent() const;
-    std::uint64_t surroundingsIn(const File& file) const;
+    bool readSurroundings(const File& file, std::uint64_t& checksum) const;
     bool match(const Range& range, const File& file, std::uint64_t fileSize, Match& result) const;
 
     std::uint64_t mOldLength = 0;
