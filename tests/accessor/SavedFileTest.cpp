@@ -186,6 +186,27 @@ TEST_F(SavedFileTest, InADirectoryThatCannotBeWrittenToTheFileCan)
     EXPECT_EQ(bytesOf(mName), mScene);
 }
 
+TEST_F(SavedFileTest, AFileWhoseNameLeavesNoneForARecordIsWritten)
+{
+    const fs::path before = fs::current_path();
+    fs::current_path(mFolder.name());
+    const std::string longest = std::string(250, 'd') + ".ob";
+    for (const char* const place : {"a long name", "a long path"})
+    {
+        SCOPED_TRACE(place);
+        setBytes(longest, mScene);
+        EXPECT_TRUE(save(longest)) << mErrors;
+        EXPECT_TRUE(isSaved(longest));
+        fs::remove(longest);
+        for (int depth = 0; depth < 17; ++depth)
+        {
+            fs::create_directory(longest);
+            fs::current_path(longest);
+        }
+    }
+    fs::current_path(before);
+}
+
 TEST_F(SavedFileTest, AFileThatCannotBeWrittenToIsRead)
 {
     ASSERT_EQ(chmod(mName.c_str(), 0444), 0);

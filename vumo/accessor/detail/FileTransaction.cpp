@@ -25,7 +25,7 @@ FileTransaction::FileTransaction(const File& file, const std::string& fileName, 
       mRemoveFailed("Could not remove the undo record " + mRecordName + "."),
       mDirectory(directoryOf(mRecordName), File::eMode::kDirectory),
       mHasJournal(durability == Accessor::kJournal),
-      mNeedsRecord(mHasJournal)
+      mNeedsRecord(mHasJournal && !mRecordName.empty())
 {
 }
 
