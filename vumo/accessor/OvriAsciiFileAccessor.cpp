@@ -26,16 +26,24 @@ using detail::AsciiTail;
 
 using AssociationsMap = std::map<std::string, Associations>;
 
-/// The first line without its end, or as much of it as tells whether it is a header. False for an empty file.
+/// The first line without its end; of a long one only how it begins and ends. False for an empty file.
 bool readFirstLine(std::istream& in, std::string& line)
 {
-    constexpr std::string::size_type kLongestHeader = 1024;
-    line.resize(kLongestHeader);
-    in.read(line.data(), kLongestHeader);
-    line.resize(static_cast<std::string::size_type>(in.gcount()));
+    constexpr std::string::size_type kBlock = 1024;
+    std::string block(kBlock, '\0');
+    bool isEmptyFile = true;
+    bool hasEnded = false;
+    while (!hasEnded && in)
+    {
+        in.read(block.data(), kBlock);
+        block.resize(static_cast<std::string::size_type>(in.gcount()));
+        isEmptyFile = isEmptyFile && block.empty();
+        hasEnded = block.find('\n') != std::string::npos;
+        line.append(block, 0, block.find('\n'));
+        if (line.size() > 2 * kBlock)
+            line.erase(kBlock, line.size() - 2 * kBlock);
+    }
     in.clear();
-    const bool isEmptyFile = line.empty();
-    line.resize(std::min(line.find('\n'), line.size()));
     if (!line.empty() && line.back() == '\r')
         line.pop_back();
     return !isEmptyFile;
