@@ -18,23 +18,36 @@ struct Kind
     std::string bare;
     std::vector<std::string> writeMessages;
     std::vector<std::string> seekMessages;
+    std::vector<std::string> searchMessages; // of seeks and reads on the way to what changes
+    std::vector<std::string> readMessages;
     std::size_t ofMetadata; // the place of its message: all that changes in a file of the same size
 };
 
 std::vector<Kind> bothKinds()
 {
-    return {{".oa",
-             "//Ovri ASCII 2014 scene\n//" + std::string(9000, 'x') + "\nselect -ne :a;\n// End of it\n",
-             {"Failed to append the file trailer."},
-             {"Could not seek to metadata start."},
-             0},
-            {".ob",
-             sceneWith(example::cameraChunk() + example::pluginChunk()),
-             {"Failed to write the new trailer size.", "Failed to write the new trailer.",
-              "Failed to write the backward chunk size.", "Failed to write the new main chunk size."},
-             {"Failed to seek to the trailer size position.", "Failed to seek to the trailer data start.",
-              "Failed to write the backward chunk size.", "Failed to the main chunk size position."},
-             1}};
+    return {
+        {".oa",
+         "//Ovri ASCII 2014 scene\nselect -ne :a;\n//" + std::string(9000, 'x') + "\n// End of it\n",
+         {"Failed to append the file trailer."},
+         {"Could not seek to metadata start."},
+         {"Could not seek to trailer start.", "Could not read trailer.", "Could not seek to the first metadata block.",
+          "Failed reading line while searching metadata start.", "Failed to seek to the trailer position.",
+          "Failed to read the file trailer."},
+         {"Error reading header.", "Could not seek to end.", "Could not seek previous block.", "Could not read block."},
+         0},
+        {".ob",
+         sceneWith(example::cameraChunk() + example::pluginChunk()),
+         {"Failed to write the new trailer size.", "Failed to write the new trailer.",
+          "Failed to write the backward chunk size.", "Failed to write the new main chunk size."},
+         {"Failed to seek to the trailer size position.", "Failed to seek to the trailer data start.",
+          "Failed to write the backward chunk size.", "Failed to the main chunk size position."},
+         {"Could not read file identification.", "Error seeking to the end of main chunk.",
+          "Error reading the trailer-size chunk header.", "Could not read trailer backward offset.",
+          "Could not seek to start of trailer.", "Error reading chunk header before metadata."},
+         {"Could not read file identification.", "Error seeking to the end of main chunk.",
+          "Error reading the trailer-size chunk header.", "Could not read trailer backward offset.",
+          "Could not seek to start of trailer.", "Could not read chunk header."},
+         1}};
 }
 
 /// A scene with the weights of one node, which a write changes.
@@ -295,6 +308,7 @@ TEST_F(InterruptedWriteTest, ACallThatFailsLeavesTheFileAsItWas)
 TEST_F(InterruptedWriteTest, ASeekOrAReadThatFailsLeavesTheFileAsItWas)
 {
     forAll([&](const Kind& kind) {
+        std::vector<std::string> all;
         for (const Script::eCalls calls : {Script::kSeeks, Script::kReads})
         {
             std::vector<std::string> messages;
@@ -315,6 +329,7 @@ TEST_F(InterruptedWriteTest, ASeekOrAReadThatFailsLeavesTheFileAsItWas)
                 if (!isWritten)
                     messages.push_back(mErrors);
             }
+            all.insert(all.end(), messages.begin(), messages.end());
             const std::vector<std::string> last = ofThisChange(kind, kind.seekMessages);
             if (calls == Script::kSeeks)
             {
@@ -328,6 +343,40 @@ TEST_F(InterruptedWriteTest, ASeekOrAReadThatFailsLeavesTheFileAsItWas)
                           messages.end());
             }
         }
+        EXPECT_THAT(all, testing::IsSupersetOf(kind.searchMessages));
+    });
+}
+
+TEST_F(InterruptedWriteTest, AReadGivesAllThatTheFileHasOrFails)
+{
+    forAll([&](const Kind& kind) {
+        std::set<std::string> messages;
+        for (const auto& [calls, action] :
+             {std::pair(Script::kSeeks, Script::kFail), std::pair(Script::kReads, Script::kFail),
+              std::pair(Script::kReads, Script::kShorten), std::pair(Script::kReads, Script::kInterrupt)})
+        {
+            Script script;
+            for (int turn = 1; turn == 1 || script.hadItsTurn(); ++turn)
+            {
+                SCOPED_TRACE((calls == Script::kSeeks ? "seek " : "read ") + std::to_string(turn));
+                script = Script();
+                script.mCalls = calls;
+                script.mTurn = turn;
+                script.mAction = action;
+                script.mError = EIO;
+                const auto accessor = Accessor::accessorByExtension(mFile->name());
+                const Script::Use use(script);
+                mErrors.clear();
+                const bool isRead = accessor->read(mFile->name(), mErrors);
+                EXPECT_EQ(isRead, mErrors.empty());
+                EXPECT_EQ(isRead, action != Script::kFail || !script.hadItsTurn());
+                EXPECT_EQ(accessor->structures().size(), isRead ? 1U : 0U);
+                EXPECT_EQ(accessor->associations().size(), isRead ? 1U : 0U);
+                EXPECT_EQ(mErrors.find("seek") != std::string::npos, !isRead && calls == Script::kSeeks) << mErrors;
+                messages.insert(mErrors);
+            }
+        }
+        EXPECT_THAT(messages, testing::IsSupersetOf(kind.readMessages));
     });
 }
 

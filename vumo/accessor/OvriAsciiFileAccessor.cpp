@@ -200,18 +200,30 @@ bool appendStatements(const Accessor& accessor, std::string& out, std::string& e
     return true;
 }
 
+/// Gives the size of the file. False when that failed.
+bool seekToEnd(std::istream& file, std::streamoff& size)
+{
+    file.seekg(0, std::ios::end);
+    size = file.tellg();
+    return size >= 0;
+}
+
+/// What a search for the metadata says that had found so much of the tail when it failed.
+const char* searchFault(const std::istream& file, const AsciiTail& tail)
+{
+    const bool isRead = file.eof(); // and a seek has failed otherwise
+    if (tail.trailer < 0)
+        return isRead ? "Could not read trailer." : "Could not seek to trailer start.";
+    return isRead ? "Failed reading line while searching metadata start."
+                  : "Could not seek to the first metadata block.";
+}
+
 bool findTail(std::istream& file, AsciiTail& tail, std::string& errors)
 {
-    if (!file.seekg(0, std::ios::end))
+    std::string ignored;
+    if (!seekToEnd(file, tail.size) || !detail::findAsciiTail(file, detail::eAsciiTexts::kUnwanted, tail, ignored))
     {
-        errors += "Could not seek to trailer start.";
-        return false;
-    }
-    tail.size = file.tellg();
-    std::string fault;
-    if (!detail::findAsciiTail(file, detail::eAsciiTexts::kUnwanted, tail, fault))
-    {
-        errors += "Failed reading line while searching metadata start.";
+        errors += searchFault(file, tail);
         return false;
     }
     const bool allComplete = std::all_of(tail.statements.begin(), tail.statements.end(),
@@ -310,13 +322,12 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
         errors = fault;
         return false;
     }
-    if (!in.seekg(0, std::ios::end))
+    AsciiTail tail;
+    if (!seekToEnd(in, tail.size))
     {
         errors += "Could not seek to end.";
         return false;
     }
-    AsciiTail tail;
-    tail.size = in.tellg();
     if (!detail::findAsciiTail(in, detail::eAsciiTexts::kWanted, tail, fault))
     {
         errors = fault;

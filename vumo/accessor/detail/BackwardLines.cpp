@@ -88,9 +88,11 @@ char BackwardLines::lastOf(std::streamoff end) const
     return end > 0 && holdsAll(end - 1, end) ? held(end - 1, end).front() : '\0';
 }
 
-/// Reads the block before what is held.
+/// Reads the block before what is held. False for good once that failed.
 bool BackwardLines::load()
 {
+    if (!mError.empty())
+        return false;
     if (mHeld > mLongestHeld)
         mHeld = kHeadSize;
     const auto size = static_cast<std::size_t>(std::min(mBegin, blockSize(mSize - mBegin)));
