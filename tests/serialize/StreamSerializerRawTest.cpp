@@ -550,6 +550,40 @@ TEST_F(StreamSerializerRawTest, ValuesOfOneElement_AreNotTakenFromAnInputThatHas
               "Int32 value on or about character -1 is invalid\n");
 }
 
+TEST_F(StreamSerializerRawTest, ReadMember_LeavesTheInputAsExtractionDoes)
+{
+    const auto end = std::ios::eofbit;
+    const auto failed = std::ios::eofbit | std::ios::failbit;
+    const struct
+    {
+        const char* type;
+        const char* text;
+        int errorCount;
+        std::ios::iostate state;
+    } cases[] = {
+        {"int32", "12", 0, end},       {"int32", "12 x", 0, std::ios::goodbit},
+        {"int32", "", 1, failed},      {"int32", "x", 1, std::ios::failbit},
+        {"bool[2]", "t f", 0, end},    {"bool[2]", "t", 1, failed},
+        {"string", "\"a b\"", 0, end}, {"string", "\"a\" x", 0, std::ios::goodbit},
+        {"string", "", 1, end},        {"string", "\"a", 1, failed},
+    };
+    for (const auto& row : cases)
+    {
+        SCOPED_TRACE(std::string(row.type) + " " + row.text);
+        Structure::deleteAllStructures();
+        Handle element(registered(std::string("name=P:") + row.type + "=m"));
+        std::istringstream in(row.text);
+        std::string errors;
+        EXPECT_EQ(mFormat.readMember(in, 9, element, errors), row.errorCount) << errors;
+        EXPECT_EQ(in.rdstate(), row.state);
+
+        Fixtures::BreakingBuffer buffer(row.text);
+        std::istream broken(&buffer);
+        mFormat.readMember(broken, 9, element, errors);
+        EXPECT_EQ(broken.bad(), row.state == end || row.state == failed) << "where the end was met";
+    }
+}
+
 /// Fills the member that the handle is on with random bits, finite numbers and short strings.
 void randomize(Handle& element, std::mt19937& random)
 {

@@ -4,8 +4,6 @@ namespace vumo::Data::detail
 {
 bool ValueInput::skipToText()
 {
-    if (!mAt && !mStream.good())
-        return false;
     Traits::int_type next = peek();
     while (!Traits::eq_int_type(next, Traits::eof()) && isClassicSpace(Traits::to_char_type(next)))
     {

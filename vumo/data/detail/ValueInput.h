@@ -67,19 +67,19 @@ public:
         return mStream;
     }
 
-    /// The next character, or the end. Does not change the state of the input.
+    /// The next character, or the end, as which an input counts that has failed.
     Traits::int_type peek() const
     {
         if (!mAt)
-            return mStream.rdbuf()->sgetc();
+            return mStream.good() ? mStream.peek() : Traits::eof();
         return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt);
     }
 
-    /// Takes the next character. Does not change the state of the input.
+    /// Takes the next character.
     Traits::int_type get()
     {
         if (!mAt)
-            return mStream.rdbuf()->sbumpc();
+            return mStream.get();
         return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt++);
     }
 

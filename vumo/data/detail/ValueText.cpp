@@ -64,6 +64,7 @@ bool extract(ValueInput& in, bool& value, std::string& word)
     std::string_view text = in.takePlainWord();
     if (text.empty())
     {
+        word.clear(); // an extraction that cannot begin leaves it as it is
         in.stream() >> word;
         text = word;
     }
