@@ -120,8 +120,15 @@ TEST_F(AssociationsSerializerRawTest, Read_TakesEmptyInputAndIgnoresWhatFollows)
     std::istringstream formatted("\n endAssociations");
     formatted.width(3);
     formatted >> std::noskipws;
+    const std::locale own(std::locale::classic(), new std::numpunct<char>);
+    formatted.imbue(own);
     std::string errors;
     EXPECT_NE(std::unique_ptr<Associations>(mFormat.read(formatted, errors)), nullptr) << errors;
+    EXPECT_EQ(formatted.rdbuf()->getloc(), own);
+
+    std::istringstream cut("channel\nname face\nendChannel");
+    cut.exceptions(std::ios::failbit);
+    EXPECT_NE(std::unique_ptr<Associations>(mFormat.read(cut, errors)), nullptr) << errors;
 
     registered(kBone);
     std::string text = Fixtures::goldenText("associations_raw.txt");

@@ -50,7 +50,7 @@ std::string placeOf(std::istream& in)
 bool isAtEnd(std::istream& in)
 {
     using Traits = std::istream::traits_type;
-    const bool hasNothing = in.fail() ? in.eof() : Traits::eq_int_type(in.peek(), Traits::eof());
+    const bool hasNothing = in.eof() || (in.good() && Traits::eq_int_type(in.peek(), Traits::eof()));
     return hasNothing && !in.bad();
 }
 

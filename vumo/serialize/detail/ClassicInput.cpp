@@ -4,9 +4,10 @@
 
 namespace vumo::Data::detail
 {
-ClassicInput::ClassicInput(std::istream& in) : mIn(in), mStream(in.rdbuf())
+ClassicInput::ClassicInput(std::istream& in) : mIn(in), mStream(nullptr)
 {
-    mStream.imbue(std::locale::classic());
+    mStream.imbue(std::locale::classic()); // while there is no buffer, which would be imbued as well
+    mStream.rdbuf(in.rdbuf());
     mStream.setstate(in.rdstate());
 }
 } // namespace vumo::Data::detail
