@@ -6,6 +6,7 @@
 #include "vumo/data/IndexString.h"
 
 #include <memory>
+#include <streambuf>
 
 namespace vumo::Data
 {
@@ -171,6 +172,16 @@ TEST_F(AssociationsSerializerRawTest, Read_ReportsEveryFaultInItsOrder)
     }
 }
 
+/// Takes so many characters and no more.
+class FullBuffer : public std::streambuf
+{
+public:
+    explicit FullBuffer(std::size_t size) : mText(size, '\0') { setp(mText.data(), mText.data() + size); }
+
+private:
+    std::string mText;
+};
+
 TEST_F(AssociationsSerializerRawTest, Write_PassesOnTheFaultsOfItsChannels)
 {
     Associations associations;
@@ -193,6 +204,13 @@ TEST_F(AssociationsSerializerRawTest, Write_PassesOnTheFaultsOfItsChannels)
               "1 error found, Stream may not be written correctly\n"
               "1 error found, Channel may not be written correctly\n"
               "1 error found, Associations may not be written correctly\n");
+
+    for (std::size_t size = 0; size < out.str().size(); ++size)
+    {
+        FullBuffer buffer(size);
+        std::ostream full(&buffer);
+        EXPECT_EQ(mFormat.write(associations, full, errors), 2) << "wherever the output fails, here at " << size;
+    }
 }
 
 /// Says whether there is a zero byte, which a binary scene cannot hold, or whitespace other than blanks and tabs in

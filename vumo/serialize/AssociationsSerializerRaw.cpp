@@ -138,6 +138,7 @@ int AssociationsSerializerRaw::write(const Associations& associations, std::ostr
     detail::Messages messages;
     detail::LineWriter lines(out, messages);
     const std::set<std::string_view> repeated = detail::repeatedNames(channelNames(associations));
+    bool isFailureTold = false; // that of the output, by a channel
     for (AssociationsIterator position = associations.begin(); position.valid(); ++position)
     {
         if (position->empty())
@@ -146,10 +147,11 @@ int AssociationsSerializerRaw::write(const Associations& associations, std::ostr
             lines.refuse("Channel " + detail::quoted(position->name()), "another one has its name");
         lines.write(keyword(kChannel));
         messages.countErrors(ChannelSerializerRaw::theFormat()->write(*position, out, messages.text()));
+        isFailureTold = !out;
     }
     lines.write(keyword(kEndAssociations));
-    if (!out && messages.count() == 0)
-        messages.add("Error in associations while writing."); // else a channel has reported it
+    if (!out && !isFailureTold)
+        messages.add("Error in associations while writing.");
     return messages.report("Associations may not be written correctly", errors);
 }
 

@@ -129,6 +129,7 @@ int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::
     detail::LineWriter lines(out, messages, {nullptr, &name});
     lines.writeName(keyword(kChannelName), "Channel name", name);
     const std::set<std::string_view> repeated = detail::repeatedNames(streamNames(channel));
+    bool isFailureTold = false; // that of the output, by a stream
     unsigned int i = 0;
     for (ChannelIterator position = channel.begin(); position.valid(); ++position, ++i)
     {
@@ -142,10 +143,11 @@ int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::
             lines.refuse("Stream " + detail::quoted(stream->name()), "another one has its name");
         lines.write(keyword(kStream));
         messages.countErrors(detail::StreamWriter(*stream, out, &name).write(messages.text()));
+        isFailureTold = !out;
     }
     lines.write(keyword(kEndChannel));
-    if (!out && messages.count() == 0)
-        messages.add("Error in channel while writing."); // else a stream has reported it
+    if (!out && !isFailureTold)
+        messages.add("Error in channel while writing.");
     return messages.report("Channel may not be written correctly", errors);
 }
 
