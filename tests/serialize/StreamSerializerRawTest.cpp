@@ -396,6 +396,11 @@ TEST_F(StreamSerializerRawTest, AnElementWithoutMembers_HasABlankDataLine)
     EXPECT_EQ(Fixtures::writtenBy(mFormat, stream), text);
     EXPECT_EQ(reread(text), text);
     EXPECT_EQ(reread("name S\nstructure Empty\n3\n8\nendStream\n"), text);
+
+    Stream dense(*structure, "S");
+    dense.useDenseStorage(true);
+    dense.setElement(1, Handle(*structure));
+    EXPECT_EQ(Fixtures::writtenBy(mFormat, dense), "name S\nindexType numeric\nstructure Empty\n0\n\n1\n\nendStream\n");
 }
 
 TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlone)

@@ -59,7 +59,8 @@ void StreamWriter::writeHeader()
 void StreamWriter::writeElements()
 {
     const bool isNumeric = mStream.indexType() == Index::theTypeName();
-    for (StreamIterator position = mStream.begin(); position.valid(); ++position)
+    const StreamIterator last = mStream.end();
+    for (StreamIterator position = mStream.begin(); position != last; ++position) // elements may have no size
     {
         Index index = position.index();
         if (isNumeric && !static_cast<IndexType*>(index))
