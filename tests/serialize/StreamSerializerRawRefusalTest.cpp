@@ -14,6 +14,15 @@ namespace
 {
 using namespace std::string_literals;
 
+/// An index that does not write the text that it is made of.
+class ShoutedIndex : public IndexString
+{
+public:
+    using IndexString::IndexString;
+    IndexType* clone() const override { return new ShoutedIndex(*this); }
+    std::string asString() const override { return indexString() + "!"; }
+};
+
 /// Writes what would not be read back as it was, and sees that it is written all the same.
 class StreamSerializerRawRefusalTest : public Fixtures::SerializeFixture
 {
@@ -73,6 +82,7 @@ TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithNamesAndIndices
     registered("name=P:double=d:float[3]=f:string=s");
     Index::registerType("alias", &Index::TypeCreator);
     Index::registerType("deaf", [](const std::string&) -> Index { throw std::runtime_error("no"); });
+    Index::registerType("mute", [](const std::string&) -> Index { throw 0; });
     const auto text = [](const std::string& index, const std::string& message) {
         return indexed("string", Index(IndexString(index)), message);
     };
@@ -100,7 +110,9 @@ TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithNamesAndIndices
         indexed("numeric", IndexPair(1, 2), "Index '1 2' at record 4~it is not one of type 'numeric'"),
         indexed("pair", 7U, "Index '7' at record 4~it is not one of type 'pair'"),
         indexed("string", 7U, "Index '7' at record 4~it is not one of type 'string'"),
+        indexed("string", ShoutedIndex("x"), "Index 'x!' at record 4~it is not one of type 'string'"),
         indexed("deaf", 7U, "Index '7' at record 4~it is not one of type 'deaf'"),
+        indexed("mute", 7U, "Index '7' at record 4~it is not one of type 'mute'"),
     };
     for (const Sample& sample : samples)
         expectRefused(sample);
@@ -111,6 +123,7 @@ TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithNamesAndIndices
     const Stream orphan = streamOf(indexed("alias", 7U, ""));
     Index::creators().erase("alias");
     Index::creators().erase("deaf");
+    Index::creators().erase("mute");
     EXPECT_EQ(mFormat.write(orphan, out, errors), 2);
     EXPECT_EQ(
         errors.find("Index type 'alias' at record 2 of stream 'S' cannot be read back: no such type is registered\n"

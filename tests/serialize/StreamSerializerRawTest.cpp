@@ -654,13 +654,17 @@ TEST_F(StreamSerializerRawPropertyTest, WhatIsWritten_ReadsBackAndIsWrittenAlike
 
 TEST_F(StreamSerializerRawTest, Read_CountsWhatAnIndexTypeOfSomebodyElseThrows)
 {
-    Index::registerType("throwing",
-                        [](const std::string& text) { return Index(static_cast<unsigned>(std::stoul(text))); });
+    Index::registerType("throwing", [](const std::string& text) {
+        if (text == "5")
+            throw 5;
+        return Index(static_cast<unsigned>(std::stoul(text)));
+    });
     registered("name=P:int32=m");
     std::string errors;
-    EXPECT_EQ(read("name S\nindexType throwing\nstructure P\nsix\n1\n7\n2\nendStream\n", errors), nullptr);
+    EXPECT_EQ(read("name S\nindexType throwing\nstructure P\nsix\n1\n7\n2\n5\n3\nendStream\n", errors), nullptr);
     EXPECT_EQ(errors, "Value 'six' on or about character 38 is not a legal index (code 1) of type throwing\n"
-                      "1 error found, Stream not created\n");
+                      "Value '5' on or about character 48 is not a legal index (code 1) of type throwing\n"
+                      "2 errors found, Stream not created\n");
 }
 } // namespace
 } // namespace vumo::Data

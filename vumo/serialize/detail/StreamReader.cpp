@@ -3,7 +3,6 @@
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/serialize/SerializerRaw.h"
 
-#include <exception>
 #include <utility>
 
 namespace vumo::Data::detail
@@ -123,7 +122,7 @@ std::optional<Index> StreamReader::parseIndex()
     {
         refuseIndex(code);
     }
-    catch (const std::exception&)
+    catch (...)
     {
         refuseIndex(Index::eIllegalIndexText); // an index type of somebody else's may throw what it likes
     }

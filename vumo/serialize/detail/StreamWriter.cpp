@@ -7,8 +7,8 @@
 #include "vumo/serialize/detail/Quoted.h"
 
 #include <algorithm>
-#include <exception>
 #include <iterator>
+#include <typeinfo>
 
 namespace vumo::Data::detail
 {
@@ -25,6 +25,14 @@ bool isTakenForKeyword(const std::string& index, bool isFirst)
                std::string text;
                return isKeywordLine(index, SerializerRaw::keyword(header), text);
            });
+}
+
+/// Says whether the index is a T, and of that type: of a derived class the text may be anything.
+template <class T>
+bool isExactly(Index& index, const std::string& type)
+{
+    const IndexType* const value = index;
+    return value && typeid(*value) == typeid(T) && type == T::myTypeName;
 }
 } // namespace
 
@@ -75,7 +83,7 @@ void StreamWriter::writeElements()
     }
 }
 
-void StreamWriter::writeIndex(const Index& index)
+void StreamWriter::writeIndex(Index& index)
 {
     const std::string text = index.asString();
     mLines.line().append(text);
@@ -85,7 +93,7 @@ void StreamWriter::writeIndex(const Index& index)
     mLines.endLine();
 }
 
-std::string StreamWriter::indexFault(const Index& index, const std::string& text) const
+std::string StreamWriter::indexFault(Index& index, const std::string& text) const
 {
     if (text.empty())
         return "it is empty";
@@ -99,21 +107,16 @@ std::string StreamWriter::indexFault(const Index& index, const std::string& text
 }
 
 /// Says whether the reader, which knows the type by its name alone, makes that index of its text.
-bool StreamWriter::isRecreated(const Index& index, const std::string& text) const
+bool StreamWriter::isRecreated(Index& index, const std::string& text) const
 {
     const std::string& type = mStream.indexType();
-    const bool isOwn = type == IndexString::myTypeName || type == IndexPair::myTypeName;
-    if (isOwn && index.typeName() == type)
+    if (isExactly<IndexString>(index, type) || isExactly<IndexPair>(index, type))
         return true; // nobody else's text can say less than the index
     try
     {
         return Index::doCreate(type, text) == index;
     }
-    catch (Index::eCreationErrors)
-    {
-        return false;
-    }
-    catch (const std::exception&)
+    catch (...)
     {
         return false; // an index type of somebody else's may throw what it likes
     }

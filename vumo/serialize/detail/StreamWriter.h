@@ -28,9 +28,9 @@ public:
 private:
     void writeHeader();
     void writeElements();
-    void writeIndex(const Index& index);
-    std::string indexFault(const Index& index, const std::string& text) const;
-    bool isRecreated(const Index& index, const std::string& text) const;
+    void writeIndex(Index& index);
+    std::string indexFault(Index& index, const std::string& text) const;
+    bool isRecreated(Index& index, const std::string& text) const;
     void writeData(const Index& index, char* block);
     void reportData(const Index& index, char* block);
 
