@@ -236,14 +236,14 @@ bool readMember(const MemberValues& values, unsigned int record, ValueInput& in,
     return values.type == Member::kString ? readStrings(in, values, messages) : readNumbers(in, values, messages);
 }
 
-ElementText::ElementText(const Structure& structure)
+ElementText::ElementText(const Structure& structure, eSource source)
 {
-    mMembers.reserve(structure.memberCount());
-    for (unsigned int i = 0; i < structure.memberCount(); ++i)
+    mMembers.reserve(std::min(structure.memberCount(), kMaxLineLength));
+    for (unsigned int i = 0; i < structure.memberCount() && (source == kAnyText || fitsInto(kMaxLineLength)); ++i)
     {
         const Member* const member = structure.member(i);
         mMembers.push_back({Member::type(member), Member::length(member), Member::offset(member)});
-        if (mLeastLength <= kMaxLineLength + 1)
+        if (fitsInto(kMaxLineLength))
             mLeastLength += leastLength(mMembers.back().type, mMembers.back().length);
     }
 }

@@ -48,8 +48,16 @@ bool readMember(const MemberValues& values, unsigned int record, ValueInput& in,
 class ElementText
 {
 public:
+    /// What elements are read from. For those of a single line, no more members are looked up than it takes to know
+    /// that a line is too short for them all: a stream is not to pay for a structure of very many members.
+    enum eSource
+    {
+        kAnyText,
+        kLine
+    };
+
     /// Keeps no pointer to the structure, which must not change meanwhile.
-    explicit ElementText(const Structure& structure);
+    explicit ElementText(const Structure& structure, eSource source = kAnyText);
 
     unsigned int memberCount() const { return static_cast<unsigned int>(mMembers.size()); }
 

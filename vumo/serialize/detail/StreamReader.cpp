@@ -146,7 +146,7 @@ void StreamReader::readDataLine(Index&& index)
 {
     ValueInput& values = mValues.restart();
     if (!mElementText)
-        mElementText = std::make_unique<ElementText>(*mStructure);
+        mElementText = std::make_unique<ElementText>(*mStructure, ElementText::kLine);
     if (!mElementText->fitsInto(mLines.text().size()))
     {
         // Nothing is allocated by the size that a structure promises; this finds the first missing value.

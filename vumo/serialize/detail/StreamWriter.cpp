@@ -40,8 +40,7 @@ StreamWriter::StreamWriter(const Stream& stream, std::ostream& out, const std::s
     : mStream(stream),
       mOut(out),
       mLines(out, mMessages, {&stream.name(), channel}),
-      mFormat(out),
-      mElements(stream.structure())
+      mFormat(out)
 {
 }
 
@@ -70,6 +69,8 @@ void StreamWriter::writeElements()
     const StreamIterator last = mStream.end();
     for (StreamIterator position = mStream.begin(); position != last; ++position) // elements may have no size
     {
+        if (!mElements)
+            mElements.emplace(mStream.structure());
         Index index = position.index();
         if (isNumeric && !static_cast<IndexType*>(index))
         {
@@ -124,7 +125,7 @@ bool StreamWriter::isRecreated(Index& index, const std::string& text) const
 
 void StreamWriter::writeData(const Index& index, char* block)
 {
-    const bool isReadBack = mElements.append(mLines.line(), mFormat, block);
+    const bool isReadBack = mElements->append(mLines.line(), mFormat, block);
     if (!isReadBack || mLines.isTooLong())
         reportData(index, block);
     mLines.endLine();
@@ -136,9 +137,9 @@ void StreamWriter::reportData(const Index& index, char* block)
     const std::string element = " at index " + quoted(index.asString());
     TextBuilder line;
     bool wasTooLong = false;
-    for (unsigned int i = 0; i < mElements.memberCount(); ++i)
+    for (unsigned int i = 0; i < mElements->memberCount(); ++i)
     {
-        const MemberValues values = mElements.valuesOf(i, block);
+        const MemberValues values = mElements->valuesOf(i, block);
         const std::string member = " of member " + quoted(Member::name(mStream.structure().member(i)));
         if (i > 0)
             line.append(' ');

@@ -7,6 +7,7 @@
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
 
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -39,7 +40,7 @@ private:
     Messages mMessages;
     LineWriter mLines;
     const NumberFormat mFormat;
-    const ElementText mElements;
-    bool mIsFirst = true; // no index was written yet
+    std::optional<ElementText> mElements; // none before the first element
+    bool mIsFirst = true;                 // no index was written yet
 };
 } // namespace vumo::Data::detail
