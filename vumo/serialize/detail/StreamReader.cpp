@@ -3,6 +3,7 @@
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/serialize/SerializerRaw.h"
 
+#include <new>
 #include <utility>
 
 namespace vumo::Data::detail
@@ -121,6 +122,10 @@ std::optional<Index> StreamReader::parseIndex()
     catch (Index::eCreationErrors code)
     {
         refuseIndex(code);
+    }
+    catch (const std::bad_alloc&)
+    {
+        throw;
     }
     catch (...)
     {

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <typeinfo>
 
 namespace vumo::Data::detail
@@ -116,6 +117,10 @@ bool StreamWriter::isRecreated(Index& index, const std::string& text) const
     try
     {
         return Index::doCreate(type, text) == index;
+    }
+    catch (const std::bad_alloc&)
+    {
+        throw;
     }
     catch (...)
     {
