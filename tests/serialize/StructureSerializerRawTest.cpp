@@ -162,6 +162,19 @@ TEST_F(StructureSerializerRawTest, Read_TakesTimeInProportionToTheText)
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << "hours, if it were quadratic";
 }
 
+TEST_F(StructureSerializerRawTest, Read_RefusesAnElementThatNoMemoryCanHold)
+{
+    const auto matrices = [](unsigned int members) {
+        std::string text = "name=S";
+        for (unsigned int i = 0; i < members; ++i)
+            text += ":dbl4x4[4294967295]=m" + std::to_string(i);
+        return text;
+    };
+    const unsigned int most = 1U << 9U; // of 2^39 bytes less 128 each
+    EXPECT_EQ(reread(matrices(most)), matrices(most));
+    EXPECT_EQ(reread(matrices(most + 1)), "Structures must have elements of less than 281474976710656 bytes");
+}
+
 TEST_F(StructureSerializerRawPropertyTest, WhatIsWritten_ReadsBackAsAnEqualStructure)
 {
     const unsigned int seed = std::random_device()();

@@ -2,6 +2,8 @@
 
 #include "vumo/serialize/detail/ClassicInput.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <locale>
@@ -58,14 +60,21 @@ constexpr char kDescriptionTail[] = ")\n"
                                     "    int32=ID\n"
                                     "    float[3]=Origin";
 
-using Messages = std::vector<std::string>;
+/// No process is given a block of so many bytes. The sizes of members, each below 2^40, do not wrap before that.
+constexpr unsigned long long kTooLarge = 1ULL << 48U;
 
-std::string joined(const std::vector<std::string>& texts, const char* separator)
+/// Appends to a list that is one text: a short text can have very many faults, and each as an object of its own would
+/// take many times the memory.
+void append(const char* separator, const std::string& text, std::string& list)
 {
-    std::string result;
-    for (const std::string& text : texts)
-        result += (&text == texts.data() ? "" : separator) + text;
-    return result;
+    if (!list.empty())
+        list += separator;
+    list += text;
+}
+
+void addMessage(const std::string& message, std::string& messages)
+{
+    append("\n", message, messages);
 }
 
 /// Reads a dimension, and nothing else; 0 when the text is none.
@@ -115,23 +124,28 @@ struct Declaration
     bool hasName = false;
     std::string name;
     std::vector<Member> members;
+    unsigned long long size = 0; // of an element in bytes, without gaps; not counted on once it is too large
 };
 
-void addMember(const std::string& typeText, const std::string& name, Declaration& declaration, Messages& messages)
+void addMember(const std::string& typeText, const std::string& name, Declaration& declaration, std::string& messages)
 {
     std::string typeName;
     unsigned int length = 0;
     const std::string fault = splitType(typeText, typeName, length);
     if (!fault.empty())
     {
-        messages.push_back("Member '" + typeText + "' " + fault);
+        addMessage("Member '" + typeText + "' " + fault, messages);
         return;
     }
     const Member::eDataType type = Member::typeFromName(typeName.c_str());
     if (type == Member::kInvalidType)
-        messages.push_back("Member type '" + typeText + "' not recognized");
-    else
-        declaration.members.push_back({type, length, name});
+    {
+        addMessage("Member type '" + typeText + "' not recognized", messages);
+        return;
+    }
+    declaration.members.push_back({type, length, name});
+    if (declaration.size < kTooLarge)
+        declaration.size += static_cast<unsigned long long>(Member::typeSize(type)) * length;
 }
 
 /// Reads to the end of the input; false when it breaks before.
@@ -151,10 +165,11 @@ std::vector<std::string> splitFields(std::string& text)
     std::vector<std::string> fields;
     SerializerRaw::collapseWhitespace(text);
     SerializerRaw::standardizeSeparators(text);
+    fields.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1);
     return SerializerRaw::splitString(text, separator, fields);
 }
 
-void readField(std::string field, Declaration& declaration, Messages& messages)
+void readField(std::string field, Declaration& declaration, std::string& messages)
 {
     const char* const separator = SerializerRaw::keyword(SerializerRaw::kTypeSeparator);
     std::vector<std::string> pieces;
@@ -162,7 +177,7 @@ void readField(std::string field, Declaration& declaration, Messages& messages)
     SerializerRaw::splitString(field, *separator, pieces);
     if (pieces.size() != 2 || field.back() == *separator)
     {
-        messages.push_back(std::string("Member type and name must be separated by '") + separator + "'");
+        addMessage(std::string("Member type and name must be separated by '") + separator + "'", messages);
         return;
     }
     const std::string type = SerializerRaw::collapseWhitespace(pieces[0]);
@@ -230,17 +245,15 @@ Structure* StructureSerializerRaw::read(std::istream& in, std::string& errors) c
         return nullptr;
     }
 
-    Messages messages;
     Declaration declaration;
     for (const std::string& field : fields)
-        readField(field, declaration, messages);
+        readField(field, declaration, errors);
     if (!declaration.hasName)
-    {
-        messages.push_back(std::string("Name is missing; member type '") + keyword(kStructureName) +
-                           "' is used to set it");
-    }
-    errors = joined(messages, "\n");
-    return messages.empty() ? newStructure(declaration) : nullptr;
+        addMessage(std::string("Name is missing; member type '") + keyword(kStructureName) + "' is used to set it",
+                   errors);
+    if (declaration.size >= kTooLarge)
+        addMessage("Structures must have elements of less than " + std::to_string(kTooLarge) + " bytes", errors);
+    return errors.empty() ? newStructure(declaration) : nullptr;
 }
 
 int StructureSerializerRaw::write(const Structure& structure, std::ostream& out) const
@@ -263,9 +276,9 @@ int StructureSerializerRaw::write(const Structure& structure, std::ostream& out)
 
 std::ostream& StructureSerializerRaw::getFormatDescription(std::ostream& out) const
 {
-    std::vector<std::string> typeNames;
+    std::string typeNames;
     for (unsigned int type = 0; type < Member::kInvalidType; ++type)
-        typeNames.emplace_back(Member::typeName(static_cast<Member::eDataType>(type)));
-    return out << kDescriptionHead << joined(typeNames, ", ") << kDescriptionTail;
+        append(", ", Member::typeName(static_cast<Member::eDataType>(type)), typeNames);
+    return out << kDescriptionHead << typeNames << kDescriptionTail;
 }
 } // namespace vumo::Data
