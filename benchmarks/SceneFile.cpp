@@ -3,8 +3,6 @@
 #include "benchmarks/Streams.h"
 #include "examples/scene/Scene.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
@@ -17,14 +15,6 @@ namespace
 constexpr char kNode[] = "Body";
 constexpr unsigned int kVertices = 50'000;
 
-std::string scratchName(const std::string& extension)
-{
-    static int theCount = 0;
-    const std::string name =
-        "vumo_bench_" + std::to_string(getpid()) + "_" + std::to_string(++theCount) + "." + extension;
-    return (std::filesystem::temp_directory_path() / name).string();
-}
-
 bool isAscii(const std::string& name)
 {
     return std::filesystem::path(name).extension() == ".oa";
@@ -32,18 +22,12 @@ bool isAscii(const std::string& name)
 } // namespace
 
 SceneFile::SceneFile(const std::string& extension, const std::vector<Record>& records, std::uint64_t geometrySize)
-    : mName(scratchName(extension))
+    : mFile(extension)
 {
     writeScene(geometrySize);
-    const std::uint64_t bareSize = std::filesystem::file_size(mName);
+    const std::uint64_t bareSize = std::filesystem::file_size(name());
     write(*writerOf(*this, records));
-    mMetadataSize = std::filesystem::file_size(mName) - bareSize;
-}
-
-SceneFile::~SceneFile()
-{
-    std::error_code ignored;
-    std::filesystem::remove(mName, ignored);
+    mMetadataSize = std::filesystem::file_size(name()) - bareSize;
 }
 
 void SceneFile::writeScene(std::uint64_t geometrySize) const
@@ -53,9 +37,9 @@ void SceneFile::writeScene(std::uint64_t geometrySize) const
     scene.mVerticesPerNode = kVertices;
     scene.mHoleSize = geometrySize;
     scene.mTrailer = example::cameraChunk() + example::pluginChunk();
-    std::ofstream file(mName, std::ios::binary | std::ios::trunc);
-    if (!(isAscii(mName) ? example::writeAsciiScene(scene, file) : example::writeScene(scene, file)))
-        throw WrongResult("cannot write the scene " + mName);
+    std::ofstream file(name(), std::ios::binary | std::ios::trunc);
+    if (!(isAscii(name()) ? example::writeAsciiScene(scene, file) : example::writeScene(scene, file)))
+        throw WrongResult("cannot write the scene " + name());
 }
 
 std::unique_ptr<Accessor> accessorFor(const SceneFile& file)

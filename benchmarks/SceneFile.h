@@ -1,6 +1,7 @@
 #pragma once
 
 #include "benchmarks/Records.h"
+#include "benchmarks/ScratchFile.h"
 #include "vumo/accessor/Accessor.h"
 
 #include <cstdint>
@@ -20,11 +21,8 @@ public:
     /// The extension, "oa" or "ob", says what kind of file it is.
     SceneFile(const std::string& extension, const std::vector<Record>& records,
               std::uint64_t geometrySize = kGeometrySize);
-    SceneFile(const SceneFile&) = delete;
-    SceneFile& operator=(const SceneFile&) = delete;
-    ~SceneFile();
 
-    const std::string& name() const { return mName; }
+    const std::string& name() const { return mFile.name(); }
 
     /// In bytes: by how much the file grew when the metadata came to the scene.
     std::uint64_t metadataSize() const { return mMetadataSize; }
@@ -32,7 +30,7 @@ public:
 private:
     void writeScene(std::uint64_t geometrySize) const;
 
-    std::string mName;
+    ScratchFile mFile;
     std::uint64_t mMetadataSize = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "benchmarks/CopyBench.h"
 #include "benchmarks/DenseBench.h"
+#include "benchmarks/HostileBench.h"
 #include "benchmarks/MappedBench.h"
 #include "benchmarks/MemoryBench.h"
 #include "benchmarks/ScaleBench.h"
@@ -25,7 +26,12 @@ constexpr char kCalls[] = "calls";
 /// Short workloads get more rounds.
 constexpr int kRounds = 9;
 constexpr int kManyRounds = 25;
+constexpr int kFewRounds = 5;
 constexpr int kCounted = 1;
+
+/// Two sizes of a hostile input.
+constexpr std::size_t kMany = 1'000'000;
+constexpr std::size_t kFew = kMany / 8;
 
 const std::vector<Workload> kWorkloads = {
     {"text/write/mapped/rapidjson", "text written, mapped", "RapidJSON Writer", kTime, 0.95, 0.7, kRounds,
@@ -120,6 +126,47 @@ const std::vector<Workload> kWorkloads = {
      compareAsciiFileReadingAtScale},
     {"scale/ob/journal", ".ob write with a journal, 4 GiB scene", "itself, 1 MiB scene", kTime, 0, 0, kManyRounds,
      compareJournalAtScale},
+
+    {"hostile/oa/statement", "one .oa statement of 64 MB", "itself, 8 MB", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, longStatement, 64, 8); }},
+    {"hostile/oa/statement/memory", "one .oa statement of 64 MB: peak", "itself, 8 MB", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, longStatement, 64, 8); }},
+    {"hostile/oa/above", "1M lines above the .oa metadata", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, linesAboveStatement, kMany, kFew); }},
+    {"hostile/oa/above/memory", "1M lines above the .oa metadata: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, linesAboveStatement, kMany, kFew); }},
+    {"hostile/oa/inside", "1M lines in a statement", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, linesInStatement, kMany, kFew); }},
+    {"hostile/oa/inside/memory", "1M lines in a statement: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, linesInStatement, kMany, kFew); }},
+    {"hostile/oa/statements", "1M statements", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, manyStatements, kMany, kFew); }},
+    {"hostile/oa/statements/memory", "1M statements: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, manyStatements, kMany, kFew); }},
+    {"hostile/ob/host", "1M empty host chunks", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, manyHostChunks, kMany, kFew); }},
+    {"hostile/ob/host/memory", "1M empty host chunks: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, manyHostChunks, kMany, kFew); }},
+    {"hostile/ob/structures", "1M structure chunks", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, manyStructures, kMany, kFew); }},
+    {"hostile/ob/structures/memory", "1M structure chunks: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, manyStructures, kMany, kFew); }},
+    {"hostile/ob/nodes", "1M metadata chunks", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, manyNodes, kMany, kFew); }},
+    {"hostile/ob/nodes/memory", "1M metadata chunks: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, manyNodes, kMany, kFew); }},
+    {"hostile/structure", "structure text of 1M faulty lines", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, linesOfStructure, kMany, kFew); }},
+    {"hostile/structure/memory", "structure text of 1M faulty lines: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, linesOfStructure, kMany, kFew); }},
+    {"hostile/channel", "channel text of 1M faulty lines", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, linesOfChannel, kMany, kFew); }},
+    {"hostile/channel/memory", "channel text of 1M faulty lines: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, linesOfChannel, kMany, kFew); }},
+    {"hostile/stream", "stream text of 1M lines", "itself, 125k", kTime, 0, 0, kFewRounds,
+     [](Comparison& c) { compareHostileTime(c, linesOfStream, kMany, kFew); }},
+    {"hostile/stream/memory", "stream text of 1M lines: peak", "itself, 125k", kBytes, 0, 0, kCounted,
+     [](Comparison& c) { compareHostileMemory(c, linesOfStream, kMany, kFew); }},
 };
 } // namespace
 
