@@ -4,14 +4,31 @@
 #include "vumo/data/Associations.h"
 #include "vumo/data/Channel.h"
 
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
 using namespace vumo::Data;
+
+namespace
+{
+/// What the system says when the file cannot be opened; empty when it can.
+std::string openingFault(const std::string& fileName)
+{
+    errno = 0;
+    const std::ifstream file(fileName);
+    return file ? "" : std::strerror(errno);
+}
+} // namespace
 
 SceneFile::SceneFile(const std::string& fileName) : mFileName(fileName)
 {
     std::string errors;
     mAccessor = Accessor::readFile(fileName, errors);
-    if (!mAccessor)
-        throw failure(errors);
+    if (mAccessor)
+        return;
+    const std::string reason = openingFault(fileName);
+    throw failure(reason.empty() ? errors : errors + " (" + reason + ")");
 }
 
 Stream& SceneFile::stream(const Address& address)

@@ -79,6 +79,10 @@ int run(int argc, char** argv)
     Arguments arguments;
     CLI::App app("Reads and edits the metadata in scene files, without loading the scene.", "vumo");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "vumo " VUMO_VERSION);
+    app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
+        return "vumo: " + CLI::FailureMessage::simple(failed, error);
+    });
     addShow(app, arguments);
     addGet(app, arguments);
     addSet(app, arguments);

@@ -209,11 +209,11 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
         {"set",
          {"body", "edge", "creases", "0 1"},
          2,
-         "MEMBER=VALUE is required\nRun with --help for more information.\n"},
+         "vumo: MEMBER=VALUE is required\nRun with --help for more information.\n"},
         {"show",
          {"--all"},
          2,
-         "The following argument was not expected: --all\nRun with --help for more information.\n"},
+         "vumo: The following argument was not expected: --all\nRun with --help for more information.\n"},
     };
     for (const auto& [command, arguments, exitCode, message] : cases)
     {
@@ -229,12 +229,17 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
 TEST_F(VumoTest, FilesThatCannotBeReadAreNamed)
 {
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "scene.txt"}).out,
-              "vumo: scene.txt: No factory registered for type of file \"scene.txt\"\n");
-    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.ob"}).out, "vumo: /nowhere/a.ob: File not valid.\n");
+              "vumo: scene.txt: No factory registered for type of file \"scene.txt\" (No such file or directory)\n");
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.ob"}).out,
+              "vumo: /nowhere/a.ob: File not valid. (No such file or directory)\n");
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.oa"}).out,
+              "vumo: /nowhere/a.oa: Could not open /nowhere/a.oa (No such file or directory)\n");
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.oa"}).exitCode, 1);
-    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "\x1b[31m.ob"}).out, "vumo: \\x1b[31m.ob: File not valid.\n");
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "\x1b[31m.ob"}).out,
+              "vumo: \\x1b[31m.ob: File not valid. (No such file or directory)\n");
     EXPECT_EQ(run(VUMO_TOOL_PATH, {}).exitCode, 2);
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"--help"}).exitCode, 0);
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"--version"}).out.substr(0, 5), "vumo ");
 }
 
 TEST_F(VumoTest, TheExampleScenesOfBothKindsShowTheSame)
