@@ -11,8 +11,9 @@ namespace vumo::Data
 /// The accessor for the host's binary scene files, extension "ob".
 ///
 /// Such a file is one tree of chunks. Its last child, the trailer group, ends with a chunk that tells how far
-/// back the group's chunks begin, so that the metadata among them is found from the end of the file: neither
-/// reading nor writing touches more of the scene than the first 20 bytes of the file.
+/// back the group's chunks begin, so that the metadata among them is found from the end of the file: reading
+/// touches no more of the scene than the first 20 bytes of the file. Writing reads up to 8192 more, for the checksum
+/// in its undo record.
 class VUMO_EXPORT OvriBinaryFileAccessor : public Accessor
 {
 public:

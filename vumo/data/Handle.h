@@ -99,8 +99,8 @@ public:
     /// end, or when the member is not of that type. A matrix is 16 entries, row after row.
     ///
     /// The address may be misaligned for the type when the structure's layout makes it so; memcpy is
-    /// then the way to move a value. To write a string, free() the old text and store a new one made
-    /// by strdup.
+    /// then the way to move a value. A string may be null, and is so by default. To write one, free() the
+    /// old text and store a new one made by strdup.
     bool* asBoolean() { return static_cast<bool*>(asType(Member::kBoolean)); }
     double* asDouble() { return static_cast<double*>(asType(Member::kDouble)); }
     double* asDoubleMatrix4x4() { return static_cast<double*>(asType(Member::kDoubleMatrix4x4)); }

@@ -44,8 +44,8 @@ VUMO_EXPORT void replaceString(void* string, const char* text);
 /// The values of one member in all elements of a dense stream, to be read and written in tight loops.
 ///
 /// T is the type of a value: `float`, or `const float` to read only. A matrix is 16 values of its entries' type, row
-/// after row; strings are seen as `char*`, or `const char*` to read only. Values are moved with memcpy, so it does not
-/// matter that a structure's layout may misalign them.
+/// after row; strings are seen as `char*`, or `const char*` to read only, and are null by default. Values are moved
+/// with memcpy, so it does not matter that a structure's layout may misalign them.
 ///
 ///     MemberView<float> origins = stream.memberView<float>("Origin");
 ///     for (auto origin : origins)

@@ -94,8 +94,8 @@ public:
     ///
     /// setMemberValues() makes the elements that are missing, with default values in their other members, copies
     /// strings, which may be the stream's own, and returns how many elements it wrote to. getMemberValues() lends
-    /// strings, gives default values where
-    /// there is no element, and returns how many elements there were.
+    /// strings, null ones included, gives default values where there is no element, and returns how many elements
+    /// there were.
     template <class T>
     unsigned int setMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
                                  const T* values);
