@@ -107,6 +107,8 @@ TEST_F(ChannelSerializerRawTest, Write_ReportsFaultsOfNamesInTheirOrder)
               "1 error found, Stream may not be written correctly\n"
               "2 errors found, Channel may not be written correctly\n");
     EXPECT_EQ(out.str(), "name face \nstream\nname  A\nindexType numeric\nstructure P\nendStream\nendChannel\n");
+    for (const std::string& name : {std::string("a\nb"), std::string("a\0b", 3), std::string(1019, 'n')})
+        EXPECT_EQ(mFormat.write(Channel(name), out, errors), 1) << name;
 }
 
 TEST_F(ChannelSerializerRawTest, Write_CountsStreamsThatWereGivenOneName)

@@ -160,6 +160,7 @@ TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithValues)
     EXPECT_EQ(mFormat.write(streamOf(good), out, errors), 0) << errors;
     out << std::hexfloat;
     EXPECT_EQ(mFormat.write(streamOf({}), out, errors), 2);
+    out << std::defaultfloat;
     EXPECT_EQ(
         errors.find("Value 0x0p+0 of member 'd' at index 'x' at record 5 of stream 'S' cannot be read back: it is in "
                     "hexadecimal digits\nValue 0x1p+0 of member 'f'"),
@@ -169,6 +170,12 @@ TEST_F(StreamSerializerRawRefusalTest, Write_NamesWhatIsWrongWithValues)
     samples[0].label = fits;
     errors.clear();
     EXPECT_EQ(mFormat.write(streamOf(samples[0]), out, errors), 3) << "each fault of a line counts: " << errors;
+
+    Handle matrix(registered("name=M:flt4x4[2]=m"));
+    matrix.asFloatMatrix4x4()[31] = std::nanf("");
+    errors.clear();
+    EXPECT_EQ(mFormat.writeMember(matrix, 9, out, errors), 1);
+    EXPECT_EQ(errors, "Value nan at record 9 cannot be read back: it is not finite\n");
 }
 } // namespace
 } // namespace vumo::Data
