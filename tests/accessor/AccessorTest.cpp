@@ -2,6 +2,7 @@
 
 #include "tests/accessor/AccessorFixture.h"
 
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <typeinfo>
@@ -185,6 +186,47 @@ TEST_F(AccessorTest, Read_LeavesNothingInTheAccessorHoweverItFails)
         EXPECT_EQ(accessor.fileName(), "some file");
         EXPECT_EQ(Structure::allStructures().size(), 1U);
         EXPECT_EQ(Structure::structureByName("A"), own.get());
+    }
+}
+
+TEST_F(AccessorTest, Read_RefusesWhatSomebodyElseIsWriting)
+{
+    const ScratchFile file(".bin");
+    const std::string recordName = file.name() + ".vumo-undo";
+    const struct
+    {
+        const char* what;
+        std::function<void()> meanwhile;
+        bool isRefused;
+    } cases[] = {
+        {"nothing", [] {}, false},
+        {"a longer file", [&] { std::ofstream(file.name(), std::ios::app) << "x"; }, true},
+        {"another byte", [&] { std::fstream(file.name()) << "x"; }, true},
+        {"a record", [&] { std::ofstream(recordName) << "x"; }, true},
+        {"other permissions", [&] { std::filesystem::permissions(file.name(), std::filesystem::perms::all); }, false},
+        {"another file",
+         [&] {
+             std::ofstream(file.name() + "2") << "xyz";
+             std::filesystem::rename(file.name() + "2", file.name());
+         },
+         false},
+        {"none", [&] { std::remove(file.name().c_str()); }, false},
+    };
+    for (const auto& row : cases)
+    {
+        SCOPED_TRACE(row.what);
+        file.setBytes("0123");
+        std::filesystem::last_write_time(file.name(), {}); // the clock of files is coarse
+        ScriptedAccessor accessor([&](Accessor& self, std::string&) {
+            registerAndStore(self);
+            row.meanwhile();
+            return true;
+        });
+        std::string errors;
+        EXPECT_EQ(accessor.read(file.name(), errors), !row.isRefused);
+        EXPECT_EQ(errors, row.isRefused ? file.name() + " is being written by somebody else." : "");
+        EXPECT_EQ(accessor.structures().empty(), row.isRefused);
+        std::remove(recordName.c_str());
     }
 }
 

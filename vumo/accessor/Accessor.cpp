@@ -4,6 +4,7 @@
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
 #include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/accessor/detail/WriteWatch.h"
 #include "vumo/data/detail/StructureNames.h"
 
 #include <algorithm>
@@ -108,7 +109,7 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         mImpl->mFileName = fileName;
         mImpl->mStructures.clear(); // without releasing them: callers of an earlier read may use them still
         mImpl->mAssociations.clear();
-        const bool isRead = recover(fileName, errors) && performRead(structureNames, associationNames, errors);
+        const bool isRead = recover(fileName, errors) && performQuietRead(structureNames, associationNames, errors);
         if (isRead)
             keepRegisteredStructures();
         else
@@ -120,6 +121,18 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         clear();
         throw;
     }
+}
+
+/// Refuses what was read while somebody else was writing.
+bool Accessor::performQuietRead(const std::set<std::string>* structureNames,
+                                const std::set<std::string>* associationNames, std::string& errors)
+{
+    const detail::WriteWatch watch(fileName());
+    const bool isRead = performRead(structureNames, associationNames, errors);
+    if (!watch.hasSeenWriting())
+        return isRead;
+    errors += fileName() + " is being written by somebody else.";
+    return false;
 }
 
 void Accessor::keepRegisteredStructures()

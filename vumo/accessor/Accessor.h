@@ -94,7 +94,7 @@ public:
     /// an exception, which is passed on. Either way the registry of structures is afterwards as it was.
     ///
     /// Restores the file first, as recover() does, if writing it was interrupted; a file that would have to be restored
-    /// and cannot be written to is not read.
+    /// and cannot be written to is not read. Nor is one that somebody else writes to meanwhile.
     ///
     /// A structure filter must leave in every structure that the wanted associations use: without it their
     /// elements cannot be read, and the read fails.
@@ -153,6 +153,8 @@ protected:
 private:
     struct Impl;
 
+    bool performQuietRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
+                          std::string& errors);
     void keepRegisteredStructures();
 
     std::unique_ptr<Impl> mImpl;

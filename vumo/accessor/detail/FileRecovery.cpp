@@ -85,17 +85,23 @@ bool recover(const File& file, const std::string& fileName, const std::string& r
     return true;
 }
 
+/// Says whether the writer of the record did not come to the end of it. Nobody is writing it.
+bool isIncomplete(const std::string& recordName)
+{
+    const File recordFile(recordName, File::eMode::kReadRecord);
+    UndoRecord record;
+    return recordFile.isOpen() && record.load(recordFile) == UndoRecord::eContent::kIncomplete;
+}
+
 /// What can be said of a file that cannot be written to and has a record.
 bool recoverNothing(const std::string& fileName, const std::string& recordName, std::string& errors)
 {
     const File file(fileName, File::eMode::kRead);
     if (file.isOpen() && !lock(file, fileName, errors))
         return false;
-    const File recordFile(recordName, File::eMode::kReadRecord);
-    UndoRecord record;
-    const bool isWhole = recordFile.isOpen() && record.load(recordFile) == UndoRecord::eContent::kIncomplete;
-    return isWhole || fail(errors, "Writing " + fileName + " was interrupted. Make it writable and read it again: " +
-                                       recordName + " holds what restores it.");
+    return isIncomplete(recordName) ||
+           fail(errors, "Writing " + fileName + " was interrupted. Make it writable and read it again: " + recordName +
+                            " holds what restores it.");
 }
 } // namespace
 
@@ -119,6 +125,15 @@ bool recover(const std::string& fileName, std::string& errors)
     if (!file.isOpen())
         return recoverNothing(fileName, recordName, errors);
     return lock(file, fileName, errors) && recover(file, fileName, recordName, errors);
+}
+
+bool isBetween(const std::string& fileName)
+{
+    const std::string recordName = undoRecordName(fileName);
+    if (isAbsent(recordName))
+        return false;
+    const File file(fileName, File::eMode::kRead);
+    return !file.isOpen() || !file.tryLock() || !isIncomplete(recordName);
 }
 
 bool beginWriting(const File& file, const std::string& fileName, std::string& errors)

@@ -20,6 +20,9 @@ std::string directoryOf(const std::string& name);
 /// never applied.
 bool recover(const std::string& fileName, std::string& errors);
 
+/// Says whether the file has an undo record by which it may be neither the old one nor the new one now.
+bool isBetween(const std::string& fileName);
+
 /// Begins to write to a file that was opened for update: locks it and makes it whole. False, with the reason appended
 /// to `errors`, when it is not open, when somebody else is writing to it, or when it cannot be made whole.
 bool beginWriting(const File& file, const std::string& fileName, std::string& errors);
