@@ -49,6 +49,8 @@ FileCallScript::eAction FileCallScript::next(eCalls calls, const char* what, con
         return kFail;
     if (script->mCount != script->mTurn)
         return kPass;
+    if (script->mMeanwhile)
+        script->mMeanwhile();
     const eAction action = script->mAction;
     if (action == kExit || (action == kExitHalfway && !isWrite))
         _exit(kExitCode);

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -39,7 +40,8 @@ struct FileCallScript
     int mTurn = 0;      // counted from 1; 0: never
     eAction mAction = kPass;
     int mError = 0;
-    int mExitLater = 0; // how many calls after its turn the process ends; 0: it does not
+    std::function<void()> mMeanwhile; // what somebody else does before the call; none when empty
+    int mExitLater = 0;               // how many calls after its turn the process ends; 0: it does not
 
     int mCount = 0;
     std::vector<std::string> mLog; // what was done, and to which kind of file; repetitions once

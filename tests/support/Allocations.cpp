@@ -9,6 +9,7 @@ namespace
 constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 
 std::size_t theBytesAllocated = 0;
+std::size_t theLargestAllocation = 0;
 
 /// How many allocations succeed before one fails.
 std::size_t theAllocationsLeft = kNever;
@@ -17,6 +18,7 @@ std::size_t theAllocationsLeft = kNever;
 bool admit(std::size_t size)
 {
     theBytesAllocated += size;
+    theLargestAllocation = size > theLargestAllocation ? size : theLargestAllocation;
     const bool fails = theAllocationsLeft == 0;
     if (theAllocationsLeft != kNever)
         --theAllocationsLeft; // beyond 0 that is kNever: only one fails
@@ -73,6 +75,16 @@ namespace vumo::test
 std::size_t bytesAllocated()
 {
     return theBytesAllocated;
+}
+
+std::size_t largestAllocation()
+{
+    return theLargestAllocation;
+}
+
+void resetLargestAllocation()
+{
+    theLargestAllocation = 0;
 }
 
 FailingAllocation::FailingAllocation(std::size_t n)

@@ -7,12 +7,16 @@
 
 namespace vumo::test
 {
+// Under the address sanitizer, which has an allocator of its own, allocations by `new` count, else all.
+
 /// How many bytes this program has asked the allocator for so far, whatever became of them since.
 std::size_t bytesAllocated();
 
+/// The largest number of them at once, since resetLargestAllocation() was called.
+std::size_t largestAllocation();
+void resetLargestAllocation();
+
 /// Has one allocation fail while it lives, as if there were no memory left for it. There is one at a time.
-///
-/// Under the address sanitizer, which has an allocator of its own, those by `new` count, else all.
 class FailingAllocation
 {
 public:

@@ -10,13 +10,16 @@ namespace
 constexpr std::streamoff kFirstBlock = 4096;
 constexpr std::streamoff kUsualBlock = 40960;
 
+constexpr std::streamoff kLargestBlock = 4 << 20;
+
 /// A block is at most this part of what was read before it, or kUsualBlock: reading too far, into the scene, stays
 /// cheap.
 constexpr std::streamoff kLargestPart = 32;
 
 std::streamoff blockSize(std::streamoff alreadyRead)
 {
-    return std::clamp(alreadyRead, kFirstBlock, std::max(kUsualBlock, alreadyRead / kLargestPart));
+    const std::streamoff largest = std::clamp(alreadyRead / kLargestPart, kUsualBlock, kLargestBlock);
+    return std::clamp(alreadyRead, kFirstBlock, largest);
 }
 } // namespace
 
