@@ -1,47 +1,123 @@
 #include "tests/accessor/AccessorFixture.h"
+#include "tests/accessor/FileCallScript.h"
 #include "tests/support/Allocations.h"
+
+#include <filesystem>
 
 namespace vumo::test
 {
 namespace
 {
-using AllocationFailureTest = AccessorFixture;
-
-TEST_F(AllocationFailureTest, ALackOfMemoryLosesNothing)
+/// A scene of each kind, and what it is after an edit.
+const struct SceneKind
 {
-    const struct
-    {
-        const char* ending;
-        std::string scene;
-        std::string edited;
-    } cases[] = {
-        {".oa", goldenText("rich.oa"), goldenText("rich_edited.oa")},
-        {".ob", goldenBytes("rich.ob.hex"), goldenBytes("rich_edited.ob.hex")},
-    };
-    for (const auto& [ending, scene, edited] : cases)
-    {
-        const ScratchFile file(ending);
-        bool isOver = false;
-        for (std::size_t n = 0; !isOver && !HasFailure(); ++n)
-        {
-            SCOPED_TRACE(ending + std::to_string(n));
-            file.setBytes(scene);
-            const auto accessor = Accessor::accessorByExtension(file.name());
-            std::string errors;
-            bool hasFailedToRead = false;
-            bool isDone = succeedsWithout(n, hasFailedToRead, [&] { return accessor->read(file.name(), errors); });
-            EXPECT_TRUE(Structure::allStructures().empty());
-            EXPECT_EQ(accessor->structures().size(), isDone ? 3U : 0U);
-            EXPECT_EQ(accessor->associations().size(), isDone ? 3U : 0U);
+    const char* ending;
+    std::string scene;
+    std::string edited;
+} kScenes[] = {
+    {".oa", goldenText("rich.oa"), goldenText("rich_edited.oa")},
+    {".ob", goldenBytes("rich.ob.hex"), goldenBytes("rich_edited.ob.hex")},
+};
 
-            const auto editor = readScene(file.name());
-            setValue(*editor->associations()["body"].channel("edge").dataStream("creases"), IndexPair(0, 2), "0.125");
-            bool hasFailedToWrite = false;
-            isDone = succeedsWithout(n, hasFailedToWrite, [&] { return editor->write(errors); });
-            isOver = !hasFailedToRead && !hasFailedToWrite;
-            EXPECT_EQ(file.bytes(), isDone ? edited : scene);
+/// Lets each allocation of an action fail in turn.
+class AllocationFailureTest : public AccessorFixture
+{
+protected:
+    /// Calls `test` with both kinds of files and the number of an allocation, until it says that there are no more.
+    template <class Test>
+    static void forEachAllocation(const Test& test)
+    {
+        for (const SceneKind& kind : kScenes)
+        {
+            const ScratchFile file(kind.ending);
+            bool hasFailed = true;
+            for (std::size_t n = 0; hasFailed && !HasFailure(); ++n)
+            {
+                SCOPED_TRACE(kind.ending + std::to_string(n));
+                file.setBytes(kind.scene);
+                test(kind, file, n, hasFailed);
+            }
         }
     }
+
+    static std::unique_ptr<Accessor> editorOf(const ScratchFile& file)
+    {
+        auto editor = readScene(file.name());
+        setValue(*editor->associations()["body"].channel("edge").dataStream("creases"), IndexPair(0, 2), "0.125");
+        return editor;
+    }
+
+    /// Ends a process in the middle of a write.
+    static void crash(const Accessor& editor)
+    {
+        FileCallScript script;
+        script.mPlace = "write scene";
+        script.mTurn = 1;
+        script.mAction = FileCallScript::kExitHalfway;
+        std::string errors;
+        EXPECT_TRUE(isEndedBy(script, [&] { return editor.write(errors); }));
+    }
+
+    static std::string bytesOf(const std::string& name)
+    {
+        std::ifstream file(name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    static std::string recordOf(const ScratchFile& file) { return file.name() + ".vumo-undo"; }
+};
+
+TEST_F(AllocationFailureTest, AReadGivesAllOrNothing)
+{
+    forEachAllocation([](const SceneKind&, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+        const auto accessor = Accessor::accessorByExtension(file.name());
+        std::string errors;
+        const bool isRead = succeedsWithout(n, hasFailed, [&] { return accessor->read(file.name(), errors); });
+        EXPECT_TRUE(Structure::allStructures().empty());
+        EXPECT_EQ(accessor->structures().size(), isRead ? 3U : 0U);
+        EXPECT_EQ(accessor->associations().size(), isRead ? 3U : 0U);
+        accessor->clear();
+        EXPECT_TRUE(accessor->read(file.name(), errors)) << errors;
+    });
+}
+
+TEST_F(AllocationFailureTest, AWriteIsMadeAsAWholeOrNotAtAllAndCanBeMadeAgain)
+{
+    forEachAllocation([](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+        const auto editor = editorOf(file);
+        std::string errors;
+        const bool isWritten = succeedsWithout(n, hasFailed, [&] { return editor->write(errors); });
+        EXPECT_EQ(file.bytes(), isWritten ? kind.edited : kind.scene);
+        EXPECT_FALSE(std::filesystem::exists(recordOf(file)));
+        EXPECT_TRUE(Structure::allStructures().empty());
+        editor->setDurability(Accessor::kMemoryOnly);
+        EXPECT_TRUE(editor->write(errors)) << errors;
+        EXPECT_EQ(file.bytes(), kind.edited);
+    });
+}
+
+TEST_F(AllocationFailureTest, AFileThatACrashLeftIsRestoredOrStaysAsItIs)
+{
+    std::string torn;
+    std::string record;
+    forEachAllocation([&](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+        if (n == 0)
+        {
+            crash(*editorOf(file));
+            torn = file.bytes();
+            record = bytesOf(recordOf(file));
+            ASSERT_NE(torn, kind.scene);
+        }
+        file.setBytes(torn);
+        std::ofstream(recordOf(file), std::ios::binary) << record;
+        std::string errors;
+        const bool isDone = succeedsWithout(n, hasFailed, [&] { return Accessor::recover(file.name(), errors); });
+        const bool isRestored = !std::filesystem::exists(recordOf(file));
+        EXPECT_EQ(isRestored, isDone) << errors;
+        EXPECT_EQ(file.bytes(), isRestored ? kind.scene : torn);
+        EXPECT_TRUE(Accessor::recover(file.name(), errors)) << errors;
+        EXPECT_EQ(file.bytes(), kind.scene);
+    });
 }
 } // namespace
 } // namespace vumo::test

@@ -1,5 +1,6 @@
 #include "tests/support/Allocations.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -22,6 +23,8 @@ bool admit(std::size_t size)
     const bool fails = theAllocationsLeft == 0;
     if (theAllocationsLeft != kNever)
         --theAllocationsLeft; // beyond 0 that is kNever: only one fails
+    if (fails)
+        errno = ENOMEM;
     return !fails;
 }
 } // namespace

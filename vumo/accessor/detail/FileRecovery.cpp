@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
+#include <new>
 
 namespace vumo::Data::detail
 {
@@ -108,6 +109,8 @@ bool recoverNothing(const std::string& fileName, const std::string& recordName, 
 std::string undoRecordName(const std::string& fileName)
 {
     const std::unique_ptr<char, decltype(&std::free)> path(realpath(fileName.c_str(), nullptr), &std::free);
+    if (!path && errno == ENOMEM)
+        throw std::bad_alloc(); // there can be a record all the same
     return path ? std::string(path.get()) + kRecordEnding : std::string();
 }
 
