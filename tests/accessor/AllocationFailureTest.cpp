@@ -1,6 +1,9 @@
 #include "tests/accessor/AccessorFixture.h"
 #include "tests/accessor/FileCallScript.h"
 #include "tests/support/Allocations.h"
+#include "tests/support/ScratchLocale.h"
+
+#include <iconv.h>
 
 #include <filesystem>
 
@@ -67,7 +70,7 @@ protected:
     static std::string recordOf(const ScratchFile& file) { return file.name() + ".vumo-undo"; }
 };
 
-TEST_F(AllocationFailureTest, AReadGivesAllOrNothing)
+TEST_F(AllocationFailureTest, ReadsGiveAllOrNothing)
 {
     forEachAllocation([](const SceneKind&, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto accessor = Accessor::accessorByExtension(file.name());
@@ -81,7 +84,7 @@ TEST_F(AllocationFailureTest, AReadGivesAllOrNothing)
     });
 }
 
-TEST_F(AllocationFailureTest, AWriteIsMadeAsAWholeOrNotAtAllAndCanBeMadeAgain)
+TEST_F(AllocationFailureTest, RichScenesAreWrittenAsAWholeOrNotAtAllAndThenAgain)
 {
     forEachAllocation([](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto editor = editorOf(file);
@@ -96,7 +99,7 @@ TEST_F(AllocationFailureTest, AWriteIsMadeAsAWholeOrNotAtAllAndCanBeMadeAgain)
     });
 }
 
-TEST_F(AllocationFailureTest, AFileThatACrashLeftIsRestoredOrStaysAsItIs)
+TEST_F(AllocationFailureTest, RichScenesThatACrashLeftAreRestoredOrStayAsTheyAre)
 {
     std::string torn;
     std::string record;
@@ -118,6 +121,31 @@ TEST_F(AllocationFailureTest, AFileThatACrashLeftIsRestoredOrStaysAsItIs)
         EXPECT_TRUE(Accessor::recover(file.name(), errors)) << errors;
         EXPECT_EQ(file.bytes(), kind.scene);
     });
+}
+
+TEST_F(AllocationFailureTest, ATextIsConvertedOrNotWritten)
+{
+    const ScratchFile file("");
+    const ScratchLocale locale(file.name() + ".locales", "ISO-8859-1");
+    if (!locale.isSet())
+        GTEST_SKIP() << "localedef cannot make a locale here";
+    // The C library takes a module that it could not load for one that does not exist. These keep both loaded.
+    const iconv_t kept[] = {iconv_open("UTF-8", ""), iconv_open("", "UTF-8")};
+    const Ref<Structure> note = heldStructure("Note", {{Member::kString, 1, "Text"}});
+    const Associations notes = associationsOf("scene", "notes", *note, 0, "\xE9");
+    bool hasFailed = true;
+    for (std::size_t n = 0; hasFailed && !HasFailure(); ++n)
+    {
+        SCOPED_TRACE(n);
+        std::ostringstream out;
+        std::string errors;
+        const bool isWritten = succeedsWithout(
+            n, hasFailed, [&] { return BinaryWriter::writeAssociationsChunk(out, "SMTD", "", notes, &errors); });
+        EXPECT_TRUE(isWritten || hasFailed) << errors;
+        EXPECT_EQ(out.str().find("\"\xC3\xA9\"") != std::string::npos, isWritten);
+    }
+    for (const iconv_t conversion : kept)
+        iconv_close(conversion);
 }
 } // namespace
 } // namespace vumo::test

@@ -53,7 +53,7 @@ TEST_F(HostileFileTest, AFileThatChangesWhileItIsReadIsReadOrRefused)
 
 TEST_F(HostileFileTest, AnAsciiFileWithoutLinesIsSearchedInBlocksOfAModestSize)
 {
-    constexpr std::uint64_t kFileSize = 256 << 20; // of zeros that take no space
+    constexpr std::uint64_t kFileSize = 192 << 20; // of zeros that take no space
     constexpr std::size_t kLargestBlock = 4 << 20;
     const ScratchFile file(".oa");
     file.setBytes(kAsciiHead);

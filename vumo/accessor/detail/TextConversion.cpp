@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <new>
 
 namespace vumo::Data::detail
 {
@@ -49,7 +50,11 @@ public:
     {
     }
 
-    Converter(const char* from, const char* to) : mDescriptor(iconv_open(to, from)) {}
+    Converter(const char* from, const char* to) : mDescriptor(iconv_open(to, from))
+    {
+        if (!isOpen() && errno == ENOMEM)
+            throw std::bad_alloc(); // there is such a conversion, so no text must go without it
+    }
 
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
