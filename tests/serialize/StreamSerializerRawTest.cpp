@@ -334,6 +334,31 @@ TEST_F(StreamSerializerRawTest, Read_IsTheSameHoweverMuchTheBufferHolds)
     }
 }
 
+/// Throws when it is asked where it stands, as filters do that cannot tell.
+class PipeBuffer : public std::stringbuf
+{
+public:
+    using std::stringbuf::stringbuf;
+
+protected:
+    pos_type seekoff(off_type, std::ios::seekdir, std::ios::openmode) override { throw std::ios::failure("a pipe"); }
+};
+
+TEST_F(StreamSerializerRawTest, Read_KnowsNoPlacesInAnInputThatCannotTell)
+{
+    registered("name=P:int32=a");
+    PipeBuffer buffer("name S\nstructure P\nx\n1\n2\n1 2\nendStream\nrest\n");
+    std::istream in(&buffer);
+    std::string errors;
+    EXPECT_EQ(mFormat.read(in, errors), nullptr);
+    EXPECT_EQ(errors, "Value 'x' on or about character -1 is not a legal index (code 1) of type numeric\n"
+                      "Text '2' on or about character -1 is left over behind the last value at record 6\n"
+                      "2 errors found, Stream not created\n");
+    std::string rest;
+    std::getline(in, rest);
+    EXPECT_EQ(rest, "rest");
+}
+
 TEST_F(StreamSerializerRawTest, Read_TakesABreakOfTheInputForNoEnd)
 {
     registered("name=P:int32=a");

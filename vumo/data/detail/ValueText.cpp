@@ -225,6 +225,13 @@ const char* typeWord(Member::eDataType type)
 
 long long readPosition(std::istream& in)
 {
-    return in.rdbuf() ? static_cast<long long>(in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in)) : -1;
+    try
+    {
+        return in.rdbuf() ? static_cast<long long>(in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in)) : -1;
+    }
+    catch (...)
+    {
+        return -1; // there are buffers that cannot tell and throw
+    }
 }
 } // namespace vumo::Data::detail
