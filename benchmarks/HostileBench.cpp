@@ -1,10 +1,12 @@
 #include "benchmarks/HostileBench.h"
 
+#include "benchmarks/HashFlood.h"
 #include "benchmarks/PeakMemory.h"
 #include "benchmarks/SceneFileBench.h"
 #include "benchmarks/ScratchFile.h"
 #include "examples/scene/Chunks.h"
 #include "examples/scene/Scene.h"
+#include "vumo/foundation/Ref.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
 #include "vumo/serialize/StructureSerializerRaw.h"
@@ -239,6 +241,28 @@ HostileInput manyNodes(std::size_t nodes)
     for (std::size_t i = 0; i < nodes; ++i)
         chunks += metadataChunk(std::to_string(i));
     return binaryInput(chunks, nodes, nodesIn);
+}
+
+HostileInput structuresOfOneHash(std::size_t structures)
+{
+    std::string chunks;
+    for (const std::string& name : textsOfOneHash(structures))
+        chunks += structureChunk("name=" + name + ":bool=a");
+    return binaryInput(chunks, structures, structuresIn);
+}
+
+HostileInput membersOfOneHash(std::size_t members)
+{
+    std::string text = "name=S";
+    for (const std::string& name : textsOfOneHash(members))
+        text += ":bool=" + name;
+    return textInput(text, members, [](std::istream& in) {
+        std::string errors;
+        const vumo::Ref<Structure> structure(StructureSerializerRaw::theFormat()->read(in, errors));
+        if (!structure)
+            throw WrongResult("the library does not read the structure: " + errors);
+        return std::size_t(structure->memberCount());
+    });
 }
 
 HostileInput linesOfStructure(std::size_t lines)

@@ -34,6 +34,10 @@ HostileInput manyHostChunks(std::size_t chunks);
 HostileInput manyStructures(std::size_t structures);
 HostileInput manyNodes(std::size_t nodes);
 
+/// A binary scene with that many structures, and a text with that many members, whose names all have one hash.
+HostileInput structuresOfOneHash(std::size_t structures);
+HostileInput membersOfOneHash(std::size_t members);
+
 /// Texts with that many lines of one character: faulty members of a structure, faulty lines of a channel, indices and
 /// values of a stream.
 HostileInput linesOfStructure(std::size_t lines);

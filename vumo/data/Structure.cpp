@@ -11,7 +11,6 @@
 #include <limits>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 namespace vumo::Data
@@ -229,7 +228,7 @@ bool Structure::addMember(Member::eDataType type, unsigned int dimension, const 
 
 unsigned int Structure::addMembers(const std::vector<NewMember>& newMembers)
 {
-    std::unordered_set<std::string_view> names;
+    std::set<std::string_view> names; // not hashed: they may be chosen by whoever wrote a file
     for (unsigned int i = 0; i < mMemberCount; ++i)
         names.insert(mMembers[i].mName.get());
     std::vector<const NewMember*> accepted;

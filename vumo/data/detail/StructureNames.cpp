@@ -2,6 +2,8 @@
 
 #include "vumo/data/Structure.h"
 
+#include <string_view>
+
 namespace vumo::Data::detail
 {
 namespace
@@ -28,7 +30,7 @@ StructureNames* StructureNames::current()
 
 const std::vector<Structure*>* StructureNames::find(const char* name) const
 {
-    const auto found = mStructures.find(name);
+    const auto found = mStructures.find(std::string_view(name));
     return found == mStructures.end() ? nullptr : &found->second;
 }
 

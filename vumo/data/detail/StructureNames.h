@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <map>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace vumo::Data
@@ -36,7 +38,8 @@ public:
     static void changed(); ///< otherwise than by a registration
 
 private:
-    std::unordered_map<std::string, std::vector<Structure*>> mStructures;
+    // Not hashed: whoever writes a file could choose very many names of one hash.
+    std::map<std::string, std::vector<Structure*>, std::less<>> mStructures;
     std::size_t mCount = 0;
     bool mIsTrusted = true;
     StructureNames* mOuter;
