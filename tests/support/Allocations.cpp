@@ -50,27 +50,29 @@ bool admit(std::size_t size)
 }
 #else
 // In the place of the C library's, which all others end in, `new` included.
+#pragma GCC visibility push(default)
 extern "C"
 {
     void* __libc_malloc(std::size_t size);                    // NOLINT(bugprone-reserved-identifier)
     void* __libc_calloc(std::size_t count, std::size_t size); // NOLINT(bugprone-reserved-identifier)
     void* __libc_realloc(void* block, std::size_t size);      // NOLINT(bugprone-reserved-identifier)
 
-    void* malloc(std::size_t size)
+    void* malloc(std::size_t size) noexcept
     {
         return admit(size) ? __libc_malloc(size) : nullptr;
     }
 
-    void* calloc(std::size_t count, std::size_t size)
+    void* calloc(std::size_t count, std::size_t size) noexcept
     {
         return admit(count * size) ? __libc_calloc(count, size) : nullptr;
     }
 
-    void* realloc(void* block, std::size_t size)
+    void* realloc(void* block, std::size_t size) noexcept
     {
         return admit(size) ? __libc_realloc(block, size) : nullptr;
     }
-}
+} // extern "C"
+#pragma GCC visibility pop
 #endif
 
 namespace vumo::test
