@@ -62,14 +62,17 @@ SceneFile& fileOf(const std::string& ending, const std::string& bytes)
 
 using Metadata = std::pair<std::set<std::string>, std::map<std::string, std::string>>;
 
-/// The names of the structures, and the text of the associations of each node.
+/// The names of the structures, and the text of the associations of each node. Those without a channel are not written.
 Metadata metadataOf(const Data::Accessor& accessor)
 {
     Metadata metadata;
     for (const Data::Structure* const structure : accessor.structures())
         metadata.first.insert(structure->name());
     for (const auto& [node, associations] : accessor.associations())
-        textOf(associations, metadata.second[node]);
+    {
+        if (!associations.empty())
+            textOf(associations, metadata.second[node]);
+    }
     return metadata;
 }
 } // namespace
@@ -100,7 +103,7 @@ void rewriteScene(const char* ending, const std::uint8_t* data, std::size_t size
     const std::unique_ptr<Data::Accessor> second = Data::Accessor::readFile(file.name(), errors);
     require(second != nullptr, "a file that was written cannot be read: " + errors);
     require(metadataOf(*second) == metadataOf(*first), "the metadata changed when it was written");
-    // Channels without streams go with the first writing, associations without channels with the second.
+    // Channels without streams go with the first writing, the associations that held them with the second.
     require(second->write(errors), "a file cannot be written twice: " + errors);
     const std::string written = file.bytes();
     const std::unique_ptr<Data::Accessor> third = Data::Accessor::readFile(file.name(), errors);

@@ -4,7 +4,6 @@
 #include "vumo/data/IndexPair.h"
 #include "vumo/data/IndexString.h"
 
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <memory>
