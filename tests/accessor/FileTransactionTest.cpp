@@ -83,7 +83,7 @@ void addTo(FileChange& change, const std::vector<Edit>& edits)
 std::string bytesOnDisk(Random& random, const std::string& before, const std::string& after)
 {
     constexpr std::size_t kSector = 512;
-    const auto [shorter, longer] = std::minmax(before.size(), after.size());
+    const auto [shorter, longer] = std::minmax({before.size(), after.size()});
     std::string bytes;
     while (bytes.size() < longer)
     {
