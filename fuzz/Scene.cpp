@@ -62,16 +62,21 @@ SceneFile& fileOf(const std::string& ending, const std::string& bytes)
 
 using Metadata = std::pair<std::set<std::string>, std::map<std::string, std::string>>;
 
-/// The names of the structures, and the text of the associations of each node. Those without a channel are not written.
+/// The names of the structures, and the text of the associations of each node where it says anything: associations
+/// without channels are not written, nor are channels without streams.
 Metadata metadataOf(const Data::Accessor& accessor)
 {
+    std::string nothing;
+    textOf(Data::Associations(), nothing);
     Metadata metadata;
     for (const Data::Structure* const structure : accessor.structures())
         metadata.first.insert(structure->name());
     for (const auto& [node, associations] : accessor.associations())
     {
-        if (!associations.empty())
-            textOf(associations, metadata.second[node]);
+        std::string text;
+        textOf(associations, text);
+        if (text != nothing)
+            metadata.second[node] = text;
     }
     return metadata;
 }
