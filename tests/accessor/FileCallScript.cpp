@@ -82,9 +82,9 @@ bool fails(Script::eAction action)
 
 /// The result of a system call that has no bytes to count.
 template <class Call>
-int scripted(const char* what, const Script::Target& target, const Call& call)
+int scripted(const char* what, const Script::Target& target, const Call& call, Script::eCalls calls = Script::kChanges)
 {
-    const Script::eAction action = Script::next(Script::kChanges, what, target);
+    const Script::eAction action = Script::next(calls, what, target);
     return fails(action) ? fail(action) : static_cast<int>(call());
 }
 } // namespace
@@ -103,7 +103,8 @@ extern "C"
         const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
         va_end(arguments);
         const auto call = [&] { return syscall(SYS_openat, AT_FDCWD, path, flags, mode); };
-        return (flags & O_CREAT) != 0 ? scripted("create", {path, -1}, call) : static_cast<int>(call());
+        return (flags & O_CREAT) != 0 ? scripted("create", {path, -1}, call)
+                                      : scripted("open", {path, -1}, call, Script::kOpens);
     }
 
     ssize_t pwrite(int descriptor, const void* bytes, size_t count, off_t position)

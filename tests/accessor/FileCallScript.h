@@ -18,7 +18,8 @@ struct FileCallScript
     {
         kChanges, ///< all that can change a file or a directory
         kSeeks,
-        kReads
+        kReads,
+        kOpens ///< of what is there
     };
 
     enum eAction

@@ -4,10 +4,10 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 
 namespace vumo::test
@@ -376,13 +376,14 @@ TEST_F(SavedFileTest, WhatIsNoFileIsNeitherReadNorWaitedFor)
 
 TEST_F(SavedFileTest, AProcessThatCanOpenNoMoreFilesSeesNoRecords)
 {
-    rlimit old = {};
-    getrlimit(RLIMIT_NOFILE, &old);
-    const rlimit none = {0, old.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
+    FileCallScript script;
+    script.mCalls = FileCallScript::kOpens;
+    script.mTurn = 1;
+    script.mAction = FileCallScript::kFailForGood;
+    script.mError = EMFILE;
+    const FileCallScript::Use use(script);
     OvriBinaryFileAccessor accessor;
     EXPECT_FALSE(accessor.read(mName, mErrors));
-    setrlimit(RLIMIT_NOFILE, &old);
     EXPECT_EQ(mErrors, "File not valid.");
 }
 
