@@ -1,15 +1,11 @@
 #include "benchmarks/Comparison.h"
 
+#include "benchmarks/ChildProcess.h"
 #include "benchmarks/Records.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <exception>
 #include <string>
 #include <vector>
 
@@ -44,44 +40,20 @@ Report play(const Side& side)
     return {watch.seconds(), digest};
 }
 
-/// The life of the process of a round. The first time is not measured: it is the kernel that takes longest then, to
-/// hand out memory and files that were not touched before, and how much of that a user meets depends on what the
-/// program did before. The second time finds memory as this side leaves it.
-[[noreturn]] void playTwiceAndExit(const Side& side, int pipe)
+/// The first time is not measured: it is the kernel that takes longest then, to hand out memory and files that were
+/// not touched before, and how much of that a user meets depends on what the program did before. The second time finds
+/// memory as this side leaves it.
+Report playTwice(const Side& side)
 {
-    int status = EXIT_FAILURE;
-    try
-    {
-        play(side);
-        const Report report = play(side);
-        if (write(pipe, &report, sizeof(report)) == sizeof(report))
-            status = EXIT_SUCCESS;
-    }
-    catch (const std::exception& error)
-    {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    _exit(status); // what the parent has opened or promised to do at its end is not this process's
+    play(side);
+    return play(side);
 }
 
 /// Plays a round in a process of its own. Each starts with the same memory, so that no side profits or suffers from
 /// the order in which the other, or it itself, left the heap.
 double secondsOf(const Side& side, const char* name)
 {
-    int ends[2];
-    if (pipe(ends) != 0)
-        throw WrongResult("no pipe for a round");
-    const pid_t child = fork();
-    if (child == 0)
-        playTwiceAndExit(side, ends[1]);
-    close(ends[1]);
-    Report report{};
-    const bool isComplete = child > 0 && read(ends[0], &report, sizeof(report)) == sizeof(report);
-    close(ends[0]);
-    if (child > 0)
-        waitpid(child, nullptr, 0);
-    if (!isComplete)
-        throw WrongResult(std::string(name) + " does not finish");
+    const Report report = inChildProcess([&] { return playTwice(side); }, std::string(name) + " does not finish");
     if (report.digest != side.expected)
         throw WrongResult(std::string(name) + " gives wrong values");
     return report.seconds;

@@ -1,16 +1,14 @@
 #include "benchmarks/PeakMemory.h"
 
+#include "benchmarks/ChildProcess.h"
 #include "benchmarks/Records.h"
 
 #include <fcntl.h>
 #include <malloc.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <exception>
 
 namespace bench
 {
@@ -29,43 +27,16 @@ std::uint64_t highWaterMark()
         throw WrongResult("the kernel does not tell how large the process is");
     return kibibytes * 1024;
 }
-
-[[noreturn]] void workAndExit(const std::function<void()>& work, int pipe)
-{
-    int status = EXIT_FAILURE;
-    try
-    {
-        const std::uint64_t before = highWaterMark();
-        work();
-        const std::uint64_t growth = highWaterMark() - before;
-        if (write(pipe, &growth, sizeof(growth)) == sizeof(growth))
-            status = EXIT_SUCCESS;
-    }
-    catch (const std::exception& error)
-    {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    _exit(status);
-}
 } // namespace
 
 std::uint64_t peakMemoryOf(const std::function<void()>& work)
 {
     malloc_trim(0); // what was freed before, the work would find without asking the kernel
-    int ends[2];
-    if (pipe(ends) != 0)
-        throw WrongResult("no pipe for a measurement");
-    const pid_t child = fork();
-    if (child == 0)
-        workAndExit(work, ends[1]);
-    close(ends[1]);
-    std::uint64_t growth = 0;
-    const bool isComplete = child > 0 && read(ends[0], &growth, sizeof(growth)) == sizeof(growth);
-    close(ends[0]);
-    if (child > 0)
-        waitpid(child, nullptr, 0);
-    if (!isComplete)
-        throw WrongResult("the memory of a process cannot be measured");
-    return growth;
+    const auto growth = [&] {
+        const std::uint64_t before = highWaterMark();
+        work();
+        return highWaterMark() - before;
+    };
+    return inChildProcess(growth, "the memory of a process cannot be measured");
 }
 } // namespace bench
