@@ -3,10 +3,10 @@
 #include "vumo/data/Structure.h"
 #include "vumo/data/detail/DataTypes.h"
 #include "vumo/data/detail/ObjectCounts.h"
-#include "vumo/data/detail/Text.h"
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/Text.h"
 
 #include <cstdlib>
 #include <locale>

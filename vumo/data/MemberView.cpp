@@ -1,6 +1,6 @@
 #include "vumo/data/MemberView.h"
 
-#include "vumo/data/detail/Text.h"
+#include "vumo/foundation/detail/Text.h"
 
 #include <cstdlib>
 

@@ -4,10 +4,10 @@
 #include "vumo/data/StreamImplMapped.h"
 #include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/Renames.h"
-#include "vumo/data/detail/Text.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/OwnedText.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/Text.h"
 
 #include <stdexcept>
 #include <utility>

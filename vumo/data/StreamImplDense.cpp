@@ -3,9 +3,9 @@
 #include "vumo/data/StreamDenseIteratorImpl.h"
 #include "vumo/data/detail/DataTypes.h"
 #include "vumo/data/detail/ObjectCounts.h"
-#include "vumo/data/detail/Text.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/Text.h"
 
 #include <algorithm>
 #include <cstdlib>

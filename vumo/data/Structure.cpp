@@ -1,9 +1,9 @@
 #include "vumo/data/Structure.h"
 
 #include "vumo/data/detail/StructureNames.h"
-#include "vumo/data/detail/Text.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/Text.h"
 
 #include <algorithm>
 #include <cstdio>

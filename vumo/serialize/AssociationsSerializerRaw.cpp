@@ -1,12 +1,12 @@
 #include "vumo/serialize/AssociationsSerializerRaw.h"
 
 #include "vumo/data/detail/ValueText.h"
+#include "vumo/foundation/detail/ClassicInput.h"
+#include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
-#include "vumo/serialize/detail/ClassicInput.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
-#include "vumo/serialize/detail/Quoted.h"
 #include "vumo/serialize/detail/RepeatedNames.h"
 
 #include <memory>

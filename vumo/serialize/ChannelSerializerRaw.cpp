@@ -1,11 +1,11 @@
 #include "vumo/serialize/ChannelSerializerRaw.h"
 
 #include "vumo/data/detail/ValueText.h"
+#include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
-#include "vumo/serialize/detail/Quoted.h"
 #include "vumo/serialize/detail/RepeatedNames.h"
 #include "vumo/serialize/detail/StreamWriter.h"
 

@@ -1,6 +1,6 @@
 #include "vumo/serialize/SerializerRaw.h"
 
-#include "vumo/serialize/detail/Trim.h"
+#include "vumo/foundation/detail/Trim.h"
 
 #include <iterator>
 

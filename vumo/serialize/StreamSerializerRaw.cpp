@@ -1,6 +1,6 @@
 #include "vumo/serialize/StreamSerializerRaw.h"
 
-#include "vumo/serialize/detail/ClassicInput.h"
+#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/serialize/detail/ElementText.h"
 #include "vumo/serialize/detail/Messages.h"
 #include "vumo/serialize/detail/StreamReader.h"

@@ -1,6 +1,6 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
-#include "vumo/serialize/detail/ClassicInput.h"
+#include "vumo/foundation/detail/ClassicInput.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,12 +1,12 @@
 #include "vumo/accessor/detail/MetadataText.h"
 
 #include "vumo/accessor/AccessorOvri.h"
-#include "vumo/accessor/detail/MemoryInput.h"
-#include "vumo/accessor/detail/StringOutput.h"
 #include "vumo/foundation/Ref.h"
+#include "vumo/foundation/detail/MemoryInput.h"
+#include "vumo/foundation/detail/Quoted.h"
+#include "vumo/foundation/detail/StringOutput.h"
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/StructureSerializer.h"
-#include "vumo/serialize/detail/Quoted.h"
 #include "vumo/serialize/detail/StructureFault.h"
 
 #include <memory>

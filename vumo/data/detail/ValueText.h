@@ -1,8 +1,8 @@
 #pragma once
 
 #include "vumo/data/Member.h"
-#include "vumo/data/detail/NumberFormat.h"
-#include "vumo/data/detail/ValueInput.h"
+#include "vumo/foundation/detail/NumberFormat.h"
+#include "vumo/foundation/detail/ValueInput.h"
 
 #include <cstddef>
 #include <istream>

@@ -1,8 +1,8 @@
 #include "vumo/serialize/detail/ElementText.h"
 
 #include "vumo/data/detail/DataTypes.h"
-#include "vumo/data/detail/Text.h"
 #include "vumo/data/detail/ValueText.h"
+#include "vumo/foundation/detail/Text.h"
 #include "vumo/serialize/detail/LineReader.h"
 
 #include <algorithm>

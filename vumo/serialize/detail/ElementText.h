@@ -3,9 +3,9 @@
 #include "vumo/data/Handle.h"
 #include "vumo/data/Member.h"
 #include "vumo/data/Structure.h"
-#include "vumo/data/detail/NumberFormat.h"
-#include "vumo/data/detail/TextBuilder.h"
-#include "vumo/data/detail/ValueInput.h"
+#include "vumo/foundation/detail/NumberFormat.h"
+#include "vumo/foundation/detail/TextBuilder.h"
+#include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
 

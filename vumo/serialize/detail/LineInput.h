@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vumo/data/detail/ValueInput.h"
+#include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/detail/LineReader.h"
 
 #include <istream>

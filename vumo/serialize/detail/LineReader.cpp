@@ -1,7 +1,7 @@
 #include "vumo/serialize/detail/LineReader.h"
 
 #include "vumo/data/detail/ValueText.h"
-#include "vumo/serialize/detail/Trim.h"
+#include "vumo/foundation/detail/Trim.h"
 
 #include <cstring>
 #include <limits>

@@ -1,7 +1,7 @@
 #include "vumo/serialize/detail/LineWriter.h"
 
-#include "vumo/serialize/detail/Quoted.h"
-#include "vumo/serialize/detail/Trim.h"
+#include "vumo/foundation/detail/Quoted.h"
+#include "vumo/foundation/detail/Trim.h"
 
 namespace vumo::Data::detail
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vumo/data/detail/TextBuilder.h"
+#include "vumo/foundation/detail/TextBuilder.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/Messages.h"
 

@@ -2,9 +2,9 @@
 
 #include "vumo/data/IndexPair.h"
 #include "vumo/data/IndexString.h"
+#include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/detail/LineReader.h"
-#include "vumo/serialize/detail/Quoted.h"
 
 #include <algorithm>
 #include <iterator>

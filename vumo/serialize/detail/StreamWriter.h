@@ -2,7 +2,7 @@
 
 #include "vumo/data/Index.h"
 #include "vumo/data/Stream.h"
-#include "vumo/data/detail/NumberFormat.h"
+#include "vumo/foundation/detail/NumberFormat.h"
 #include "vumo/serialize/detail/ElementText.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"

@@ -1,8 +1,8 @@
 #include "vumo/serialize/detail/StructureFault.h"
 
+#include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/detail/LineWriter.h"
-#include "vumo/serialize/detail/Quoted.h"
 
 #include <string_view>
 

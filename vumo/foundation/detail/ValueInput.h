@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vumo/data/detail/PlainNumber.h"
+#include "vumo/foundation/detail/PlainNumber.h"
 
 #include <algorithm>
 #include <cstddef>

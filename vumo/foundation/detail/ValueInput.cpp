@@ -1,4 +1,4 @@
-#include "vumo/data/detail/ValueInput.h"
+#include "vumo/foundation/detail/ValueInput.h"
 
 namespace vumo::Data::detail
 {

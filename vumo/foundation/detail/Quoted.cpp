@@ -1,4 +1,4 @@
-#include "vumo/serialize/detail/Quoted.h"
+#include "vumo/foundation/detail/Quoted.h"
 
 namespace vumo::Data::detail
 {

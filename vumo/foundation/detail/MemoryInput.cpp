@@ -1,4 +1,4 @@
-#include "vumo/accessor/detail/MemoryInput.h"
+#include "vumo/foundation/detail/MemoryInput.h"
 
 namespace vumo::Data::detail
 {

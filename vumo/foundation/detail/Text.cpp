@@ -1,4 +1,4 @@
-#include "vumo/data/detail/Text.h"
+#include "vumo/foundation/detail/Text.h"
 
 #include <algorithm>
 #include <cstdlib>

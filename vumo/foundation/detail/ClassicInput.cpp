@@ -1,4 +1,4 @@
-#include "vumo/serialize/detail/ClassicInput.h"
+#include "vumo/foundation/detail/ClassicInput.h"
 
 #include <locale>
 

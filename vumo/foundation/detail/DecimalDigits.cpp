@@ -1,4 +1,4 @@
-#include "vumo/data/detail/DecimalDigits.h"
+#include "vumo/foundation/detail/DecimalDigits.h"
 
 #include <array>
 #include <cstring>

@@ -1,6 +1,6 @@
-#include "vumo/data/detail/NumberFormat.h"
+#include "vumo/foundation/detail/NumberFormat.h"
 
-#include "vumo/data/detail/DecimalDigits.h"
+#include "vumo/foundation/detail/DecimalDigits.h"
 
 #include <cmath>
 #include <cstdlib>

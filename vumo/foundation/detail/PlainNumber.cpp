@@ -1,4 +1,4 @@
-#include "vumo/data/detail/PlainNumber.h"
+#include "vumo/foundation/detail/PlainNumber.h"
 
 #include <cfloat>
 #include <cstddef>
