@@ -70,7 +70,7 @@ protected:
     static std::string recordOf(const ScratchFile& file) { return file.name() + ".vumo-undo"; }
 };
 
-TEST_F(AllocationFailureTest, ReadsGiveAllOrNothing)
+TEST_F(AllocationFailureTest, Reads_GiveAllOrNothing)
 {
     forEachAllocation([](const SceneKind&, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto accessor = Accessor::accessorByExtension(file.name());
@@ -84,7 +84,7 @@ TEST_F(AllocationFailureTest, ReadsGiveAllOrNothing)
     });
 }
 
-TEST_F(AllocationFailureTest, RichScenesAreWrittenAsAWholeOrNotAtAllAndThenAgain)
+TEST_F(AllocationFailureTest, RichScenes_AreWrittenAsAWholeOrNotAtAllAndThenAgain)
 {
     forEachAllocation([](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto editor = editorOf(file);
@@ -99,7 +99,7 @@ TEST_F(AllocationFailureTest, RichScenesAreWrittenAsAWholeOrNotAtAllAndThenAgain
     });
 }
 
-TEST_F(AllocationFailureTest, RichScenesThatACrashLeftAreRestoredOrStayAsTheyAre)
+TEST_F(AllocationFailureTest, RichScenesThatACrashLeft_AreRestoredOrStayAsTheyAre)
 {
     std::string torn;
     std::string record;
@@ -123,7 +123,7 @@ TEST_F(AllocationFailureTest, RichScenesThatACrashLeftAreRestoredOrStayAsTheyAre
     });
 }
 
-TEST_F(AllocationFailureTest, ATextIsConvertedOrNotWritten)
+TEST_F(AllocationFailureTest, AText_IsConvertedOrNotWritten)
 {
     const ScratchFile file("");
     const ScratchLocale locale(file.name() + ".locales", "ISO-8859-1");

@@ -145,7 +145,7 @@ protected:
 using FileTransactionGoldenTest = FileTransactionTest;
 using FileTransactionPropertyTest = FileTransactionTest;
 
-TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhereIsMadeAsAWholeOrNotAtAll)
+TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAtAll)
 {
     Random random;
     SCOPED_TRACE(random.seedText());
@@ -176,7 +176,7 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhereIsMadeAsAWholeOrNotAtA
     EXPECT_GT(restored, 20);
 }
 
-TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStoppedIsRestored)
+TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRestored)
 {
     Random random;
     SCOPED_TRACE(random.seedText());
@@ -207,7 +207,7 @@ TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStoppedIsRes
     EXPECT_GT(restored, 40);
 }
 
-TEST_F(FileTransactionGoldenTest, TheRecordFollowsItsLayout)
+TEST_F(FileTransactionGoldenTest, TheRecord_FollowsItsLayout)
 {
     leaveBetween();
     EXPECT_EQ(record(), goldenBytes("undo_record.hex"));
@@ -215,7 +215,7 @@ TEST_F(FileTransactionGoldenTest, TheRecordFollowsItsLayout)
     EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
 }
 
-TEST_F(FileTransactionTest, ARecordThatIsDamagedChangesNothing)
+TEST_F(FileTransactionTest, ARecordThatIsDamaged_ChangesNothing)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
@@ -248,7 +248,7 @@ TEST_F(FileTransactionTest, ARecordThatIsDamagedChangesNothing)
     std::remove(recordName().c_str());
 }
 
-TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhileIsNotWritten)
+TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
 {
     mFile.setBytes("head, a scene, old tail");
     const ScratchFile other(".bin");
@@ -263,7 +263,7 @@ TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhileIsNotWritten)
     EXPECT_EQ(mFile.bytes(), "another scene");
 }
 
-TEST_F(FileTransactionTest, AReadThatFailsMakesNoRecordUnfit)
+TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
@@ -302,7 +302,7 @@ TEST_F(FileTransactionTest, AReadThatFailsMakesNoRecordUnfit)
     }
 }
 
-TEST_F(FileTransactionTest, ARecordThatContradictsItselfIsRefused)
+TEST_F(FileTransactionTest, ARecordThatContradictsItself_IsRefused)
 {
     leaveBetween();
     const std::string file = mFile.bytes();

@@ -20,7 +20,7 @@ const struct
     std::string bytes;
 } kScenes[] = {{".oa", goldenText("rich.oa")}, {".ob", goldenBytes("rich.ob.hex")}};
 
-TEST_F(HostileFileTest, AFileThatChangesWhileItIsReadIsReadOrRefused)
+TEST_F(HostileFileTest, AFileThatChangesWhileItIsRead_IsReadOrRefused)
 {
     for (const auto& [ending, bytes] : kScenes)
     {
@@ -51,7 +51,7 @@ TEST_F(HostileFileTest, AFileThatChangesWhileItIsReadIsReadOrRefused)
     }
 }
 
-TEST_F(HostileFileTest, AnAsciiFileWithoutLinesIsSearchedInBlocksOfAModestSize)
+TEST_F(HostileFileTest, AnAsciiFileWithoutLines_IsSearchedInBlocksOfAModestSize)
 {
     constexpr std::uint64_t kFileSize = 192 << 20; // of zeros that take no space
     constexpr std::size_t kLargestBlock = 4 << 20;

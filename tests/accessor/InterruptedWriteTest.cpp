@@ -186,7 +186,7 @@ protected:
     std::string mErrors;
 };
 
-TEST_F(InterruptedWriteTest, ACrashAtAnyCallLeavesTheOldOrTheNewFile)
+TEST_F(InterruptedWriteTest, ACrashAtAnyCall_LeavesTheOldOrTheNewFile)
 {
     int calls = 0;
     forAll([&](const Kind&) {
@@ -212,7 +212,7 @@ TEST_F(InterruptedWriteTest, ACrashAtAnyCallLeavesTheOldOrTheNewFile)
     RecordProperty("crashes", calls);
 }
 
-TEST_F(InterruptedWriteTest, ACrashWhileTheOldBytesArePutBackLeavesTheOldOrTheNewFile)
+TEST_F(InterruptedWriteTest, ACrashWhileTheOldBytesArePutBack_LeavesTheOldOrTheNewFile)
 {
     forAll([&](const Kind&) {
         for (const char* place : {"sync scene", "remove record", "sync directory"})
@@ -235,7 +235,7 @@ TEST_F(InterruptedWriteTest, ACrashWhileTheOldBytesArePutBackLeavesTheOldOrTheNe
     });
 }
 
-TEST_F(InterruptedWriteTest, TheRecordIsOnTheDiskWhileTheFileChanges)
+TEST_F(InterruptedWriteTest, TheRecord_IsOnTheDiskWhileTheFileChanges)
 {
     const std::vector<std::string> begin = {"create record",  "share record", "write record", "sync record",
                                             "sync directory", "write scene",  "sync scene"};
@@ -267,7 +267,7 @@ TEST_F(InterruptedWriteTest, TheRecordIsOnTheDiskWhileTheFileChanges)
     });
 }
 
-TEST_F(InterruptedWriteTest, ACallThatFailsLeavesTheFileAsItWas)
+TEST_F(InterruptedWriteTest, ACallThatFails_LeavesTheFileAsItWas)
 {
     forAll([&](const Kind& kind) {
         for (const auto& [action, error] :
@@ -305,7 +305,7 @@ TEST_F(InterruptedWriteTest, ACallThatFailsLeavesTheFileAsItWas)
     });
 }
 
-TEST_F(InterruptedWriteTest, ASeekOrAReadThatFailsLeavesTheFileAsItWas)
+TEST_F(InterruptedWriteTest, ASeekOrAReadThatFails_LeavesTheFileAsItWas)
 {
     forAll([&](const Kind& kind) {
         std::vector<std::string> all;
@@ -347,7 +347,7 @@ TEST_F(InterruptedWriteTest, ASeekOrAReadThatFailsLeavesTheFileAsItWas)
     });
 }
 
-TEST_F(InterruptedWriteTest, AReadGivesAllThatTheFileHasOrFails)
+TEST_F(InterruptedWriteTest, ARead_GivesAllThatTheFileHasOrFails)
 {
     forAll([&](const Kind& kind) {
         std::set<std::string> messages;
@@ -380,7 +380,7 @@ TEST_F(InterruptedWriteTest, AReadGivesAllThatTheFileHasOrFails)
     });
 }
 
-TEST_F(InterruptedWriteTest, CallsThatAreInterruptedOrDoneInPartAreCompleted)
+TEST_F(InterruptedWriteTest, CallsThatAreInterruptedOrDoneInPart_AreCompleted)
 {
     forAll([&](const Kind&) {
         for (const Script::eAction action : {Script::kInterrupt, Script::kShorten})
@@ -400,7 +400,7 @@ TEST_F(InterruptedWriteTest, CallsThatAreInterruptedOrDoneInPartAreCompleted)
     });
 }
 
-TEST_F(InterruptedWriteTest, ADiskThatIsFullAnywhereLeavesTheFileAsItWas)
+TEST_F(InterruptedWriteTest, ADiskThatIsFullAnywhere_LeavesTheFileAsItWas)
 {
     forAll([&](const Kind&) {
         const std::size_t last = std::max(mOld.size(), mNew.size());
@@ -420,7 +420,7 @@ TEST_F(InterruptedWriteTest, ADiskThatIsFullAnywhereLeavesTheFileAsItWas)
     });
 }
 
-TEST_F(InterruptedWriteTest, WhatCannotBePutBackStaysInTheRecord)
+TEST_F(InterruptedWriteTest, WhatCannotBePutBack_StaysInTheRecord)
 {
     const std::string damaged = " The old bytes could not be put back: ";
     forAll([&](const Kind&) {

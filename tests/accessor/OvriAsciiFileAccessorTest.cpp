@@ -58,7 +58,7 @@ protected:
     ScratchFile mFile{".oa"};
 };
 
-TEST_F(OvriAsciiFileAccessorTest, TheHeaderDecidesWhetherAFileIsSupported)
+TEST_F(OvriAsciiFileAccessorTest, TheHeader_DecidesWhetherAFileIsSupported)
 {
     const struct
     {
@@ -297,7 +297,7 @@ TEST_F(OvriAsciiFileAccessorTest, Write_NeedsATrailerAndWholeStatements)
     EXPECT_EQ(errors, "Could not open /nowhere/scene.oa for writing.");
 }
 
-TEST_F(OvriAsciiFileAccessorTest, EveryTextSurvivesAWriteAndARead)
+TEST_F(OvriAsciiFileAccessorTest, EveryText_SurvivesAWriteAndARead)
 {
     std::string everything = "plain \"quoted\" back\\slash \\n end \xC3\xB6 \xE6\x97\xA5 \xFF";
     for (char c = 1; c < 32; ++c)
@@ -337,7 +337,7 @@ TEST_F(OvriAsciiFileAccessorTest, Read_StepsOverBytesThatAreNoCharacters)
     std::setlocale(LC_ALL, before.c_str());
 }
 
-TEST_F(OvriAsciiFileAccessorTest, ABackslashInsideALongerCharacterIsNone)
+TEST_F(OvriAsciiFileAccessorTest, ABackslashInsideALongerCharacter_IsNone)
 {
     const ScratchLocale locale(mFile.name() + ".locales", "GBK");
     if (!locale.isSet())
@@ -378,7 +378,7 @@ TEST_F(OvriAsciiFileAccessorTest, Write_LeavesOutEmptyAssociationsWhateverTheirN
     EXPECT_EQ(mFile.bytes(), kHeader + kHost + kTrailer);
 }
 
-TEST_F(OvriAsciiFileAccessorTest, AFileCutAnywhereIsReadOrRefused)
+TEST_F(OvriAsciiFileAccessorTest, AFileCutAnywhere_IsReadOrRefused)
 {
     const std::string whole =
         kHeader + kHost + kWeight + applying("1", "Body") + "// between\n" + applying("2", "-scn") + kTrailer;
@@ -397,7 +397,7 @@ TEST_F(OvriAsciiFileAccessorTest, AFileCutAnywhereIsReadOrRefused)
     }
 }
 
-TEST_F(OvriAsciiFileAccessorTest, ASceneOfTwoGigabytesIsReadAtItsHeadAndTailOnly)
+TEST_F(OvriAsciiFileAccessorTest, ASceneOfTwoGigabytes_IsReadAtItsHeadAndTailOnly)
 {
     {
         std::ofstream out(mFile.name(), std::ios::binary);
@@ -416,7 +416,7 @@ TEST_F(OvriAsciiFileAccessorTest, ASceneOfTwoGigabytesIsReadAtItsHeadAndTailOnly
     EXPECT_EQ(weightOf(*accessor, "Body"), "1");
 }
 
-TEST_F(OvriAsciiFileAccessorTest, LongAndManyLinesAreJoinedAcrossBlocks)
+TEST_F(OvriAsciiFileAccessorTest, LongAndManyLines_AreJoinedAcrossBlocks)
 {
     // Every alignment of line ends to the blocks that are read backwards.
     for (std::size_t padding = 1000; padding < 1100; ++padding)
@@ -428,7 +428,7 @@ TEST_F(OvriAsciiFileAccessorTest, LongAndManyLinesAreJoinedAcrossBlocks)
     }
 }
 
-TEST_F(OvriAsciiFileAccessorTest, AStatementMayBeLongerThanWhatIsHeldOfTheFile)
+TEST_F(OvriAsciiFileAccessorTest, AStatement_MayBeLongerThanWhatIsHeldOfTheFile)
 {
     const std::string filling(130 << 20, 'x');
     std::string large = applying("2", "Large");
@@ -444,7 +444,7 @@ TEST_F(OvriAsciiFileAccessorTest, AStatementMayBeLongerThanWhatIsHeldOfTheFile)
 
 /// A golden scene of either kind: reading and rewriting gives the same bytes, and one edit gives those that a
 /// script of its own made of it.
-TEST_F(OvriAsciiFileAccessorTest, RichScenesOfBothKindsAreExactToTheByte)
+TEST_F(OvriAsciiFileAccessorTest, RichScenesOfBothKinds_AreExactToTheByte)
 {
     const struct
     {

@@ -168,7 +168,7 @@ TEST_F(OvriBinaryFileAccessorTest, Write_SaysWhichStepFailed)
     }
 }
 
-TEST_F(OvriBinaryFileAccessorTest, ASceneOfFourGigabytesIsNeitherReadNorWritten)
+TEST_F(OvriBinaryFileAccessorTest, ASceneOfFourGigabytes_IsNeitherReadNorWritten)
 {
     example::Scene scene = sceneOf(10);
     scene.mHoleSize = 4ULL << 30;
@@ -238,7 +238,7 @@ protected:
 
 using OvriBinaryFileAccessorDamageTest = DamageTest;
 
-TEST_F(OvriBinaryFileAccessorDamageTest, AFileCutAnywhereIsRefusedUnlessOnlyPaddingIsMissing)
+TEST_F(OvriBinaryFileAccessorDamageTest, AFileCutAnywhere_IsRefusedUnlessOnlyPaddingIsMissing)
 {
     for (std::size_t length = 0; length < mGood.size() && !HasFailure(); ++length)
     {
@@ -249,7 +249,7 @@ TEST_F(OvriBinaryFileAccessorDamageTest, AFileCutAnywhereIsRefusedUnlessOnlyPadd
     }
 }
 
-TEST_F(OvriBinaryFileAccessorDamageTest, EveryByteOfHeadAndTrailerMayLie)
+TEST_F(OvriBinaryFileAccessorDamageTest, EveryByteOfHeadAndTrailer_MayLie)
 {
     int cases = 0;
     for (std::size_t i = 0; i < mGood.size() && !HasFailure(); ++i)

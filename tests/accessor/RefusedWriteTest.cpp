@@ -80,7 +80,7 @@ protected:
 
 using RefusedWritePropertyTest = RefusedWriteTest;
 
-TEST_F(RefusedWriteTest, AStructureThatDoesNotReadBackIsNamedWithTheReason)
+TEST_F(RefusedWriteTest, AStructureThatDoesNotReadBack_IsNamedWithTheReason)
 {
     const std::string own = "its name cannot stand in a text: ";
     const std::string members = "the name of its member ";
@@ -135,7 +135,7 @@ TEST_F(RefusedWriteTest, AStructureThatDoesNotReadBackIsNamedWithTheReason)
     }
 }
 
-TEST_F(RefusedWriteTest, AMemberWithoutATypeIsNamed)
+TEST_F(RefusedWriteTest, AMemberWithoutAType_IsNamed)
 {
     const Ref<Structure> structure(new Structure("Odd"));
     ASSERT_TRUE(structure->addMember(static_cast<Member::eDataType>(15), 1, "a"));
@@ -146,7 +146,7 @@ TEST_F(RefusedWriteTest, AMemberWithoutATypeIsNamed)
     }
 }
 
-TEST_F(RefusedWriteTest, AStreamWhoseStructureIsNotWrittenIsNamed)
+TEST_F(RefusedWriteTest, AStreamWhoseStructureIsNotWritten_IsNamed)
 {
     const Ref<Structure> weight = valueStructure("Weight");
     const Ref<Structure> other = heldStructure("Weight", {{Member::kDouble, 1, "Value"}});
@@ -166,7 +166,7 @@ TEST_F(RefusedWriteTest, AStreamWhoseStructureIsNotWrittenIsNamed)
             missing);
 }
 
-TEST_F(RefusedWriteTest, TextsThatDoNotReadBackAreNamedWithTheirPlaces)
+TEST_F(RefusedWriteTest, TextsThatDoNotReadBack_AreNamedWithTheirPlaces)
 {
     const Ref<Structure> weight = valueStructure("Weight");
     const Ref<Structure> label = labelStructure();
@@ -218,7 +218,7 @@ TEST_F(RefusedWriteTest, TextsThatDoNotReadBackAreNamedWithTheirPlaces)
     }
 }
 
-TEST_F(RefusedWriteTest, ANodeNameThatAFileCannotCarryIsNamed)
+TEST_F(RefusedWriteTest, ANodeNameThatAFileCannotCarry_IsNamed)
 {
     const Ref<Structure> weight = valueStructure("Weight");
     const Associations associations = associationsOf("vertex", "weights", *weight, 0, "1");
@@ -267,7 +267,7 @@ TEST_F(RefusedWriteTest, ANodeNameThatAFileCannotCarryIsNamed)
     }
 }
 
-TEST_F(RefusedWriteTest, ATextThatTheLocaleWouldReadAsAnotherIsRefused)
+TEST_F(RefusedWriteTest, ATextThatTheLocaleWouldReadAsAnother_IsRefused)
 {
     const ScratchFile scratch(".locale");
     const ScratchLocale locale(scratch.name() + "s", "GBK");
@@ -310,7 +310,7 @@ std::string contentOfNodes(const Accessor& accessor)
     return content;
 }
 
-TEST_F(RefusedWritePropertyTest, WhatIsWrittenIsReadBackWhateverTheTexts)
+TEST_F(RefusedWritePropertyTest, WhatIsWritten_IsReadBackWhateverTheTexts)
 {
     Random random;
     SCOPED_TRACE(random.seedText());
@@ -346,7 +346,7 @@ TEST_F(RefusedWritePropertyTest, WhatIsWrittenIsReadBackWhateverTheTexts)
     }
 }
 
-TEST_F(RefusedWritePropertyTest, AStructureIsRefusedExactlyIfItsTextGivesAnother)
+TEST_F(RefusedWritePropertyTest, AStructure_IsRefusedExactlyIfItsTextGivesAnother)
 {
     Random random;
     SCOPED_TRACE(random.seedText());

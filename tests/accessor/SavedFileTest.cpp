@@ -115,7 +115,7 @@ protected:
     std::string mErrors;
 };
 
-TEST_F(SavedFileTest, TheFileStaysTheOneThatItWas)
+TEST_F(SavedFileTest, TheFile_StaysTheOneThatItWas)
 {
     const std::string other = mFolder / "other.ob";
     fs::create_hard_link(mName, other);
@@ -130,7 +130,7 @@ TEST_F(SavedFileTest, TheFileStaysTheOneThatItWas)
     EXPECT_TRUE(isSaved(other));
 }
 
-TEST_F(SavedFileTest, TheRecordIsForThoseWhoMayReadTheFile)
+TEST_F(SavedFileTest, TheRecord_IsForThoseWhoMayReadTheFile)
 {
     for (const mode_t mode : {0600U, 0640U, 0664U})
     {
@@ -142,7 +142,7 @@ TEST_F(SavedFileTest, TheRecordIsForThoseWhoMayReadTheFile)
     }
 }
 
-TEST_F(SavedFileTest, ASymbolicLinkStaysOneAndItsRecordStandsBesideTheFile)
+TEST_F(SavedFileTest, ASymbolicLink_StaysOneAndItsRecordStandsBesideTheFile)
 {
     const std::string link = mFolder / "link.ob";
     fs::create_directory(mFolder / "deep");
@@ -165,7 +165,7 @@ TEST_F(SavedFileTest, ASymbolicLinkStaysOneAndItsRecordStandsBesideTheFile)
     EXPECT_TRUE(isSaved(name));
 }
 
-TEST_F(SavedFileTest, InADirectoryThatCannotBeWrittenToTheFileCan)
+TEST_F(SavedFileTest, AFileInADirectoryThatCannotBeWrittenTo_IsWritten)
 {
     ASSERT_EQ(chmod(mName.c_str(), 0666), 0);
     ASSERT_EQ(chmod(mFolder.name().c_str(), 0555), 0);
@@ -186,7 +186,7 @@ TEST_F(SavedFileTest, InADirectoryThatCannotBeWrittenToTheFileCan)
     EXPECT_EQ(bytesOf(mName), mScene);
 }
 
-TEST_F(SavedFileTest, AFileWhoseNameLeavesNoneForARecordIsWritten)
+TEST_F(SavedFileTest, AFileWhoseNameLeavesNoneForARecord_IsWritten)
 {
     const fs::path before = fs::current_path();
     fs::current_path(mFolder.name());
@@ -207,7 +207,7 @@ TEST_F(SavedFileTest, AFileWhoseNameLeavesNoneForARecordIsWritten)
     fs::current_path(before);
 }
 
-TEST_F(SavedFileTest, AFileThatCannotBeWrittenToIsRead)
+TEST_F(SavedFileTest, AFileThatCannotBeWrittenTo_IsRead)
 {
     ASSERT_EQ(chmod(mName.c_str(), 0444), 0);
     ASSERT_EQ(chmod(mFolder.name().c_str(), 0755), 0);
@@ -227,7 +227,7 @@ TEST_F(SavedFileTest, AFileThatCannotBeWrittenToIsRead)
     EXPECT_EQ(asAnyUser([&] { return readScene(mName) ? "read" : ""; }), "read");
 }
 
-TEST_F(SavedFileTest, OnlyOneWritesAtATime)
+TEST_F(SavedFileTest, Writing_IsDoneByOneAtATime)
 {
     const int other = open(mName.c_str(), O_RDONLY);
     ASSERT_EQ(flock(other, LOCK_EX), 0);
@@ -251,7 +251,7 @@ TEST_F(SavedFileTest, OnlyOneWritesAtATime)
     EXPECT_EQ(bytesOf(mName), mScene);
 }
 
-TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFileIsNotApplied)
+TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFile_IsNotApplied)
 {
     leaveHalfWritten(mName);
     const std::string half = bytesOf(mName);
@@ -301,7 +301,7 @@ TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFileIsNotApplied)
     EXPECT_FALSE(fs::exists(mName + kEnding));
 }
 
-TEST_F(SavedFileTest, ARecordOfTheCompleteChangeIsOnlyRemoved)
+TEST_F(SavedFileTest, ARecordOfTheCompleteChange_IsOnlyRemoved)
 {
     FileCallScript script;
     script.mPlace = "remove record";
@@ -313,7 +313,7 @@ TEST_F(SavedFileTest, ARecordOfTheCompleteChangeIsOnlyRemoved)
     EXPECT_FALSE(fs::exists(mName + kEnding));
 }
 
-TEST_F(SavedFileTest, WhatIsNoRecordIsLeftAlone)
+TEST_F(SavedFileTest, WhatIsNoRecord_IsLeftAlone)
 {
     const std::string refusal = mName + kEnding + " is not an undo record that can be used. Move it away to go on.";
     leaveHalfWritten(mName);
@@ -337,7 +337,7 @@ TEST_F(SavedFileTest, WhatIsNoRecordIsLeftAlone)
     EXPECT_EQ(errors, refusal);
 }
 
-TEST_F(SavedFileTest, ARecordOfSomebodyElseIsNoReasonToChangeAFile)
+TEST_F(SavedFileTest, ARecordOfSomebodyElse_IsNoReasonToChangeAFile)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only the administrator gives files away";
@@ -350,7 +350,7 @@ TEST_F(SavedFileTest, ARecordOfSomebodyElseIsNoReasonToChangeAFile)
     EXPECT_EQ(bytesOf(mName), mScene);
 }
 
-TEST_F(SavedFileTest, WhatIsNoFileIsNeitherReadNorWaitedFor)
+TEST_F(SavedFileTest, WhatIsNoFile_IsNeitherReadNorWaitedFor)
 {
     const std::string pipe = mFolder / "pipe.ob";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -374,7 +374,7 @@ TEST_F(SavedFileTest, WhatIsNoFileIsNeitherReadNorWaitedFor)
     }
 }
 
-TEST_F(SavedFileTest, AProcessThatCanOpenNoMoreFilesSeesNoRecords)
+TEST_F(SavedFileTest, AProcessThatCanOpenNoMoreFiles_SeesNoRecords)
 {
     FileCallScript script;
     script.mCalls = FileCallScript::kOpens;

@@ -23,7 +23,7 @@ protected:
     }
 };
 
-TEST_F(MemberViewTest, ReadsWhatHandlesRead)
+TEST_F(MemberViewTest, Views_ReadWhatHandlesRead)
 {
     const Stream stream = denseRecords(300);
     const auto numbers = stream.memberView<const std::uint8_t>("number");
@@ -41,7 +41,7 @@ TEST_F(MemberViewTest, ReadsWhatHandlesRead)
     EXPECT_EQ(i, 300U);
 }
 
-TEST_F(MemberViewTest, WritesWhatHandlesRead)
+TEST_F(MemberViewTest, Views_WriteWhatHandlesRead)
 {
     const Stream stream = denseRecords(3);
     const MemberView<char*> labels = stream.memberView<char*>("label");

@@ -1,5 +1,7 @@
 #include "vumo/data/NodeAllocator.h"
 
+#include "tests/support/Random.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -7,7 +9,6 @@
 #include <iterator>
 #include <map>
 #include <new>
-#include <random>
 #include <set>
 #include <string>
 #include <utility>
@@ -30,11 +31,11 @@ struct Twins
     explicit Twins(unsigned int seed, NodePool::ePlacement placement = NodePool::ePlacement::kTogether)
     {
         pooled.get_allocator().pool().setPlacement(placement);
-        std::mt19937 random(seed);
+        test::Random random(seed);
         for (int i = 0; i < 20'000; ++i)
         {
-            const int key = static_cast<int>(random() % 3'000);
-            if (random() % 3 == 0)
+            const int key = static_cast<int>(random.below(3'000));
+            if (random.below(3) == 0)
             {
                 pooled.erase(key);
                 plain.erase(key);
@@ -50,7 +51,7 @@ struct Twins
     Plain plain;
 };
 
-TEST(NodeAllocatorTest, MapsKeepWhatTheyHoldWhereverTheirNodesGo)
+TEST(NodeAllocatorTest, Maps_KeepWhatTheyHoldWhereverTheirNodesGo)
 {
     Twins a(1);
     Twins b(2, NodePool::ePlacement::kApart);
@@ -76,7 +77,7 @@ TEST(NodeAllocatorTest, MapsKeepWhatTheyHoldWhereverTheirNodesGo)
     expectEqual(moved, a.plain);
 }
 
-TEST(NodePoolTest, NodesAreDistinctAndUsedAgain)
+TEST(NodePoolTest, Nodes_AreDistinctAndUsedAgain)
 {
     constexpr std::size_t kSize = 40;
     constexpr std::size_t kCount = 5'000;

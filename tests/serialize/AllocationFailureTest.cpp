@@ -33,7 +33,7 @@ std::string faultyText()
 }
 
 /// Runs the action with each of its allocations failing in turn, until it has no more.
-class AllocationFailureTest : public Fixtures::SerializeFixture
+class AllocationFailureTest : public test::SerializeFixture
 {
 protected:
     template <class Action>
@@ -48,7 +48,7 @@ protected:
     }
 };
 
-TEST_F(AllocationFailureTest, ReadingGivesAllOrNothingAndLeavesTheRegistryAlone)
+TEST_F(AllocationFailureTest, Reading_GivesAllOrNothingAndLeavesTheRegistryAlone)
 {
     registered(kStructure);
     const std::set<Structure*> registry = Structure::allStructures();
@@ -63,13 +63,13 @@ TEST_F(AllocationFailureTest, ReadingGivesAllOrNothingAndLeavesTheRegistryAlone)
         });
         if (isRead)
         {
-            EXPECT_EQ(Fixtures::writtenBy(format, *associations), associationsText());
+            EXPECT_EQ(test::writtenBy(format, *associations), associationsText());
         }
         EXPECT_EQ(Structure::allStructures(), registry);
     });
 }
 
-TEST_F(AllocationFailureTest, AFaultyTextIsRefusedWithAllMessagesOrTheLackOfMemory)
+TEST_F(AllocationFailureTest, AFaultyText_IsRefusedWithAllMessagesOrTheLackOfMemory)
 {
     registered(kStructure);
     const AssociationsSerializerRaw& format = *AssociationsSerializerRaw::theFormat();
@@ -86,7 +86,7 @@ TEST_F(AllocationFailureTest, AFaultyTextIsRefusedWithAllMessagesOrTheLackOfMemo
     });
 }
 
-TEST_F(AllocationFailureTest, WritingGivesTheTextAndLeavesWhatIsWrittenAlone)
+TEST_F(AllocationFailureTest, Writing_GivesTheTextAndLeavesWhatIsWrittenAlone)
 {
     registered(kStructure);
     const AssociationsSerializerRaw& format = *AssociationsSerializerRaw::theFormat();
@@ -103,11 +103,11 @@ TEST_F(AllocationFailureTest, WritingGivesTheTextAndLeavesWhatIsWrittenAlone)
         {
             EXPECT_EQ(out.str(), associationsText());
         }
-        EXPECT_EQ(Fixtures::writtenBy(format, *associations), associationsText());
+        EXPECT_EQ(test::writtenBy(format, *associations), associationsText());
     });
 }
 
-TEST_F(AllocationFailureTest, AStructureIsReadAsAWholeOrNotAtAll)
+TEST_F(AllocationFailureTest, AStructure_IsReadAsAWholeOrNotAtAll)
 {
     const StructureSerializerRaw& format = *StructureSerializerRaw::theFormat();
     for (const std::string text : {kStructure, "name=R:int32:what[=x:float[2=y"})

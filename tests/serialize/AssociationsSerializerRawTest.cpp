@@ -14,7 +14,7 @@ namespace
 {
 constexpr char kBone[] = "name=Bone:float=Weight:string=Label:bool=Locked";
 
-class AssociationsSerializerRawTest : public Fixtures::SerializeFixture
+class AssociationsSerializerRawTest : public test::SerializeFixture
 {
 protected:
     const AssociationsSerializerRaw& mFormat = *AssociationsSerializerRaw::theFormat();
@@ -26,7 +26,7 @@ protected:
         std::string errors;
         const std::unique_ptr<Associations> associations(mFormat.read(in, errors));
         EXPECT_EQ(associations == nullptr, !errors.empty());
-        return associations ? Fixtures::writtenBy(mFormat, *associations) : errors;
+        return associations ? test::writtenBy(mFormat, *associations) : errors;
     }
 
     /// A text with a zero byte may be read, but what stands in the result is not written again.
@@ -64,7 +64,7 @@ using AssociationsSerializerRawPropertyTest = AssociationsSerializerRawTest;
 
 TEST_F(AssociationsSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
 {
-    EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("associations_raw_description.txt"));
+    EXPECT_EQ(test::descriptionOf(mFormat), test::goldenText("associations_raw_description.txt"));
 }
 
 TEST_F(AssociationsSerializerRawGoldenTest, Write_GivesTheGoldenText)
@@ -77,20 +77,20 @@ TEST_F(AssociationsSerializerRawGoldenTest, Write_GivesTheGoldenText)
     vertex.setDataStream(Stream(structure, "A"));
     Channel face = associations.channel("face");
     face.setDataStream(boneStream(structure, "Group Ids", Index(IndexPair(1, 2)), {"3", "Hip \"left\"", "true"}));
-    EXPECT_EQ(Fixtures::writtenBy(mFormat, associations), Fixtures::goldenText("associations_raw.txt"));
+    EXPECT_EQ(test::writtenBy(mFormat, associations), test::goldenText("associations_raw.txt"));
 }
 
 TEST_F(AssociationsSerializerRawGoldenTest, Read_GivesTheGoldenTextBack)
 {
     registered(kBone);
-    const std::string text = Fixtures::goldenText("associations_raw.txt");
+    const std::string text = test::goldenText("associations_raw.txt");
     EXPECT_EQ(reread(text), text);
 }
 
 TEST_F(AssociationsSerializerRawGoldenTest, EveryPrefixAndEveryChangedByte_IsReadOrRefused)
 {
     registered(kBone);
-    const std::string text = Fixtures::goldenText("associations_raw.txt");
+    const std::string text = test::goldenText("associations_raw.txt");
     for (std::string::size_type size = 0; size < text.size(); ++size)
     {
         const std::string result = reread(text.substr(0, size));
@@ -132,7 +132,7 @@ TEST_F(AssociationsSerializerRawTest, Read_TakesEmptyInputAndIgnoresWhatFollows)
     EXPECT_NE(std::unique_ptr<Associations>(mFormat.read(cut, errors)), nullptr) << errors;
 
     registered(kBone);
-    std::string text = Fixtures::goldenText("associations_raw.txt");
+    std::string text = test::goldenText("associations_raw.txt");
     std::string labelled = text;
     labelled.replace(labelled.find("channel\nname face"), 7, "  channel face ");
     EXPECT_EQ(reread(labelled), text);
@@ -167,8 +167,7 @@ TEST_F(AssociationsSerializerRawTest, Read_ReportsEveryFaultInItsOrder)
     EXPECT_EQ(mFormat.read(failed, errors), nullptr) << "not an empty input, but an unreadable one";
     for (const std::string& text : {std::string(), channel})
     {
-        EXPECT_EQ(Fixtures::errorsOfBrokenInput(mFormat, text),
-                  missing + "-1\n1 error found, Associations not created\n");
+        EXPECT_EQ(test::errorsOfBrokenInput(mFormat, text), missing + "-1\n1 error found, Associations not created\n");
     }
 }
 

@@ -8,7 +8,7 @@ namespace vumo::Data
 {
 namespace
 {
-class ChannelSerializerRawTest : public Fixtures::SerializeFixture
+class ChannelSerializerRawTest : public test::SerializeFixture
 {
 protected:
     const ChannelSerializerRaw& mFormat = *ChannelSerializerRaw::theFormat();
@@ -20,7 +20,7 @@ protected:
         std::string errors;
         const std::unique_ptr<Channel> channel(mFormat.read(in, errors));
         EXPECT_EQ(channel == nullptr, !errors.empty());
-        return channel ? Fixtures::writtenBy(mFormat, *channel) : errors;
+        return channel ? test::writtenBy(mFormat, *channel) : errors;
     }
 };
 
@@ -30,14 +30,14 @@ const std::string kStreamLines = "indexType numeric\nstructure P\n0\n7\nendStrea
 
 TEST_F(ChannelSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
 {
-    EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("channel_raw_description.txt"));
+    EXPECT_EQ(test::descriptionOf(mFormat), test::goldenText("channel_raw_description.txt"));
 }
 
 TEST_F(ChannelSerializerRawGoldenTest, Read_GivesTheGoldenTextBack)
 {
     registered("name=Label:string=text");
     registered("name=Weight:float=weight");
-    const std::string text = Fixtures::goldenText("channel_raw.txt");
+    const std::string text = test::goldenText("channel_raw.txt");
     EXPECT_EQ(reread(text), text);
 }
 
@@ -45,12 +45,12 @@ TEST_F(ChannelSerializerRawTest, Write_GivesTheStreamsInTheirOrder)
 {
     const Structure& structure = registered("name=P:int32=a");
     Channel channel("face");
-    EXPECT_EQ(Fixtures::writtenBy(mFormat, channel), "name face\nendChannel\n");
+    EXPECT_EQ(test::writtenBy(mFormat, channel), "name face\nendChannel\n");
     channel.setDataStream(Stream(structure, "b"));
     channel.setDataStream(Stream(structure, "B"));
     const std::string empty = "\nindexType numeric\nstructure P\nendStream\n";
     const std::string text = "name face\nstream\nname B" + empty + "stream\nname b" + empty + "endChannel\n";
-    EXPECT_EQ(Fixtures::writtenBy(mFormat, channel), text);
+    EXPECT_EQ(test::writtenBy(mFormat, channel), text);
     EXPECT_EQ(reread(text), text);
 }
 

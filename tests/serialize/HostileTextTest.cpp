@@ -8,7 +8,7 @@ namespace vumo::Data
 {
 namespace
 {
-using HostileTextTest = Fixtures::SerializeFixture;
+using HostileTextTest = test::SerializeFixture;
 
 std::string structureOf(unsigned int members)
 {
@@ -42,7 +42,7 @@ std::size_t bytesAllocatedFor(const std::string& text, std::string& errors)
     return test::bytesAllocated() - before;
 }
 
-TEST_F(HostileTextTest, AStreamDoesNotPayForTheMembersOfItsStructure)
+TEST_F(HostileTextTest, AStream_DoesNotPayForTheMembersOfItsStructure)
 {
     constexpr unsigned int kWide = 20'000;
     constexpr unsigned int kTooWideForALine = 513;

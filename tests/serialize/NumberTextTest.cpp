@@ -68,7 +68,7 @@ std::string bytesOf(const T& value)
     return bytes;
 }
 
-class NumberTextSlowTest : public Fixtures::SerializeFixture
+class NumberTextSlowTest : public test::SerializeFixture
 {
 protected:
     NumberTextSlowTest()

@@ -14,7 +14,7 @@ namespace
 using namespace std::string_literals;
 
 /// Reads streams from inputs of all kinds.
-class StreamSerializerRawInputTest : public Fixtures::SerializeFixture
+class StreamSerializerRawInputTest : public test::SerializeFixture
 {
 protected:
     const StreamSerializerRaw& mFormat = *StreamSerializerRaw::theFormat();
@@ -95,7 +95,7 @@ TEST_F(StreamSerializerRawInputTest, Read_IsTheSameHoweverMuchTheBufferHolds)
             std::string errors;
             const std::unique_ptr<Stream> stream(mFormat.read(in, errors));
             EXPECT_EQ(in.gcount(), 10) << "the last line";
-            EXPECT_EQ(stream ? Fixtures::writtenBy(mFormat, *stream) : errors, row.result);
+            EXPECT_EQ(stream ? test::writtenBy(mFormat, *stream) : errors, row.result);
             std::string rest;
             std::getline(in, rest);
             EXPECT_EQ(rest, "rest");
@@ -131,7 +131,7 @@ TEST_F(StreamSerializerRawInputTest, Read_KnowsNoPlacesInAnInputThatCannotTell)
 TEST_F(StreamSerializerRawInputTest, Read_TakesABreakOfTheInputForNoEnd)
 {
     registered("name=P:int32=a");
-    EXPECT_EQ(Fixtures::errorsOfBrokenInput(mFormat, "name S\nstructure P\n0\n7\n"),
+    EXPECT_EQ(test::errorsOfBrokenInput(mFormat, "name S\nstructure P\n0\n7\n"),
               "Error in stream while reading at record 4\n1 error found, Stream not created\n");
 }
 } // namespace

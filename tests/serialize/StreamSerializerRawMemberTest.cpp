@@ -9,7 +9,7 @@ namespace vumo::Data
 namespace
 {
 /// Reads and writes the values of single elements and members.
-class StreamSerializerRawMemberTest : public Fixtures::SerializeFixture
+class StreamSerializerRawMemberTest : public test::SerializeFixture
 {
 protected:
     const StreamSerializerRaw& mFormat = *StreamSerializerRaw::theFormat();
@@ -21,7 +21,7 @@ TEST_F(StreamSerializerRawMemberTest, ValuesOfOneElement_GoThroughAHandle)
     const Structure& other = registered("name=Q:int32=a");
     Handle element(structure);
     std::string errors;
-    const Fixtures::CommaLocale commas;
+    const test::CommaLocale commas;
     std::istringstream in("0.5 1000.25 \"a b\" rest");
     EXPECT_EQ(mFormat.readStructure(structure, in, 9, element, errors), 0);
     std::string rest;
@@ -104,7 +104,7 @@ TEST_F(StreamSerializerRawMemberTest, ReadMember_LeavesTheInputAsExtractionDoes)
         EXPECT_EQ(mFormat.readMember(in, 9, element, errors), row.errorCount) << errors;
         EXPECT_EQ(in.rdstate(), row.state);
 
-        Fixtures::BreakingBuffer buffer(row.text);
+        test::BreakingBuffer buffer(row.text);
         std::istream broken(&buffer);
         mFormat.readMember(broken, 9, element, errors);
         EXPECT_EQ(broken.bad(), row.state == end || row.state == failed) << "where the end was met";

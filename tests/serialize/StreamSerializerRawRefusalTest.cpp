@@ -24,7 +24,7 @@ public:
 };
 
 /// Writes what would not be read back as it was, and sees that it is written all the same.
-class StreamSerializerRawRefusalTest : public Fixtures::SerializeFixture
+class StreamSerializerRawRefusalTest : public test::SerializeFixture
 {
 protected:
     const StreamSerializerRaw& mFormat = *StreamSerializerRaw::theFormat();
@@ -49,7 +49,7 @@ protected:
         element.setPositionByMemberName("f");
         for (std::size_t i = 0; i < 3; ++i)
             element.asFloat()[i] = static_cast<float>(sample.numbers[i + 1]);
-        setValue(element, "s", sample.label);
+        test::setText(element, "s", sample.label);
         stream.setElement(sample.index, element);
         return stream;
     }

@@ -1,5 +1,6 @@
 #include "vumo/serialize/StreamSerializerRaw.h"
 
+#include "tests/support/Random.h"
 #include "tests/support/SerializeFixtures.h"
 #include "vumo/data/IndexPair.h"
 #include "vumo/data/IndexString.h"
@@ -7,7 +8,6 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <random>
 #include <vector>
 
 namespace vumo::Data
@@ -16,7 +16,7 @@ namespace
 {
 using namespace std::string_literals;
 
-class StreamSerializerRawTest : public Fixtures::SerializeFixture
+class StreamSerializerRawTest : public test::SerializeFixture
 {
 protected:
     const StreamSerializerRaw& mFormat = *StreamSerializerRaw::theFormat();
@@ -33,7 +33,7 @@ protected:
         std::string errors;
         const std::unique_ptr<Stream> stream = read(text, errors);
         EXPECT_EQ(stream == nullptr, !errors.empty());
-        return stream ? Fixtures::writtenBy(mFormat, *stream) : errors;
+        return stream ? test::writtenBy(mFormat, *stream) : errors;
     }
 
     /// The text of a stream of structure P with that type, whose elements 0, 1 ... are these lines.
@@ -53,12 +53,12 @@ using StreamSerializerRawPropertyTest = StreamSerializerRawTest;
 
 TEST_F(StreamSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
 {
-    EXPECT_EQ(Fixtures::descriptionOf(mFormat), Fixtures::goldenText("stream_raw_description.txt"));
+    EXPECT_EQ(test::descriptionOf(mFormat), test::goldenText("stream_raw_description.txt"));
 }
 
 TEST_F(StreamSerializerRawGoldenTest, Write_GivesTheGoldenTextWhateverTheGlobalLocale)
 {
-    const Structure& structure = registered(Fixtures::goldenText("structure_raw.txt"));
+    const Structure& structure = registered(test::goldenText("structure_raw.txt"));
     Stream stream(structure, "All Types");
     stream.setIndexType("pair");
     Handle element(structure);
@@ -81,22 +81,22 @@ TEST_F(StreamSerializerRawGoldenTest, Write_GivesTheGoldenTextWhateverTheGlobalL
                   {"u32", "4294967295"},
                   {"u64", "18446744073709551615"}};
     for (const auto& value : values)
-        setValue(element, value.member, value.text);
-    setValue(element, "f", "0.5", 0);
-    setValue(element, "f", "-1.25", 1);
-    setValue(element, "f", "1e10", 2);
+        test::setText(element, value.member, value.text);
+    test::setText(element, "f", "0.5", 0);
+    test::setText(element, "f", "-1.25", 1);
+    test::setText(element, "f", "1e10", 2);
     stream.setElement(Index(IndexPair(0, 4294967295U)), element);
 
-    const Fixtures::CommaLocale commas;
-    EXPECT_EQ(Fixtures::writtenBy(mFormat, stream), Fixtures::goldenText("stream_raw.txt"));
+    const test::CommaLocale commas;
+    EXPECT_EQ(test::writtenBy(mFormat, stream), test::goldenText("stream_raw.txt"));
 }
 
 TEST_F(StreamSerializerRawGoldenTest, Read_GivesTheValuesOfTheGoldenText)
 {
-    registered(Fixtures::goldenText("structure_raw.txt"));
-    const Fixtures::CommaLocale commas;
+    registered(test::goldenText("structure_raw.txt"));
+    const test::CommaLocale commas;
     std::string errors;
-    const std::unique_ptr<Stream> stream = read(Fixtures::goldenText("stream_raw.txt"), errors);
+    const std::unique_ptr<Stream> stream = read(test::goldenText("stream_raw.txt"), errors);
     ASSERT_NE(stream, nullptr) << errors;
     EXPECT_EQ(stream->name(), "All Types");
     EXPECT_EQ(stream->indexType(), "pair");
@@ -168,7 +168,7 @@ TEST_F(StreamSerializerRawTest, Read_TakesOneValueOfEachType)
          "Boolean on or about character 42 has invalid value 'x'. Use 't', 'true', '1', 'f', "
          "'false', '0' only."},
     };
-    const Fixtures::CommaLocale commas;
+    const test::CommaLocale commas;
     for (const auto& row : cases)
     {
         SCOPED_TRACE(std::string(row.type) + " " + row.line);
@@ -241,7 +241,7 @@ TEST_F(StreamSerializerRawTest, Read_TakesLooselyWrittenText)
     EXPECT_EQ(reread("name\nstructure P\n"), "name \nindexType numeric\nstructure P\nendStream\n");
 }
 
-TEST_F(StreamSerializerRawTest, Read_KeywordsAreIndicesBehindTheFirstIndex)
+TEST_F(StreamSerializerRawTest, Read_KeywordsAreIndicesAfterTheFirstIndex)
 {
     registered("name=P:int32=a");
     const std::string text = "name S\nindexType string\nstructure P\n"
@@ -275,7 +275,7 @@ TEST_F(StreamSerializerRawTest, ALineOverTheLimit_IsAnErrorThatNamesItsRecord)
 
     Stream stream(*Structure::structureByName("P"), "S");
     Handle element(stream.structure());
-    setValue(element, "m", std::string(1022, 'x'));
+    test::setText(element, "m", std::string(1022, 'x'));
     stream.setElement(3, element);
     std::ostringstream out;
     std::string errors;
@@ -301,14 +301,14 @@ TEST_F(StreamSerializerRawTest, AnElementWithoutMembers_HasABlankDataLine)
     stream.setElement(3, Handle(*structure));
     stream.setElement(8, Handle(*structure));
     const std::string text = "name S\nindexType numeric\nstructure Empty\n3\n\n8\n\nendStream\n";
-    EXPECT_EQ(Fixtures::writtenBy(mFormat, stream), text);
+    EXPECT_EQ(test::writtenBy(mFormat, stream), text);
     EXPECT_EQ(reread(text), text);
     EXPECT_EQ(reread("name S\nstructure Empty\n3\n8\nendStream\n"), text);
 
     Stream dense(*structure, "S");
     dense.useDenseStorage(true);
     dense.setElement(1, Handle(*structure));
-    EXPECT_EQ(Fixtures::writtenBy(mFormat, dense), "name S\nindexType numeric\nstructure Empty\n0\n\n1\n\nendStream\n");
+    EXPECT_EQ(test::writtenBy(mFormat, dense), "name S\nindexType numeric\nstructure Empty\n0\n\n1\n\nendStream\n");
 }
 
 TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlone)
@@ -318,7 +318,7 @@ TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlon
     Handle element(stream.structure());
     const double value = 1.0 / 3.0;
     std::memcpy(element.asDouble(), &value, sizeof(value));
-    setValue(element, "i", "1000000");
+    test::setText(element, "i", "1000000");
     stream.setElement(0, element);
 
     std::ostringstream out;
@@ -402,9 +402,8 @@ TEST_F(StreamSerializerRawTest, Write_CountsAFailedOutput)
 }
 
 /// Fills the member that the handle is on with random bits, finite numbers and short strings.
-void randomize(Handle& element, std::mt19937& random)
+void randomize(Handle& element, test::Random& random)
 {
-    std::uniform_real_distribution<double> real(-1e9, 1e9);
     std::string errors;
     for (unsigned int i = 0; i < element.dataLength(); ++i)
     {
@@ -412,16 +411,16 @@ void randomize(Handle& element, std::mt19937& random)
         if (element.dataType() == Member::kString)
         {
             const std::string alphabet = "ab \t\\\"n\r\n\xC3\xA9";
-            for (unsigned long n = random() % 9; n > 0; --n)
-                text += alphabet[random() % alphabet.size()];
+            for (unsigned int n = random.below(9); n > 0; --n)
+                text += alphabet[random.below(static_cast<unsigned int>(alphabet.size()))];
         }
         else if (element.dataType() == Member::kBoolean)
-            text = random() % 2 == 0 ? "true" : "false";
+            text = random.below(2) == 0 ? "true" : "false";
         else
         {
             const bool isSmall = Member::typeSize(element.dataType()) < 4;
             for (int n = 0; n < 16; ++n)
-                text += (isSmall ? std::to_string(random() % 128) : std::to_string(std::trunc(real(random)))) + " ";
+                text += std::to_string(random.below(isSmall ? 128 : 2'000'000'000)) + " ";
         }
         element.fromStr(text, i, errors);
     }
@@ -430,10 +429,9 @@ void randomize(Handle& element, std::mt19937& random)
 
 TEST_F(StreamSerializerRawPropertyTest, WhatIsWritten_ReadsBackAndIsWrittenAlike)
 {
-    const unsigned int seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    const Structure& structure = registered(Fixtures::goldenText("structure_raw.txt"));
+    test::Random random;
+    SCOPED_TRACE(random.seedText());
+    const Structure& structure = registered(test::goldenText("structure_raw.txt"));
     for (const char* indexType : {"numeric", "pair", "string"})
     {
         Stream stream(structure, "S");
@@ -446,7 +444,7 @@ TEST_F(StreamSerializerRawPropertyTest, WhatIsWritten_ReadsBackAndIsWrittenAlike
                 element.setPositionByMemberIndex(i);
                 randomize(element, random);
             }
-            const std::string number = std::to_string(random());
+            const std::string number = std::to_string(random.below(4294967295U));
             const std::string index = indexType == "numeric"s ? number : number + " " + std::to_string(n);
             stream.setElement(Index::doCreate(indexType, index), element);
         }

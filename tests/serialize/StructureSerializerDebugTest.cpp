@@ -9,9 +9,9 @@ namespace vumo::Data
 {
 namespace
 {
-using StructureSerializerDebugTest = Fixtures::SerializeFixture;
+using StructureSerializerDebugTest = test::SerializeFixture;
 
-TEST_F(StructureSerializerDebugTest, IsFoundOnceItIsRegisteredAndIsNeverTheDefault)
+TEST_F(StructureSerializerDebugTest, TheFormat_IsFoundOnceItIsRegisteredAndIsNeverTheDefault)
 {
     const StructureSerializer* const debug = StructureSerializerDebug::theFormat();
     EXPECT_EQ(StructureSerializer::formatByName("debug"), nullptr);
@@ -48,9 +48,9 @@ TEST_F(StructureSerializerDebugTest, Write_PrintsAStructureThatNobodyHoldsAndLea
     structure->unref();
 }
 
-TEST_F(StructureSerializerDebugTest, GetFormatDescription_IsThreeLinesEachBehindANewline)
+TEST_F(StructureSerializerDebugTest, GetFormatDescription_IsThreeLinesEachAfterANewline)
 {
-    EXPECT_EQ(Fixtures::descriptionOf(*StructureSerializerDebug::theFormat()),
+    EXPECT_EQ(test::descriptionOf(*StructureSerializerDebug::theFormat()),
               "\nThe Debug format will be self-explanatory\nas it dumps all of the  information about\n"
               "the structure in a verbose format.");
 }

@@ -1,8 +1,7 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
+#include "tests/support/Random.h"
 #include "tests/support/SerializeFixtures.h"
-
-#include <random>
 
 namespace vumo::Data
 {
@@ -10,7 +9,7 @@ namespace
 {
 using namespace std::string_literals;
 
-class StructureSerializerRawTest : public Fixtures::SerializeFixture
+class StructureSerializerRawTest : public test::SerializeFixture
 {
 protected:
     static std::string written(const Structure& structure)
@@ -42,13 +41,13 @@ using StructureSerializerRawPropertyTest = StructureSerializerRawTest;
 
 TEST_F(StructureSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
 {
-    EXPECT_EQ(Fixtures::descriptionOf(*StructureSerializerRaw::theFormat()),
-              Fixtures::goldenText("structure_raw_description.txt"));
+    EXPECT_EQ(test::descriptionOf(*StructureSerializerRaw::theFormat()),
+              test::goldenText("structure_raw_description.txt"));
 }
 
 TEST_F(StructureSerializerRawGoldenTest, Write_NamesTheMembersOfAStructureThatNobodyHolds)
 {
-    const Fixtures::CommaLocale commas;
+    const test::CommaLocale commas;
     Structure* const structure = new Structure("My Structure");
     EXPECT_EQ(written(*structure), "name=My Structure");
     structure->addMember(Member::kInt32, 1, "ID");
@@ -62,7 +61,7 @@ TEST_F(StructureSerializerRawGoldenTest, Write_NamesTheMembersOfAStructureThatNo
 
 TEST_F(StructureSerializerRawGoldenTest, Read_GivesTheGoldenTextBack)
 {
-    const std::string text = Fixtures::goldenText("structure_raw.txt");
+    const std::string text = test::goldenText("structure_raw.txt");
     EXPECT_EQ(reread(text) + "\n", text);
 }
 
@@ -82,7 +81,7 @@ TEST_F(StructureSerializerRawTest, Read_TakesLooselyWrittenText)
         {"name=S:int8=a:double=a", "name=S:int8=a"},
         {"name=S:name=T", "name=T"},
     };
-    const Fixtures::CommaLocale commas;
+    const test::CommaLocale commas;
     for (const auto& row : cases)
         EXPECT_EQ(reread(row.text), row.canonical) << row.text;
 }
@@ -135,7 +134,7 @@ TEST_F(StructureSerializerRawTest, Read_ReportsEveryFaultyField)
         {"flot=a:int32", "Member type 'flot' not recognized\n" + separator + "\n" + nameless},
         {"name=S\0T:int32=a"s, "Structures must not have a zero byte, where a name would end"},
     };
-    const Fixtures::CommaLocale commas;
+    const test::CommaLocale commas;
     for (const auto& row : cases)
         EXPECT_EQ(reread(row.text), row.errors) << row.text;
 }
@@ -143,7 +142,7 @@ TEST_F(StructureSerializerRawTest, Read_ReportsEveryFaultyField)
 TEST_F(StructureSerializerRawTest, Read_TakesNoPartOfABrokenOrFailedInput)
 {
     const StructureSerializerRaw& format = *StructureSerializerRaw::theFormat();
-    EXPECT_EQ(Fixtures::errorsOfBrokenInput(format, "name=S:int32=a"), "Error in stream while reading");
+    EXPECT_EQ(test::errorsOfBrokenInput(format, "name=S:int32=a"), "Error in stream while reading");
     std::istringstream failed("name=S:int32=a");
     failed.setstate(std::ios::failbit);
     std::string errors;
@@ -174,17 +173,16 @@ TEST_F(StructureSerializerRawTest, Read_RefusesAnElementThatNoMemoryCanHold)
 
 TEST_F(StructureSerializerRawPropertyTest, WhatIsWritten_ReadsBackAsAnEqualStructure)
 {
-    const unsigned int seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    test::Random random;
+    SCOPED_TRACE(random.seedText());
     for (int round = 0; round < 50; ++round)
     {
-        Structure structure(("S" + std::to_string(random())).c_str());
-        const unsigned int members = 1 + static_cast<unsigned int>(random() % 6);
+        Structure structure(("S" + std::to_string(random.below(1000))).c_str());
+        const unsigned int members = 1 + random.below(6);
         for (unsigned int i = 0; i < members; ++i)
         {
-            const auto type = static_cast<Member::eDataType>(random() % Member::kInvalidType);
-            structure.addMember(type, 1 + static_cast<unsigned int>(random() % 4), ("m " + std::to_string(i)).c_str());
+            const auto type = static_cast<Member::eDataType>(random.below(Member::kInvalidType));
+            structure.addMember(type, 1 + random.below(4), ("m " + std::to_string(i)).c_str());
         }
         std::istringstream in(written(structure));
         std::string errors;

@@ -47,12 +47,12 @@ inline Ref<Structure> recordStructure()
                          {{Member::kUInt8, 1, "number"}, {Member::kString, 1, "label"}, {Member::kUInt8, 1, "flag"}});
 }
 
-/// Stores a text form in the first value of the named member.
-inline void setText(Handle& handle, const char* member, const std::string& text)
+/// Stores a text form in a value of the named member.
+inline void setText(Handle& handle, const char* member, const std::string& text, unsigned int i = 0)
 {
     std::string errors;
     ASSERT_TRUE(handle.setPositionByMemberName(member)) << member;
-    EXPECT_EQ(handle.fromStr(text, 0, errors), 0) << errors;
+    EXPECT_EQ(handle.fromStr(text, i, errors), 0) << errors;
 }
 
 /// The text form of the first value of the named member.

@@ -12,23 +12,12 @@
 #include <streambuf>
 #include <string>
 
-namespace vumo::Fixtures
+namespace vumo::test
 {
-using test::CommaLocale;
-using test::goldenText;
-
 /// Reads structures from their raw text.
-class SerializeFixture : public test::DataTest
+class SerializeFixture : public DataTest
 {
 protected:
-    /// Sets the first value of the named member, or the one that the handle is on.
-    static void setValue(Data::Handle& handle, const char* member, const std::string& text, unsigned int i = 0)
-    {
-        std::string errors;
-        handle.setPositionByMemberName(member);
-        EXPECT_EQ(handle.fromStr(text, i, errors), 0) << errors;
-    }
-
     /// Registers the structure of that raw text. Lives until the end of the test.
     static const Data::Structure& registered(const std::string& text)
     {
@@ -86,4 +75,4 @@ std::string descriptionOf(const Format& format)
     EXPECT_EQ(&format.getFormatDescription(out), &out);
     return out.str();
 }
-} // namespace vumo::Fixtures
+} // namespace vumo::test

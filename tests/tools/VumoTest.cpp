@@ -226,7 +226,7 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
     EXPECT_EQ(mBinary.bytes(), goldenBytes("rich.ob.hex"));
 }
 
-TEST_F(VumoTest, FilesThatCannotBeReadAreNamed)
+TEST_F(VumoTest, FilesThatCannotBeRead_AreNamed)
 {
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "scene.txt"}).out,
               "vumo: scene.txt: No factory registered for type of file \"scene.txt\" (No such file or directory)\n");
@@ -242,7 +242,7 @@ TEST_F(VumoTest, FilesThatCannotBeReadAreNamed)
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"--version"}).out.substr(0, 5), "vumo ");
 }
 
-TEST_F(VumoTest, TheExampleScenesOfBothKindsShowTheSame)
+TEST_F(VumoTest, TheExampleScenesOfBothKinds_ShowTheSame)
 {
     const ScratchFile ascii(".oa");
     const ScratchFile binary(".ob");
@@ -253,7 +253,7 @@ TEST_F(VumoTest, TheExampleScenesOfBothKindsShowTheSame)
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "--values", binary.name()}).out, shown);
 }
 
-TEST_F(VumoTest, TheExampleOfAnObjectShowsWhatSharingMeans)
+TEST_F(VumoTest, TheExampleOfAnObject_ShowsWhatSharingMeans)
 {
     const Outcome outcome = run(VUMO_ATTACH_EXAMPLE_PATH, {});
     EXPECT_EQ(outcome.exitCode, 0);
