@@ -58,6 +58,18 @@ std::vector<Record> makeRecords(std::size_t count)
     return records;
 }
 
+std::vector<Record> makeUnevenRecords(std::size_t count)
+{
+    std::vector<Record> records = makeRecords(count);
+    for (Record& record : records)
+    {
+        for (float& coordinate : record.origin)
+            coordinate /= 3;
+        record.weight /= 3;
+    }
+    return records;
+}
+
 std::vector<unsigned int> shuffledNumbers(std::size_t count, unsigned int seed)
 {
     std::vector<unsigned int> numbers(count);

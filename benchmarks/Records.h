@@ -32,6 +32,9 @@ class WrongResult : public std::runtime_error
 /// 12 characters, and those of one record in eight need escapes.
 std::vector<Record> makeRecords(std::size_t count);
 
+/// The same with numbers as computations leave them: hardly one has less digits than its type can hold.
+std::vector<Record> makeUnevenRecords(std::size_t count);
+
 /// The numbers from 0 to `count` - 1; for each seed always in the same disorder.
 std::vector<unsigned int> shuffledNumbers(std::size_t count, unsigned int seed);
 

@@ -1,6 +1,7 @@
 #include "benchmarks/TextBench.h"
 
 #include "benchmarks/peers/RawText.h"
+#include "vumo/data/Numbers.h"
 
 #include <sstream>
 
@@ -47,6 +48,22 @@ void compareTextWriting(Comparison& comparison, Storage storage, const TextWrite
         throw WrongResult("the peer writes other records");
     const auto peerRound = [&](Stopwatch& watch) { return digestOf(peer.write(records, watch)); };
     comparison.run(records.size(), rawWriting(associations, rawText(records)), {peerRound, digestOf(peerText)});
+}
+
+void compareExactWriting(Comparison& comparison, Storage storage)
+{
+    const std::vector<Record> records = makeUnevenRecords(comparison.scaled(kElements));
+    const Associations associations = associationsOf(streamOf(BlockArray(records), storage));
+    const TextReader reader = fromCharsReader(); // knows whether a text is exact
+    Stopwatch unused;
+    const auto libraryRound = [&](Stopwatch& watch) {
+        std::ostringstream out;
+        out << exactNumbers;
+        watch.time([&] { writeRaw(associations, out); });
+        return reader.read(out.str(), unused);
+    };
+    const auto peerRound = [&](Stopwatch& watch) { return reader.read(exactRawText(records, watch), unused); };
+    comparison.run(records.size(), {libraryRound, digestOf(records)}, {peerRound, digestOf(records)});
 }
 
 void compareTextReading(Comparison& comparison, const TextReader& peer)

@@ -11,6 +11,10 @@
 namespace bench
 {
 void compareTextWriting(Comparison& comparison, Storage storage, const TextWriter& peer);
+
+/// With exact numbers, against `to_chars`.
+void compareExactWriting(Comparison& comparison, Storage storage);
+
 void compareTextReading(Comparison& comparison, const TextReader& peer);
 
 /// The library's sides, for other workloads to share. They keep what they are given.

@@ -32,6 +32,7 @@
 #include "vumo/data/IterLocation.h"
 #include "vumo/data/Member.h"
 #include "vumo/data/MemberView.h"
+#include "vumo/data/Numbers.h"
 #include "vumo/data/ScalarAccess.h"
 #include "vumo/data/Stream.h"
 #include "vumo/data/StreamDenseIteratorImpl.h"

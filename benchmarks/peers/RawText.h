@@ -8,6 +8,10 @@ namespace bench
 /// `operator<<` in a loop, with default formatting.
 TextWriter ostreamWriter();
 
+/// The same text by `std::to_chars`, each line flushed as the format wants it: each float has the fewest digits that
+/// read back to it.
+std::string exactRawText(const std::vector<Record>& records, Stopwatch& watch);
+
 /// `std::from_chars` in a loop, which fills a map of blocks.
 TextReader fromCharsReader();
 

@@ -7,8 +7,10 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iomanip>
 #include <limits>
 #include <locale>
 #include <memory>
@@ -222,6 +224,63 @@ protected:
         }
     }
 
+    /// Any bits, so that all powers of ten come up, and numbers at the ends of their type.
+    template <class T>
+    T anyFloat()
+    {
+        using Limits = std::numeric_limits<T>;
+        static constexpr T kEnds[] = {Limits::max(), Limits::min(), Limits::denorm_min(), T(0)};
+        const T end = kEnds[mNumbers.below(4)];
+        return mNumbers.below(1000) == 0 ? (mNumbers.below(2) == 0 ? end : -end) : mNumbers.fromBits<T>();
+    }
+
+    /// The text with the fewest digits, from six on, that reads back; its digits are found by trying.
+    template <class T>
+    static std::string shortestText(T value)
+    {
+        char text[32];
+        int digits = 6;
+        T readBack{};
+        do
+        {
+            std::snprintf(text, sizeof(text), "%.*g", digits++, static_cast<double>(value));
+            readBack = sizeof(T) == sizeof(float) ? static_cast<T>(std::strtof(text, nullptr))
+                                                  : static_cast<T>(std::strtod(text, nullptr));
+        }
+        while (bytesOf(readBack) != bytesOf(value));
+        return text;
+    }
+
+    template <class T>
+    void exactFloatsReadBack(const TypeText<T>& type)
+    {
+        SCOPED_TRACE(type.name);
+        Handle written(registered(std::string("name=E") + type.name + ":" + type.name + "=m"));
+        Handle read(written);
+        read.makeUnique();
+        std::ostringstream out;
+        out << exactNumbers << std::fixed << std::setprecision(2); // which do not count
+        std::string errors;
+        for (unsigned int n = numberCount(); n > 0; --n)
+        {
+            const T value = anyFloat<T>();
+            if (!std::isfinite(value))
+                continue;
+            std::memcpy(written.data(), &value, sizeof(value));
+            out.str("");
+            ASSERT_EQ(StreamSerializerRaw::theFormat()->writeMember(written, 9, out, errors), 0) << value;
+            ASSERT_EQ(out.str(), written.str(0, kExact));
+            const std::string shortest = shortestText(value);
+            // Of a power of two the nearest number with so few digits may be a neighbour's, and another one may do.
+            if (out.str().size() >= shortest.size())
+            {
+                ASSERT_EQ(out.str(), shortest);
+            }
+            ASSERT_EQ(StreamSerializerRaw::theFormat()->readMember(inputOn(out.str()), 9, read, errors), 0);
+            ASSERT_EQ(std::memcmp(written.data(), read.data(), sizeof(value)), 0) << out.str();
+        }
+    }
+
     test::RandomNumbers mNumbers;
     std::istringstream mIn;
     std::ostringstream mOut;
@@ -266,6 +325,44 @@ TEST_F(NumberTextSlowTest, WriteMember_FormatsFloatsAsTheOutputAsks)
     SCOPED_TRACE(mNumbers.seedText());
     floatsAreWrittenInAllFormats(kDouble);
     floatsAreWrittenInAllFormats(kFloat);
+}
+
+TEST_F(NumberTextSlowTest, ExactNumbers_ReadBackToTheSameBitsAndHaveNoDigitTooMany)
+{
+    SCOPED_TRACE(mNumbers.seedText());
+    exactFloatsReadBack(kDouble);
+    exactFloatsReadBack(kFloat);
+}
+
+TEST_F(NumberTextSlowTest, ExactNumbers_AreLaidOutAsSixDigitsAre)
+{
+    const struct
+    {
+        double value;
+        const char* text;
+    } cases[] = {{100000, "100000"},
+                 {1e6, "1e+06"},
+                 {1234567, "1234567"},
+                 {0.1, "0.1"},
+                 {0.1F, "0.10000000149011612"},
+                 {12345678.5, "12345678.5"},
+                 {0.00012345678, "0.00012345678"},
+                 {0.000012345678, "1.2345678e-05"},
+                 {-1.0 / 3, "-0.3333333333333333"},
+                 {1.7976931348623157e308, "1.7976931348623157e+308"},
+                 {5e-324, "4.94066e-324"},
+                 {-0.0, "-0"}};
+    Handle handle(registered("name=L:double=m"));
+    for (const auto& entry : cases)
+    {
+        std::memcpy(handle.data(), &entry.value, sizeof(entry.value));
+        EXPECT_EQ(handle.str(0, kExact), entry.text);
+    }
+    std::ostringstream out;
+    out << exactNumbers << sixDigits << std::scientific << std::setprecision(1);
+    std::string errors;
+    StreamSerializerRaw::theFormat()->writeMember(handle, 1, out, errors);
+    EXPECT_EQ(out.str(), "-0.0e+00") << "what the output was told otherwise counts again";
 }
 } // namespace
 } // namespace vumo::Data

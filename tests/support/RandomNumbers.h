@@ -75,7 +75,7 @@ public:
         out.precision(below(16) == 0 ? static_cast<int>(below(600)) - 3 : static_cast<int>(below(20)));
     }
 
-private:
+    /// A number of any bits.
     template <class T>
     T fromBits()
     {
@@ -86,6 +86,7 @@ private:
         return result;
     }
 
+private:
     int between(int first, int last)
     {
         return first + static_cast<int>(below(static_cast<unsigned int>(last - first + 1)));

@@ -195,7 +195,7 @@ char* Handle::value(unsigned int i) const
     return mData && i < Member::length(member) ? mData + Member::offset(member, i) : nullptr;
 }
 
-std::string Handle::str(unsigned int i) const
+std::string Handle::str(unsigned int i, eNumbers numbers) const
 {
     const Member::eDataType type = dataType();
     const char* const source = value(i);
@@ -208,7 +208,8 @@ std::string Handle::str(unsigned int i) const
         return hasFirst && text ? text : "";
     }
     detail::TextBuilder builder;
-    detail::appendValues(builder, detail::NumberFormat(), type, source, 1);
+    const detail::NumberFormat format = numbers == kExact ? detail::NumberFormat::exact() : detail::NumberFormat();
+    detail::appendValues(builder, format, type, source, 1);
     return std::string(builder.text());
 }
 

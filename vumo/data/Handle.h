@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Member.h"
+#include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
@@ -124,9 +125,9 @@ public:
     }
 
     /// The text of the i-th value of the current member, a fallback such as "0" when there is no such
-    /// value. Numbers have six significant digits; a string is written as it is, without quotes; a matrix
-    /// is 16 numbers separated by blanks.
-    std::string str(unsigned int i) const;
+    /// value. Numbers have six significant digits, unless they are to be exact; a string is written as it is, without
+    /// quotes; a matrix is 16 numbers separated by blanks.
+    std::string str(unsigned int i, eNumbers numbers = kSixDigits) const;
 
     /// Parses `text` into the i-th value of the current member. Returns the number of errors, 0 when the
     /// value was stored, and appends a line for each to `errors`. A number of a type wider than 16 bits

@@ -2,6 +2,7 @@
 
 #include "vumo/foundation/detail/DecimalDigits.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -19,7 +20,7 @@ constexpr std::size_t kDigitsSize = 24; // of a field that is copied as a whole,
 static_assert(kDigitsSize >= kMaxDecimalDigits);
 
 /// Room for the longest text that putGeneral() makes, a sign, "0.000" or a point and an exponent, and for what the
-/// copies of whole fields put behind it.
+/// copies of whole fields put after it.
 constexpr std::size_t kGeneralRoom = 2 * kDigitsSize + 8;
 
 /// Puts exactly that many digits.
@@ -29,28 +30,61 @@ void putDigits(char* out, std::uint64_t number, int count)
         *--digit = static_cast<char>('0' + number % 10);
 }
 
-/// Puts "e" and an exponent of two digits, as all that roundToDigits() gives have.
+/// Puts "e" and an exponent of two digits at least.
 char* putExponent(char* out, int exponent)
 {
+    const int magnitude = std::abs(exponent);
+    const int count = magnitude < 100 ? 2 : 3; // no double has more
     *out++ = 'e';
     *out++ = exponent < 0 ? '-' : '+';
-    *out++ = static_cast<char>('0' + std::abs(exponent) / 10);
-    *out++ = static_cast<char>('0' + std::abs(exponent) % 10);
-    return out;
+    putDigits(out, static_cast<std::uint64_t>(magnitude), count);
+    return out + count;
 }
 
-/// Puts a number of that many digits as printf does for "%g": zeros at the end left out, and an exponent for what is
-/// very small, or larger than its digits can tell.
-char* putGeneral(char* out, const DecimalDigits& number, int precision)
+/// The significant digits of a positive number, without zeros at the end, and the exponent of the first.
+struct DigitText
+{
+    char field[2 * kDigitsSize]; // from the first digit on there is one to be copied as a whole
+    int begin = 0;               // of the digits in it
+    int count = 0;
+    int exponent = 0;
+};
+
+DigitText digitTextOf(const DecimalDigits& number, int count)
+{
+    DigitText text;
+    text.exponent = number.exponent;
+    putDigits(text.field, number.digits, count);
+    while (text.field[count - 1] == '0')
+        --count;
+    text.count = count;
+    return text;
+}
+
+/// The fewest digits that tell a positive number from its neighbours.
+template <class T>
+DigitText shortestDigits(T value)
+{
+    DigitText text;
+    char* const end = std::to_chars(text.field, text.field + kDigitsSize, value, std::chars_format::scientific).ptr;
+    char* const exponent = end[-4] == 'e' ? end - 4 : end - 5; // "e+05" or "e+100"
+    const bool isNegative = exponent[1] == '-';
+    std::from_chars(exponent + 2, end, text.exponent);
+    text.exponent = isNegative ? -text.exponent : text.exponent;
+    if (text.field[1] == '.')
+        text.field[++text.begin] = text.field[0]; // over the point
+    text.count = static_cast<int>(exponent - text.field) - text.begin;
+    return text;
+}
+
+/// Puts a number as printf does for "%g" with that precision: no zeros at the end, and an exponent for what is very
+/// small, or larger than so many digits can tell.
+char* putGeneral(char* out, const DigitText& number, int precision)
 {
     static constexpr char kLeadingZeros[] = "0.000";
     constexpr int kLeastPlainExponent = -4;
-    char digits[2 * kDigitsSize];
-    putDigits(digits, number.digits, precision);
-    int count = precision;
-    while (digits[count - 1] == '0')
-        --count;
-
+    const char* const digits = number.field + number.begin;
+    const int count = number.count;
     const bool isPlain = number.exponent >= kLeastPlainExponent && number.exponent < precision;
     if (isPlain && number.exponent < 0)
     {
@@ -68,18 +102,66 @@ char* putGeneral(char* out, const DecimalDigits& number, int precision)
         out += count + 1;
     }
     else
-        out += whole; // zeros before the point stay
+        out = std::fill_n(out + count, whole - count, '0');
     return isPlain ? out : putExponent(out, number.exponent);
+}
+
+/// The place of the choice among the words that a stream keeps for its users. Zero, as in a new stream, is "not exact".
+int exactNumbersWord()
+{
+    static const int word = std::ios_base::xalloc();
+    return word;
+}
+
+template <class T>
+void appendExact(TextBuilder& text, T value)
+{
+    const bool isCommon = std::isfinite(value) && value != 0;
+    const DigitText digits = isCommon ? shortestDigits(std::abs(value)) : DigitText();
+    if (digits.count <= kDefaultPrecision && !std::isnormal(value))
+    {
+        NumberFormat().append(text, value); // for a subnormal number other digits, which read back as well
+        return;
+    }
+    char* end = text.room(kGeneralRoom);
+    if (value < 0)
+        *end++ = '-';
+    text.setEnd(putGeneral(end, digits, std::max(digits.count, static_cast<int>(kDefaultPrecision))));
 }
 } // namespace
 
-NumberFormat::NumberFormat(const std::ios_base& out) : mFlags(out.flags() & kFloatFormat), mPrecision(out.precision())
+NumberFormat::NumberFormat(std::ios_base& out)
+    : mFlags(out.flags() & kFloatFormat),
+      mPrecision(out.precision()),
+      mIsExact(out.iword(exactNumbersWord()) != 0)
 {
     if (mPrecision < 0)
         mPrecision = kDefaultPrecision; // which is what streams make of it
     const bool isGeneral = (mFlags & std::ios::floatfield) == std::ios::fmtflags{};
     if (isGeneral && mPrecision == 0)
         mPrecision = 1; // likewise
+}
+
+NumberFormat NumberFormat::exact()
+{
+    NumberFormat format;
+    format.mIsExact = true;
+    return format;
+}
+
+void NumberFormat::setExact(std::ios_base& out, bool isExact)
+{
+    out.iword(exactNumbersWord()) = isExact ? 1 : 0;
+}
+
+void NumberFormat::appendExactFloat(TextBuilder& text, float value)
+{
+    appendExact(text, value);
+}
+
+void NumberFormat::appendExactFloat(TextBuilder& text, double value)
+{
+    appendExact(text, value);
 }
 
 void NumberFormat::appendFloat(TextBuilder& text, double value) const
@@ -104,7 +186,7 @@ void NumberFormat::appendFloat(TextBuilder& text, double value) const
             appendUncommonFloat(text, value);
             return;
         }
-        end = putGeneral(end, *digits, precision);
+        end = putGeneral(end, digitTextOf(*digits, precision), precision);
     }
     text.setEnd(end);
 }
