@@ -6,6 +6,7 @@
 #include "vumo/accessor/detail/FileRecovery.h"
 #include "vumo/accessor/detail/WriteWatch.h"
 #include "vumo/data/detail/StructureNames.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <algorithm>
 #include <cstring>
@@ -215,5 +216,15 @@ std::unique_ptr<Accessor> Accessor::readFile(const std::string& fileName, std::s
 bool Accessor::recover(const std::string& fileName, std::string& errors)
 {
     return detail::recover(fileName, errors);
+}
+
+bool Accessor::Debug(const Accessor* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::Accessor", object, request);
+}
+
+bool Accessor::Debug(const Accessor* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

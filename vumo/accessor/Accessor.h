@@ -2,6 +2,7 @@
 
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <map>
@@ -141,6 +142,9 @@ public:
     /// written to, when somebody is writing it, or when the record does not fit the file: then somebody has changed the
     /// file since, and has to decide whether to remove the record.
     static bool recover(const std::string& fileName, std::string& errors);
+
+    static bool Debug(const Accessor* object, vumo::Debug::Print& request);
+    static bool Debug(const Accessor* object, vumo::Debug::Footprint& request);
 
 protected:
     Accessor();

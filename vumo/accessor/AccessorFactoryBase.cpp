@@ -1,5 +1,7 @@
 #include "vumo/accessor/AccessorFactoryBase.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 #include <cctype>
 
 namespace vumo::Data
@@ -36,5 +38,23 @@ AccessorFactoryBase::~AccessorFactoryBase()
         else
             ++entry;
     }
+}
+
+bool AccessorFactoryBase::Debug(const AccessorFactoryBase* object, vumo::Debug::Print& request)
+{
+    if (object)
+        return vumo::detail::debugObject("vumo::Data::AccessorFactoryBase", object, request);
+    request.beginSection("Extensions of Scene Files");
+    for (const std::string& extension : Accessor::supportedExtensions())
+        request << extension.c_str() << "\n";
+    request.endSection();
+    return true;
+}
+
+bool AccessorFactoryBase::Debug(const AccessorFactoryBase* object, vumo::Debug::Footprint& request)
+{
+    if (!object)
+        request.addMember(&registry(), sizeof(Registry) + registry().size() * sizeof(Registry::value_type));
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

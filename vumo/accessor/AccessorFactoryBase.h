@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/accessor/Accessor.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <memory>
@@ -26,6 +27,9 @@ public:
 
     /// A new, empty accessor.
     virtual std::unique_ptr<Accessor> create() const = 0;
+
+    static bool Debug(const AccessorFactoryBase* object, vumo::Debug::Print& request);
+    static bool Debug(const AccessorFactoryBase* object, vumo::Debug::Footprint& request);
 
 private:
     friend class Accessor; // looks the factories up

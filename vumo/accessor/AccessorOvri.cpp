@@ -1,6 +1,7 @@
 #include "vumo/accessor/AccessorOvri.h"
 
 #include "vumo/accessor/detail/MetadataText.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <sys/types.h>
 #include <unistd.h>
@@ -149,5 +150,45 @@ bool AccessorOvri::deserializeAssociations(const std::string& format, const std:
                                            std::string& errors)
 {
     return detail::deserializeAssociations(format, text, result, errors);
+}
+
+bool AccessorOvri::Debug(const AccessorOvri* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::AccessorOvri", object, request);
+}
+
+bool AccessorOvri::Debug(const AccessorOvri* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
+}
+
+bool AccessorOvri::Ascii::Debug(const Ascii* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::AccessorOvri::Ascii", object, request);
+}
+
+bool AccessorOvri::Ascii::Debug(const Ascii* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
+}
+
+bool AccessorOvri::Binary::Debug(const Binary* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::AccessorOvri::Binary", object, request);
+}
+
+bool AccessorOvri::Binary::Debug(const Binary* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
+}
+
+bool AccessorOvri::ExternalContent::Debug(const ExternalContent* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::AccessorOvri::ExternalContent", object, request);
+}
+
+bool AccessorOvri::ExternalContent::Debug(const ExternalContent* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

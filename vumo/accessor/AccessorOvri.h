@@ -2,6 +2,7 @@
 
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <cstdint>
@@ -41,6 +42,9 @@ public:
         static const std::string& getSetAttrCommandName();
         static const std::string& getRelationshipCommandName();
         static const std::string& getSelectCommandName();
+
+        static bool Debug(const Ascii* object, vumo::Debug::Print& request);
+        static bool Debug(const Ascii* object, vumo::Debug::Footprint& request);
     };
 
     /// The chunk tags and group types of binary scene files, four characters each.
@@ -55,6 +59,9 @@ public:
         static const std::string& getApplyNodeMetaDataChunkName();
         static const std::string& getApplySceneMetaDataChunkName();
         static const std::string& getBackwardChunkSizeChunkName();
+
+        static bool Debug(const Binary* object, vumo::Debug::Print& request);
+        static bool Debug(const Binary* object, vumo::Debug::Footprint& request);
     };
 
     /// The table of references to content outside the scene, which a scene keeps among its own metadata: a channel
@@ -102,6 +109,9 @@ public:
         /// Writes the resolved path alone. False, with the element unchanged, when there is no such member or it
         /// cannot hold the text.
         static bool updateEntry(Handle& handle, const std::string& resolvedPath);
+
+        static bool Debug(const ExternalContent* object, vumo::Debug::Print& request);
+        static bool Debug(const ExternalContent* object, vumo::Debug::Footprint& request);
     };
 
     AccessorOvri() = delete;
@@ -121,5 +131,8 @@ public:
     /// appended to `errors` and `result` left alone, when there is no such format or the text is faulty.
     static bool deserializeAssociations(const std::string& format, const std::string& text, Associations& result,
                                         std::string& errors);
+
+    static bool Debug(const AccessorOvri* object, vumo::Debug::Print& request);
+    static bool Debug(const AccessorOvri* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data

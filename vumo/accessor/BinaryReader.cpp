@@ -9,6 +9,7 @@
 #include "vumo/accessor/detail/TextConversion.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/Ref.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <limits>
 #include <string_view>
@@ -245,5 +246,15 @@ bool BinaryReader::readMetadata(std::istream& in, const std::set<std::string>* s
         return false;
     ChunkCursor chunks(in, trailerEnd - (trailerSizePosition + kGroupSizeToStart), ChunkCursor::kWindowToRead);
     return TrailerReader(structureNames, associationNames, associations, errors).read(chunks);
+}
+
+bool BinaryReader::Debug(const BinaryReader* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::BinaryReader", object, request);
+}
+
+bool BinaryReader::Debug(const BinaryReader* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -2,6 +2,7 @@
 
 #include "vumo/accessor/BinaryChunkHeader.h"
 #include "vumo/data/Associations.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <cstdint>
@@ -44,5 +45,8 @@ public:
     static bool readMetadata(std::istream& in, const std::set<std::string>* structureNames,
                              const std::set<std::string>* associationNames,
                              std::map<std::string, Associations>& associations, std::string& errors);
+
+    static bool Debug(const BinaryReader* object, vumo::Debug::Print& request);
+    static bool Debug(const BinaryReader* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data

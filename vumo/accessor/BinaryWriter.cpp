@@ -10,6 +10,7 @@
 #include "vumo/accessor/detail/FileTransaction.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/TextConversion.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <cstdint>
 #include <limits>
@@ -306,5 +307,15 @@ bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::St
     std::string content;
     return findTrailer(in, trailer, errors) && buildTrailer(in, trailer, structures, associations, content, errors) &&
            replaceTrailer(FileTransaction(file, fileName, durability), trailer, std::move(content), errors);
+}
+
+bool BinaryWriter::Debug(const BinaryWriter* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::BinaryWriter", object, request);
+}
+
+bool BinaryWriter::Debug(const BinaryWriter* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

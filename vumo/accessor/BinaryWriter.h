@@ -3,6 +3,7 @@
 #include "vumo/accessor/Accessor.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <map>
@@ -39,5 +40,8 @@ public:
     static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
                               const std::map<std::string, Associations>& associations, std::string& errors,
                               Accessor::eDurability durability = Accessor::kJournal);
+
+    static bool Debug(const BinaryWriter* object, vumo::Debug::Print& request);
+    static bool Debug(const BinaryWriter* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data

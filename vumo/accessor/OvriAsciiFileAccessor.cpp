@@ -10,6 +10,7 @@
 #include "vumo/accessor/detail/NameFilter.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -336,5 +337,15 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
     detail::NameFilter structures(structureNames);
     detail::NameFilter wanted(associationNames);
     return readStatements(tail, structures, wanted, associations(), errors);
+}
+
+bool OvriAsciiFileAccessor::Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::OvriAsciiFileAccessor", object, request);
+}
+
+bool OvriAsciiFileAccessor::Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/accessor/Accessor.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <set>
@@ -37,6 +38,9 @@ public:
 
     /// Says whether the first line is that of an ASCII scene file of a supported year.
     bool isFileSupported(const std::string& fileName) const override;
+
+    static bool Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Print& request);
+    static bool Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Footprint& request);
 
 protected:
     bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,

@@ -3,6 +3,7 @@
 #include "vumo/accessor/BinaryReader.h"
 #include "vumo/accessor/BinaryWriter.h"
 #include "vumo/accessor/detail/FileInput.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <cstdint>
 
@@ -35,5 +36,15 @@ bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureN
     const detail::File file(fileName(), detail::File::eMode::kRead);
     detail::FileInput in(file);
     return BinaryReader::readMetadata(in, structureNames, associationNames, associations(), errors);
+}
+
+bool OvriBinaryFileAccessor::Debug(const OvriBinaryFileAccessor* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::OvriBinaryFileAccessor", object, request);
+}
+
+bool OvriBinaryFileAccessor::Debug(const OvriBinaryFileAccessor* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

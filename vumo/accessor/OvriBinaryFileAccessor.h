@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/accessor/Accessor.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <set>
@@ -34,6 +35,9 @@ public:
     bool write(std::string& errors) const override;
 
     bool isFileSupported(const std::string& fileName) const override;
+
+    static bool Debug(const OvriBinaryFileAccessor* object, vumo::Debug::Print& request);
+    static bool Debug(const OvriBinaryFileAccessor* object, vumo::Debug::Footprint& request);
 
 protected:
     bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,

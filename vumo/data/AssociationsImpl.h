@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Channel.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/RefCounted.h"
 
@@ -45,6 +46,9 @@ public:
     void setChannel(const Channel& channel);
     bool removeChannel(const std::string& name);
     bool renameChannel(const std::string& oldName, const std::string& newName);
+
+    static bool Debug(const AssociationsImpl* object, vumo::Debug::Print& request);
+    static bool Debug(const AssociationsImpl* object, vumo::Debug::Footprint& request);
 
     static unsigned long long _objectsCreated;
     static unsigned long long _objectsAlive;

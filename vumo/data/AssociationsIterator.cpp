@@ -3,6 +3,7 @@
 #include "vumo/data/Associations.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <stdexcept>
 
@@ -64,5 +65,15 @@ bool AssociationsIterator::Debug(const AssociationsIterator* object, vumo::Debug
     if (object)
         request.addObject(object, sizeof(*object));
     return true;
+}
+
+bool AssociationsIteratorImpl::Debug(const AssociationsIteratorImpl* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::AssociationsIteratorImpl", object, request);
+}
+
+bool AssociationsIteratorImpl::Debug(const AssociationsIteratorImpl* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

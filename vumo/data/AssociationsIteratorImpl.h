@@ -2,6 +2,7 @@
 
 #include "vumo/data/AssociationsImpl.h"
 #include "vumo/data/ContainerIteratorImpl.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 namespace vumo::Data
@@ -11,5 +12,8 @@ class VUMO_EXPORT AssociationsIteratorImpl : public ContainerIteratorImpl<Associ
 {
 public:
     using ContainerIteratorImpl<AssociationsImpl>::ContainerIteratorImpl;
+
+    static bool Debug(const AssociationsIteratorImpl* object, vumo::Debug::Print& request);
+    static bool Debug(const AssociationsIteratorImpl* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data

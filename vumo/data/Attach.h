@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 namespace vumo::Data
@@ -21,5 +22,8 @@ public:
     /// Attaches metadata that shares what `metadata` holds, in place of any attached before.
     virtual bool setMetadata(const Associations& metadata) = 0;
     virtual bool deleteMetadata() = 0;
+
+    static bool Debug(const Attach* object, vumo::Debug::Print& request);
+    static bool Debug(const Attach* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data

@@ -1,5 +1,7 @@
 #include "vumo/data/AttachDirectly.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 namespace vumo::Data
 {
 AttachDirectly::AttachDirectly() = default;
@@ -40,5 +42,15 @@ bool AttachDirectly::deleteMetadata()
 {
     mMetadata.reset();
     return true;
+}
+
+bool AttachDirectly::Debug(const AttachDirectly* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::AttachDirectly", object, request);
+}
+
+bool AttachDirectly::Debug(const AttachDirectly* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -2,6 +2,7 @@
 
 #include "vumo/data/Associations.h"
 #include "vumo/data/Attach.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <memory>
@@ -28,6 +29,9 @@ public:
 
     /// Always true, also when there was none.
     bool deleteMetadata() override;
+
+    static bool Debug(const AttachDirectly* object, vumo::Debug::Print& request);
+    static bool Debug(const AttachDirectly* object, vumo::Debug::Footprint& request);
 
 private:
     std::unique_ptr<Associations> mMetadata; // or null

@@ -2,6 +2,7 @@
 
 #include "vumo/data/Index.h"
 #include "vumo/data/IndexType.h"
+#include "vumo/foundation/DebugFwd.h"
 
 #include <string>
 
@@ -22,5 +23,15 @@ public:
 
     /// An index that holds the T of that text.
     static Index doCreate(const std::string& text) { return Index::adopt(new T(text)); }
+
+    static bool Debug(const CRTP_IndexType* object, vumo::Debug::Print& request)
+    {
+        return IndexType::Debug(object, request);
+    }
+
+    static bool Debug(const CRTP_IndexType* object, vumo::Debug::Footprint& request)
+    {
+        return IndexType::Debug(object, request);
+    }
 };
 } // namespace vumo::Data

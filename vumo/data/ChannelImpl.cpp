@@ -2,7 +2,9 @@
 
 #include "vumo/data/Stream.h"
 #include "vumo/data/detail/NamedSet.h"
+#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/Renames.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <memory>
 #include <stdexcept>
@@ -159,5 +161,16 @@ bool ChannelImpl::removeElement(const Index& index)
         stream->removeElement(index);
     }
     return removed;
+}
+
+bool ChannelImpl::Debug(const ChannelImpl* object, vumo::Debug::Print& request)
+{
+    return object ? vumo::detail::debugObject("vumo::Data::ChannelImpl", object, request)
+                  : detail::debugCounts<ChannelImpl>("vumo::Data::ChannelImpl", request);
+}
+
+bool ChannelImpl::Debug(const ChannelImpl* object, vumo::Debug::Footprint& request)
+{
+    return object ? vumo::detail::debugObject(object, request) : detail::debugCounts<ChannelImpl>(request);
 }
 } // namespace vumo::Data

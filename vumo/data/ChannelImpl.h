@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Index.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/RefCounted.h"
 
@@ -51,6 +52,9 @@ public:
     bool renameDataStream(const std::string& oldName, const std::string& newName);
     bool addElement(const Index& index);
     bool removeElement(const Index& index);
+
+    static bool Debug(const ChannelImpl* object, vumo::Debug::Print& request);
+    static bool Debug(const ChannelImpl* object, vumo::Debug::Footprint& request);
 
     static unsigned long long _objectsCreated;
     static unsigned long long _objectsAlive;

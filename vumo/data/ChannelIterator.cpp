@@ -3,6 +3,7 @@
 #include "vumo/data/Channel.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <stdexcept>
 
@@ -63,5 +64,15 @@ bool ChannelIterator::Debug(const ChannelIterator* object, vumo::Debug::Footprin
     if (object)
         request.addObject(object, sizeof(*object));
     return true;
+}
+
+bool ChannelIteratorImpl::Debug(const ChannelIteratorImpl* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::ChannelIteratorImpl", object, request);
+}
+
+bool ChannelIteratorImpl::Debug(const ChannelIteratorImpl* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

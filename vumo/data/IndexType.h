@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/RefCounted.h"
 
@@ -40,5 +41,8 @@ public:
 
     /// The name under which the type is registered.
     virtual std::string typeName() const = 0;
+
+    static bool Debug(const IndexType* object, vumo::Debug::Print& request);
+    static bool Debug(const IndexType* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data

@@ -1,5 +1,7 @@
 #include "vumo/data/StreamDenseIteratorImpl.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 namespace vumo::Data
 {
 StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, IterLocation location)
@@ -62,5 +64,15 @@ Index StreamDenseIteratorImpl::index() const
 const StreamImpl* StreamDenseIteratorImpl::myStream() const
 {
     return mStream;
+}
+
+bool StreamDenseIteratorImpl::Debug(const StreamDenseIteratorImpl* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::StreamDenseIteratorImpl", object, request);
+}
+
+bool StreamDenseIteratorImpl::Debug(const StreamDenseIteratorImpl* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -4,6 +4,7 @@
 #include "vumo/data/IterLocation.h"
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamIteratorImpl.h"
+#include "vumo/foundation/DebugFwd.h"
 
 #include <memory>
 
@@ -24,6 +25,9 @@ public:
     StreamIteratorImpl* clone() const override;
     Index index() const override;
     const StreamImpl* myStream() const override;
+
+    static bool Debug(const StreamDenseIteratorImpl* object, vumo::Debug::Print& request);
+    static bool Debug(const StreamDenseIteratorImpl* object, vumo::Debug::Footprint& request);
 
 private:
     friend class StreamIterator;

@@ -1,5 +1,7 @@
 #include "vumo/data/StreamIterator.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 #include <stdexcept>
 
 namespace vumo::Data
@@ -78,5 +80,15 @@ StreamIterator StreamIterator::operator++(int)
 bool StreamIterator::operator==(const StreamIterator& other) const
 {
     return mImpl && other.mImpl && *mImpl == *other.mImpl;
+}
+
+bool StreamIterator::Debug(const StreamIterator* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::StreamIterator", object, request);
+}
+
+bool StreamIterator::Debug(const StreamIterator* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -3,6 +3,7 @@
 #include "vumo/data/Handle.h"
 #include "vumo/data/StreamDenseIteratorImpl.h"
 #include "vumo/data/StreamIteratorImpl.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <memory>
@@ -52,6 +53,9 @@ public:
 
     bool operator==(const StreamIterator& other) const;
     bool operator!=(const StreamIterator& other) const { return !(*this == other); }
+
+    static bool Debug(const StreamIterator* object, vumo::Debug::Print& request);
+    static bool Debug(const StreamIterator* object, vumo::Debug::Footprint& request);
 
 private:
     bool hasPlainHandle() const { return mImpl && mImpl->mIsPlain && mImpl->mHandle; }

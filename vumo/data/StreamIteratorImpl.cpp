@@ -1,5 +1,7 @@
 #include "vumo/data/StreamIteratorImpl.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 #include <stdexcept>
 
 namespace vumo::Data
@@ -40,5 +42,15 @@ const Handle* StreamIteratorImpl::operator->() const
 bool StreamIteratorImpl::operator==(const StreamIteratorImpl& other) const
 {
     return mInvalid == other.mInvalid && myStream() == other.myStream() && index() == other.index();
+}
+
+bool StreamIteratorImpl::Debug(const StreamIteratorImpl* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::StreamIteratorImpl", object, request);
+}
+
+bool StreamIteratorImpl::Debug(const StreamIteratorImpl* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

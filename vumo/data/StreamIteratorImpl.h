@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Index.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 namespace vumo::Data
@@ -40,6 +41,9 @@ public:
 
     bool operator==(const StreamIteratorImpl& other) const;
     bool operator!=(const StreamIteratorImpl& other) const { return !(*this == other); }
+
+    static bool Debug(const StreamIteratorImpl* object, vumo::Debug::Print& request);
+    static bool Debug(const StreamIteratorImpl* object, vumo::Debug::Footprint& request);
 
 protected:
     StreamIteratorImpl() = default;

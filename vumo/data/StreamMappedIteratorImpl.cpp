@@ -1,5 +1,7 @@
 #include "vumo/data/StreamMappedIteratorImpl.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 namespace vumo::Data
 {
 // What a const storage gives out differs from the rest only in what its user may do with it.
@@ -48,5 +50,15 @@ Index StreamMappedIteratorImpl::index() const
 const StreamImpl* StreamMappedIteratorImpl::myStream() const
 {
     return mStream;
+}
+
+bool StreamMappedIteratorImpl::Debug(const StreamMappedIteratorImpl* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::StreamMappedIteratorImpl", object, request);
+}
+
+bool StreamMappedIteratorImpl::Debug(const StreamMappedIteratorImpl* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -4,6 +4,7 @@
 #include "vumo/data/IterLocation.h"
 #include "vumo/data/StreamImplMapped.h"
 #include "vumo/data/StreamIteratorImpl.h"
+#include "vumo/foundation/DebugFwd.h"
 
 namespace vumo::Data
 {
@@ -19,6 +20,9 @@ public:
     StreamIteratorImpl* clone() const override;
     Index index() const override;
     const StreamImpl* myStream() const override;
+
+    static bool Debug(const StreamMappedIteratorImpl* object, vumo::Debug::Print& request);
+    static bool Debug(const StreamMappedIteratorImpl* object, vumo::Debug::Footprint& request);
 
 private:
     StreamImplMapped* mStream; // borrowed

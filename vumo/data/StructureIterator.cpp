@@ -1,6 +1,7 @@
 #include "vumo/data/StructureIterator.h"
 
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <stdexcept>
 
@@ -91,5 +92,15 @@ bool StructureIterator::operator==(const StructureIterator& other) const
 bool StructureIterator::valid() const
 {
     return mIndex != kEndIndex;
+}
+
+bool StructureIterator::Debug(const StructureIterator* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Data::StructureIterator", object, request);
+}
+
+bool StructureIterator::Debug(const StructureIterator* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

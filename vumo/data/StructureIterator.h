@@ -2,6 +2,7 @@
 
 #include "vumo/data/IterLocation.h"
 #include "vumo/data/Member.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 namespace vumo::Data
@@ -46,6 +47,9 @@ public:
 
     /// Says whether the iterator is not at the end.
     bool valid() const;
+
+    static bool Debug(const StructureIterator* object, vumo::Debug::Print& request);
+    static bool Debug(const StructureIterator* object, vumo::Debug::Footprint& request);
 
 private:
     /// The member at the position or null.

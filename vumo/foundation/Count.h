@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 namespace vumo::Debug
@@ -17,6 +18,9 @@ public:
     }
 
     unsigned long long value() const { return mValue; }
+
+    static bool Debug(const Count* object, Print& request);
+    static bool Debug(const Count* object, Footprint& request);
 
 private:
     unsigned long long mValue = 0;

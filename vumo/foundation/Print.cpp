@@ -1,5 +1,7 @@
 #include "vumo/foundation/Print.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 #include <array>
 #include <cstdio>
 #include <map>
@@ -178,5 +180,15 @@ bool Print::findFilter(const std::string& name, int& value) const
 void Print::removeFilter(const std::string& name)
 {
     mState->filters.erase(name);
+}
+
+bool Print::Debug(const Print* object, vumo::Debug::Print& request)
+{
+    return vumo::detail::debugObject("vumo::Debug::Print", object, request);
+}
+
+bool Print::Debug(const Print* object, vumo::Debug::Footprint& request)
+{
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Debug

@@ -8,6 +8,8 @@
 
 namespace vumo::Debug
 {
+class Footprint;
+
 /// Writes an indented description of objects to a stream.
 ///
 /// Hand one to a class's `Debug(const T*, Print&)`: with an object it describes that object, with null
@@ -72,6 +74,9 @@ public:
     /// True, with the value, when there is a filter of that name; else leaves `value` alone.
     bool findFilter(const std::string& name, int& value) const;
     void removeFilter(const std::string& name);
+
+    static bool Debug(const Print* object, Print& request);
+    static bool Debug(const Print* object, Footprint& request);
 
 private:
     struct State;

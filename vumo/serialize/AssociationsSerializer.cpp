@@ -61,4 +61,14 @@ const AssociationsSerializer* AssociationsSerializer::formatByName(const std::st
 {
     return Registry::findByName(name);
 }
+
+bool AssociationsSerializer::Debug(const AssociationsSerializer* object, vumo::Debug::Print& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
+
+bool AssociationsSerializer::Debug(const AssociationsSerializer* object, vumo::Debug::Footprint& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
 } // namespace vumo::Data

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <istream>
@@ -58,6 +59,9 @@ public:
 
     /// The first registered format of exactly that name, or null.
     static const AssociationsSerializer* formatByName(const std::string& name);
+
+    static bool Debug(const AssociationsSerializer* object, vumo::Debug::Print& request);
+    static bool Debug(const AssociationsSerializer* object, vumo::Debug::Footprint& request);
 
 private:
     static const AssociationsSerializer* theDefault;

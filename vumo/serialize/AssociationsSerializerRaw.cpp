@@ -4,6 +4,7 @@
 #include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
+#include "vumo/serialize/detail/FormatDebug.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
@@ -158,5 +159,15 @@ int AssociationsSerializerRaw::write(const Associations& associations, std::ostr
 std::ostream& AssociationsSerializerRaw::getFormatDescription(std::ostream& out) const
 {
     return out << kDescription;
+}
+
+bool AssociationsSerializerRaw::Debug(const AssociationsSerializerRaw* object, vumo::Debug::Print& request)
+{
+    return detail::debugFormat("vumo::Data::AssociationsSerializerRaw", object, theInstance, request);
+}
+
+bool AssociationsSerializerRaw::Debug(const AssociationsSerializerRaw* object, vumo::Debug::Footprint& request)
+{
+    return detail::debugFormat(object, theInstance, request);
 }
 } // namespace vumo::Data

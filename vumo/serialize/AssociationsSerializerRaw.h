@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Associations.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/SerializerRaw.h"
@@ -31,6 +32,9 @@ public:
 
     int write(const Associations& associations, std::ostream& out, std::string& errors) const override;
     std::ostream& getFormatDescription(std::ostream& out) const override;
+
+    static bool Debug(const AssociationsSerializerRaw* object, vumo::Debug::Print& request);
+    static bool Debug(const AssociationsSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
     static AssociationsSerializerRaw* theInstance;

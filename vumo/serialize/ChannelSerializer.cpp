@@ -61,4 +61,14 @@ const ChannelSerializer* ChannelSerializer::formatByName(const std::string& name
 {
     return Registry::findByName(name);
 }
+
+bool ChannelSerializer::Debug(const ChannelSerializer* object, vumo::Debug::Print& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
+
+bool ChannelSerializer::Debug(const ChannelSerializer* object, vumo::Debug::Footprint& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
 } // namespace vumo::Data

@@ -3,6 +3,7 @@
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
+#include "vumo/serialize/detail/FormatDebug.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
@@ -154,5 +155,15 @@ int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::
 std::ostream& ChannelSerializerRaw::getFormatDescription(std::ostream& out) const
 {
     return out << kDescription;
+}
+
+bool ChannelSerializerRaw::Debug(const ChannelSerializerRaw* object, vumo::Debug::Print& request)
+{
+    return detail::debugFormat("vumo::Data::ChannelSerializerRaw", object, theInstance, request);
+}
+
+bool ChannelSerializerRaw::Debug(const ChannelSerializerRaw* object, vumo::Debug::Footprint& request)
+{
+    return detail::debugFormat(object, theInstance, request);
 }
 } // namespace vumo::Data

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Channel.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/serialize/ChannelSerializer.h"
 #include "vumo/serialize/SerializerRaw.h"
@@ -31,6 +32,9 @@ public:
 
     int write(const Channel& channel, std::ostream& out, std::string& errors) const override;
     std::ostream& getFormatDescription(std::ostream& out) const override;
+
+    static bool Debug(const ChannelSerializerRaw* object, vumo::Debug::Print& request);
+    static bool Debug(const ChannelSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
     static ChannelSerializerRaw* theInstance;

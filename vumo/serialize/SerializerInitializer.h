@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vumo/foundation/DebugFwd.h"
+
 namespace vumo::Data
 {
 /// Registers the format T with its kind for as long as this object lives.
@@ -14,6 +16,17 @@ public:
 
     SerializerInitializer(const SerializerInitializer&) = delete;
     SerializerInitializer& operator=(const SerializerInitializer&) = delete;
+
+    /// Describes the format.
+    static bool Debug(const SerializerInitializer* object, vumo::Debug::Print& request)
+    {
+        return !object || T::Debug(object->mFormat, request);
+    }
+
+    static bool Debug(const SerializerInitializer* object, vumo::Debug::Footprint& request)
+    {
+        return !object || T::Debug(object->mFormat, request);
+    }
 
 private:
     const T* mFormat;

@@ -1,5 +1,6 @@
 #include "vumo/serialize/SerializerRaw.h"
 
+#include "vumo/foundation/detail/DebugObject.h"
 #include "vumo/foundation/detail/Trim.h"
 
 #include <iterator>
@@ -54,5 +55,23 @@ std::vector<std::string>& SerializerRaw::splitString(const std::string& s, char 
         begin = end + 1;
     }
     return pieces;
+}
+
+bool SerializerRaw::Debug(const SerializerRaw* object, vumo::Debug::Print& request)
+{
+    if (object)
+        return vumo::detail::debugObject("vumo::Data::SerializerRaw", object, request);
+    request.beginSection("Keywords");
+    for (const char* const text : kKeywords)
+        request << text << "\n";
+    request.endSection();
+    return true;
+}
+
+bool SerializerRaw::Debug(const SerializerRaw* object, vumo::Debug::Footprint& request)
+{
+    if (!object)
+        request.addMember(kKeywords, sizeof(kKeywords));
+    return vumo::detail::debugObject(object, request);
 }
 } // namespace vumo::Data

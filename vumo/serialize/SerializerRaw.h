@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <string>
@@ -43,5 +44,8 @@ public:
     /// follows a delimiter at the end.
     static std::vector<std::string>& splitString(const std::string& s, char delimiter,
                                                  std::vector<std::string>& pieces);
+
+    static bool Debug(const SerializerRaw* object, vumo::Debug::Print& request);
+    static bool Debug(const SerializerRaw* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data

@@ -61,4 +61,14 @@ const StreamSerializer* StreamSerializer::formatByName(const std::string& name)
 {
     return Registry::findByName(name);
 }
+
+bool StreamSerializer::Debug(const StreamSerializer* object, vumo::Debug::Print& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
+
+bool StreamSerializer::Debug(const StreamSerializer* object, vumo::Debug::Footprint& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
 } // namespace vumo::Data

@@ -2,6 +2,7 @@
 
 #include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/serialize/detail/ElementText.h"
+#include "vumo/serialize/detail/FormatDebug.h"
 #include "vumo/serialize/detail/Messages.h"
 #include "vumo/serialize/detail/StreamReader.h"
 #include "vumo/serialize/detail/StreamWriter.h"
@@ -142,5 +143,15 @@ int StreamSerializerRaw::readStructure(const Structure& structure, std::istream&
     detail::ElementText(structure).read(handle.data(), record, values, messages);
     input.handOnState();
     return handOn(messages, errors);
+}
+
+bool StreamSerializerRaw::Debug(const StreamSerializerRaw* object, vumo::Debug::Print& request)
+{
+    return detail::debugFormat("vumo::Data::StreamSerializerRaw", object, theInstance, request);
+}
+
+bool StreamSerializerRaw::Debug(const StreamSerializerRaw* object, vumo::Debug::Footprint& request)
+{
+    return detail::debugFormat(object, theInstance, request);
 }
 } // namespace vumo::Data

@@ -3,6 +3,7 @@
 #include "vumo/data/Handle.h"
 #include "vumo/data/Stream.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/StreamSerializer.h"
@@ -62,6 +63,9 @@ public:
     /// Reads the values of all members up to the first that is bad. The handle must be on that structure.
     int readStructure(const Structure& structure, std::istream& in, unsigned int record, Handle& handle,
                       std::string& errors) const;
+
+    static bool Debug(const StreamSerializerRaw* object, vumo::Debug::Print& request);
+    static bool Debug(const StreamSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
     static StreamSerializerRaw* theInstance;

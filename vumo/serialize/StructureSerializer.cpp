@@ -61,4 +61,14 @@ const StructureSerializer* StructureSerializer::formatByName(const std::string& 
 {
     return Registry::findByName(name);
 }
+
+bool StructureSerializer::Debug(const StructureSerializer* object, vumo::Debug::Print& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
+
+bool StructureSerializer::Debug(const StructureSerializer* object, vumo::Debug::Footprint& request)
+{
+    return Registry::debug(object, theDefault, request);
+}
 } // namespace vumo::Data

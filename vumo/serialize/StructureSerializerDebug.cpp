@@ -1,6 +1,7 @@
 #include "vumo/serialize/StructureSerializerDebug.h"
 
 #include "vumo/foundation/Print.h"
+#include "vumo/serialize/detail/FormatDebug.h"
 
 namespace vumo::Data
 {
@@ -46,5 +47,15 @@ int StructureSerializerDebug::write(const Structure& structure, std::ostream& ou
 std::ostream& StructureSerializerDebug::getFormatDescription(std::ostream& out) const
 {
     return out << kDescription;
+}
+
+bool StructureSerializerDebug::Debug(const StructureSerializerDebug* object, vumo::Debug::Print& request)
+{
+    return detail::debugFormat("vumo::Data::StructureSerializerDebug", object, theInstance, request);
+}
+
+bool StructureSerializerDebug::Debug(const StructureSerializerDebug* object, vumo::Debug::Footprint& request)
+{
+    return detail::debugFormat(object, theInstance, request);
 }
 } // namespace vumo::Data

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/serialize/StructureSerializer.h"
 
@@ -31,6 +32,9 @@ public:
 
     /// What formatType() returns.
     static const char* const structureFormatType;
+
+    static bool Debug(const StructureSerializerDebug* object, vumo::Debug::Print& request);
+    static bool Debug(const StructureSerializerDebug* object, vumo::Debug::Footprint& request);
 
 private:
     static StructureSerializerDebug* theInstance;

@@ -1,6 +1,7 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
 #include "vumo/foundation/detail/ClassicInput.h"
+#include "vumo/serialize/detail/FormatDebug.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -280,5 +281,15 @@ std::ostream& StructureSerializerRaw::getFormatDescription(std::ostream& out) co
     for (unsigned int type = 0; type < Member::kInvalidType; ++type)
         append(", ", Member::typeName(static_cast<Member::eDataType>(type)), typeNames);
     return out << kDescriptionHead << typeNames << kDescriptionTail;
+}
+
+bool StructureSerializerRaw::Debug(const StructureSerializerRaw* object, vumo::Debug::Print& request)
+{
+    return detail::debugFormat("vumo::Data::StructureSerializerRaw", object, theInstance, request);
+}
+
+bool StructureSerializerRaw::Debug(const StructureSerializerRaw* object, vumo::Debug::Footprint& request)
+{
+    return detail::debugFormat(object, theInstance, request);
 }
 } // namespace vumo::Data

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/StructureSerializer.h"
@@ -35,6 +36,9 @@ public:
     /// One line without a newline; always returns 0.
     int write(const Structure& structure, std::ostream& out) const override;
     std::ostream& getFormatDescription(std::ostream& out) const override;
+
+    static bool Debug(const StructureSerializerRaw* object, vumo::Debug::Print& request);
+    static bool Debug(const StructureSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
     static StructureSerializerRaw* theInstance;

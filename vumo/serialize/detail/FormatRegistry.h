@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vumo/foundation/detail/DebugObject.h"
+
 #include <algorithm>
 #include <set>
 #include <string>
@@ -43,6 +45,34 @@ struct FormatRegistry
                 return format;
         }
         return nullptr;
+    }
+
+    /// Describes a format, or for null the registry and the default.
+    static bool debug(const Serializer* format, const Serializer* theDefault, vumo::Debug::Print& request)
+    {
+        if (format)
+        {
+            request << "Format '" << format->formatType() << "'\n";
+            return true;
+        }
+        request.beginSection("Registered Formats");
+        for (const Serializer* each : formats())
+        {
+            if (each)
+                request << each->formatType() << (each == theDefault ? " (default)\n" : "\n");
+        }
+        request.endSection();
+        return true;
+    }
+
+    static bool debug(const Serializer* format, const Serializer* const& theDefault, vumo::Debug::Footprint& request)
+    {
+        if (!format)
+        {
+            request.addMember(&formats(), sizeof(Formats) + formats().size() * sizeof(format));
+            request.addMember(&theDefault, sizeof(theDefault));
+        }
+        return vumo::detail::debugObject(format, request);
     }
 };
 } // namespace vumo::Data::detail
