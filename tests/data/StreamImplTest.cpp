@@ -218,6 +218,7 @@ TEST_F(StreamImplDenseTest, ElementsThatDoNotFit_AreRefusedAndChangeNothing)
 
 TEST_F(StreamImplDenseTest, SetElementRange_GrowsForTheIndexOnePastTheLast)
 {
+    EXPECT_TRUE(mStream->setElementRange(0, 4294967295U)); // no elements, as there are
     EXPECT_TRUE(mStream->setElementRange(0, 238));
     EXPECT_EQ(mStream->physicalElementCount(), 240U);
     EXPECT_TRUE(mStream->setElementRange(0, 239));

@@ -77,7 +77,7 @@ public:
     {
         const unsigned int n = last - first + 1;
         if (!mIsDense || n == 0 || n == mCount)
-            return !mIsDense || n > 0;
+            return !mIsDense || n == mCount;
         if (n < mCount)
             mElements.erase(mElements.lower_bound(n), mElements.lower_bound(mCount));
         mCount = n < mCount ? n - 1 : n;

@@ -206,10 +206,10 @@ bool StreamImplDense::resetElement(unsigned int i)
 bool StreamImplDense::setElementRange(Index first, Index last)
 {
     const unsigned int n = last.index() - first.index() + 1;
-    if (n == 0)
-        return false;
     if (mCount == n)
         return true;
+    if (n == 0)
+        return false; // shrinking would leave n - 1 elements
     if (mCount < n)
     {
         const bool fits = ensureSpaceForElement(Index(n));
