@@ -42,7 +42,7 @@ template <class Entry>
 bool rename(std::map<std::string, Entry>& entries, const std::string& from, const std::string& to, bool isLost)
 {
     if (entries.count(from) == 0 || from == to)
-        return entries.count(from) > 0;
+        return entries.count(from) > 0 && isLost; // taken out, it is not there to be in its own way
     const bool isTaken = entries.count(to) > 0;
     if (!isTaken)
         entries[to] = entries[from];

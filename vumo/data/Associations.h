@@ -50,7 +50,7 @@ public:
     bool removeChannel(const std::string& name);
 
     /// Renames the channel for all that share it. False, with nothing changed, when there is none of the
-    /// old name or another of the new one.
+    /// old name or one, be it the same, of the new one.
     bool renameChannel(const std::string& oldName, const std::string& newName);
 
     bool empty() const { return size() == 0; }

@@ -93,11 +93,8 @@ bool AssociationsImpl::removeChannel(const std::string& name)
 bool AssociationsImpl::renameChannel(const std::string& oldName, const std::string& newName)
 {
     const auto found = detail::findNamed(mChannels, oldName, mOrderedAt);
-    if (found == mChannels.end())
+    if (found == mChannels.end() || findChannel(newName))
         return false;
-    const Channel* const taken = findChannel(newName);
-    if (taken)
-        return taken == &*found;
     auto entry = mChannels.extract(found);
     entry.value().impl()->setName(newName);
     mChannels.insert(std::move(entry));
