@@ -66,11 +66,13 @@ public:
 
     void swap(Handle& other) noexcept;
 
-    /// False, with the position at the end, when there is no such member.
+    /// False, with the position at the end, when there is no such member. True when the position is `i` already,
+    /// 4294967295 at the end included.
     bool setPositionByMemberIndex(unsigned int i)
     {
-        if (mIndex != i)
-            mIndex = mStructure->member(i) ? i : kEndIndex;
+        if (mIndex == i)
+            return true;
+        mIndex = mStructure->member(i) ? i : kEndIndex;
         return mIndex != kEndIndex;
     }
 
