@@ -14,6 +14,33 @@
 
 namespace vumo::Data
 {
+namespace
+{
+/// The storage of a stream by its class, for what the library's own can do in a better way than any other. Both are
+/// null for a storage of somebody else's class.
+struct Storage
+{
+    explicit Storage(StreamImpl* impl)
+        : dense(dynamic_cast<StreamImplDense*>(impl)),
+          mapped(dense ? nullptr : dynamic_cast<StreamImplMapped*>(impl))
+    {
+    }
+
+    StreamImplDense* const dense;
+    StreamImplMapped* const mapped;
+};
+
+/// The storage's own description: what is known of it is only how it describes any storage.
+template <class Request>
+bool debugStorage(StreamImpl* impl, Request& request)
+{
+    const Storage storage(impl);
+    if (storage.dense)
+        return storage.dense->debug(request);
+    return storage.mapped ? storage.mapped->debug(request) : impl->debug(request);
+}
+} // namespace
+
 const std::string Stream::kDebugHex = "hex";
 
 unsigned long long Stream::_objectsCreated = 0;
@@ -123,7 +150,7 @@ StreamIterator Stream::end() const
 
 ElementView Stream::elementView() const
 {
-    const auto* const dense = dynamic_cast<const StreamImplDense*>(mImpl.get());
+    const StreamImplDense* const dense = Storage(mImpl.get()).dense;
     return dense ? dense->elementView() : ElementView();
 }
 
@@ -198,7 +225,7 @@ unsigned int Stream::valueCount(const Member& member)
 std::vector<char*> Stream::elementBlocks(const unsigned int* indices, unsigned int count) const
 {
     std::vector<char*> blocks(count);
-    const auto* const mapped = dynamic_cast<const StreamImplMapped*>(mImpl.get());
+    const StreamImplMapped* const mapped = Storage(mImpl.get()).mapped;
     for (unsigned int i = 0; i < count; ++i)
         blocks[i] = mapped ? mapped->elementBlock(indices[i]) : mImpl->element(indices[i]).data();
     return blocks;
@@ -206,7 +233,7 @@ std::vector<char*> Stream::elementBlocks(const unsigned int* indices, unsigned i
 
 void Stream::createMissingElements(const unsigned int* indices, unsigned int count)
 {
-    auto* const mapped = dynamic_cast<StreamImplMapped*>(mImpl.get());
+    StreamImplMapped* const mapped = Storage(mImpl.get()).mapped;
     const Handle defaults(structure());
     for (unsigned int i = 0; i < count; ++i)
     {
@@ -271,14 +298,14 @@ bool Stream::setIndexType(const std::string& typeName)
         return true;
     if (elementCount() > 0)
         return false;
-    if (!dynamic_cast<StreamImplMapped*>(mImpl.get()))
+    if (!Storage(mImpl.get()).mapped)
         mImpl = Ref<StreamImpl>(new StreamImplMapped(*mImpl));
     return mImpl->setIndexType(typeName);
 }
 
 bool Stream::useDenseStorage(bool useDense)
 {
-    const bool isDense = dynamic_cast<StreamImplDense*>(mImpl.get()) != nullptr;
+    const bool isDense = Storage(mImpl.get()).dense;
     if (isDense == useDense)
         return true;
 
@@ -317,7 +344,7 @@ bool Stream::Debug(const Stream* object, vumo::Debug::Print& request)
     if (!object)
         return detail::debugCounts<Stream>("vumo::Data::Stream", request);
     StreamImpl::Debug(object->mImpl.get(), request);
-    return object->mImpl->debug(request);
+    return debugStorage(object->mImpl.get(), request);
 }
 
 bool Stream::Debug(const Stream* object, vumo::Debug::Footprint& request)
@@ -325,6 +352,6 @@ bool Stream::Debug(const Stream* object, vumo::Debug::Footprint& request)
     if (!object)
         return detail::debugCounts<Stream>(request);
     request.addObject(object, sizeof(*object));
-    return object->mImpl->debug(request);
+    return debugStorage(object->mImpl.get(), request);
 }
 } // namespace vumo::Data

@@ -50,7 +50,8 @@ public:
     bool removeElement(Index index) override;
 
     /// Sets the size of the stream to n = last - first + 1 elements: growing leaves it at n, shrinking at
-    /// n - 1. False, with nothing changed, for n = 0 and where the block does not come to cover n.
+    /// n - 1. False, with nothing changed, for n = 0 while there are elements, and
+    /// where the block does not come to cover n.
     bool setElementRange(Index first, Index last) override;
 
     /// Releases the block with all elements; count and allocated number keep their values.
@@ -73,15 +74,14 @@ public:
     /// The blocks of all elements. Empty without a block, and for a derived class that keeps elements elsewhere.
     ElementView elementView() const;
 
+    using vumo::Debug::CRTP_Debug<StreamImplDense, vumo::Debug::Print>::debug;
+    using vumo::Debug::CRTP_Debug<StreamImplDense, vumo::Debug::Footprint>::debug;
+
     static bool Debug(const StreamImplDense* object, vumo::Debug::Print& request);
     static bool Debug(const StreamImplDense* object, vumo::Debug::Footprint& request);
 
     static unsigned long long _objectsCreated;
     static unsigned long long _objectsAlive;
-
-    /// The storage's own description, whatever the type by which it is known.
-    bool debug(vumo::Debug::Print& request) const override { return Debug(this, request); }
-    bool debug(vumo::Debug::Footprint& request) const override { return Debug(this, request); }
 
 private:
     friend class StreamDenseIteratorImpl;

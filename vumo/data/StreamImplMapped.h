@@ -59,15 +59,14 @@ public:
     /// The block of the element at that index; null where there is none, and for a structure of size 0.
     char* elementBlock(const Index& index) const;
 
+    using vumo::Debug::CRTP_Debug<StreamImplMapped, vumo::Debug::Print>::debug;
+    using vumo::Debug::CRTP_Debug<StreamImplMapped, vumo::Debug::Footprint>::debug;
+
     static bool Debug(const StreamImplMapped* object, vumo::Debug::Print& request);
     static bool Debug(const StreamImplMapped* object, vumo::Debug::Footprint& request);
 
     static unsigned long long _objectsCreated;
     static unsigned long long _objectsAlive;
-
-    /// The storage's own description, whatever the type by which it is known.
-    bool debug(vumo::Debug::Print& request) const override { return Debug(this, request); }
-    bool debug(vumo::Debug::Footprint& request) const override { return Debug(this, request); }
 
 private:
     friend class StreamMappedIteratorImpl;
