@@ -6,6 +6,7 @@
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Text.h"
 
 #include <cstdlib>

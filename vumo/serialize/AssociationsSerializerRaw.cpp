@@ -1,6 +1,5 @@
 #include "vumo/serialize/AssociationsSerializerRaw.h"
 
-#include "vumo/data/detail/ValueText.h"
 #include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"

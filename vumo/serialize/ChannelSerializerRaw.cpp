@@ -1,6 +1,6 @@
 #include "vumo/serialize/ChannelSerializerRaw.h"
 
-#include "vumo/data/detail/ValueText.h"
+#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
 #include "vumo/serialize/detail/FormatDebug.h"

@@ -222,16 +222,4 @@ const char* typeWord(Member::eDataType type)
 {
     return kTypeWords[type < Member::kInvalidType ? type : Member::kInvalidType];
 }
-
-long long readPosition(std::istream& in)
-{
-    try
-    {
-        return in.rdbuf() ? static_cast<long long>(in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in)) : -1;
-    }
-    catch (...)
-    {
-        return -1; // there are buffers that cannot tell and throw
-    }
-}
 } // namespace vumo::Data::detail

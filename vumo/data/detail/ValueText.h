@@ -5,7 +5,6 @@
 #include "vumo/foundation/detail/ValueInput.h"
 
 #include <cstddef>
-#include <istream>
 #include <string>
 
 namespace vumo::Data::detail
@@ -47,8 +46,4 @@ std::string entryMessage(Member::eDataType type, unsigned int i, long long chara
 
 /// What messages call a value of that type: "Boolean", "Double matrix", "Int8" and so on.
 const char* typeWord(Member::eDataType type);
-
-/// The position of the next character to be read, counted from 0, also when the last read failed or met
-/// the end; -1 where the input cannot tell.
-long long readPosition(std::istream& in);
 } // namespace vumo::Data::detail

@@ -10,4 +10,16 @@ ClassicInput::ClassicInput(std::istream& in) : mIn(in), mStream(nullptr)
     mStream.rdbuf(in.rdbuf());
     mStream.setstate(in.rdstate());
 }
+
+long long readPosition(std::istream& in)
+{
+    try
+    {
+        return in.rdbuf() ? static_cast<long long>(in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in)) : -1;
+    }
+    catch (...)
+    {
+        return -1; // there are buffers that cannot tell and throw
+    }
+}
 } // namespace vumo::Data::detail

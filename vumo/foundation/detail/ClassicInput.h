@@ -22,4 +22,8 @@ private:
     std::istream& mIn;
     std::istream mStream;
 };
+
+/// The position of the next character to be read, counted from 0, also when the last read failed or met
+/// the end; -1 where the input cannot tell.
+long long readPosition(std::istream& in);
 } // namespace vumo::Data::detail

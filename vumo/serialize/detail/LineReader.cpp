@@ -1,6 +1,6 @@
 #include "vumo/serialize/detail/LineReader.h"
 
-#include "vumo/data/detail/ValueText.h"
+#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Trim.h"
 
 #include <cstring>

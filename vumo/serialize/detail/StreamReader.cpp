@@ -1,6 +1,6 @@
 #include "vumo/serialize/detail/StreamReader.h"
 
-#include "vumo/data/detail/ValueText.h"
+#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/serialize/SerializerRaw.h"
 
 #include <new>
