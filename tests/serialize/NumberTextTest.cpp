@@ -5,6 +5,7 @@
 #include "tests/support/SerializeFixtures.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -112,23 +113,29 @@ protected:
         }
     }
 
-    /// Reads three numbers from a line; what is wrong with it, if anything, and where.
+    /// Reads three numbers from a line; what is wrong with them, if anything, and where.
     template <class T>
     std::string extractLine(const TypeText<T>& type, const std::string& line, long long start, std::string& bytes)
     {
+        constexpr auto kEnd = std::char_traits<char>::eof();
         std::istream& in = inputOn(line);
-        for (int i = 0; i < 3; ++i)
+        std::string errors;
+        bool hasText = true;
+        for (int i = 0; i < 3 && hasText; ++i)
         {
+            hasText = !(in >> std::ws).eof();
             T value{};
             const bool good = extract(in, value);
-            const auto next = in.rdbuf()->sgetc();
-            const bool isAlone = next == std::char_traits<char>::eof() || std::isspace(next);
-            if (!good || !isAlone)
-                return invalid(type.word, start + in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
+            const auto isInWord = [&in] { return in.rdbuf()->sgetc() != kEnd && !std::isspace(in.rdbuf()->sgetc()); };
+            if (!good || isInWord())
+                errors += invalid(type.word, start + in.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
             bytes += bytesOf(value);
+            in.clear();
+            while (isInWord())
+                in.rdbuf()->sbumpc();
         }
-        if ((in >> std::ws).eof())
-            return "";
+        if (!errors.empty() || (in >> std::ws).eof())
+            return errors;
         const auto offset = static_cast<long long>(in.tellg());
         return "Text '" + line.substr(static_cast<std::size_t>(offset)) + "' on or about character " +
                std::to_string(start + offset) + " is left over behind the last value";
@@ -154,7 +161,7 @@ protected:
                 std::string error = extractLine(type, line, static_cast<long long>(text.size()), bytes);
                 if (error.find("left over") != std::string::npos)
                     error += " at record " + std::to_string(4 + 2 * i) + "\n";
-                errorCount += error.empty() ? 0 : 1;
+                errorCount += static_cast<unsigned int>(std::count(error.begin(), error.end(), '\n'));
                 errors += error;
                 text += line + "\n";
             }

@@ -76,11 +76,12 @@ TEST_F(StreamSerializerRawInputTest, Read_IsTheSameHoweverMuchTheBufferHolds)
     } cases[] = {
         {good + "endStream\nrest\n", good + "endStream\n"},
         {good + "71\n\n\n 3 \"x\" \r\nendStream\nrest\n", good + "71\n3 \"x\"\nendStream\n"},
-        {good + "9\nx \"\"\n9\n1 \"\" 2 3\nx\n1\nendStream\nrest\n",
+        {good + "9\nx y\n9\n1 \"\" 2 3\nx\n1\nendStream\nrest\n",
          "Float value on or about character 66 is invalid\n"
-         "Text '2 3' on or about character 78 is left over behind the last value at record 11\n"
-         "Value 'x' on or about character 82 is not a legal index (code 1) of type numeric\n"
-         "3 errors found, Stream not created\n"},
+         "String element on or about character 68 must be enclosed in double quotes instead of 'y'\n"
+         "Text '2 3' on or about character 77 is left over behind the last value at record 11\n"
+         "Value 'x' on or about character 81 is not a legal index (code 1) of type numeric\n"
+         "4 errors found, Stream not created\n"},
         {head + tooLong + "6\n1 \"\"\nendStream\nrest\n",
          "Line at record 5 on or about character 39 is longer than 1023 characters\n"
          "1 error found, Stream not created\n"},

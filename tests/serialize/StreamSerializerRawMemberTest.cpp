@@ -39,17 +39,25 @@ TEST_F(StreamSerializerRawMemberTest, ValuesOfOneElement_GoThroughAHandle)
     element.setPositionByMemberName("f");
     EXPECT_EQ(mFormat.writeMember(element, 9, out, errors), 0);
     EXPECT_EQ(out.str(), "0.5 1000.25");
-    std::istringstream bad("7 x");
+    std::istringstream bad("7x 8");
     EXPECT_EQ(mFormat.readMember(bad, 9, element, errors), 1);
-    EXPECT_EQ(element.str(0) + " " + element.str(1), "7 1000.25") << "the bad value keeps what was there";
-    EXPECT_TRUE(bad.fail());
+    EXPECT_EQ(element.str(0) + " " + element.str(1), "0.5 8") << "the bad value keeps what was there";
+    std::istringstream worse("x\n y \"a 7");
+    EXPECT_EQ(mFormat.readStructure(structure, worse, 9, element, errors), 3);
+    EXPECT_TRUE(worse.fail());
+    worse.clear();
+    worse >> rest;
+    EXPECT_EQ(rest, "7") << "where the next value starts";
 
     Handle none(structure, nullptr);
     EXPECT_EQ(mFormat.writeMember(none, 9, out, errors), 1);
     EXPECT_EQ(mFormat.readMember(in, 9, none, errors), 1);
     EXPECT_EQ(mFormat.readStructure(structure, in, 9, none, errors), 1);
     EXPECT_EQ(mFormat.readStructure(other, in, 9, element, errors), 1);
-    EXPECT_EQ(errors, "Float value on or about character 2 is invalid\n"
+    EXPECT_EQ(errors, "Float value on or about character 1 is invalid\n"
+                      "Float value on or about character 0 is invalid\n"
+                      "Float value on or about character 3 is invalid\n"
+                      "String element not terminated on or about character 9\n"
                       "Member at record 9 not recognized as a float\n"
                       "Member at record 9 not recognized as a float\n"
                       "Element at record 9 is not one of Structure 'P'\n"
@@ -89,7 +97,7 @@ TEST_F(StreamSerializerRawMemberTest, ReadMember_LeavesTheInputAsExtractionDoes)
         std::ios::iostate state;
     } cases[] = {
         {"int32", "12", 0, end},       {"int32", "12 x", 0, std::ios::goodbit},
-        {"int32", "", 1, failed},      {"int32", "x", 1, std::ios::failbit},
+        {"int32", "", 1, failed},      {"int32", "x y", 1, std::ios::failbit},
         {"bool[2]", "t f", 0, end},    {"bool[2]", "t", 1, failed},
         {"string", "\"a b\"", 0, end}, {"string", "\"a\" x", 0, std::ios::goodbit},
         {"string", "", 1, end},        {"string", "\"a", 1, failed},

@@ -123,6 +123,7 @@ int StreamSerializerRaw::readMember(std::istream& in, unsigned int record, Handl
     detail::ClassicInput input(in);
     detail::ValueInput valueInput(input.stream());
     detail::readMember(values, record, valueInput, messages);
+    valueInput.recallState();
     input.handOnState();
     return handOn(messages, errors);
 }
@@ -141,6 +142,7 @@ int StreamSerializerRaw::readStructure(const Structure& structure, std::istream&
     detail::ClassicInput input(in);
     detail::ValueInput values(input.stream());
     detail::ElementText(structure).read(handle.data(), record, values, messages);
+    values.recallState();
     input.handOnState();
     return handOn(messages, errors);
 }

@@ -56,11 +56,12 @@ public:
     /// Writes the values of the member that the handle is on.
     int writeMember(Handle& handle, unsigned int record, std::ostream& out, std::string& errors) const;
 
-    /// Reads the values of the member that the handle is on, up to the first that is bad; that one keeps what
-    /// was stored.
+    /// Reads the values of the member that the handle is on. One that is bad keeps what was stored; the next one
+    /// starts after the word in which it began, so that one call reports all that are bad. Where the input ends, the
+    /// first value that is missing is the last one reported. The input is left failed if any extraction failed.
     int readMember(std::istream& in, unsigned int record, Handle& handle, std::string& errors) const;
 
-    /// Reads the values of all members up to the first that is bad. The handle must be on that structure.
+    /// Reads the values of all members in this way. The handle must be on that structure.
     int readStructure(const Structure& structure, std::istream& in, unsigned int record, Handle& handle,
                       std::string& errors) const;
 

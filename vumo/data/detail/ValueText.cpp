@@ -129,6 +129,14 @@ bool extract(ValueInput& in, T& value, std::string&)
     else
         return extractWide(in, value);
 }
+
+/// Extracts an entry that nothing but whitespace follows.
+template <class T>
+bool extractAlone(ValueInput& in, T& value, ReadEntries& read)
+{
+    read.isMissing = !in.skipToText();
+    return extract(in, value, read.word) && in.isAtSeparator();
+}
 } // namespace
 
 unsigned int entryCount(Member::eDataType type)
@@ -174,26 +182,25 @@ bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string&
     return accepted;
 }
 
-bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, BadEntry& bad)
+bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, ReadEntries& read)
 {
-    std::size_t good = 0;
     bool accepted = false;
     visitDataType(type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
         if constexpr (!std::is_pointer_v<Scalar>)
         {
             const std::size_t entries = std::size_t(count) * layout.kEntries;
-            for (; good < entries; ++good)
+            std::size_t next = read.count;
+            for (; next < entries; ++next)
             {
                 Scalar value{};
-                const bool isPlain = takePlain(in, value);
-                if (!isPlain && !(extract(in, value, bad.word) && in.isAtSeparator()))
+                if (!takePlain(in, value) && !extractAlone(in, value, read))
                     break;
                 if (target)
-                    storeScalar(target + good * sizeof(Scalar), value);
+                    storeScalar(target + next * sizeof(Scalar), value);
             }
-            accepted = good == entries;
-            bad.place = static_cast<unsigned int>(good % layout.kEntries);
+            accepted = next == entries;
+            read.count = next;
         }
     });
     return accepted;

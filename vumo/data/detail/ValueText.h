@@ -26,17 +26,18 @@ bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataTy
 /// `word` receives what stood in place of a boolean. Not for strings.
 bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string& word);
 
-/// An entry that is not acceptable: its place in its value, and what stood in place of a boolean.
-struct BadEntry
+/// How far the entries of values have been read, and about the next one, when it is not acceptable, why.
+struct ReadEntries
 {
-    unsigned int place = 0;
-    std::string word;
+    std::size_t count = 0;
+    std::string word;       // what stands in place of a boolean
+    bool isMissing = false; // the input has no text left
 };
 
-/// Reads the entries of `count` values to `target`, or only over them when that is null. Each must be followed by
-/// whitespace or the end of the input. Stops at the first that is not acceptable, which is not stored, and returns
-/// whether there was none. Not for strings.
-bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, BadEntry& bad);
+/// Reads the entries of `count` values to `target`, or only over them when that is null, from the first that was not
+/// read before. Each must be followed by whitespace or the end of the input. Stops at one that is not acceptable,
+/// which is not stored, and returns whether there was none. Not for strings.
+bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, ReadEntries& read);
 
 /// The address of entry `i` of the value at `value`.
 char* entryAddress(Member::eDataType type, char* value, unsigned int i);

@@ -10,7 +10,7 @@
 
 namespace vumo::Data::detail
 {
-/// Gives out a text in memory. Tells positions; moves to none.
+/// Gives out a text in memory, moves in it, and tells positions.
 class TextBuffer : public std::streambuf
 {
 public:
@@ -27,10 +27,12 @@ protected:
 
     pos_type seekoff(off_type offset, std::ios::seekdir way, std::ios::openmode) override
     {
-        const long long first = start();
-        if (offset != 0 || way != std::ios::cur || first < 0)
+        const bool isInside = offset >= eback() - gptr() && offset <= egptr() - gptr();
+        if (way != std::ios::cur || !isInside)
             return pos_type(off_type(-1));
-        return pos_type(off_type(first + (gptr() - eback())));
+        setg(eback(), gptr() + offset, egptr());
+        const long long first = start();
+        return pos_type(off_type(first < 0 ? first : first + (gptr() - eback())));
     }
 };
 
@@ -53,16 +55,20 @@ public:
     void restart(std::string_view text)
     {
         mText = text;
-        mAt = text.data();
+        mAt = mBegin = text.data();
         mEnd = mAt + text.size();
         mStream.clear();
+        mFailure = std::ios::goodbit;
     }
 
     /// The input, from which everything is taken from now on.
     std::istream& stream()
     {
         if (mAt)
+        {
             mBuffer->restart(mText, mAt);
+            mTaken = mAt - mBegin;
+        }
         mAt = mEnd = nullptr;
         return mStream;
     }
@@ -79,12 +85,32 @@ public:
     Traits::int_type get()
     {
         if (!mAt)
-            return mStream.get();
+        {
+            const Traits::int_type next = mStream.get();
+            mTaken += mStream.gcount();
+            return next;
+        }
         return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt++);
     }
 
     /// Skips whitespace; returns whether there is text behind it, as there never is in an input that has failed.
     bool skipToText();
+
+    /// Marks the place as the begin of a value, to which goBack() returns.
+    void beginValue()
+    {
+        mBegin = mAt;
+        mTaken = 0;
+    }
+
+    /// Returns to the begin of the value; an input that cannot move stays where it is.
+    void goBack();
+
+    /// Goes on after an error: forgets the state that it left, and takes the rest of the word.
+    void skipWord();
+
+    /// Gives the input the state of all that failed, as if nothing had been forgotten.
+    void recallState() { mStream.setstate(mFailure); }
 
     /// Says whether whitespace or the end follows.
     bool isAtSeparator() const
@@ -153,5 +179,8 @@ private:
     std::string_view mText;
     const char* mAt = nullptr; // in the text; null: the input is used
     const char* mEnd = nullptr;
+    const char* mBegin = nullptr;                   // of the value in the text, as long as that is in use
+    std::streamoff mTaken = 0;                      // of the value, through get(), once the input is used
+    std::ios::iostate mFailure = std::ios::goodbit; // what skipWord() has forgotten
 };
 } // namespace vumo::Data::detail

@@ -94,51 +94,61 @@ bool readQuoted(ValueInput& in, std::string& text, Messages& messages)
     }
 }
 
-/// Reads a string, which replaces the one at `target`.
+/// Replaces the string at `target` by a copy of the text.
+void storeString(char* target, std::string_view text)
+{
+    char* const copy = duplicateText(text); // may throw, while the string before is still there
+    std::free(loadScalar<char*>(target));
+    storeScalar(target, copy);
+}
+
+/// Reads a string, which replaces the one at `target`, if there is one. There is text left.
 bool readString(ValueInput& in, char* target, Messages& messages)
 {
-    if (in.skipToText())
+    const Traits::int_type first = in.peek();
+    if (first != '"')
     {
-        const Traits::int_type first = in.peek();
-        if (first != '"')
-        {
-            messages.add("String element" + placeOf(in) + " must be enclosed in double quotes instead of '" +
-                         Traits::to_char_type(first) + "'");
-            return false;
-        }
-        in.get();
-        std::string_view text = in.takeUntil(isSpecial);
-        std::string unescaped;
-        if (in.peek() == '"')
-            in.get(); // as most strings do, it lies in the input as it is
-        else
-        {
-            unescaped = text;
-            if (!readQuoted(in, unescaped, messages))
-                return false;
-            text = unescaped;
-        }
-        if (in.isAtSeparator())
-        {
-            if (target)
-            {
-                char* const copy = duplicateText(text); // may throw, while the string before is still there
-                std::free(loadScalar<char*>(target));
-                storeScalar(target, copy);
-            }
-            return true;
-        }
+        messages.add("String element" + placeOf(in) + " must be enclosed in double quotes instead of '" +
+                     Traits::to_char_type(first) + "'");
+        return false;
     }
-    messages.add(entryMessage(Member::kString, 0, readPosition(in.stream()), ""));
-    return false;
+    in.get();
+    std::string_view text = in.takeUntil(isSpecial);
+    std::string unescaped;
+    if (in.peek() == '"')
+        in.get(); // as most strings do, it lies in the input as it is
+    else
+    {
+        unescaped = text;
+        if (!readQuoted(in, unescaped, messages))
+            return false;
+        text = unescaped;
+    }
+    if (!in.isAtSeparator())
+    {
+        messages.add(entryMessage(Member::kString, 0, readPosition(in.stream()), ""));
+        return false;
+    }
+    if (target)
+        storeString(target, text);
+    return true;
 }
 
 bool readStrings(ValueInput& in, const MemberValues& values, Messages& messages)
 {
     for (unsigned int i = 0; i < values.length; ++i)
     {
-        if (!readString(in, values.data ? values.data + i * sizeof(char*) : nullptr, messages))
+        if (!in.skipToText())
+        {
+            messages.add(entryMessage(Member::kString, 0, readPosition(in.stream()), ""));
             return false;
+        }
+        in.beginValue();
+        if (!readString(in, values.data ? values.data + i * sizeof(char*) : nullptr, messages))
+        {
+            in.goBack(); // a quotation mark that is missing must not hide the other values of the line
+            in.skipWord();
+        }
     }
     return true;
 }
@@ -146,21 +156,24 @@ bool readStrings(ValueInput& in, const MemberValues& values, Messages& messages)
 /// Reads the entries of numbers, booleans or matrices.
 bool readNumbers(ValueInput& in, const MemberValues& values, Messages& messages)
 {
-    BadEntry bad;
-    if (readValues(in, values.type, values.length, values.data, bad))
-        return true;
-    messages.add(entryMessage(values.type, bad.place, readPosition(in.stream()), bad.word));
-    return false;
+    ReadEntries read;
+    while (!readValues(in, values.type, values.length, values.data, read))
+    {
+        const auto place = static_cast<unsigned int>(read.count % entryCount(values.type));
+        messages.add(entryMessage(values.type, place, readPosition(in.stream()), read.word));
+        if (read.isMissing)
+            return false;
+        in.skipWord();
+        ++read.count;
+    }
+    return true;
 }
 
-/// The least length that the text of the values can have: a character or two quotation marks, and a separator, for
-/// each of them.
+/// The least length that the text of the values can have, good or bad: a character and a separator for each of them.
 unsigned long long leastLength(Member::eDataType type, unsigned int length)
 {
-    constexpr unsigned int kLeastEntry = 2;
-    constexpr unsigned int kLeastString = 3;
-    const unsigned long long value = type == Member::kString ? kLeastString : kLeastEntry * entryCount(type);
-    return value * length;
+    constexpr unsigned long long kLeastEntry = 2;
+    return kLeastEntry * entryCount(type) * length;
 }
 
 /// A number that no reader takes back, and why.
@@ -232,7 +245,7 @@ bool readMember(const MemberValues& values, unsigned int record, ValueInput& in,
     if (values.type >= Member::kInvalidType)
     {
         messages.add(unrecognizedMessage(values.type, record));
-        return false;
+        return true;
     }
     return values.type == Member::kString ? readStrings(in, values, messages) : readNumbers(in, values, messages);
 }
@@ -263,8 +276,13 @@ bool ElementText::append(TextBuilder& line, const NumberFormat& format, char* bl
 
 bool ElementText::read(char* block, unsigned int record, ValueInput& in, Messages& messages) const
 {
-    return std::all_of(mMembers.begin(), mMembers.end(),
-                       [&](const Place& member) { return readMember(valuesOf(member, block), record, in, messages); });
+    const int errorsBefore = messages.count();
+    for (const Place& member : mMembers)
+    {
+        if (!readMember(valuesOf(member, block), record, in, messages))
+            break;
+    }
+    return messages.count() == errorsBefore;
 }
 
 MemberValues ElementText::valuesOf(const Place& member, char* block)

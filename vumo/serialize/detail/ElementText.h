@@ -40,8 +40,9 @@ bool appendMember(TextBuilder& line, const NumberFormat& format, const MemberVal
 std::string refusedMessage(const MemberValues& values, const NumberFormat& format, const std::string& place,
                            unsigned int record, const LineOwner& owner);
 
-/// Reads the values up to the first that is bad, which is an error and is not stored. With null data it reads
-/// all the same and stores nothing. Returns whether all were good.
+/// Reads the values. One that is bad is an error and is not stored, and the next one starts after the word in which it
+/// began. With null data it reads all the same and stores nothing. The first value that is missing is the last error:
+/// then it returns false.
 bool readMember(const MemberValues& values, unsigned int record, ValueInput& in, Messages& messages);
 
 /// Writes and reads the elements of a structure, whose members it looks up once.
@@ -68,7 +69,8 @@ public:
     /// appendMember() refused one of them.
     bool append(TextBuilder& line, const NumberFormat& format, char* block) const;
 
-    /// Reads the members up to the first bad value; null for `block` stores nothing.
+    /// Reads the members, each as readMember() does; null for `block` stores nothing. Returns whether all values were
+    /// good.
     bool read(char* block, unsigned int record, ValueInput& in, Messages& messages) const;
 
     /// Says whether a line of that length can possibly hold all values of an element.

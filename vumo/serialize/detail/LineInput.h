@@ -13,7 +13,7 @@ class LineInput
 {
 public:
     /// Borrows the reader.
-    explicit LineInput(LineReader& lines);
+    explicit LineInput(const LineReader& lines);
 
     /// An input at the start of the reader's current line; valid until that reads the next one.
     ValueInput& restart();
@@ -22,16 +22,16 @@ private:
     class Buffer : public TextBuffer
     {
     public:
-        explicit Buffer(LineReader& lines) : mLines(lines) {}
+        explicit Buffer(const LineReader& lines) : mLines(lines) {}
 
     protected:
         long long start() const override { return mLines.position(); }
 
     private:
-        LineReader& mLines;
+        const LineReader& mLines;
     };
 
-    LineReader& mLines;
+    const LineReader& mLines;
     Buffer mBuffer;
     std::istream mStream;
     ValueInput mValues;

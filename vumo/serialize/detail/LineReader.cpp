@@ -1,6 +1,5 @@
 #include "vumo/serialize/detail/LineReader.h"
 
-#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Trim.h"
 
 #include <cstring>
@@ -72,14 +71,13 @@ bool LineReader::nextFilled()
     return false;
 }
 
-long long LineReader::position()
+long long LineReader::position() const
 {
-    mWindow.release();
-    const long long end = readPosition(mIn);
+    const long long end = mWindow.end();
     return end < 0 ? end : end - mConsumed + (mText.data() - mLine.data());
 }
 
-std::string LineReader::tooLongMessage()
+std::string LineReader::tooLongMessage() const
 {
     return "Line at record " + std::to_string(mRecord) + " on or about character " + std::to_string(position()) +
            " is longer than " + std::to_string(kMaxLineLength) + " characters";

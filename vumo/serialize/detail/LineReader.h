@@ -40,7 +40,7 @@ public:
     /// Passes over blank lines; a line that is too long is never blank.
     bool nextFilled();
 
-    /// The current line, trimmed at both ends; valid until the next one is read or position() is asked for.
+    /// The current line, trimmed at both ends; valid until the next one is read.
     std::string_view text() const { return mText; }
     bool isTooLong() const { return mTooLong; }
 
@@ -51,9 +51,9 @@ public:
     unsigned int record() const { return mRecord; }
 
     /// Where text() begins in the input, counted in characters from 0; -1 where the input cannot tell.
-    long long position();
+    long long position() const;
 
-    std::string tooLongMessage();
+    std::string tooLongMessage() const;
 
 private:
     bool takeLine();

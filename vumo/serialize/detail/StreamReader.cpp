@@ -154,7 +154,8 @@ void StreamReader::readDataLine(Index&& index)
         mElementText = std::make_unique<ElementText>(*mStructure, ElementText::kLine);
     if (!mElementText->fitsInto(mLines.text().size()))
     {
-        // Nothing is allocated by the size that a structure promises; this finds the first missing value.
+        // Nothing is allocated by the size that a structure promises; this finds what is bad and the first missing
+        // value.
         mElementText->read(nullptr, mLines.record(), values, mMessages);
         return;
     }
