@@ -223,9 +223,16 @@ TEST_F(StreamSerializerRawTest, Read_ReportsEveryFaultWithItsPlace)
         {"name S\nstructure\nendStream", "Structure '' not found\n1 error"},
         {"indexType color\n" + head + "0\n1\n", "Creator for index type 'color' not found\n1 error"},
         {"name S\nstructure Q\n0\n", "Structure 'Q' not found\n1 error"},
-        {"structure P\n\n0\n1\nname S\nendStream", "Index data encountered before Stream name specified at record 3\n"
-                                                   "Index data encountered before Stream name specified at record 5\n"
-                                                   "Index 'name S' at record 5 has no data line\n3 errors"},
+        {"structure P\n\n0\n1\nname S\n1\n2\nname T\nname U\nendStream",
+         "Index data encountered before Stream name specified at record 3\n"
+         "Value 'name T' on or about character 28 is not a legal index (code 1) of type numeric\n2 errors"},
+        {"0\nname S\nstructure Q\nendStream",
+         "Index data encountered before Stream name specified at record 1\n"
+         "Index data encountered before Structure name specified at record 1\nStructure 'Q' not found\n3 errors"},
+        {head + "1 2\n3\nindexType pair\n4\n5\n1 2\nx\n",
+         "Value '1 2' on or about character 19 is not a legal index (code 2) of type numeric\n"
+         "Value '4' on or about character 40 is not a legal index (code 1) of type pair\n"
+         "Int32 value on or about character 48 is invalid\n3 errors"},
         {"0\n1\n", "Index data encountered before Stream name specified at record 1\n"
                    "Index data encountered before Structure name specified at record 1\n2 errors"},
         {"names S\n1\n", "Index data encountered before Stream name specified at record 1\n"

@@ -22,9 +22,9 @@ std::unique_ptr<Stream> StreamReader::read(std::string& errors)
 {
     while (mLines.nextFilled() && !isLastLine())
     {
-        if (!mInElements && readHeaderLine())
+        if (!mStorage && readHeaderLine())
             continue;
-        mInElements = true;
+        mHasIndexLine = true;
         if (!readIndexAndData())
             break;
     }
@@ -69,6 +69,7 @@ void StreamReader::acceptName(const std::string& name)
 void StreamReader::acceptIndexType(const std::string& name)
 {
     mIndexType = name;
+    mIndexCreator = nullptr;
     mHasUsableIndexType = isLineUsable() && Index::creators().count(name) > 0;
     if (!mHasUsableIndexType && !mLines.isTooLong())
         mMessages.add("Creator for index type '" + name + "' not found");
@@ -77,6 +78,7 @@ void StreamReader::acceptIndexType(const std::string& name)
 void StreamReader::acceptStructure(const std::string& name)
 {
     mHasStructure = true;
+    mElementText.reset();
     mStructure = isLineUsable() ? findStructure(name) : nullptr;
     if (!mStructure && !mLines.isTooLong())
         mMessages.add("Structure '" + name + "' not found");
@@ -152,6 +154,7 @@ void StreamReader::readDataLine(Index&& index)
     ValueInput& values = mValues.restart();
     if (!mElementText)
         mElementText = std::make_unique<ElementText>(*mStructure, ElementText::kLine);
+    StreamImplMapped& elements = storage();
     if (!mElementText->fitsInto(mLines.text().size()))
     {
         // Nothing is allocated by the size that a structure promises; this finds what is bad and the first missing
@@ -159,7 +162,7 @@ void StreamReader::readDataLine(Index&& index)
         mElementText->read(nullptr, mLines.record(), values, mMessages);
         return;
     }
-    char* const block = storage().newElement(std::move(index)); // half filled after an error, but then nobody sees it
+    char* const block = elements.newElement(std::move(index)); // half filled after an error, but then nobody sees it
     if (!mElementText->read(block, mLines.record(), values, mMessages))
         return;
     if (values.skipToText())
@@ -175,8 +178,8 @@ void StreamReader::readDataLine(Index&& index)
 
 void StreamReader::requireHeader()
 {
-    if (mInElements)
-        return; // what is missing was said where the first index stood
+    if (mHasIndexLine)
+        return; // what is missing was said where an index stood
     if (!mHasName)
         mMessages.add("Stream name not specified" + atRecord());
     if (!mHasStructure)

@@ -59,11 +59,11 @@ private:
     bool mHasName = false;
     bool mHasStructure = false;
     bool mHasUsableIndexType = true;
-    bool mInElements = false;
+    bool mHasIndexLine = false;
 
     Index::Creator mIndexCreator = nullptr; // null: not yet looked up
     std::string mIndexText;                 // of the current element
     std::unique_ptr<ElementText> mElementText;
-    Ref<StreamImplMapped> mStorage; // null: not yet needed
+    Ref<StreamImplMapped> mStorage; // null: no element was made, so header lines may follow
 };
 } // namespace vumo::Data::detail
