@@ -69,7 +69,7 @@ TYPED_TEST(SerializerInitializerTest, Deregister_MakesTheFirstFormatLeftTheDefau
     EXPECT_EQ(Base::formatByName("other"), nullptr) << "a default need not be registered";
 
     Base::registerFormat(other);
-    Base::registerFormat(other);
+    Base::registerFormat(&other);
     EXPECT_EQ(Base::allFormats().size(), 2U);
     EXPECT_EQ(Base::formatByName("other"), &other);
 
@@ -85,7 +85,17 @@ TYPED_TEST(SerializerInitializerTest, Deregister_MakesTheFirstFormatLeftTheDefau
     Base::deregisterFormat(*raw);
     EXPECT_EQ(Base::defaultFormat(), &other) << "only the default's own deregistration replaces it";
     Base::allFormatsToEdit().erase(nullptr);
-    Base::registerFormat(*raw);
+    Base::registerFormat(raw);
+    Base::registerFormat(nullptr);
+    Base::deregisterFormat(nullptr);
+    EXPECT_EQ(Base::allFormats(), std::set<const Base*>{raw});
+    Base::setDefaultFormat(nullptr);
+    Base::deregisterFormat(nullptr);
+    Base::deregisterFormat(&other);
+    EXPECT_EQ(Base::defaultFormat(), nullptr);
+    Base::setDefaultFormat(&other);
+    Base::deregisterFormat(&other);
+    EXPECT_EQ(Base::defaultFormat(), raw);
 }
 
 TYPED_TEST(SerializerInitializerTest, ADestroyedFormat_IsNeitherRegisteredNorTheDefault)

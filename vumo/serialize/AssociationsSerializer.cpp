@@ -42,9 +42,21 @@ void AssociationsSerializer::registerFormat(const AssociationsSerializer& format
     Registry::formats().insert(&format);
 }
 
+void AssociationsSerializer::registerFormat(const AssociationsSerializer* format)
+{
+    if (format)
+        registerFormat(*format);
+}
+
 void AssociationsSerializer::deregisterFormat(const AssociationsSerializer& format)
 {
     Registry::deregister(format, theDefault);
+}
+
+void AssociationsSerializer::deregisterFormat(const AssociationsSerializer* format)
+{
+    if (format)
+        deregisterFormat(*format);
 }
 
 void AssociationsSerializer::setDefaultFormat(const AssociationsSerializer* format)

@@ -47,11 +47,13 @@ public:
     static const std::set<const AssociationsSerializer*>& allFormats();
     static std::set<const AssociationsSerializer*>& allFormatsToEdit();
 
-    /// Does not touch the default.
+    /// Does not touch the default. Null does nothing, here and where formats are deregistered.
     static void registerFormat(const AssociationsSerializer& format);
+    static void registerFormat(const AssociationsSerializer* format);
 
     /// When the format is the default, registered or not, the first one left takes its place, or null.
     static void deregisterFormat(const AssociationsSerializer& format);
+    static void deregisterFormat(const AssociationsSerializer* format);
 
     /// Any format will do, registered or not; null means none.
     static void setDefaultFormat(const AssociationsSerializer* format);

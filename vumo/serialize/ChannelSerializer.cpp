@@ -42,9 +42,21 @@ void ChannelSerializer::registerFormat(const ChannelSerializer& format)
     Registry::formats().insert(&format);
 }
 
+void ChannelSerializer::registerFormat(const ChannelSerializer* format)
+{
+    if (format)
+        registerFormat(*format);
+}
+
 void ChannelSerializer::deregisterFormat(const ChannelSerializer& format)
 {
     Registry::deregister(format, theDefault);
+}
+
+void ChannelSerializer::deregisterFormat(const ChannelSerializer* format)
+{
+    if (format)
+        deregisterFormat(*format);
 }
 
 void ChannelSerializer::setDefaultFormat(const ChannelSerializer* format)

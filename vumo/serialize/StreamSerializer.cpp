@@ -42,9 +42,21 @@ void StreamSerializer::registerFormat(const StreamSerializer& format)
     Registry::formats().insert(&format);
 }
 
+void StreamSerializer::registerFormat(const StreamSerializer* format)
+{
+    if (format)
+        registerFormat(*format);
+}
+
 void StreamSerializer::deregisterFormat(const StreamSerializer& format)
 {
     Registry::deregister(format, theDefault);
+}
+
+void StreamSerializer::deregisterFormat(const StreamSerializer* format)
+{
+    if (format)
+        deregisterFormat(*format);
 }
 
 void StreamSerializer::setDefaultFormat(const StreamSerializer* format)

@@ -47,11 +47,13 @@ public:
     static const std::set<const StreamSerializer*>& allFormats();
     static std::set<const StreamSerializer*>& allFormatsToEdit();
 
-    /// Does not touch the default.
+    /// Does not touch the default. Null does nothing, here and where formats are deregistered.
     static void registerFormat(const StreamSerializer& format);
+    static void registerFormat(const StreamSerializer* format);
 
     /// When the format is the default, registered or not, the first one left takes its place, or null.
     static void deregisterFormat(const StreamSerializer& format);
+    static void deregisterFormat(const StreamSerializer* format);
 
     /// Any format will do, registered or not; null means none.
     static void setDefaultFormat(const StreamSerializer* format);

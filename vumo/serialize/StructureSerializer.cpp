@@ -42,9 +42,21 @@ void StructureSerializer::registerFormat(const StructureSerializer& format)
     Registry::formats().insert(&format);
 }
 
+void StructureSerializer::registerFormat(const StructureSerializer* format)
+{
+    if (format)
+        registerFormat(*format);
+}
+
 void StructureSerializer::deregisterFormat(const StructureSerializer& format)
 {
     Registry::deregister(format, theDefault);
+}
+
+void StructureSerializer::deregisterFormat(const StructureSerializer* format)
+{
+    if (format)
+        deregisterFormat(*format);
 }
 
 void StructureSerializer::setDefaultFormat(const StructureSerializer* format)
