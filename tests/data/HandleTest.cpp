@@ -4,6 +4,7 @@
 #include "tests/support/DataFixtures.h"
 
 #include <utility>
+#include <vector>
 
 namespace vumo::Data
 {
@@ -82,6 +83,50 @@ TEST_F(HandleTest, Positions_AreFoundOrLeftAtTheEnd)
     EXPECT_EQ(handle.dataType(), Member::kInvalidType);
     EXPECT_TRUE(handle.setPositionByMemberIndex(0));
     EXPECT_TRUE(Handle().setPositionByMemberIndex(4294967295U));
+}
+
+TEST_F(HandleTest, GetAndSet_MoveValuesWhereverTheyLie)
+{
+    const auto structure = test::heldStructure("S", {{Member::kInt8, 1, "odd"},
+                                                     {Member::kDouble, 2, "pair"},
+                                                     {Member::kString, 2, "texts"},
+                                                     {Member::kFloatMatrix4x4, 2, "places"}});
+    std::vector<char> block(structure->totalSize() + 1);
+    Handle handle(*structure, block.data() + 1); // at an odd address, as elements of odd size have
+    const Handle& reader = handle;
+    EXPECT_TRUE(handle.set<std::int8_t>(0, -7));
+    EXPECT_EQ(reader.get<std::int8_t>(), -7);
+    handle.setPositionByMemberName("pair");
+    EXPECT_TRUE(handle.set(1, 2.5));
+    EXPECT_FALSE(handle.set(2, 2.5));
+    EXPECT_FALSE(handle.set(0, 2.5F));
+    EXPECT_FALSE(handle.set(0, "2.5"));
+    EXPECT_EQ(reader.get<double>(0), 0);
+    EXPECT_EQ(reader.get<double>(1), 2.5);
+    EXPECT_EQ(reader.get<double>(2), std::nullopt);
+    EXPECT_EQ(reader.get<float>(1), std::nullopt);
+    EXPECT_EQ(reader.get<std::string>(1), std::nullopt);
+    handle.setPositionByMemberName("texts");
+    EXPECT_EQ(reader.get<std::string>(0), "");
+    EXPECT_EQ(reader.values<char*>()[0], nullptr);
+    EXPECT_TRUE(handle.set(0, "first"));
+    EXPECT_TRUE(handle.set(1, *handle.get<const char*>(0) + 1));
+    EXPECT_TRUE(handle.set(0, *handle.get<const char*>(0) + 2)); // a part of the text that it replaces
+    EXPECT_FALSE(handle.set(0, std::string("cut\0short", 9)));
+    EXPECT_EQ(*reader.get<std::string>(0) + *reader.get<std::string>(1), "rstirst");
+    EXPECT_TRUE(handle.set(0, static_cast<const char*>(nullptr)));
+    EXPECT_EQ(reader.get<const char*>(0), nullptr);
+    handle.setPositionByMemberName("places");
+    handle.values<float>().set(31, 1.5F);
+    EXPECT_EQ(handle.str(1), "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 1.5");
+    EXPECT_EQ(reader.values<float>().size(), 32U);
+    structure->destroyChunk(handle.data());
+
+    handle.setPositionByMemberName("absent");
+    EXPECT_FALSE(handle.set(0, 0.5));
+    EXPECT_EQ(reader.get<double>(), std::nullopt);
+    EXPECT_EQ(Handle(*structure, nullptr).get<std::int8_t>(), std::nullopt);
+    EXPECT_EQ(Handle(*structure, nullptr).values<std::int8_t>().size(), 0U);
 }
 
 TEST_F(HandleTest, TypedAccess_NeverConverts)

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "vumo/data/Member.h"
+#include "vumo/data/MemberView.h"
 #include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <type_traits>
 
 namespace vumo::Data
 {
@@ -98,12 +101,62 @@ public:
     bool isDefault() const;
     bool isDefaultMember(const char* name) const;
 
+    /// The values of the current member, as many as its dimension, to be read and (not of a const handle) set wherever
+    /// they lie. T is their type; a matrix is 16 values of its entries' type, and strings are seen as `char*`: see
+    /// `MemberView`. No values without data, at the end, or when the member is of another type. Borrows the block.
+    template <class T>
+    typename MemberView<T>::Values values()
+    {
+        return valuesOf<T>();
+    }
+
+    template <class T>
+    typename MemberView<ReadOnlyValue<T>>::Values values() const
+    {
+        return valuesOf<ReadOnlyValue<T>>();
+    }
+
+    /// The i-th of them, empty where there is none. A `std::string` is a copy of the text, empty for a null string;
+    /// a `const char*` is borrowed.
+    template <class T>
+    std::optional<T> get(unsigned int i = 0) const
+    {
+        using Stored = std::conditional_t<std::is_same_v<T, std::string>, const char*, T>;
+        const auto present = values<Stored>();
+        if (i >= present.size())
+            return std::nullopt;
+        if constexpr (std::is_same_v<T, std::string>)
+            return present[i] ? T(present[i]) : T();
+        else
+            return present[i];
+    }
+
+    /// Stores the i-th of them. False, with nothing changed, where there is none: types are not converted, so a number
+    /// must have the member's own type. A text is copied in place of the one before, which is freed; it is refused
+    /// when it holds a zero byte, at which it would end. A null text is stored as null.
+    template <class T>
+    bool set(unsigned int i, const T& value)
+    {
+        const auto present = values<T>();
+        if (i >= present.size())
+            return false;
+        present.set(i, value);
+        return true;
+    }
+
+    bool set(unsigned int i, const char* text) { return set<char*>(i, const_cast<char*>(text)); }
+
+    bool set(unsigned int i, const std::string& text)
+    {
+        return text.find('\0') == std::string::npos && set(i, text.c_str());
+    }
+
     /// Each gives the first of the current member's values inside the block; null without data, at the
     /// end, or when the member is not of that type. A matrix is 16 entries, row after row.
     ///
     /// The address may be misaligned for the type when the structure's layout makes it so; memcpy is
     /// then the way to move a value. A string may be null, and is so by default. To write one, free() the
-    /// old text and store a new one made by strdup.
+    /// old text and store a new one made by strdup. get() and set() see to both.
     bool* asBoolean() { return static_cast<bool*>(asType(Member::kBoolean)); }
     double* asDouble() { return static_cast<double*>(asType(Member::kDouble)); }
     double* asDoubleMatrix4x4() { return static_cast<double*>(asType(Member::kDoubleMatrix4x4)); }
@@ -163,6 +216,14 @@ private:
     }
 
     const Member* currentMember() const { return mStructure->member(mIndex); }
+
+    template <class T>
+    typename MemberView<T>::Values valuesOf() const
+    {
+        const Member* const member = mData ? currentMember() : nullptr;
+        const unsigned int count = MemberTypes<std::remove_const_t<T>>::valueCount(member);
+        return typename MemberView<T>::Values(count > 0 ? mData + Member::offset(member) : nullptr, count);
+    }
 
     /// The address of the i-th value of the current member; null when there is none.
     char* value(unsigned int i) const;

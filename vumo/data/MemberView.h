@@ -20,6 +20,17 @@ struct MemberTypesAre
 {
     static constexpr Member::eDataType kValue = Value;
     static constexpr Member::eDataType kMatrix = Matrix;
+
+    /// How many values of the C++ type an element has in that member; 0 for null and for members of other types.
+    static unsigned int valueCount(const Member* member)
+    {
+        const Member::eDataType type = Member::type(member);
+        if (type == Member::kInvalidType) // which also stands where a C++ type has no matrix
+            return 0;
+        if (type == Matrix)
+            return 16 * Member::length(member);
+        return type == Value ? Member::length(member) : 0;
+    }
 };
 
 template <> struct MemberTypes<bool> : MemberTypesAre<Member::kBoolean> {};
@@ -36,6 +47,10 @@ template <> struct MemberTypes<std::uint16_t> : MemberTypesAre<Member::kUInt16> 
 template <> struct MemberTypes<std::uint32_t> : MemberTypesAre<Member::kUInt32> {};
 template <> struct MemberTypes<std::uint64_t> : MemberTypesAre<Member::kUInt64> {};
 // clang-format on
+
+/// The same values, to be read only.
+template <class T>
+using ReadOnlyValue = std::conditional_t<std::is_pointer_v<T>, const char*, const T>;
 
 /// Puts a copy of `text`, or null, in place of the string at `string`, which is released. `text` may be a part of it.
 /// Throws `std::bad_alloc`.

@@ -204,22 +204,10 @@ std::vector<unsigned int> Stream::numericIndices() const
     return indices;
 }
 
-const Member* Stream::findMember(const char* name, Member::eDataType type, Member::eDataType matrixType) const
+const Member* Stream::findMember(const char* name) const
 {
     Handle handle(structure(), nullptr);
-    const bool isFound = handle.setPositionByMemberName(name);
-    const Member* const member = isFound ? structure().member(handle.memberIndex()) : nullptr;
-    const Member::eDataType present = Member::type(member);
-    const bool fits = present < Member::kInvalidType && (present == type || present == matrixType);
-    return fits ? member : nullptr;
-}
-
-unsigned int Stream::valueCount(const Member& member)
-{
-    constexpr unsigned int kMatrixEntries = 16;
-    const bool isMatrix =
-        Member::type(&member) == Member::kDoubleMatrix4x4 || Member::type(&member) == Member::kFloatMatrix4x4;
-    return Member::length(&member) * (isMatrix ? kMatrixEntries : 1);
+    return handle.setPositionByMemberName(name) ? structure().member(handle.memberIndex()) : nullptr;
 }
 
 std::vector<char*> Stream::elementBlocks(const unsigned int* indices, unsigned int count) const

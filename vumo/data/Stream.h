@@ -152,18 +152,8 @@ public:
 private:
     friend class ChannelImpl; // renames the streams that it holds
 
-    /// The member of that name and one of the types, or null.
-    const Member* findMember(const char* name, Member::eDataType type, Member::eDataType matrixType) const;
-
-    template <class T>
-    const Member* findMember(const char* name) const
-    {
-        using Types = MemberTypes<std::remove_const_t<T>>;
-        return findMember(name, Types::kValue, Types::kMatrix);
-    }
-
-    /// How many scalars of a member an element has.
-    static unsigned int valueCount(const Member& member);
+    /// The first member of that name or null.
+    const Member* findMember(const char* name) const;
 
     /// The blocks of these elements, null where there is none.
     std::vector<char*> elementBlocks(const unsigned int* indices, unsigned int count) const;
@@ -180,19 +170,20 @@ template <class T>
 MemberView<T> Stream::memberView(const char* memberName) const
 {
     const ElementView elements = elementView();
-    const Member* const member = findMember<T>(memberName);
-    if (!member || elements.empty())
+    const Member* const member = findMember(memberName);
+    const unsigned int valueCount = MemberTypes<std::remove_const_t<T>>::valueCount(member);
+    if (valueCount == 0 || elements.empty())
         return MemberView<T>();
-    return MemberView<T>(elements.data() + Member::offset(member), elements.stride(), valueCount(*member),
-                         elements.size());
+    return MemberView<T>(elements.data() + Member::offset(member), elements.stride(), valueCount, elements.size());
 }
 
 template <class T>
 unsigned int Stream::setMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
                                      const T* values)
 {
-    const Member* const member = findMember<T>(memberName);
-    if (!member)
+    const Member* const member = findMember(memberName);
+    const unsigned int valueCount = MemberTypes<T>::valueCount(member);
+    if (valueCount == 0)
         return 0;
     if constexpr (std::is_pointer_v<T>)
         return setStrings(*member, indices, count, values);
@@ -204,10 +195,10 @@ unsigned int Stream::setMemberValues(const char* memberName, const unsigned int*
         {
             if (block)
             {
-                typename MemberView<T>::Values(block + Member::offset(member), valueCount(*member)).set(values);
+                typename MemberView<T>::Values(block + Member::offset(member), valueCount).set(values);
                 ++written;
             }
-            values += valueCount(*member);
+            values += valueCount;
         }
         return written;
     }
@@ -217,22 +208,23 @@ template <class T>
 unsigned int Stream::getMemberValues(const char* memberName, const unsigned int* indices, unsigned int count,
                                      T* values) const
 {
-    const Member* const member = findMember<T>(memberName);
-    if (!member)
+    const Member* const member = findMember(memberName);
+    const unsigned int valueCount = MemberTypes<T>::valueCount(member);
+    if (valueCount == 0)
         return 0;
     unsigned int found = 0;
     for (char* const block : elementBlocks(indices, count))
     {
         if (block)
         {
-            typename MemberView<T>::Values(block + Member::offset(member), valueCount(*member)).get(values);
+            typename MemberView<T>::Values(block + Member::offset(member), valueCount).get(values);
             ++found;
         }
         else
         {
-            std::fill_n(values, valueCount(*member), T());
+            std::fill_n(values, valueCount, T());
         }
-        values += valueCount(*member);
+        values += valueCount;
     }
     return found;
 }
