@@ -8,7 +8,7 @@ using namespace vumo::Data;
 
 void get(const std::string& fileName, const Address& address, const std::string* index)
 {
-    SceneFile scene(fileName);
+    SceneFile scene(fileName, SceneFile::kLook);
     const Stream& stream = scene.stream(address);
     if (index)
         memberTable(stream.structure(), elementAt(scene, stream, *index)).print(std::cout, 0);

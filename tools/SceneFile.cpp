@@ -4,35 +4,59 @@
 #include "vumo/data/Associations.h"
 #include "vumo/data/Channel.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 
 using namespace vumo::Data;
 
 namespace
 {
-/// What the system says when the file cannot be opened; empty when it can.
-std::string openingFault(const std::string& fileName)
+/// What the system says about the call that has just failed, and what can be done about it.
+std::string systemFault()
 {
-    errno = 0;
-    const std::ifstream file(fileName);
-    return file ? "" : std::strerror(errno);
+    const std::string reason = std::strerror(errno);
+    return errno == EACCES ? reason + "; ask its owner for access" : reason;
+}
+
+/// What keeps the file from being used as a scene; empty when nothing is known to. Opening would wait at a pipe.
+std::string obstacle(const std::string& fileName, SceneFile::eUse use)
+{
+    struct stat status = {};
+    if (stat(fileName.c_str(), &status) != 0)
+        return systemFault();
+    if (S_ISDIR(status.st_mode))
+        return "this is a folder; name a scene file in it";
+    if (!S_ISREG(status.st_mode))
+        return "this is not a regular file; copy what it delivers to one";
+    if (!Accessor::accessorByExtension(fileName))
+        return "its name is not that of a scene; give it the ending .oa if it is an ASCII scene, .ob if it is binary";
+    const int rights = use == SceneFile::kEdit ? R_OK | W_OK : R_OK;
+    return access(fileName.c_str(), rights) == 0 ? "" : systemFault();
 }
 } // namespace
 
-SceneFile::SceneFile(const std::string& fileName) : mFileName(fileName)
+SceneFile::SceneFile(const std::string& fileName, eUse use) : mFileName(fileName)
 {
-    std::string errors;
+    std::string errors = obstacle(fileName, use);
+    if (!errors.empty())
+        throw failure(errors);
     mAccessor = Accessor::readFile(fileName, errors);
-    if (mAccessor)
-        return;
-    const std::string reason = openingFault(fileName);
-    throw failure(reason.empty() ? errors : errors + " (" + reason + ")");
+    if (!mAccessor)
+        throw failure(errors);
+}
+
+bool SceneFile::isEmpty() const
+{
+    return mAccessor->structures().empty() && mAccessor->associations().empty();
 }
 
 Stream& SceneFile::stream(const Address& address)
 {
+    if (isEmpty())
+        throw failure(kNoMetadata);
     const auto entry = mAccessor->associations().find(address.node);
     if (entry == mAccessor->associations().end())
         throw failure("no metadata for " + nodeTitle(address.node));
@@ -54,5 +78,6 @@ void SceneFile::write() const
 
 Failure SceneFile::failure(const std::string& message) const
 {
-    return Failure(mFileName + ": " + message);
+    const bool isNamed = message.find(mFileName) != std::string::npos;
+    return Failure(isNamed ? message : mFileName + ": " + message);
 }

@@ -8,13 +8,25 @@
 #include <memory>
 #include <string>
 
-/// The metadata of a scene file that was read whole. Whatever fails throws a `Failure` that names the file.
+/// The metadata of a scene file that was read whole. Whatever fails throws a `Failure` that names the file once.
 class SceneFile
 {
 public:
-    explicit SceneFile(const std::string& fileName);
+    enum eUse
+    {
+        kLook,
+        kEdit ///< the file must be writable, too
+    };
+
+    /// What is to be said about a scene that isEmpty().
+    static constexpr const char* kNoMetadata =
+        "there is no metadata yet; a program attaches it with the library, as examples/write_scene.cpp does";
+
+    SceneFile(const std::string& fileName, eUse use);
 
     const vumo::Data::Accessor& metadata() const { return *mAccessor; }
+
+    bool isEmpty() const;
 
     /// The stream at that address, owned by the metadata.
     vumo::Data::Stream& stream(const Address& address);

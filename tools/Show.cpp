@@ -54,7 +54,12 @@ void showChannel(const Channel& channel, bool withValues)
 
 void show(const std::string& fileName, bool withValues)
 {
-    const SceneFile scene(fileName);
+    const SceneFile scene(fileName, SceneFile::kLook);
+    if (scene.isEmpty())
+    {
+        std::cout << SceneFile::kNoMetadata << "\n";
+        return;
+    }
     showStructures(scene.metadata().structures());
     for (const auto& entry : scene.metadata().associations())
     {

@@ -87,6 +87,10 @@ int run(int argc, char** argv)
     addGet(app, arguments);
     addSet(app, arguments);
     app.footer("Exit codes: 0 done, 1 the file or the data is at fault, 2 wrong usage.");
+    // The parser itself would only miss a command, without a word about what stands in its place.
+    const auto isNamed = [argv](const CLI::App* command) { return command->get_name() == argv[1]; };
+    if (argc > 1 && argv[1][0] != '-' && app.get_subcommands(isNamed).empty())
+        throw WrongUsage("there is no command " + quoted(argv[1]) + "; vumo --help lists those that there are");
     try
     {
         app.parse(argc, argv);

@@ -1,11 +1,15 @@
 #include "tests/support/Golden.h"
 #include "tests/support/ScratchFile.h"
+#include "tests/support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -40,6 +44,16 @@ Outcome run(const std::string& program, const std::vector<std::string>& argument
         outcome.out.append(part.data(), length);
     outcome.exitCode = WEXITSTATUS(pclose(pipe));
     return outcome;
+}
+
+/// Runs the tool held to the permissions of files, which the administrator is not as a rule.
+Outcome runWithPermissions(std::vector<std::string> arguments)
+{
+    if (geteuid() != 0)
+        return run(VUMO_TOOL_PATH, arguments);
+    const std::string rights = "-dac_override,-dac_read_search";
+    arguments.insert(arguments.begin(), {"--inh-caps=" + rights, "--bounding-set=" + rights, VUMO_TOOL_PATH});
+    return run("setpriv", arguments);
 }
 
 /// Runs the tool on golden scenes of both kinds, which hold the same metadata.
