@@ -3,8 +3,10 @@
 #include "Failure.h"
 #include "SceneFile.h"
 #include "Text.h"
+#include "vumo/foundation/Ref.h"
+#include "vumo/serialize/StreamSerializerRaw.h"
 
-#include <locale>
+#include <cstring>
 #include <sstream>
 
 using namespace vumo::Data;
@@ -19,16 +21,6 @@ struct Assignment
     unsigned int first; ///< the range of the member's values that it is about
     unsigned int count;
 };
-
-std::vector<std::string> words(const std::string& text)
-{
-    std::istringstream in(text);
-    in.imbue(std::locale::classic());
-    std::vector<std::string> result;
-    for (std::string word; in >> word;)
-        result.push_back(word);
-    return result;
-}
 
 /// Takes "name[i]" apart.
 bool splitIndex(const std::string& text, std::string& name, unsigned int& i)
@@ -66,63 +58,54 @@ Assignment resolve(const SceneFile& scene, const std::string& text, Handle& elem
     return {plainName, value, i, 1};
 }
 
-/// Text conversion reads as far as it can; a word that goes on behind its number is a slip of the user's.
-bool isWholeNumber(const std::string& word, Member::eDataType type)
+/// Stores the text in one string, as it stands.
+void assignString(const SceneFile& scene, const Assignment& assignment, Handle& element)
 {
-    const bool isReal = type == Member::kDouble || type == Member::kFloat || type == Member::kDoubleMatrix4x4 ||
-                        type == Member::kFloatMatrix4x4;
-    if (type == Member::kBoolean)
-        return true;
-    const bool isUnsigned = type >= Member::kUInt8 && type <= Member::kUInt64; // reading would wrap a negative number
-    const char* const allowed = isReal ? "0123456789+-.eE" : isUnsigned ? "0123456789+" : "0123456789+-";
-    if (word.find_first_not_of(allowed) != std::string::npos)
-        return false;
-    std::istringstream in(word);
-    in.imbue(std::locale::classic());
-    double number = 0;
-    in >> number;
-    return in.eof();
+    if (assignment.count != 1)
+        throw WrongUsage("set the strings of " + quoted(assignment.member) + " one by one, as MEMBER[i]=VALUE");
+    std::string errors;
+    if (element.fromStr(assignment.value, assignment.first, errors) > 0)
+        throw scene.failure("member " + quoted(assignment.member) + ": " + errors);
 }
 
-void storeValue(const SceneFile& scene, const std::string& member, const std::string& text, unsigned int i,
-                Handle& element)
+/// What is wrong with the text as that many values; empty when they were read into `values`, which has no others.
+std::string readValues(const std::string& text, Handle& values)
 {
+    const Member::eDataType type = values.dataType();
+    const bool isUnsigned = type >= Member::kUInt8 && type <= Member::kUInt64;
+    if (isUnsigned && text.find('-') != std::string::npos) // scene files let negative numbers wrap around
+        return quoted(text) + " is negative";
+    std::istringstream in(text);
     std::string errors;
-    if (element.fromStr(text, i, errors) > 0)
-        throw scene.failure("member " + quoted(member) + ": " + errors);
+    if (StreamSerializerRaw::theFormat()->readMember(in, 1, values, errors) > 0)
+        return errors;
+    std::string rest;
+    return in >> rest ? quoted(rest) + " is left over" : "";
+}
+
+/// Reads all values before it stores any: the library's reader knows whole members only.
+void assignValues(const SceneFile& scene, const Assignment& assignment, Handle& element)
+{
+    const Member::eDataType type = element.dataType();
+    const vumo::Ref<Structure> alone(Structure::create());
+    alone->addMember(type, assignment.count, assignment.member.c_str());
+    Handle values(*alone);
+    const std::string fault = readValues(assignment.value, values);
+    if (!fault.empty())
+        throw scene.failure("member " + quoted(assignment.member) + " takes " + std::to_string(assignment.count) + " " +
+                            Member::typeName(type) + (assignment.count == 1 ? " value: " : " values: ") + fault);
+    const std::size_t size = Member::typeSize(type);
+    std::memcpy(static_cast<char*>(element.asType(type)) + assignment.first * size, values.asType(type),
+                assignment.count * size);
 }
 
 void assign(const SceneFile& scene, const std::string& text, Handle& element)
 {
     const Assignment assignment = resolve(scene, text, element);
-    const Member::eDataType type = element.dataType();
-    if (type == Member::kString && assignment.count == 1)
-    {
-        storeValue(scene, assignment.member, assignment.value, assignment.first, element);
-        return;
-    }
-    if (type == Member::kString)
-        throw WrongUsage("set the strings of " + quoted(assignment.member) + " one by one, as MEMBER[i]=VALUE");
-
-    const bool isMatrix = type == Member::kDoubleMatrix4x4 || type == Member::kFloatMatrix4x4;
-    const std::size_t wordsPerValue = isMatrix ? 16 : 1;
-    const std::vector<std::string> given = words(assignment.value);
-    if (given.size() != wordsPerValue * assignment.count)
-        throw scene.failure("member " + quoted(assignment.member) + " takes " +
-                            std::to_string(wordsPerValue * assignment.count) + " values here, not " +
-                            std::to_string(given.size()));
-    for (std::size_t i = 0; i < given.size(); i += wordsPerValue)
-    {
-        std::string value;
-        for (std::size_t word = i; word < i + wordsPerValue; ++word)
-        {
-            if (!isWholeNumber(given[word], type))
-                throw scene.failure(quoted(given[word]) + " is not a value for member " + quoted(assignment.member));
-            value += given[word] + " ";
-        }
-        storeValue(scene, assignment.member, value, assignment.first + static_cast<unsigned int>(i / wordsPerValue),
-                   element);
-    }
+    if (element.dataType() == Member::kString)
+        assignString(scene, assignment, element);
+    else
+        assignValues(scene, assignment, element);
 }
 } // namespace
 

@@ -195,12 +195,15 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
         {"set",
          {"body", "edge", "creases", "0 1", "weight=1x"},
          1,
-         "vumo: FILE: \"1x\" is not a value for member \"weight\"\n"},
+         "vumo: FILE: member \"weight\" takes 1 float value: Float value on or about character 1 is invalid\n"},
         {"set",
          {"body", "vertex", "all", "0", "i8=200"},
          1,
-         "vumo: FILE: member \"i8\": Int8 value on or about character 4 is invalid\n"},
-        {"set", {"body", "vertex", "all", "0", "u64=-1"}, 1, "vumo: FILE: \"-1\" is not a value for member \"u64\"\n"},
+         "vumo: FILE: member \"i8\" takes 1 int8 value: Int8 value on or about character 3 is invalid\n"},
+        {"set",
+         {"body", "vertex", "all", "0", "u64=-1"},
+         1,
+         "vumo: FILE: member \"u64\" takes 1 uint64 value: \"-1\" is negative\n"},
         {"get",
          {"body", "vertex", "labels", "\x1b[31m"},
          1,
@@ -208,11 +211,16 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
         {"set",
          {"body", "vertex", "all", "0", "pair=1"},
          1,
-         "vumo: FILE: member \"pair\" takes 2 values here, not 1\n"},
+         "vumo: FILE: member \"pair\" takes 2 double values: Double value on or about character 1 is invalid\n"},
+        {"set",
+         {"body", "vertex", "all", "0", "pair=1 2 3"},
+         1,
+         "vumo: FILE: member \"pair\" takes 2 double values: \"3\" is left over\n"},
         {"set",
          {"body", "vertex", "all", "0", "flag=TRUE"},
          1,
-         "vumo: FILE: member \"flag\": Boolean on or about character 5 has invalid value 'TRUE'. Use 't', 'true', '1', "
+         "vumo: FILE: member \"flag\" takes 1 bool value: Boolean on or about character 4 has invalid value 'TRUE'. "
+         "Use 't', 'true', '1', "
          "'f', 'false', "
          "'0' only.\n"},
         {"set",
@@ -240,17 +248,61 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
     EXPECT_EQ(mBinary.bytes(), goldenBytes("rich.ob.hex"));
 }
 
-TEST_F(VumoTest, FilesThatCannotBeRead_AreNamed)
+TEST_F(VumoTest, FilesThatCannotBeUsed_AreNamedOnceWithWhatToDo)
 {
-    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "scene.txt"}).out,
-              "vumo: scene.txt: No factory registered for type of file \"scene.txt\" (No such file or directory)\n");
-    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.ob"}).out,
-              "vumo: /nowhere/a.ob: File not valid. (No such file or directory)\n");
-    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.oa"}).out,
-              "vumo: /nowhere/a.oa: Could not open /nowhere/a.oa (No such file or directory)\n");
-    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "/nowhere/a.oa"}).exitCode, 1);
-    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", "\x1b[31m.ob"}).out,
-              "vumo: \\x1b[31m.ob: File not valid. (No such file or directory)\n");
+    const ScratchFolder folder;
+    for (const char* name : {"scene", "secret.ob", "fixed.oa"})
+        std::ofstream(folder / name) << goldenText("rich.oa");
+    std::ofstream(folder / "odd.oa") << "hello";
+    std::ofstream(folder / "bare.oa") << "//Ovri ASCII 2014 scene\nselect -ne :a;\n// End of bare.oa\n";
+    ASSERT_EQ(mkfifo((folder / "pipe.ob").c_str(), 0600), 0);
+    ASSERT_EQ(chmod((folder / "secret.ob").c_str(), 0), 0);
+    ASSERT_EQ(chmod((folder / "fixed.oa").c_str(), 0400), 0);
+    const std::string noMetadata =
+        "there is no metadata yet; a program attaches it with the library, as examples/write_scene.cpp does\n";
+    const std::vector<std::string> get = {"body", "edge", "creases"};
+    const std::vector<std::string> set = {"body", "edge", "creases", "0 1", "weight=1"};
+
+    const struct
+    {
+        const char* command;
+        std::string file;
+        std::vector<std::string> arguments;
+        std::string message;
+    } cases[] = {
+        {"show", "", {}, "this is a folder; name a scene file in it\n"},
+        {"show", "pipe.ob", {}, "this is not a regular file; copy what it delivers to one\n"},
+        {"show",
+         "scene",
+         {},
+         "its name is not that of a scene; give it the ending .oa if it is an ASCII scene, .ob if it is binary\n"},
+        {"show", "absent.ob", {}, "No such file or directory\n"},
+        {"show", "\x1b[31m.ob", {}, "No such file or directory\n"},
+        {"show", "scene/a.oa", {}, "Not a directory\n"},
+        {"show", "secret.ob", {}, "Permission denied; ask its owner for access\n"},
+        {"set", "fixed.oa", set, "Permission denied; ask its owner for access\n"},
+        {"show", "odd.oa", {}, "Header too small.\n"},
+        {"get", "bare.oa", get, noMetadata},
+        {"set", "bare.oa", set, noMetadata},
+    };
+    for (const auto& [command, file, arguments, message] : cases)
+    {
+        SCOPED_TRACE(command + (" " + file));
+        std::vector<std::string> words = {command, folder / file};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = runWithPermissions(words);
+        const std::string printed = file[0] == '\x1b' ? "\\x1b[31m.ob" : file;
+        EXPECT_EQ(outcome.out, "vumo: " + folder / printed + ": " + message);
+        EXPECT_EQ(outcome.exitCode, 1);
+    }
+    EXPECT_EQ(run(VUMO_TOOL_PATH, {"show", folder / "bare.oa"}).out, noMetadata);
+}
+
+TEST_F(VumoTest, Commands_AreNeeded)
+{
+    const Outcome outcome = run(VUMO_TOOL_PATH, {"list", "a.ob"});
+    EXPECT_EQ(outcome.out, "vumo: there is no command \"list\"; vumo --help lists those that there are\n");
+    EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_EQ(run(VUMO_TOOL_PATH, {}).exitCode, 2);
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"--help"}).exitCode, 0);
     EXPECT_EQ(run(VUMO_TOOL_PATH, {"--version"}).out.substr(0, 5), "vumo ");
