@@ -5,8 +5,6 @@
 
 #include <iconv.h>
 
-#include <filesystem>
-
 namespace vumo::test
 {
 namespace
@@ -26,20 +24,18 @@ const struct SceneKind
 class AllocationFailureTest : public AccessorFixture
 {
 protected:
-    /// Calls `test` with both kinds of files and the number of an allocation, until it says that there are no more.
+    /// Calls `test` with both kinds of files for each allocation.
     template <class Test>
-    static void forEachAllocation(const Test& test)
+    static void withBothScenes(const Test& test)
     {
         for (const SceneKind& kind : kScenes)
         {
+            SCOPED_TRACE(kind.ending);
             const ScratchFile file(kind.ending);
-            bool hasFailed = true;
-            for (std::size_t n = 0; hasFailed && !HasFailure(); ++n)
-            {
-                SCOPED_TRACE(kind.ending + std::to_string(n));
+            forEachAllocation([&](std::size_t n, bool& hasFailed) {
                 file.setBytes(kind.scene);
                 test(kind, file, n, hasFailed);
-            }
+            });
         }
     }
 
@@ -60,19 +56,11 @@ protected:
         std::string errors;
         EXPECT_TRUE(isEndedBy(script, [&] { return editor.write(errors); }));
     }
-
-    static std::string bytesOf(const std::string& name)
-    {
-        std::ifstream file(name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
-
-    static std::string recordOf(const ScratchFile& file) { return file.name() + ".vumo-undo"; }
 };
 
 TEST_F(AllocationFailureTest, Reads_GiveAllOrNothing)
 {
-    forEachAllocation([](const SceneKind&, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+    withBothScenes([](const SceneKind&, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto accessor = Accessor::accessorByExtension(file.name());
         std::string errors;
         const bool isRead = succeedsWithout(n, hasFailed, [&] { return accessor->read(file.name(), errors); });
@@ -86,12 +74,12 @@ TEST_F(AllocationFailureTest, Reads_GiveAllOrNothing)
 
 TEST_F(AllocationFailureTest, RichScenes_AreWrittenAsAWholeOrNotAtAllAndThenAgain)
 {
-    forEachAllocation([](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+    withBothScenes([](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto editor = editorOf(file);
         std::string errors;
         const bool isWritten = succeedsWithout(n, hasFailed, [&] { return editor->write(errors); });
         EXPECT_EQ(file.bytes(), isWritten ? kind.edited : kind.scene);
-        EXPECT_FALSE(std::filesystem::exists(recordOf(file)));
+        EXPECT_FALSE(file.hasRecord());
         EXPECT_TRUE(Structure::allStructures().empty());
         editor->setDurability(Accessor::kMemoryOnly);
         EXPECT_TRUE(editor->write(errors)) << errors;
@@ -103,19 +91,19 @@ TEST_F(AllocationFailureTest, RichScenesThatACrashLeft_AreRestoredOrStayAsTheyAr
 {
     std::string torn;
     std::string record;
-    forEachAllocation([&](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+    withBothScenes([&](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         if (n == 0)
         {
             crash(*editorOf(file));
             torn = file.bytes();
-            record = bytesOf(recordOf(file));
+            record = file.record();
             ASSERT_NE(torn, kind.scene);
         }
         file.setBytes(torn);
-        std::ofstream(recordOf(file), std::ios::binary) << record;
+        file.setRecord(record);
         std::string errors;
         const bool isDone = succeedsWithout(n, hasFailed, [&] { return Accessor::recover(file.name(), errors); });
-        const bool isRestored = !std::filesystem::exists(recordOf(file));
+        const bool isRestored = !file.hasRecord();
         EXPECT_EQ(isRestored, isDone) << errors;
         EXPECT_EQ(file.bytes(), isRestored ? kind.scene : torn);
         EXPECT_TRUE(Accessor::recover(file.name(), errors)) << errors;
@@ -125,25 +113,21 @@ TEST_F(AllocationFailureTest, RichScenesThatACrashLeft_AreRestoredOrStayAsTheyAr
 
 TEST_F(AllocationFailureTest, AText_IsConvertedOrNotWritten)
 {
-    const ScratchFile file("");
-    const ScratchLocale locale(file.name() + ".locales", "ISO-8859-1");
+    const ScratchLocale locale("ISO-8859-1");
     if (!locale.isSet())
         GTEST_SKIP() << "localedef cannot make a locale here";
     // The C library takes a module that it could not load for one that does not exist. These keep both loaded.
     const iconv_t kept[] = {iconv_open("UTF-8", ""), iconv_open("", "UTF-8")};
     const Ref<Structure> note = heldStructure("Note", {{Member::kString, 1, "Text"}});
     const Associations notes = associationsOf("scene", "notes", *note, 0, "\xE9");
-    bool hasFailed = true;
-    for (std::size_t n = 0; hasFailed && !HasFailure(); ++n)
-    {
-        SCOPED_TRACE(n);
+    forEachAllocation([&](std::size_t n, bool& hasFailed) {
         std::ostringstream out;
         std::string errors;
         const bool isWritten = succeedsWithout(
             n, hasFailed, [&] { return BinaryWriter::writeAssociationsChunk(out, "SMTD", "", notes, &errors); });
         EXPECT_TRUE(isWritten || hasFailed) << errors;
         EXPECT_EQ(out.str().find("\"\xC3\xA9\"") != std::string::npos, isWritten);
-    }
+    });
     for (const iconv_t conversion : kept)
         iconv_close(conversion);
 }

@@ -215,7 +215,7 @@ TEST_F(BinaryWriterTest, Texts_AreUtf8InTheFileAndInTheLocalesEncodingOutside)
     EXPECT_EQ(bytesInFile(latin1), latin1) << "what cannot be converted stays as it is";
     EXPECT_EQ(valueAt(*readScene(mFile.name()), "", "scene", "notes", 0), latin1);
 
-    const ScratchLocale locale(mFile.name() + ".locales", "ISO-8859-1");
+    const ScratchLocale locale("ISO-8859-1");
     if (!locale.isSet())
         GTEST_SKIP() << "localedef cannot make a locale here";
     std::string many;
@@ -244,7 +244,7 @@ TEST_F(BinaryWriterTest, Texts_ThatTheLocaleCannotExpressAreNotTakenForOthers)
         {chunk("DATS", note), "The file holds metadata with characters that the encoding of this locale does not have. "
                               "Write it in a locale that has them, such as one of UTF-8."},
     };
-    const ScratchLocale locale(mFile.name() + ".locales", "ISO-8859-1");
+    const ScratchLocale locale("ISO-8859-1");
     if (!locale.isSet())
         GTEST_SKIP() << "localedef cannot make a locale here";
     for (const auto& [trailer, error] : cases)

@@ -109,20 +109,6 @@ protected:
                FileTransaction(file, mFile.name(), Accessor::kJournal).run(change, mErrors);
     }
 
-    std::string recordName() const { return mFile.name() + ".vumo-undo"; }
-    bool hasRecord() const { return std::filesystem::exists(recordName()); }
-
-    std::string record() const
-    {
-        std::ifstream file(recordName(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
-
-    void setRecord(const std::string& bytes) const
-    {
-        std::ofstream(recordName(), std::ios::binary | std::ios::trunc) << bytes;
-    }
-
     /// Leaves the file of the golden record with its first and its last edit made.
     void leaveBetween()
     {
@@ -162,7 +148,7 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAt
         script.mTurn = 1 + static_cast<int>(random.below(24));
         script.mAction = random.below(2) == 0 ? FileCallScript::kExit : FileCallScript::kExitHalfway;
         const bool isEnded = isEndedBy(script, [&] { return run(change); });
-        while (hasRecord() && !HasFailure()) // also when it is ended again
+        while (mFile.hasRecord() && !HasFailure()) // also when it is ended again
         {
             script.mTurn = 1 + static_cast<int>(random.below(6));
             isEndedBy(script, [&] { return recover(mFile.name(), mErrors); });
@@ -192,17 +178,17 @@ TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRe
         script.mTurn = 1;
         script.mAction = FileCallScript::kExit;
         isEndedBy(script, [&] { return run(change); });
-        const std::string undo = record();
-        for (int disk = 0; disk < 4 && hasRecord() && !HasFailure(); ++disk)
+        const std::string undo = mFile.record();
+        for (int disk = 0; disk < 4 && mFile.hasRecord() && !HasFailure(); ++disk)
         {
             const std::string left = bytesOnDisk(random, before, after);
             mFile.setBytes(left);
             EXPECT_TRUE(recover(mFile.name(), mErrors)) << mErrors;
             EXPECT_TRUE(mFile.bytes() == (left == after ? after : before));
             restored += left != before && left != after;
-            setRecord(undo);
+            mFile.setRecord(undo);
         }
-        std::remove(recordName().c_str());
+        std::remove(mFile.recordName().c_str());
     }
     EXPECT_GT(restored, 40);
 }
@@ -210,7 +196,7 @@ TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRe
 TEST_F(FileTransactionGoldenTest, TheRecord_FollowsItsLayout)
 {
     leaveBetween();
-    EXPECT_EQ(record(), goldenBytes("undo_record.hex"));
+    EXPECT_EQ(mFile.record(), goldenBytes("undo_record.hex"));
     EXPECT_TRUE(recover(mFile.name(), mErrors)) << mErrors;
     EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
 }
@@ -219,20 +205,20 @@ TEST_F(FileTransactionTest, ARecordThatIsDamaged_ChangesNothing)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
-    const std::string good = record();
+    const std::string good = mFile.record();
     const auto expectNothing = [&](const std::string& bytes) {
-        setRecord(bytes);
+        mFile.setRecord(bytes);
         mErrors.clear();
         const bool isRecovered = recover(mFile.name(), mErrors);
-        EXPECT_EQ(isRecovered, !hasRecord());
-        EXPECT_EQ(mErrors.empty(), !hasRecord());
+        EXPECT_EQ(isRecovered, !mFile.hasRecord());
+        EXPECT_EQ(mErrors.empty(), !mFile.hasRecord());
         EXPECT_EQ(mFile.bytes(), file);
     };
     for (std::size_t size = 0; size < good.size(); ++size)
     {
         SCOPED_TRACE("cut at " + std::to_string(size));
         expectNothing(good.substr(0, size));
-        EXPECT_FALSE(hasRecord()) << "its writer did not complete it";
+        EXPECT_FALSE(mFile.hasRecord()) << "its writer did not complete it";
         expectNothing(good.substr(0, size) + std::string(good.size() - size, '\0'));
     }
     for (std::size_t i = 0; i < good.size(); ++i)
@@ -245,7 +231,7 @@ TEST_F(FileTransactionTest, ARecordThatIsDamaged_ChangesNothing)
             expectNothing(bytes);
         }
     }
-    std::remove(recordName().c_str());
+    std::remove(mFile.recordName().c_str());
 }
 
 TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
@@ -267,13 +253,13 @@ TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
-    const std::string good = record();
+    const std::string good = mFile.record();
     FileCallScript script;
     for (int turn = 1; turn == 1 || (script.hadItsTurn() && !HasFailure()); ++turn)
     {
         SCOPED_TRACE(turn);
         mFile.setBytes(file);
-        setRecord(good);
+        mFile.setRecord(good);
         script = FileCallScript();
         script.mCalls = FileCallScript::kReads;
         script.mTurn = turn;
@@ -283,9 +269,9 @@ TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
         mErrors.clear();
         if (recover(mFile.name(), mErrors))
             continue;
-        EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + recordName() + ".");
+        EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + mFile.recordName() + ".");
         EXPECT_EQ(mFile.bytes(), file);
-        EXPECT_TRUE(hasRecord());
+        EXPECT_TRUE(mFile.hasRecord());
     }
     EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
 
@@ -306,7 +292,7 @@ TEST_F(FileTransactionTest, ARecordThatContradictsItself_IsRefused)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
-    const std::string good = record();
+    const std::string good = mFile.record();
     constexpr std::size_t kOldLength = 16;
     constexpr std::size_t kFirstPosition = 40;
     constexpr std::size_t kSecondPosition = 64;
@@ -333,12 +319,12 @@ TEST_F(FileTransactionTest, ARecordThatContradictsItself_IsRefused)
         }
         ASSERT_EQ(position + 8, bytes.size());
         bytes.replace(position, 8, bigEndian(checksum.value()));
-        setRecord(bytes);
+        mFile.setRecord(bytes);
         mErrors.clear();
         EXPECT_FALSE(recover(mFile.name(), mErrors));
         EXPECT_EQ(mFile.bytes(), file);
     }
-    std::remove(recordName().c_str());
+    std::remove(mFile.recordName().c_str());
 }
 } // namespace
 } // namespace vumo::test

@@ -115,26 +115,12 @@ protected:
         return {messages[kind.ofMetadata]};
     }
 
-    std::string recordName() const { return mFile->name() + ".vumo-undo"; }
-    bool hasRecord() const { return std::filesystem::exists(recordName()); }
-
-    void setRecord(const std::string& bytes) const
-    {
-        std::ofstream(recordName(), std::ios::binary | std::ios::trunc) << bytes;
-    }
-
-    std::string record() const
-    {
-        std::ifstream file(recordName(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
-
     /// Reads the file that a crash left: afterwards it is the old one or the new one.
     void expectOldOrNewAfterRead() const
     {
         const auto accessor = readScene(mFile->name());
         ASSERT_TRUE(accessor);
-        EXPECT_FALSE(hasRecord());
+        EXPECT_FALSE(mFile->hasRecord());
         const std::string bytes = mFile->bytes();
         EXPECT_TRUE(bytes == mOld || bytes == mNew) << bytes.size();
         const Stream* stream = accessor->associations()["Body"].channel("vertex").findDataStream("weights");
@@ -147,13 +133,13 @@ protected:
     void expectOldOrNewAfterCrashesOfRecovery()
     {
         const std::string file = mFile->bytes();
-        const std::string undo = record();
+        const std::string undo = mFile->record();
         bool isEnded = true;
         for (int turn = 1; isEnded && !HasFailure(); ++turn)
         {
             SCOPED_TRACE("recovery ended at its call " + std::to_string(turn));
             mFile->setBytes(file);
-            setRecord(undo);
+            mFile->setRecord(undo);
             Script script;
             script.mTurn = turn;
             script.mAction = Script::kExitHalfway;
@@ -201,7 +187,7 @@ TEST_F(InterruptedWriteTest, ACrashAtAnyCall_LeavesTheOldOrTheNewFile)
                 script.mTurn = turn;
                 script.mAction = action;
                 isEnded = isEndedBy(script, [&] { return write(); });
-                if (isEnded && hasRecord() && action == Script::kExitHalfway)
+                if (isEnded && mFile->hasRecord() && action == Script::kExitHalfway)
                     expectOldOrNewAfterCrashesOfRecovery();
                 expectOldOrNewAfterRead();
                 calls += isEnded ? 1 : 0;
@@ -287,19 +273,19 @@ TEST_F(InterruptedWriteTest, ACallThatFails_LeavesTheFileAsItWas)
                 const bool isHarmless = script.mLog.size() > 1 && script.mLog[1] == "share record" && turn == 2;
                 EXPECT_EQ(isWritten, isHarmless || !script.hadItsTurn());
                 EXPECT_EQ(mFile->bytes(), isWritten ? mNew : mOld);
-                EXPECT_FALSE(hasRecord());
+                EXPECT_FALSE(mFile->hasRecord());
                 EXPECT_EQ(isWritten, mErrors.empty());
                 if (!isWritten && (messages.empty() || messages.back() != mErrors))
                     messages.push_back(mErrors);
             }
-            std::vector<std::string> expected = {"Could not write the undo record " + recordName() + "."};
+            std::vector<std::string> expected = {"Could not write the undo record " + mFile->recordName() + "."};
             const std::vector<std::string> steps = ofThisChange(kind, kind.writeMessages);
             expected.insert(expected.end(), steps.begin(), steps.end());
             if (expected.back() != kind.writeMessages.back())
                 expected.push_back(kind.writeMessages.back()); // also that of a sync
             if (mNew.size() < mOld.size())
                 expected.push_back("Could not truncate the file.");
-            expected.push_back("Could not remove the undo record " + recordName() + ".");
+            expected.push_back("Could not remove the undo record " + mFile->recordName() + ".");
             EXPECT_EQ(messages, expected);
         }
     });
@@ -325,7 +311,7 @@ TEST_F(InterruptedWriteTest, ASeekOrAReadThatFails_LeavesTheFileAsItWas)
                 const bool isWritten = write(script);
                 EXPECT_TRUE(isWritten || !mErrors.empty());
                 EXPECT_EQ(mFile->bytes(), isWritten ? mNew : mOld);
-                EXPECT_FALSE(hasRecord());
+                EXPECT_FALSE(mFile->hasRecord());
                 if (!isWritten)
                     messages.push_back(mErrors);
             }
@@ -394,7 +380,7 @@ TEST_F(InterruptedWriteTest, CallsThatAreInterruptedOrDoneInPart_AreCompleted)
                 script.mAction = action;
                 EXPECT_TRUE(write(script)) << mErrors;
                 EXPECT_EQ(mFile->bytes(), mNew);
-                EXPECT_FALSE(hasRecord());
+                EXPECT_FALSE(mFile->hasRecord());
             }
         }
     });
@@ -415,7 +401,7 @@ TEST_F(InterruptedWriteTest, ADiskThatIsFullAnywhere_LeavesTheFileAsItWas)
                 EXPECT_FALSE(write() && changed > size);
             }
             EXPECT_EQ(mFile->bytes(), mErrors.empty() ? mNew : mOld) << mErrors;
-            EXPECT_FALSE(hasRecord());
+            EXPECT_FALSE(mFile->hasRecord());
         }
     });
 }
@@ -436,9 +422,9 @@ TEST_F(InterruptedWriteTest, WhatCannotBePutBack_StaysInTheRecord)
             script.mError = EIO;
             const bool isWritten = write(script);
             EXPECT_EQ(isWritten, !script.hadItsTurn());
-            EXPECT_TRUE(hasRecord() || mFile->bytes() == mOld || mFile->bytes() == mNew);
-            damages +=
-                mErrors.find(damaged + mFile->name() + " may be damaged until " + recordName()) != std::string::npos;
+            EXPECT_TRUE(mFile->hasRecord() || mFile->bytes() == mOld || mFile->bytes() == mNew);
+            damages += mErrors.find(damaged + mFile->name() + " may be damaged until " + mFile->recordName()) !=
+                       std::string::npos;
             expectOldOrNewAfterRead();
         }
         EXPECT_GE(damages, 3);

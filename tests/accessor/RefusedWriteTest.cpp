@@ -269,8 +269,7 @@ TEST_F(RefusedWriteTest, ANodeNameThatAFileCannotCarry_IsNamed)
 
 TEST_F(RefusedWriteTest, ATextThatTheLocaleWouldReadAsAnother_IsRefused)
 {
-    const ScratchFile scratch(".locale");
-    const ScratchLocale locale(scratch.name() + "s", "GBK");
+    const ScratchLocale locale("GBK");
     if (!locale.isSet())
         GTEST_SKIP() << "localedef cannot make a locale here";
     const Ref<Structure> weight = valueStructure("Weight");
@@ -339,8 +338,7 @@ TEST_F(RefusedWritePropertyTest, WhatIsWritten_IsReadBackWhateverTheTexts)
     tryWrites("the locale of the tests");
     for (const char* encoding : {"GBK", "ISO-8859-1", "UTF-8"})
     {
-        const ScratchFile scratch(".locale");
-        const ScratchLocale locale(scratch.name() + "s", encoding);
+        const ScratchLocale locale(encoding);
         if (locale.isSet())
             tryWrites(encoding);
     }

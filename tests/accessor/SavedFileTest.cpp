@@ -16,17 +16,6 @@ namespace
 {
 namespace fs = std::filesystem;
 
-std::string bytesOf(const std::string& name)
-{
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void setBytes(const std::string& name, const std::string& bytes)
-{
-    std::ofstream(name, std::ios::binary | std::ios::trunc) << bytes;
-}
-
 struct stat statusOf(const std::string& name)
 {
     struct stat status = {};

@@ -9,6 +9,7 @@ namespace vumo::Data
 {
 namespace
 {
+using test::forEachAllocation;
 using test::succeedsWithout;
 
 constexpr char kStructure[] = "name=R:int32=a number:float[2]=pair:string=text";
@@ -32,28 +33,14 @@ std::string faultyText()
            std::string(2000, '1') + "\nendStream\nendChannel\nunknown";
 }
 
-/// Runs the action with each of its allocations failing in turn, until it has no more.
-class AllocationFailureTest : public test::SerializeFixture
-{
-protected:
-    template <class Action>
-    static void failEach(const Action& action)
-    {
-        bool hasFailed = true;
-        for (std::size_t n = 0; hasFailed && !HasFailure(); ++n)
-        {
-            SCOPED_TRACE(n);
-            action(n, hasFailed);
-        }
-    }
-};
+using AllocationFailureTest = test::SerializeFixture;
 
 TEST_F(AllocationFailureTest, Reading_GivesAllOrNothingAndLeavesTheRegistryAlone)
 {
     registered(kStructure);
     const std::set<Structure*> registry = Structure::allStructures();
     const AssociationsSerializerRaw& format = *AssociationsSerializerRaw::theFormat();
-    failEach([&](std::size_t n, bool& hasFailed) {
+    forEachAllocation([&](std::size_t n, bool& hasFailed) {
         std::istringstream in(associationsText());
         std::string errors;
         std::unique_ptr<Associations> associations;
@@ -79,7 +66,7 @@ TEST_F(AllocationFailureTest, AFaultyText_IsRefusedWithAllMessagesOrTheLackOfMem
     };
     std::string expected;
     EXPECT_FALSE(errorsOf(expected));
-    failEach([&](std::size_t n, bool& hasFailed) {
+    forEachAllocation([&](std::size_t n, bool& hasFailed) {
         std::string errors;
         EXPECT_FALSE(succeedsWithout(n, hasFailed, [&] { return errorsOf(errors); }));
         EXPECT_TRUE(errors.empty() || errors == expected) << errors;
@@ -94,7 +81,7 @@ TEST_F(AllocationFailureTest, Writing_GivesTheTextAndLeavesWhatIsWrittenAlone)
     std::string errors;
     const std::unique_ptr<Associations> associations(format.read(in, errors));
     ASSERT_TRUE(associations) << errors;
-    failEach([&](std::size_t n, bool& hasFailed) {
+    forEachAllocation([&](std::size_t n, bool& hasFailed) {
         std::ostringstream out;
         const bool isWritten =
             succeedsWithout(n, hasFailed, [&] { return format.write(*associations, out, errors) == 0; });
@@ -112,7 +99,7 @@ TEST_F(AllocationFailureTest, AStructure_IsReadAsAWholeOrNotAtAll)
     const StructureSerializerRaw& format = *StructureSerializerRaw::theFormat();
     for (const std::string text : {kStructure, "name=R:int32:what[=x:float[2=y"})
     {
-        failEach([&](std::size_t n, bool& hasFailed) {
+        forEachAllocation([&](std::size_t n, bool& hasFailed) {
             std::istringstream in(text);
             std::string errors;
             Ref<Structure> structure;

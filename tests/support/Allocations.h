@@ -48,4 +48,16 @@ bool succeedsWithout(std::size_t allocation, bool& hasFailed, const Action& acti
     hasFailed = failing.hasFailed();
     return isDone;
 }
+
+/// Calls `test` with the number of each allocation, for succeedsWithout(), until that says that there are no more.
+template <class Test>
+void forEachAllocation(const Test& test)
+{
+    bool hasFailed = true;
+    for (std::size_t n = 0; hasFailed && !testing::Test::HasFailure(); ++n)
+    {
+        SCOPED_TRACE(n);
+        test(n, hasFailed);
+    }
+}
 } // namespace vumo::test

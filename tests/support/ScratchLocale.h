@@ -1,8 +1,9 @@
 #pragma once
 
+#include "tests/support/ScratchFolder.h"
+
 #include <clocale>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 namespace vumo::test
@@ -11,15 +12,13 @@ namespace vumo::test
 class ScratchLocale
 {
 public:
-    ScratchLocale(const std::string& directory, const std::string& encoding)
-        : mDirectory(directory),
-          mPathBefore(pathOfLocales()),
+    explicit ScratchLocale(const std::string& encoding)
+        : mPathBefore(pathOfLocales()),
           mBefore(std::setlocale(LC_ALL, nullptr))
     {
-        std::filesystem::create_directories(directory);
-        const std::string name = directory + "/" + encoding;
-        const std::string command = "localedef -i en_US -f " + encoding + " '" + name + "' >/dev/null 2>&1";
-        setPathOfLocales(directory);
+        const std::string command =
+            "localedef -i en_US -f " + encoding + " '" + mFolder / encoding + "' >/dev/null 2>&1";
+        setPathOfLocales(mFolder.name());
         mIsSet = std::system(command.c_str()) >= 0 && std::setlocale(LC_ALL, encoding.c_str()) != nullptr;
     }
 
@@ -30,7 +29,6 @@ public:
     {
         setPathOfLocales(mPathBefore);
         std::setlocale(LC_ALL, mBefore.c_str());
-        std::filesystem::remove_all(mDirectory);
     }
 
     /// False where there is no localedef, or no such encoding.
@@ -53,7 +51,7 @@ private:
             setenv(kPathVariable, path.c_str(), 1);
     }
 
-    std::string mDirectory;
+    ScratchFolder mFolder;
     std::string mPathBefore;
     std::string mBefore;
     bool mIsSet = false;
