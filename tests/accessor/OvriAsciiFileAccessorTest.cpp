@@ -418,13 +418,16 @@ TEST_F(OvriAsciiFileAccessorTest, ASceneOfTwoGigabytes_IsReadAtItsHeadAndTailOnl
 
 TEST_F(OvriAsciiFileAccessorTest, LongAndManyLines_AreJoinedAcrossBlocks)
 {
-    // Every alignment of line ends to the blocks that are read backwards.
-    for (std::size_t padding = 1000; padding < 1100; ++padding)
+    // Every alignment of the statements to the first block, of 4096 bytes, that is read backwards.
+    const std::string metadata = kWeight + applying("1", "Body");
+    std::string inFile = metadata;
+    for (std::size_t i = inFile.find('\n'); i != std::string::npos; i = inFile.find('\n', i + 2))
+        inFile.insert(i, "\r");
+    for (std::size_t size = 4096 - inFile.size(); size <= 4096; ++size)
     {
-        SCOPED_TRACE(padding);
-        const std::string comment = "// " + std::string(padding, 'x') + "\n";
-        const std::string bytes = kHeader + kHost + kWeight + applying("1", "Body") + comment + kTrailer + comment;
-        EXPECT_EQ(rewritten(bytes), kHeader + kHost + comment + kWeight + applying("1", "Body") + kTrailer + comment);
+        SCOPED_TRACE(size);
+        const std::string rest = kTrailer + "//" + std::string(size - kTrailer.size() - 3, 'x') + "\n";
+        EXPECT_EQ(rewritten(kHeader + inFile + rest), kHeader + metadata + rest);
     }
 }
 

@@ -420,6 +420,11 @@ TEST_F(StreamSerializerRawTest, Write_FlushesEveryLine)
     std::string errors;
     EXPECT_EQ(mFormat.write(Stream(registered("name=P:int32=a"), "S"), out, errors), 0);
     EXPECT_EQ(buffer.count(), 4);
+
+    std::istringstream in(buffer.str());
+    in.tie(&out);
+    EXPECT_NE(std::unique_ptr<Stream>(mFormat.read(in, errors)), nullptr);
+    EXPECT_EQ(buffer.count(), 8) << "and before each line that is waited for";
 }
 
 TEST_F(StreamSerializerRawTest, Write_CountsAFailedOutput)
