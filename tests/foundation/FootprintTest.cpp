@@ -1,7 +1,6 @@
 #include "vumo/foundation/Footprint.h"
 
 #include "tests/support/DataFixtures.h"
-#include "vumo/foundation/Count.h"
 
 namespace vumo::Debug
 {
@@ -16,14 +15,6 @@ TEST(FootprintTest, ObjectsAndMembers_AddBytesAndFragments)
     EXPECT_EQ(test::footprintOf(&footprint).totalSize(), sizeof(Footprint));
     footprint.clear();
     EXPECT_EQ(test::printed(&footprint), "Footprint : 0 byte(s), 0 memory fragment(s).\n");
-}
-
-TEST(FootprintTest, Count_StartsAtZeroAndIsAssigned)
-{
-    Count count;
-    EXPECT_EQ(count.value(), 0U);
-    count = 5000000000UL;
-    EXPECT_EQ(count.value(), 5000000000U);
 }
 } // namespace
 } // namespace vumo::Debug
