@@ -118,7 +118,7 @@ TEST_F(AllocationFailureTest, AText_IsConvertedOrNotWritten)
         GTEST_SKIP() << "localedef cannot make a locale here";
     // The C library takes a module that it could not load for one that does not exist. These keep both loaded.
     const iconv_t kept[] = {iconv_open("UTF-8", ""), iconv_open("", "UTF-8")};
-    const Ref<Structure> note = heldStructure("Note", {{Member::kString, 1, "Text"}});
+    const Ref<Structure> note = Structure::make("Note", {{Member::kString, 1, "Text"}});
     const Associations notes = associationsOf("scene", "notes", *note, 0, "\xE9");
     forEachAllocation([&](std::size_t n, bool& hasFailed) {
         std::ostringstream out;

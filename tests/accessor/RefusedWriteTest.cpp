@@ -33,7 +33,7 @@ std::vector<Kind> kinds()
 
 Ref<Structure> labelStructure()
 {
-    return heldStructure("Label", {{Member::kString, 1, "text"}});
+    return Structure::make("Label", {{Member::kString, 1, "text"}});
 }
 
 /// Writes metadata into bare scenes of both kinds, which must stay as they are.
@@ -149,7 +149,7 @@ TEST_F(RefusedWriteTest, AMemberWithoutAType_IsNamed)
 TEST_F(RefusedWriteTest, AStreamWhoseStructureIsNotWritten_IsNamed)
 {
     const Ref<Structure> weight = valueStructure("Weight");
-    const Ref<Structure> other = heldStructure("Weight", {{Member::kDouble, 1, "Value"}});
+    const Ref<Structure> other = Structure::make("Weight", {{Member::kDouble, 1, "Value"}});
     Associations associations = associationsOf("vertex", "weights", *weight, 0, "1");
     const std::string missing =
         "Structure 'Weight' of stream 'weights' in channel 'vertex' is not among the structures "

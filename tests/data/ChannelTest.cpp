@@ -64,7 +64,7 @@ TEST_F(ChannelTest, Elements_AreAddedAndRemovedWhereTheIndexTypeFits)
     EXPECT_TRUE(channel.removeElement(IndexPair(1, 2)));
     EXPECT_EQ(pairs.elementCount(), 0U);
 
-    const auto large = test::heldStructure("Large", {{Member::kUInt8, 5000, "bytes"}});
+    const auto large = Structure::make("Large", {{Member::kUInt8, 5000, "bytes"}});
     channel.setDataStream(Stream(*large, "z"))->useDenseStorage(true); // where nothing fits at 0
     EXPECT_TRUE(channel.addElement(0));
 }

@@ -134,7 +134,7 @@ TEST_F(HandleTest, TypedAccess_NeverConverts)
     for (unsigned int number = 0; number < Member::kInvalidType; ++number)
     {
         const auto type = static_cast<Member::eDataType>(number);
-        const auto structure = test::heldStructure("S", {{Member::kUInt8, 8, "before"}, {type, 2, "values"}});
+        const auto structure = Structure::make("S", {{Member::kUInt8, 8, "before"}, {type, 2, "values"}});
         Handle handle(*structure);
         handle.setPositionByMemberName("values");
         const void* const typed[] = {handle.asBoolean(), handle.asDouble(),         handle.asDoubleMatrix4x4(),
@@ -164,7 +164,7 @@ TEST_F(HandleTest, WithoutData_EverythingIsFalseNullOrTheFallback)
     {
         const auto type = static_cast<Member::eDataType>(number);
         SCOPED_TRACE(Member::typeName(type));
-        const auto structure = test::heldStructure("S", {{type, 1, "value"}});
+        const auto structure = Structure::make("S", {{type, 1, "value"}});
         Handle handle(*structure, nullptr);
         EXPECT_FALSE(handle.hasData() || handle.makeUnique() || handle.isDefault() || handle.isDefaultMember("value"));
         EXPECT_EQ(handle.asType(type), nullptr);
@@ -239,7 +239,7 @@ TEST_F(HandleTest, FromStr_StoresOrCountsAndTells)
     {
         SCOPED_TRACE(std::string(Member::typeName(expected.type)) + " from '" + expected.text + "'");
         // The leading byte and the second element put the value at an odd address.
-        const auto structure = test::heldStructure("S", {{Member::kUInt8, 1, "before"}, {expected.type, 2, "value"}});
+        const auto structure = Structure::make("S", {{Member::kUInt8, 1, "before"}, {expected.type, 2, "value"}});
         std::string block(2 * 512 + 1, '\0');
         Handle handle(*structure, &block[1]);
         handle.setPositionByMemberName("value");
@@ -260,7 +260,7 @@ TEST_F(HandleTest, FromStr_StoresOrCountsAndTells)
 TEST_F(HandleTest, FromStr_ChecksElementAndType)
 {
     const auto structure =
-        test::heldStructure("S", {{Member::kInt32, 2, "pair"}, {static_cast<Member::eDataType>(77), 1, "odd"}});
+        Structure::make("S", {{Member::kInt32, 2, "pair"}, {static_cast<Member::eDataType>(77), 1, "odd"}});
     Handle handle(*structure);
     std::string errors;
     EXPECT_EQ(handle.fromStr("1", 2, errors), 1);
@@ -281,7 +281,7 @@ TEST_F(HandleTest, FromStr_ChecksElementAndType)
 TEST_F(HandleTest, Matrices_ReadSixteenEntriesAndCountAllAfterTheFirstBadOne)
 {
     const auto structure =
-        test::heldStructure("S", {{Member::kFloatMatrix4x4, 2, "f"}, {Member::kDoubleMatrix4x4, 1, "d"}});
+        Structure::make("S", {{Member::kFloatMatrix4x4, 2, "f"}, {Member::kDoubleMatrix4x4, 1, "d"}});
     Handle handle(*structure);
     const std::string sixteen = "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16.5";
     std::string errors;
@@ -303,7 +303,7 @@ TEST_F(HandleTest, Matrices_ReadSixteenEntriesAndCountAllAfterTheFirstBadOne)
 
 TEST_F(HandleTest, Strings_ReplaceTheOneBeforeAndHideBehindANullFirst)
 {
-    const auto structure = test::heldStructure("S", {{Member::kString, 2, "texts"}});
+    const auto structure = Structure::make("S", {{Member::kString, 2, "texts"}});
     Handle handle(*structure);
     std::string errors;
     EXPECT_EQ(handle.fromStr("second", 1, errors), 0);
@@ -319,7 +319,7 @@ TEST_F(HandleTest, Strings_ReplaceTheOneBeforeAndHideBehindANullFirst)
 TEST_F(HandleTest, TextForms_IgnoreTheGlobalLocale)
 {
     const test::CommaLocale comma;
-    const auto structure = test::heldStructure("S", {{Member::kDouble, 1, "d"}, {Member::kInt32, 1, "i"}});
+    const auto structure = Structure::make("S", {{Member::kDouble, 1, "d"}, {Member::kInt32, 1, "i"}});
     Handle handle(*structure);
     test::setText(handle, "d", "1234.5");
     test::setText(handle, "i", "1234567");
@@ -333,7 +333,7 @@ TEST_F(HandleTest, TextForms_IgnoreTheGlobalLocale)
 
 TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)
 {
-    const auto structure = test::heldStructure("S", {{Member::kInt32, 3, "i"}, {Member::kInt8, 2, "b"}});
+    const auto structure = Structure::make("S", {{Member::kInt32, 3, "i"}, {Member::kInt8, 2, "b"}});
     Handle handle(*structure);
     for (int i = 0; i < 3; ++i)
         handle.asInt32()[i] = i + 1;
@@ -356,7 +356,7 @@ TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)
     EXPECT_TRUE(Handle::Debug(&dataless, request));
     EXPECT_EQ(out.str(), "    3 elements: [ 0 0 0 ](0) ");
     EXPECT_EQ(test::footprintOf(&handle).totalSize(), sizeof(Handle));
-    const auto truth = test::heldStructure("S", {{Member::kBoolean, 1, "b"}});
+    const auto truth = Structure::make("S", {{Member::kBoolean, 1, "b"}});
     char block[] = {'\x02'};
     EXPECT_EQ(Handle(*truth, block).str(0), "true"); // as any byte but 0
 }

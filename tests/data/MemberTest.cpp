@@ -81,7 +81,7 @@ TEST_F(MemberTest, CopiesAndAssignments_OwnNamesOfTheirOwn)
 {
     Member copy;
     {
-        const auto structure = test::heldStructure("S", {{Member::kFloat, 3, "Origin"}});
+        const auto structure = Structure::make("S", {{Member::kFloat, 3, "Origin"}});
         copy = *structure->member(0);
         EXPECT_TRUE(copy == *structure->member(0));
         EXPECT_TRUE(copy != Member());
@@ -96,7 +96,7 @@ TEST_F(MemberTest, CopiesAndAssignments_OwnNamesOfTheirOwn)
 TEST_F(MemberTest, Offsets_CountFromTheElementInWholeValues)
 {
     const auto structure =
-        test::heldStructure("S", {{Member::kDouble, 1, "a"}, {Member::kFloatMatrix4x4, 4294967295U, "b"}});
+        Structure::make("S", {{Member::kDouble, 1, "a"}, {Member::kFloatMatrix4x4, 4294967295U, "b"}});
     EXPECT_EQ(Member::offset(structure->member(1), 2), 8U + 2U * 64U);
     EXPECT_EQ(Member::offset(structure->member(1), 4294967294U), 8U + 4294967294ULL * 64U);
 }
@@ -107,7 +107,7 @@ TEST_F(MemberTest, IsDefault_LooksAtEveryValueOfEveryType)
     {
         const auto type = static_cast<Member::eDataType>(number);
         SCOPED_TRACE(Member::typeName(type));
-        const auto structure = test::heldStructure("S", {{Member::kUInt8, 1, "before"}, {type, 2, "values"}});
+        const auto structure = Structure::make("S", {{Member::kUInt8, 1, "before"}, {type, 2, "values"}});
         Handle handle(*structure);
         const Member& values = *structure->member(1);
         EXPECT_TRUE(values.isDefault(handle.data()));
@@ -125,7 +125,7 @@ TEST_F(MemberTest, IsDefault_LooksAtEveryValueOfEveryType)
 TEST_F(MemberTest, IsDefault_TakesNegativeZeroButNoEmptyString)
 {
     const auto structure =
-        test::heldStructure("S", {{Member::kFloat, 1, "f"}, {Member::kDouble, 1, "d"}, {Member::kString, 2, "s"}});
+        Structure::make("S", {{Member::kFloat, 1, "f"}, {Member::kDouble, 1, "d"}, {Member::kString, 2, "s"}});
     Handle handle(*structure);
     test::setText(handle, "f", "-0.0");
     test::setText(handle, "d", "-0.0");
@@ -136,7 +136,7 @@ TEST_F(MemberTest, IsDefault_TakesNegativeZeroButNoEmptyString)
 
 TEST_F(MemberTest, Destroy_LeavesNullStrings)
 {
-    const auto structure = test::heldStructure("S", {{Member::kString, 3, "texts"}});
+    const auto structure = Structure::make("S", {{Member::kString, 3, "texts"}});
     Handle handle(*structure);
     test::setText(handle, "texts", "first");
     EXPECT_TRUE(structure->member(0)->destroy(handle.data()));

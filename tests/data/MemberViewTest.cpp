@@ -57,7 +57,7 @@ TEST_F(MemberViewTest, Views_WriteWhatHandlesRead)
 
 TEST_F(MemberViewTest, SeveralValuesAndMatrices_FollowEachOther)
 {
-    const auto structure = test::heldStructure(
+    const auto structure = Structure::make(
         "Shapes", {{Member::kInt8, 1, "odd"}, {Member::kFloatMatrix4x4, 2, "places"}, {Member::kBoolean, 3, "flags"}});
     Stream stream(*structure, "s");
     stream.useDenseStorage(true);

@@ -72,7 +72,7 @@ TEST_F(StreamImplMappedTest, NewElements_HoldDefaultsToBeFilledInPlace)
 
 TEST_F(StreamImplMappedTest, NewElementsWithoutSize_ExistAllTheSame)
 {
-    const auto empty = test::heldStructure("Empty", {});
+    const auto empty = Structure::make("Empty", {});
     const Ref<StreamImplMapped> stream(new StreamImplMapped(*empty, "s"));
     EXPECT_EQ(stream->newElement(3), nullptr);
     EXPECT_TRUE(stream->hasElement(3));
@@ -197,7 +197,7 @@ TEST_F(StreamImplDenseTest, Growth_FollowsItsRule)
 
 TEST_F(StreamImplDenseTest, ElementsThatDoNotFit_AreRefusedAndChangeNothing)
 {
-    const auto large = test::heldStructure("Large", {{Member::kUInt8, 5000, "bytes"}});
+    const auto large = Structure::make("Large", {{Member::kUInt8, 5000, "bytes"}});
     const Ref<StreamImplDense> stream(new StreamImplDense(*large, "s"));
     EXPECT_FALSE(stream->setElement(0, Handle(*large)));
     EXPECT_FALSE(stream->setElement(1, Handle(*large)));
@@ -255,7 +255,7 @@ TEST_F(StreamImplDenseTest, AClearedStream_LivesWithoutItsBlock)
 
 TEST_F(StreamImplDenseTest, AnotherStructure_GetsABlockOfItsOwnLayout)
 {
-    const auto wide = test::heldStructure("Wide", {{Member::kDouble, 100, "d"}, {Member::kString, 1, "s"}});
+    const auto wide = Structure::make("Wide", {{Member::kDouble, 100, "d"}, {Member::kString, 1, "s"}});
     setRecord(1);
     ASSERT_TRUE(mStream->setElementRange(0, 0)); // no elements, but a block with a label in it
     EXPECT_TRUE(mStream->setStructure(*wide));
@@ -271,8 +271,8 @@ TEST_F(StreamImplDenseTest, AnotherStructure_GetsABlockOfItsOwnLayout)
 
 TEST_F(StreamImplDenseTest, AnotherStructureOfThatSize_GetsABlockOfItsOwnLayout)
 {
-    const auto text = test::heldStructure("S", {{Member::kString, 1, "value"}});
-    const auto number = test::heldStructure("S", {{Member::kUInt64, 1, "value"}});
+    const auto text = Structure::make("S", {{Member::kString, 1, "value"}});
+    const auto number = Structure::make("S", {{Member::kUInt64, 1, "value"}});
     const Ref<StreamImplDense> stream(new StreamImplDense(*text, "s"));
     for (const Ref<Structure>& structure : {number, text, number})
     {

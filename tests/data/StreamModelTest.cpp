@@ -214,7 +214,7 @@ protected:
     Index at(unsigned int place) const { return indexOf(mType, place); }
 
     /// Four of these elements fill a page, so a dense block grows within the places.
-    Ref<Structure> mRecord = test::heldStructure(
+    Ref<Structure> mRecord = Structure::make(
         "Record", {{Member::kUInt8, 1, "number"}, {Member::kString, 1, "label"}, {Member::kUInt8, 1001, "more"}});
     test::Random mRandom;
     std::string mType;

@@ -201,7 +201,7 @@ TEST_F(StreamTest, UseDenseStorage_KeepsTheStorageThatHasRoomForAllElements)
 
 TEST_F(StreamTest, SetStructure_ReleasesTheOldOneAndNeedsAnEmptyStream)
 {
-    const auto other = test::heldStructure("Other", {{Member::kInt32, 1, "i"}});
+    const auto other = Structure::make("Other", {{Member::kInt32, 1, "i"}});
     Stream stream = streamWith({0});
     EXPECT_FALSE(stream.setStructure(*other));
     EXPECT_EQ(other->refCount(), 1);

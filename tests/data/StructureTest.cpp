@@ -61,7 +61,7 @@ TEST_F(StructureTest, Layout_AlignsMembersAndRoundsByTheFirst)
 
 TEST_F(StructureTest, AddMembers_AppendsWhatAddMemberWouldAcceptAndChangesNothingElse)
 {
-    const Ref<Structure> structure = test::heldStructure("S", {{Member::kUInt8, 1, "a"}});
+    const Ref<Structure> structure = Structure::make("S", {{Member::kUInt8, 1, "a"}});
     EXPECT_EQ(structure->addMembers({{Member::kDouble, 1, "b"},
                                      {Member::kInt8, 1, "a"},
                                      {Member::kInt8, 0, "c"},
@@ -71,8 +71,8 @@ TEST_F(StructureTest, AddMembers_AppendsWhatAddMemberWouldAcceptAndChangesNothin
                                      {Member::kInt8, 1, "b"},
                                      {Member::kUInt8, 1, "c"}}),
               2U);
-    EXPECT_EQ(*structure, *test::heldStructure(
-                              "S", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 1, "b"}, {Member::kUInt8, 1, "c"}}));
+    EXPECT_EQ(*structure,
+              *Structure::make("S", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 1, "b"}, {Member::kUInt8, 1, "c"}}));
     const unsigned long long stamp = structure->checkpoint();
     EXPECT_EQ(structure->addMembers({{Member::kInt8, 1, "c"}}), 0U);
     EXPECT_FALSE(structure->addMember(Member::kInt8, 1, "c"));
@@ -81,9 +81,18 @@ TEST_F(StructureTest, AddMembers_AppendsWhatAddMemberWouldAcceptAndChangesNothin
     EXPECT_TRUE(structure->changedSinceCheckpoint(stamp));
 }
 
+TEST_F(StructureTest, Make_RefusesWhatAddMemberDoes)
+{
+    const Ref<Structure> made = Structure::make("S", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 2, "b"}});
+    EXPECT_STREQ(made->name(), "S");
+    EXPECT_EQ(made->totalSize(), 24U);
+    EXPECT_EQ(made->refCount(), 1);
+    EXPECT_FALSE(Structure::make("S", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 2, "a"}}));
+}
+
 TEST_F(StructureTest, NamesThatPointIntoOldOnes_AreCopiedFirst)
 {
-    const auto structure = test::heldStructure("structure of stone", {{Member::kFloat, 1, "a long member name"}});
+    const auto structure = Structure::make("structure of stone", {{Member::kFloat, 1, "a long member name"}});
     structure->setName(structure->name() + 13);
     EXPECT_STREQ(structure->name(), "stone");
     structure->setName(structure->name());
@@ -97,7 +106,7 @@ TEST_F(StructureTest, NamesThatPointIntoOldOnes_AreCopiedFirst)
 
 TEST_F(StructureTest, DefaultData_HasRoomForMembersAddedLater)
 {
-    const auto structure = test::heldStructure("S", {{Member::kUInt8, 1, "a"}});
+    const auto structure = Structure::make("S", {{Member::kUInt8, 1, "a"}});
     EXPECT_NE(structure->defaultData(), nullptr);
     ASSERT_TRUE(structure->addMember(Member::kString, 100, "texts"));
     const Handle handle(*structure); // reads all of the default block
@@ -135,7 +144,7 @@ TEST_F(StructureTest, Assignment_ReplacesEverythingAndSharesNothing)
 {
     const auto source = test::recordStructure();
     source->defaultData();
-    const auto target = test::heldStructure("Other", {{Member::kString, 9, "texts"}});
+    const auto target = Structure::make("Other", {{Member::kString, 9, "texts"}});
     target->defaultData();
     const unsigned long long stamp = target->objectChanged();
     *target = *source;
@@ -154,12 +163,12 @@ TEST_F(StructureTest, Assignment_ReplacesEverythingAndSharesNothing)
 TEST_F(StructureTest, Strings_AreCopiedAndReleasedWhereverTheyStand)
 {
     const Ref<Structure> layouts[] = {
-        test::heldStructure(
+        Structure::make(
             "S",
             {{Member::kString, 1, "a"}, {Member::kInt8, 3, "b"}, {Member::kString, 2, "c"}, {Member::kInt8, 8, "d"}}),
-        test::heldStructure("S", {{Member::kInt8, 1, "a"}, {Member::kString, 2, "b"}}),
-        test::heldStructure("S", {{Member::kString, 1, "a"}, {Member::kString, 1, "b"}, {Member::kInt64, 1, "c"}}),
-        test::heldStructure("S", {{Member::kInt64, 2, "a"}}),
+        Structure::make("S", {{Member::kInt8, 1, "a"}, {Member::kString, 2, "b"}}),
+        Structure::make("S", {{Member::kString, 1, "a"}, {Member::kString, 1, "b"}, {Member::kInt64, 1, "c"}}),
+        Structure::make("S", {{Member::kInt64, 2, "a"}}),
     };
     const Ref<Structure> structure(Structure::create());
     for (const Ref<Structure>& layout : layouts)
@@ -193,18 +202,18 @@ TEST_F(StructureTest, Strings_AreCopiedAndReleasedWhereverTheyStand)
 
 TEST_F(StructureTest, Equality_AsksForNameSizeAndEveryMember)
 {
-    const auto base = test::heldStructure("S", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "b"}});
+    const auto base = Structure::make("S", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "b"}});
     const Ref<Structure> others[] = {
-        test::heldStructure("T", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "b"}}),
-        test::heldStructure("S", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "c"}}),
-        test::heldStructure("S", {{Member::kInt8, 1, "a"}, {Member::kInt8, 2, "b"}}),
-        test::heldStructure("S", {{Member::kInt8, 2, "a"}, {Member::kUInt8, 1, "b"}}),
-        test::heldStructure("S", {{Member::kInt8, 3, "a"}}),
-        test::heldStructure("S", {}),
+        Structure::make("T", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "b"}}),
+        Structure::make("S", {{Member::kInt8, 2, "a"}, {Member::kInt8, 1, "c"}}),
+        Structure::make("S", {{Member::kInt8, 1, "a"}, {Member::kInt8, 2, "b"}}),
+        Structure::make("S", {{Member::kInt8, 2, "a"}, {Member::kUInt8, 1, "b"}}),
+        Structure::make("S", {{Member::kInt8, 3, "a"}}),
+        Structure::make("S", {}),
     };
     for (const Ref<Structure>& other : others)
         EXPECT_TRUE(*base != *other) << test::printed(other.get());
-    EXPECT_TRUE(*test::heldStructure("S", {}) == *others[5]);
+    EXPECT_TRUE(*Structure::make("S", {}) == *others[5]);
 }
 
 TEST_F(StructureTest, AStructureThatNobodyHolds_SurvivesWhoIsMerelyHandedIt)
@@ -261,7 +270,7 @@ TEST_F(StructureTest, Registry_RefusesEqualsAndFindsByName)
 TEST_F(StructureGoldenTest, Debug_ListsMembersAndDefaults)
 {
     const auto structure =
-        test::heldStructure("Point", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 1, "b"}, {Member::kUInt8, 1, "c"}});
+        Structure::make("Point", {{Member::kUInt8, 1, "a"}, {Member::kDouble, 1, "b"}, {Member::kUInt8, 1, "c"}});
     const std::string members = "Structure 'Point'\n"
                                 "Total Size = 17\n"
                                 "Member List\n"
@@ -347,7 +356,7 @@ TEST_F(StructureTest, IteratorsWithoutAMember_ThrowWhenUsed)
     StructureIterator third = structure->begin();
     ++third;
     ++third;
-    *structure = *test::heldStructure("Short", {{Member::kInt8, 1, "a"}});
+    *structure = *Structure::make("Short", {{Member::kInt8, 1, "a"}});
     EXPECT_EQ(test::thrownBy([&] { *third; }), "out_of_range: Member");
 }
 

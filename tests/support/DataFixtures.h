@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <initializer_list>
 #include <locale>
 #include <set>
 #include <sstream>
@@ -24,27 +23,11 @@ using Data::Member;
 using Data::Stream;
 using Data::Structure;
 
-struct MemberSpec
-{
-    Member::eDataType type;
-    unsigned int dimension;
-    const char* name;
-};
-
-/// A structure with these members that lives as long as the result does.
-inline Ref<Structure> heldStructure(const char* name, std::initializer_list<MemberSpec> members)
-{
-    Ref<Structure> structure(new Structure(name));
-    for (const MemberSpec& member : members)
-        EXPECT_TRUE(structure->addMember(member.type, member.dimension, member.name)) << member.name;
-    return structure;
-}
-
 /// A record whose elements are 17 bytes long, so that every second label lies misaligned.
 inline Ref<Structure> recordStructure()
 {
-    return heldStructure("Record",
-                         {{Member::kUInt8, 1, "number"}, {Member::kString, 1, "label"}, {Member::kUInt8, 1, "flag"}});
+    return Structure::make("Record",
+                           {{Member::kUInt8, 1, "number"}, {Member::kString, 1, "label"}, {Member::kUInt8, 1, "flag"}});
 }
 
 /// Stores a text form in a value of the named member.

@@ -140,6 +140,12 @@ Structure* Structure::create()
     return new Structure();
 }
 
+Ref<Structure> Structure::make(const char* name, const std::vector<NewMember>& members)
+{
+    const Ref<Structure> structure(new Structure(name));
+    return structure->addMembers(members) == members.size() ? structure : Ref<Structure>();
+}
+
 Structure::Structure() : Structure(nullptr) {}
 
 Structure::Structure(const char* name) : mName(detail::duplicateText(name ? name : kDefaultName))

@@ -5,6 +5,7 @@
 #include "vumo/foundation/Checkpointed.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/OwnedText.h"
+#include "vumo/foundation/Ref.h"
 #include "vumo/foundation/RefCounted.h"
 
 #include <memory>
@@ -19,13 +20,11 @@ namespace vumo::Data
 /// of a block may lie at any address, because the blocks of elements follow each other without regard
 /// to the largest alignment in them.
 ///
-/// A new structure is held by nobody; whoever keeps it calls ref() and later unref():
+/// A new structure is held by nobody; whoever keeps it calls ref() and later unref(), or lets a `Ref` do so, as make()
+/// does:
 ///
-///     Structure* structure = Structure::create();
-///     structure->ref();
+///     const Ref<Structure> structure(Structure::create());
 ///     structure->addMember(Member::kFloat, 3, "Origin");
-///     ...
-///     structure->unref();
 ///
 /// What the library is merely handed (to compare, print, measure, register, write) it does not hold, and
 /// a structure that nobody holds survives that. An iterator or a `Handle` on it does hold it, and deletes
@@ -35,6 +34,21 @@ class VUMO_EXPORT Structure : public RefCounted, public Checkpointed
 public:
     /// A new structure named "structure", on the heap, held by nobody.
     static Structure* create();
+
+    /// What addMember() takes; the name is borrowed.
+    struct NewMember
+    {
+        Member::eDataType type;
+        unsigned int dimension;
+        const char* name;
+    };
+
+    /// A new structure with these members, which the caller holds:
+    ///
+    ///     const Ref<Structure> point = Structure::make("Point", {{Member::kFloat, 3, "Position"}});
+    ///
+    /// Null when addMember() would refuse one of them.
+    static Ref<Structure> make(const char* name, const std::vector<NewMember>& members);
 
     Structure();
 
@@ -61,14 +75,6 @@ public:
     ///
     /// Must not be called while elements of the structure exist: their blocks do not grow with it.
     bool addMember(Member::eDataType type, unsigned int dimension, const char* name);
-
-    /// What addMember() takes; the name is borrowed.
-    struct NewMember
-    {
-        Member::eDataType type;
-        unsigned int dimension;
-        const char* name;
-    };
 
     /// Appends several members as addMember() would one after the other, refused ones left out, in time linear in
     /// their number. Returns how many were appended.
