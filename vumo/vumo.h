@@ -29,6 +29,7 @@
 #include "vumo/data/IndexPair.h"
 #include "vumo/data/IndexString.h"
 #include "vumo/data/IndexType.h"
+#include "vumo/data/IndexTypeRegistrar.h"
 #include "vumo/data/IterLocation.h"
 #include "vumo/data/Member.h"
 #include "vumo/data/MemberView.h"

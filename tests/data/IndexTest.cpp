@@ -3,6 +3,8 @@
 #include "tests/support/DataFixtures.h"
 #include "tests/support/Random.h"
 
+#include <dlfcn.h>
+
 #include <typeinfo>
 #include <utility>
 
@@ -78,10 +80,35 @@ TEST_F(IndexTest, Registry_KeepsTheFirstCreatorOfAName)
     EXPECT_EQ(Index::doCreate("numeric", "7").index(), 7U);
     EXPECT_TRUE(Index::registerType("fortyTwo", fortyTwo));
     EXPECT_EQ(Index::doCreate("fortyTwo", "7").index(), 42U);
-    Index::creators().erase("fortyTwo");
+    EXPECT_TRUE(Index::deregisterType("fortyTwo"));
+    EXPECT_FALSE(Index::deregisterType("fortyTwo"));
+    EXPECT_FALSE(Index::deregisterType("numeric"));
     EXPECT_EQ(test::thrownBy([] { Index::creator("fortyTwo"); }), "eCreationErrors: 0");
     EXPECT_TRUE(IndexPair::myRegistration && IndexString::myRegistration);
 }
+
+#ifdef VUMO_PLUGIN_PATH
+TEST_F(IndexTest, PluginsThatAreUnloaded_TakeTheirTypesWithThem)
+{
+    const Index::Creator before = Index::creator("pair");
+    for (int round = 0; round < 2; ++round)
+    {
+        void* const plugin = dlopen(VUMO_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_TRUE(plugin) << dlerror();
+        {
+            const Ref<Structure> structure = test::recordStructure();
+            Stream stream(*structure, "s");
+            EXPECT_TRUE(stream.setIndexType("grid"));
+            EXPECT_TRUE(stream.setElement(Index::doCreate("grid", "B2"), Handle(*structure)));
+            EXPECT_TRUE(stream.hasElement(Index::doCreate("grid", "B2")));
+        }
+        ASSERT_EQ(dlclose(plugin), 0);
+        EXPECT_FALSE(dlopen(VUMO_PLUGIN_PATH, RTLD_NOW | RTLD_NOLOAD)) << "it is loaded still";
+        EXPECT_EQ(test::thrownBy([] { Index::creator("grid"); }), "eCreationErrors: 0");
+    }
+    EXPECT_EQ(Index::creator("pair"), before);
+}
+#endif
 
 TEST_F(IndexTest, CopyConstruction_ClonesAndAssignmentShares)
 {

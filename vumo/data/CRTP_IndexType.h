@@ -12,7 +12,8 @@ namespace vumo::Data
 ///
 /// T has a copy constructor, a constructor from its text form, which throws `Index::eCreationErrors`, and
 /// the statics `myTypeName` and `myRegistration`, the latter initialised with
-/// `Index::registerType(myTypeName, &CRTP_IndexType<T>::doCreate)`.
+/// `Index::registerType(myTypeName, &CRTP_IndexType<T>::doCreate)`. A type that may go before the library does is
+/// registered by an `IndexTypeRegistrar<T>` instead.
 template <class T>
 class CRTP_IndexType : public IndexType
 {

@@ -116,6 +116,11 @@ bool Index::registerType(const std::string& name, Creator creator)
     return creator && creators().emplace(name, creator).second;
 }
 
+bool Index::deregisterType(const std::string& name)
+{
+    return name != kNumericTypeName && creators().erase(name) > 0;
+}
+
 Index::Creator Index::creator(const std::string& name)
 {
     const auto found = creators().find(name);

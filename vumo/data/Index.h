@@ -101,11 +101,15 @@ public:
         return areNumbers(other) ? mNumber >= other.mNumber : isGreaterOrEqualComplex(other);
     }
 
-    /// The registry of index types, by name. Registrations only ever add.
+    /// The registry of index types, by name.
     static std::map<std::string, Creator>& creators();
 
     /// False, with nothing changed, when the name is taken or the creator null.
     static bool registerType(const std::string& name, Creator creator);
+
+    /// False, with nothing changed, when there is none of that name, and for "numeric". Streams of the type keep their
+    /// elements, but are neither written nor read while there is none.
+    static bool deregisterType(const std::string& name);
 
     /// Throws `eUnknownIndexType`.
     static Creator creator(const std::string& name);
