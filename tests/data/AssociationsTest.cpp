@@ -55,6 +55,36 @@ TEST_F(AssociationsTest, AssigningFromWhatItOwns_IsSafe)
     EXPECT_EQ(test::recordText(stream, 0), "1 one");
 }
 
+TEST_F(AssociationsTest, Edit_CopiesWhatIsSharedOnItsPathAndNothingElse)
+{
+    Associations associations;
+    for (const char* const name : {"s", "t"})
+    {
+        Stream stream(*mRecord, name);
+        stream.setElement(0, test::record(*mRecord, 1, "old"));
+        associations.channel("vertex").setDataStream(stream);
+    }
+    associations.channel("face");
+    const Associations copy(associations);
+    const Channel channel = associations.channel("vertex");
+    const Stream stream = *channel.findDataStream("s");
+
+    associations.edit("vertex", "s").setElement(0, test::record(*mRecord, 2, "new"));
+    const Channel& edited = *associations.findChannel("vertex");
+    EXPECT_EQ(test::recordText(*edited.findDataStream("s"), 0), "2 new");
+    for (const Stream* const sharer :
+         {copy.findChannel("vertex")->findDataStream("s"), channel.findDataStream("s"), &stream})
+        EXPECT_EQ(test::recordText(*sharer, 0), "1 old");
+    EXPECT_TRUE(*associations.findChannel("face") == *copy.findChannel("face"));
+    EXPECT_EQ(edited.findDataStream("t")->element(0).data(), channel.findDataStream("t")->element(0).data());
+
+    const Stream* const first = &associations.edit("vertex", "s");
+    EXPECT_EQ(&associations.edit("vertex", "s"), first) << "nothing is shared any more";
+    EXPECT_TRUE(associations.edit("node", "u").setStructure(*mRecord));
+    EXPECT_EQ(associations.findChannel("node")->findDataStream("u")->elementCount(), 0U);
+    EXPECT_FALSE(copy.findChannel("node"));
+}
+
 TEST_F(AssociationsGoldenTest, Debug_PrintsEachChannel)
 {
     Associations associations;

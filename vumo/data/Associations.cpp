@@ -55,6 +55,15 @@ const Channel* Associations::findChannel(const std::string& name) const
     return mImpl->findChannel(name);
 }
 
+Stream& Associations::edit(const std::string& channelName, const std::string& streamName)
+{
+    if (mImpl->isShared())
+        mImpl = Ref<AssociationsImpl>(new AssociationsImpl(*mImpl)); // its channels are still shared
+    if (!findChannel(channelName))
+        setChannel(Channel(channelName));
+    return findChannel(channelName)->edit(streamName);
+}
+
 void Associations::setChannel(Channel channel)
 {
     mImpl->setChannel(channel);

@@ -43,6 +43,11 @@ public:
     Channel* findChannel(const std::string& name);
     const Channel* findChannel(const std::string& name) const;
 
+    /// The stream of that name in the channel of that name, to be changed: nobody else shares it, nor the channel, nor
+    /// this object's set of channels; what was shared is copied, and nothing beside it. What is missing is made, a
+    /// stream of a new, empty structure, for setStructure() to replace. Valid until the stream is replaced or removed.
+    Stream& edit(const std::string& channelName, const std::string& streamName);
+
     /// Stores the channel under its own name, in place of any channel of that name.
     void setChannel(Channel channel);
 

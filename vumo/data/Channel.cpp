@@ -89,6 +89,17 @@ const Stream* Channel::dataStream(unsigned int n) const
     return mImpl->dataStream(n);
 }
 
+Stream& Channel::edit(const std::string& streamName)
+{
+    if (mImpl->isShared())
+        mImpl = Ref<ChannelImpl>(new ChannelImpl(*mImpl)); // its streams are still shared
+    Stream* stream = findDataStream(streamName);
+    if (!stream)
+        stream = setDataStream(Stream(*Structure::create(), streamName));
+    stream->makeUnique();
+    return *stream;
+}
+
 bool Channel::removeDataStream(const std::string& name)
 {
     return mImpl->removeDataStream(name);

@@ -54,6 +54,11 @@ public:
     Stream* dataStream(unsigned int n);
     const Stream* dataStream(unsigned int n) const;
 
+    /// The stream of that name, to be changed: neither it nor this channel's set of streams is shared afterwards. What
+    /// is missing is made, a stream of a new, empty structure, for setStructure() to replace. Valid until it is
+    /// replaced or removed.
+    Stream& edit(const std::string& streamName);
+
     /// False when there was none.
     bool removeDataStream(const std::string& name);
 
