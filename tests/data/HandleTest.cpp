@@ -87,7 +87,7 @@ TEST_F(HandleTest, Positions_AreFoundOrLeftAtTheEnd)
 
 TEST_F(HandleTest, GetAndSet_MoveValuesWhereverTheyLie)
 {
-    const auto structure = test::heldStructure("S", {{Member::kInt8, 1, "odd"},
+    const auto structure = Structure::make("S", {{Member::kInt8, 1, "odd"},
                                                      {Member::kDouble, 2, "pair"},
                                                      {Member::kString, 2, "texts"},
                                                      {Member::kFloatMatrix4x4, 2, "places"}});
