@@ -1,7 +1,6 @@
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 
 #include "tests/accessor/AccessorFixture.h"
-#include "tests/support/FullDisk.h"
 #include "tests/support/ScratchLocale.h"
 
 #include <clocale>
@@ -352,19 +351,6 @@ TEST_F(OvriAsciiFileAccessorTest, ABackslashInsideALongerCharacter_IsNone)
     ASSERT_TRUE(accessor->write(errors)) << errors;
     EXPECT_NE(mFile.bytes().find("\\n" + name + "\\n"), std::string::npos) << mFile.bytes();
     EXPECT_EQ(valueAt(*readScene(mFile.name()), "Body", "vertex", "weights", IndexString(name)), "1");
-}
-
-TEST_F(OvriAsciiFileAccessorTest, Write_SaysThatTheDiskIsFull)
-{
-    const std::string bare = kHeader + kHost + kTrailer;
-    mFile.setBytes(bare);
-    const auto accessor = readScene(mFile.name());
-    const Ref<Structure> weight = valueStructure("Weight");
-    accessor->setStructures({weight.get()});
-    std::string errors;
-    const FullDisk disk(bare.size() + kWeight.size() - 1);
-    EXPECT_FALSE(accessor->write(errors));
-    EXPECT_EQ(errors, "Failed to append the file trailer.");
 }
 
 TEST_F(OvriAsciiFileAccessorTest, Write_LeavesOutEmptyAssociationsWhateverTheirName)

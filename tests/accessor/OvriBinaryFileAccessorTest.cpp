@@ -1,7 +1,6 @@
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
 
 #include "tests/accessor/AccessorFixture.h"
-#include "tests/support/FullDisk.h"
 
 #include <fstream>
 
@@ -140,32 +139,6 @@ TEST_F(OvriBinaryFileAccessorTest, Write_OfAThousandNodesChangesNothingButWhatWa
     stream->removeElement(4);
     writeScene(*accessor);
     EXPECT_EQ(mFile.bytes(), attached);
-}
-
-TEST_F(OvriBinaryFileAccessorTest, Write_SaysWhichStepFailed)
-{
-    const std::string good = goldenBytes("binary_scene.hex");
-    constexpr std::size_t kNodeChunk = 152; // as large as the one of "Body"
-    const struct
-    {
-        std::size_t diskSize;
-        const char* message;
-    } cases[] = {
-        {kTrailerSize, "Failed to write the new trailer size."},
-        {good.size(), "Failed to write the new trailer."},
-        {good.size() + kNodeChunk - 1, "Failed to write the backward chunk size."},
-    };
-    for (const auto& sample : cases)
-    {
-        SCOPED_TRACE(sample.message);
-        mFile.setBytes(good);
-        const auto accessor = readScene(mFile.name());
-        accessor->associations()["Head"] = accessor->associations()["Body"];
-        std::string errors;
-        const FullDisk disk(sample.diskSize);
-        EXPECT_FALSE(accessor->write(errors));
-        EXPECT_EQ(errors, sample.message);
-    }
 }
 
 TEST_F(OvriBinaryFileAccessorTest, ASceneOfFourGigabytes_IsNeitherReadNorWritten)

@@ -14,21 +14,9 @@ namespace
 {
 constexpr char kBone[] = "name=Bone:float=Weight:string=Label:bool=Locked";
 
-class AssociationsSerializerRawTest : public test::SerializeFixture
+class AssociationsSerializerRawTest : public test::RawFormatFixture<AssociationsSerializerRaw>
 {
 protected:
-    const AssociationsSerializerRaw& mFormat = *AssociationsSerializerRaw::theFormat();
-
-    /// What is read from the text, written again; the messages when there is none.
-    std::string reread(const std::string& text) const
-    {
-        std::istringstream in(text);
-        std::string errors;
-        const std::unique_ptr<Associations> associations(mFormat.read(in, errors));
-        EXPECT_EQ(associations == nullptr, !errors.empty());
-        return associations ? test::writtenBy(mFormat, *associations) : errors;
-    }
-
     /// A text with a zero byte may be read, but what stands in the result is not written again.
     void expectZeroByteRefused(const std::string& text) const
     {
@@ -61,11 +49,6 @@ protected:
 
 using AssociationsSerializerRawGoldenTest = AssociationsSerializerRawTest;
 using AssociationsSerializerRawPropertyTest = AssociationsSerializerRawTest;
-
-TEST_F(AssociationsSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
-{
-    EXPECT_EQ(test::descriptionOf(mFormat), test::goldenText("associations_raw_description.txt"));
-}
 
 TEST_F(AssociationsSerializerRawGoldenTest, Write_GivesTheGoldenText)
 {

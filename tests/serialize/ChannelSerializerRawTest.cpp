@@ -8,30 +8,10 @@ namespace vumo::Data
 {
 namespace
 {
-class ChannelSerializerRawTest : public test::SerializeFixture
-{
-protected:
-    const ChannelSerializerRaw& mFormat = *ChannelSerializerRaw::theFormat();
-
-    /// What is read from the text, written again; the messages when there is none.
-    std::string reread(const std::string& text) const
-    {
-        std::istringstream in(text);
-        std::string errors;
-        const std::unique_ptr<Channel> channel(mFormat.read(in, errors));
-        EXPECT_EQ(channel == nullptr, !errors.empty());
-        return channel ? test::writtenBy(mFormat, *channel) : errors;
-    }
-};
-
+using ChannelSerializerRawTest = test::RawFormatFixture<ChannelSerializerRaw>;
 using ChannelSerializerRawGoldenTest = ChannelSerializerRawTest;
 
 const std::string kStreamLines = "indexType numeric\nstructure P\n0\n7\nendStream\n";
-
-TEST_F(ChannelSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
-{
-    EXPECT_EQ(test::descriptionOf(mFormat), test::goldenText("channel_raw_description.txt"));
-}
 
 TEST_F(ChannelSerializerRawGoldenTest, Read_GivesTheGoldenTextBack)
 {

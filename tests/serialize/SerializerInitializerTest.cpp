@@ -1,11 +1,17 @@
 #include "vumo/serialize/SerializerInitializer.h"
 
+#include "tests/support/Golden.h"
 #include "vumo/serialize/AssociationsSerializerRaw.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
+#include "vumo/serialize/StructureSerializerDebug.h"
 #include "vumo/serialize/StructureSerializerRaw.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <utility>
 
 namespace vumo::Data
 {
@@ -119,6 +125,26 @@ TYPED_TEST(SerializerInitializerTest, AnInitializer_RegistersForAsLongAsItLives)
         EXPECT_EQ(Base::formatByName("other"), Other::theFormat());
     }
     EXPECT_EQ(Base::formatByName("other"), nullptr);
+}
+
+TEST(SerializerGoldenTest, GetFormatDescription_IsTheGoldenText)
+{
+    const auto descriptionOf = [](const auto* format) {
+        std::ostringstream out;
+        EXPECT_EQ(&format->getFormatDescription(out), &out);
+        return out.str();
+    };
+    const std::pair<std::string, const char*> cases[] = {
+        {descriptionOf(StructureSerializerRaw::theFormat()), "structure"},
+        {descriptionOf(StreamSerializerRaw::theFormat()), "stream"},
+        {descriptionOf(ChannelSerializerRaw::theFormat()), "channel"},
+        {descriptionOf(AssociationsSerializerRaw::theFormat()), "associations"},
+    };
+    for (const auto& [description, kind] : cases)
+        EXPECT_EQ(description, test::goldenText(kind + std::string("_raw_description.txt")));
+    EXPECT_EQ(descriptionOf(StructureSerializerDebug::theFormat()),
+              "\nThe Debug format will be self-explanatory\nas it dumps all of the  information about\n"
+              "the structure in a verbose format.");
 }
 } // namespace
 } // namespace vumo::Data

@@ -47,12 +47,5 @@ TEST_F(StructureSerializerDebugTest, Write_PrintsAStructureThatNobodyHoldsAndLea
     structure->ref();
     structure->unref();
 }
-
-TEST_F(StructureSerializerDebugTest, GetFormatDescription_IsThreeLinesEachAfterANewline)
-{
-    EXPECT_EQ(test::descriptionOf(*StructureSerializerDebug::theFormat()),
-              "\nThe Debug format will be self-explanatory\nas it dumps all of the  information about\n"
-              "the structure in a verbose format.");
-}
 } // namespace
 } // namespace vumo::Data

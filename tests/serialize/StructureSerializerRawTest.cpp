@@ -1,6 +1,5 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
-#include "tests/support/Random.h"
 #include "tests/support/SerializeFixtures.h"
 
 namespace vumo::Data
@@ -37,13 +36,6 @@ protected:
 };
 
 using StructureSerializerRawGoldenTest = StructureSerializerRawTest;
-using StructureSerializerRawPropertyTest = StructureSerializerRawTest;
-
-TEST_F(StructureSerializerRawGoldenTest, GetFormatDescription_IsTheGoldenText)
-{
-    EXPECT_EQ(test::descriptionOf(*StructureSerializerRaw::theFormat()),
-              test::goldenText("structure_raw_description.txt"));
-}
 
 TEST_F(StructureSerializerRawGoldenTest, Write_NamesTheMembersOfAStructureThatNobodyHolds)
 {
@@ -169,29 +161,6 @@ TEST_F(StructureSerializerRawTest, Read_RefusesAnElementThatNoMemoryCanHold)
     const unsigned int most = 1U << 9U; // of 2^39 bytes less 128 each
     EXPECT_EQ(reread(matrices(most)), matrices(most));
     EXPECT_EQ(reread(matrices(most + 1)), "Structures must have elements of less than 281474976710656 bytes");
-}
-
-TEST_F(StructureSerializerRawPropertyTest, WhatIsWritten_ReadsBackAsAnEqualStructure)
-{
-    test::Random random;
-    SCOPED_TRACE(random.seedText());
-    for (int round = 0; round < 50; ++round)
-    {
-        Structure structure(("S" + std::to_string(random.below(1000))).c_str());
-        const unsigned int members = 1 + random.below(6);
-        for (unsigned int i = 0; i < members; ++i)
-        {
-            const auto type = static_cast<Member::eDataType>(random.below(Member::kInvalidType));
-            structure.addMember(type, 1 + random.below(4), ("m " + std::to_string(i)).c_str());
-        }
-        std::istringstream in(written(structure));
-        std::string errors;
-        Structure* const copy = StructureSerializerRaw::theFormat()->read(in, errors);
-        ASSERT_NE(copy, nullptr) << errors;
-        EXPECT_TRUE(*copy == structure) << written(structure);
-        copy->ref();
-        copy->unref();
-    }
 }
 } // namespace
 } // namespace vumo::Data

@@ -7,10 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <streambuf>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 namespace vumo::test
 {
@@ -68,11 +71,29 @@ std::string writtenBy(const Format& format, const T& object)
     return out.str();
 }
 
+/// Has a raw format at hand.
 template <class Format>
-std::string descriptionOf(const Format& format)
+class RawFormatFixture : public SerializeFixture
 {
-    std::ostringstream out;
-    EXPECT_EQ(&format.getFormatDescription(out), &out);
-    return out.str();
-}
+protected:
+    using Read = std::remove_pointer_t<decltype(std::declval<Format>().read(std::declval<std::istream&>(),
+                                                                            std::declval<std::string&>()))>;
+
+    static std::unique_ptr<Read> read(const std::string& text, std::string& errors)
+    {
+        std::istringstream in(text);
+        return std::unique_ptr<Read>(Format::theFormat()->read(in, errors));
+    }
+
+    /// What is read from the text, written again; the messages when there is none.
+    std::string reread(const std::string& text) const
+    {
+        std::string errors;
+        const auto object = read(text, errors);
+        EXPECT_EQ(object == nullptr, !errors.empty());
+        return object ? writtenBy(mFormat, *object) : errors;
+    }
+
+    const Format& mFormat = *Format::theFormat();
+};
 } // namespace vumo::test
