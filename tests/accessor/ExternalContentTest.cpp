@@ -148,6 +148,19 @@ TEST_F(ExternalContentTest, ReadTable_ReadsTheTableOfBothKindsOfScene)
 
         const auto accessor = readScene(file.name());
         EXPECT_NE(ExternalContent::getStream(*accessor), nullptr);
+        const Ref<Structure> weight = valueStructure("Weight");
+        Stream notes(*weight, "notes");
+        notes.setElement(0, Handle(*weight));
+        accessor->associations()[""].channel("scene").setDataStream(notes);
+        Accessor::StructureSet structures = accessor->structures();
+        structures.insert(weight.get());
+        accessor->setStructures(structures);
+        ASSERT_TRUE(accessor->write(errors)) << errors;
+        table = Associations();
+        EXPECT_TRUE(ExternalContent::readTable(file.name(), table, errors)) << errors;
+        EXPECT_NE(ExternalContent::getStream(table), nullptr) << "beside a channel of another structure";
+        EXPECT_EQ(errors, "");
+
         accessor->associations().clear();
         EXPECT_EQ(ExternalContent::getStream(*accessor), nullptr);
         EXPECT_TRUE(accessor->associations().empty());

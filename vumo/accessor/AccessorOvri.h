@@ -85,8 +85,9 @@ public:
         /// Stands between the roles of a reference. Inside a role, "-" is written as "--" and ";" as "-*".
         static const std::string& getRolesSeparator();
 
-        /// Reads the scene's own metadata of a scene file, as far as the table's structure serves it. False when the
-        /// file cannot be read, with the reason appended to `errors`, and when it holds no such metadata.
+        /// Reads the scene's own metadata of a scene file, other channels beside the table included. False when the
+        /// file cannot be read, with the reason appended to `errors`, and when it declares no structure of the table
+        /// or the scene has no metadata.
         static bool readTable(const std::string& fileName, Associations& result, std::string& errors);
 
         /// The table's stream, owned by the argument; null when there is none. Creates nothing.

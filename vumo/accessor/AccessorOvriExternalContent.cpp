@@ -91,6 +91,12 @@ bool writeFields(Handle& handle, const std::vector<Field>& fields)
     trial.makeUnique();
     return storeFields(trial, fields) && storeFields(handle, fields);
 }
+
+bool hasStructure(const Accessor& accessor, const std::string& name)
+{
+    return std::any_of(accessor.structures().begin(), accessor.structures().end(),
+                       [&](const Structure* structure) { return structure->name() == name; });
+}
 } // namespace
 
 const std::string& AccessorOvri::ExternalContent::getChannelName()
@@ -156,9 +162,12 @@ bool AccessorOvri::ExternalContent::readTable(const std::string& fileName, Assoc
     }
     const std::set<std::string> structures = {getStructureName()};
     const std::set<std::string> associations = {getSceneAssociationsName()};
-    if (!accessor->read(fileName, &structures, &associations, errors))
+    std::string ignored;
+    // Where the scene has other channels beside the table they need structures of their own to be read.
+    if (!accessor->read(fileName, &structures, &associations, ignored) &&
+        !accessor->read(fileName, nullptr, &associations, errors))
         return false;
-    if (accessor->structures().empty() || accessor->associations().empty())
+    if (!hasStructure(*accessor, getStructureName()) || accessor->associations().empty())
         return false;
     result = accessor->associations().begin()->second;
     return true;
