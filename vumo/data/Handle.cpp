@@ -18,28 +18,9 @@ namespace vumo::Data
 {
 namespace
 {
-std::string fallbackText(Member::eDataType type)
-{
-    switch (type)
-    {
-    case Member::kBoolean:
-        return "false";
-    case Member::kDouble:
-    case Member::kFloat:
-        return "0.0";
-    case Member::kDoubleMatrix4x4:
-    case Member::kFloatMatrix4x4:
-        return "0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0 0.0";
-    case Member::kString:
-        return "";
-    default:
-        return type < Member::kInvalidType ? "0" : "";
-    }
-}
-
 std::string unrecognizedMessage(Member::eDataType type)
 {
-    std::string word = detail::typeWord(type);
+    std::string word = detail::dataType(type).word;
     const bool isInteger = word.find("Int") != std::string::npos; // those keep their capitals
     if (!isInteger)
         word[0] = static_cast<char>(word[0] - 'A' + 'a');
@@ -68,7 +49,7 @@ int readEntries(Member::eDataType type, const std::string& text, char* value, st
     detail::ValueInput values(in, buffer);
     values.restart(text);
     int errorCount = 0;
-    for (unsigned int i = 0; i < detail::entryCount(type); ++i)
+    for (unsigned int i = 0; i < detail::dataType(type).entries; ++i)
     {
         std::string word;
         if (detail::readEntry(values, type, detail::entryAddress(type, value, i), word))
@@ -88,9 +69,7 @@ int storeString(const std::string& text, char* value, std::string& messages)
         messages += detail::entryMessage(Member::kString, 0, static_cast<long long>(zero) + 1, "") + "\n";
         return 1; // the stored text would end there
     }
-    char* const copy = detail::duplicateText(text.c_str());
-    std::free(detail::loadScalar<char*>(value));
-    detail::storeScalar(value, copy);
+    Member::replaceString(value, text.c_str());
     return 0;
 }
 
@@ -201,11 +180,11 @@ std::string Handle::str(unsigned int i, eNumbers numbers) const
     const Member::eDataType type = dataType();
     const char* const source = value(i);
     if (!source)
-        return fallbackText(type);
+        return detail::dataType(type).fallback;
     if (type == Member::kString)
     {
-        const char* const text = detail::loadScalar<char*>(source);
-        const bool hasFirst = detail::loadScalar<char*>(value(0)); // without a first string all are empty
+        const char* const text = loadScalar<char*>(source);
+        const bool hasFirst = loadScalar<char*>(value(0)); // without a first string all are empty
         return hasFirst && text ? text : "";
     }
     detail::TextBuilder builder;

@@ -12,25 +12,6 @@ namespace vumo::Data
 {
 namespace
 {
-struct TypeInfo
-{
-    const char* name;
-    unsigned int size;
-    unsigned int alignment;
-};
-
-constexpr TypeInfo kTypes[] = {
-    {"bool", 1, 1},  {"double", 8, 8}, {"dbl4x4", 128, 8}, {"float", 4, 4},  {"flt4x4", 64, 4},
-    {"int8", 1, 1},  {"int16", 2, 2},  {"int32", 4, 4},    {"int64", 8, 8},  {"string", 8, 8},
-    {"uint8", 1, 1}, {"uint16", 2, 2}, {"uint32", 4, 4},   {"uint64", 8, 8}, {"invalid", 0, 0},
-};
-static_assert(sizeof(char*) == 8, "a string value takes 8 bytes");
-
-const TypeInfo& typeInfo(Member::eDataType type)
-{
-    return kTypes[type < Member::kInvalidType ? type : Member::kInvalidType];
-}
-
 /// Calls `visit` with the address of each string of `member` in the block at `data`.
 template <class Visitor>
 void visitStrings(const Member& member, char* data, Visitor&& visit)
@@ -44,7 +25,7 @@ void visitStrings(const Member& member, char* data, Visitor&& visit)
 template <class T>
 bool isZero(const char* scalar)
 {
-    return detail::loadScalar<T>(scalar) == T();
+    return loadScalar<T>(scalar) == T();
 }
 } // namespace
 
@@ -95,8 +76,8 @@ bool Member::fillWithDefault(char* data) const
 bool Member::constructDuplicate(char* dest, const char* src) const
 {
     visitStrings(*this, dest, [&](char* value) {
-        const char* const original = detail::loadScalar<char*>(src + (value - dest));
-        detail::storeScalar(value, detail::duplicateText(original));
+        const char* const original = loadScalar<char*>(src + (value - dest));
+        storeScalar(value, detail::duplicateText(original));
     });
     return true;
 }
@@ -106,8 +87,8 @@ bool Member::destroy(char* data) const
     if (mType >= kInvalidType)
         return false;
     visitStrings(*this, data, [](char* value) {
-        std::free(detail::loadScalar<char*>(value));
-        detail::storeScalar<char*>(value, nullptr);
+        std::free(loadScalar<char*>(value));
+        storeScalar<char*>(value, nullptr);
     });
     return true;
 }
@@ -126,6 +107,17 @@ bool Member::isDefault(const char* data) const
     return allDefault;
 }
 
+void Member::replaceString(void* string, const char* text)
+{
+    replaceString(string, OwnedText(detail::duplicateText(text))); // copied before the old one is freed
+}
+
+void Member::replaceString(void* string, OwnedText text)
+{
+    std::free(loadScalar<char*>(string));
+    storeScalar(string, text.release());
+}
+
 unsigned long long Member::offset(const Member* member, unsigned int i)
 {
     return member ? member->mOffset + static_cast<unsigned long long>(typeSize(member->mType)) * i : 0;
@@ -133,27 +125,25 @@ unsigned long long Member::offset(const Member* member, unsigned int i)
 
 unsigned int Member::typeSize(eDataType type)
 {
-    return typeInfo(type).size;
+    return detail::dataType(type).size;
 }
 
 unsigned int Member::typeAlignment(eDataType type)
 {
-    return typeInfo(type).alignment;
+    return detail::dataType(type).alignment;
 }
 
 const char* Member::typeName(eDataType type)
 {
-    return typeInfo(type).name;
+    return detail::dataType(type).name;
 }
 
 Member::eDataType Member::typeFromName(const char* name)
 {
-    for (unsigned int type = 0; type < kInvalidType; ++type)
-    {
-        if (name && std::strcmp(name, kTypes[type].name) == 0)
-            return static_cast<eDataType>(type);
-    }
-    return kInvalidType;
+    unsigned int type = 0;
+    while (type < kInvalidType && !detail::equalTexts(name, typeName(static_cast<eDataType>(type))))
+        ++type;
+    return static_cast<eDataType>(type);
 }
 
 bool Member::Debug(const Member* object, vumo::Debug::Print& request)

@@ -58,6 +58,13 @@ public:
     /// empty string is not.
     bool isDefault(const char* data) const;
 
+    /// Puts a copy of `text`, or null, in place of the string value at `string`, which is released. `text` may be a
+    /// part of it. Throws `std::bad_alloc`.
+    static void replaceString(void* string, const char* text);
+
+    /// The same with a text that is taken over. Throws nothing.
+    static void replaceString(void* string, OwnedText text);
+
     /// The following accept null and then give 0, null, 4294967295 or `kInvalidType`.
 
     static unsigned int length(const Member* member) { return member ? member->mDimension : 0; }

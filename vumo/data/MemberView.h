@@ -2,7 +2,6 @@
 
 #include "vumo/data/Member.h"
 #include "vumo/data/ScalarAccess.h"
-#include "vumo/foundation/Export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -52,10 +51,6 @@ template <> struct MemberTypes<std::uint64_t> : MemberTypesAre<Member::kUInt64> 
 template <class T>
 using ReadOnlyValue = std::conditional_t<std::is_pointer_v<T>, const char*, const T>;
 
-/// Puts a copy of `text`, or null, in place of the string at `string`, which is released. `text` may be a part of it.
-/// Throws `std::bad_alloc`.
-VUMO_EXPORT void replaceString(void* string, const char* text);
-
 /// The values of one member in all elements of a dense stream, to be read and written in tight loops.
 ///
 /// T is the type of a value: `float`, or `const float` to read only. A matrix is 16 values of its entries' type, row
@@ -96,7 +91,7 @@ public:
         {
             static_assert(!kIsConst, "a view of const values is for reading");
             if constexpr (kIsString)
-                replaceString(mData + i * sizeof(Value), value);
+                Member::replaceString(mData + i * sizeof(Value), value);
             else
                 storeScalar<Value>(mData + i * sizeof(Value), value);
         }

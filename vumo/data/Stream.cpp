@@ -246,12 +246,7 @@ unsigned int Stream::setStrings(const Member& member, const unsigned int* indice
     for (char* const block : elementBlocks(indices, count))
     {
         for (unsigned int i = 0; block && i < perElement; ++i)
-        {
-            char* const place = block + Member::offset(&member, i);
-            char* const before = loadScalar<char*>(place);
-            storeScalar(place, next[i].release());
-            next[i].reset(before);
-        }
+            Member::replaceString(block + Member::offset(&member, i), std::move(next[i]));
         next += static_cast<std::ptrdiff_t>(perElement);
         written += block ? 1 : 0;
     }

@@ -314,12 +314,12 @@ void StreamImplDense::copyBlock(const StreamImplDense& other)
     if (!mData)
         throw std::bad_alloc();
     std::memcpy(mData, other.mData, mStride * mAllocated);
-    visitStrings(mData, [](char* string) { detail::storeScalar<char*>(string, nullptr); });
+    visitStrings(mData, [](char* string) { storeScalar<char*>(string, nullptr); });
     try
     {
         visitStrings(mData, [&](char* string) {
-            if (const char* const text = detail::loadScalar<char*>(other.mData + (string - mData)))
-                detail::storeScalar(string, detail::duplicateText(text));
+            if (const char* const text = loadScalar<char*>(other.mData + (string - mData)))
+                storeScalar(string, detail::duplicateText(text));
         });
     }
     catch (...)
@@ -342,7 +342,7 @@ void StreamImplDense::releaseBlock()
 {
     if (!mData)
         return;
-    visitStrings(mData, [](char* string) { std::free(detail::loadScalar<char*>(string)); });
+    visitStrings(mData, [](char* string) { std::free(loadScalar<char*>(string)); });
     std::free(mData);
     mData = nullptr;
 }

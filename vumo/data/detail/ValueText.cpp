@@ -17,10 +17,6 @@ namespace
 {
 constexpr unsigned int kMatrixColumns = 4;
 
-constexpr const char* kTypeWords[] = {"Boolean", "Double", "Double matrix", "Float",  "Float matrix",
-                                      "Int8",    "Int16",  "Int32",         "Int64",  "String",
-                                      "UInt8",   "UInt16", "UInt32",        "UInt64", "invalid"};
-
 template <class T>
 constexpr bool kIsNarrow = std::is_integral_v<T> && sizeof(T) < sizeof(std::int32_t);
 
@@ -139,13 +135,6 @@ bool extractAlone(ValueInput& in, T& value, ReadEntries& read)
 }
 } // namespace
 
-unsigned int entryCount(Member::eDataType type)
-{
-    unsigned int count = 0;
-    visitDataType(type, [&](auto layout) { count = layout.kEntries; });
-    return count;
-}
-
 bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataType type, const char* values,
                   unsigned int count)
 {
@@ -208,25 +197,20 @@ bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char
 
 char* entryAddress(Member::eDataType type, char* value, unsigned int i)
 {
-    return value + Member::typeSize(type) / entryCount(type) * i;
+    return value + dataType(type).size / dataType(type).entries * i;
 }
 
 std::string entryMessage(Member::eDataType type, unsigned int i, long long character, const std::string& word)
 {
-    const std::string what = typeWord(type);
+    const std::string what = dataType(type).word;
     const std::string where = " on or about character " + std::to_string(character);
     if (type == Member::kBoolean)
         return what + where + " has invalid value '" + word + "'. Use 't', 'true', '1', 'f', 'false', '0' only.";
-    if (entryCount(type) > 1)
+    if (dataType(type).entries > 1)
     {
         return what + where + " has invalid value at row " + std::to_string(i / kMatrixColumns) + ", column " +
                std::to_string(i % kMatrixColumns);
     }
     return what + " value" + where + " is invalid";
-}
-
-const char* typeWord(Member::eDataType type)
-{
-    return kTypeWords[type < Member::kInvalidType ? type : Member::kInvalidType];
 }
 } // namespace vumo::Data::detail

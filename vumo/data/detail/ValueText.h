@@ -12,9 +12,6 @@ namespace vumo::Data::detail
 /// The text form of numbers and booleans, shared by handles and text formats. A value of a matrix type is
 /// 16 entries, of any other type one.
 
-/// The number of entries in a value of `type`: 16, 1, or 0 for the invalid type.
-unsigned int entryCount(Member::eDataType type);
-
 /// Appends the entries of the `count` values at `values`, separated by blanks; an int8 or uint8 is a number, too.
 /// Returns whether readers take back what was written: no infinity, no NaN, no hexadecimal float, nothing rounded
 /// beyond the range of its type. Not for strings.
@@ -44,7 +41,4 @@ char* entryAddress(Member::eDataType type, char* value, unsigned int i);
 
 /// Says that entry `i` of a value could not be read; one line without its newline.
 std::string entryMessage(Member::eDataType type, unsigned int i, long long character, const std::string& word);
-
-/// What messages call a value of that type: "Boolean", "Double matrix", "Int8" and so on.
-const char* typeWord(Member::eDataType type);
 } // namespace vumo::Data::detail

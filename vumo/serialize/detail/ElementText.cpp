@@ -94,14 +94,6 @@ bool readQuoted(ValueInput& in, std::string& text, Messages& messages)
     }
 }
 
-/// Replaces the string at `target` by a copy of the text.
-void storeString(char* target, std::string_view text)
-{
-    char* const copy = duplicateText(text); // may throw, while the string before is still there
-    std::free(loadScalar<char*>(target));
-    storeScalar(target, copy);
-}
-
 /// Reads a string, which replaces the one at `target`, if there is one. There is text left.
 bool readString(ValueInput& in, char* target, Messages& messages)
 {
@@ -130,7 +122,7 @@ bool readString(ValueInput& in, char* target, Messages& messages)
         return false;
     }
     if (target)
-        storeString(target, text);
+        Member::replaceString(target, OwnedText(duplicateText(text)));
     return true;
 }
 
@@ -159,7 +151,7 @@ bool readNumbers(ValueInput& in, const MemberValues& values, Messages& messages)
     ReadEntries read;
     while (!readValues(in, values.type, values.length, values.data, read))
     {
-        const auto place = static_cast<unsigned int>(read.count % entryCount(values.type));
+        const auto place = static_cast<unsigned int>(read.count % dataType(values.type).entries);
         messages.add(entryMessage(values.type, place, readPosition(in.stream()), read.word));
         if (read.isMissing)
             return false;
@@ -173,7 +165,7 @@ bool readNumbers(ValueInput& in, const MemberValues& values, Messages& messages)
 unsigned long long leastLength(Member::eDataType type, unsigned int length)
 {
     constexpr unsigned long long kLeastEntry = 2;
-    return kLeastEntry * entryCount(type) * length;
+    return kLeastEntry * dataType(type).entries * length;
 }
 
 /// A number that no reader takes back, and why.
