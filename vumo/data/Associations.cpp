@@ -14,17 +14,6 @@ Associations::Associations() : Associations(nullptr) {}
 Associations::Associations(const Associations* other)
     : mImpl(other ? other->mImpl : Ref<AssociationsImpl>(new AssociationsImpl()))
 {
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-Associations::Associations(const Associations& other) : Associations(&other) {}
-
-Associations& Associations::operator=(const Associations& other) = default;
-
-Associations::~Associations()
-{
-    --_objectsAlive;
 }
 
 Associations* Associations::create()

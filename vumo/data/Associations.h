@@ -3,6 +3,7 @@
 #include "vumo/data/AssociationsImpl.h"
 #include "vumo/data/AssociationsIterator.h"
 #include "vumo/data/Channel.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Ref.h"
@@ -18,16 +19,13 @@ namespace vumo::Data
 ///
 /// Walks and positions follow the names. Where a channel was renamed through another object that shares it,
 /// it keeps its place here until it is set again; looking it up by its new name finds it all the same.
-class VUMO_EXPORT Associations
+class VUMO_EXPORT Associations : private Counted<Associations>
 {
 public:
     Associations();
 
     /// Shares the other's channels; null means none.
     explicit Associations(const Associations* other);
-    Associations(const Associations& other);
-    Associations& operator=(const Associations& other);
-    ~Associations();
 
     /// A new, empty object, owned by the caller.
     static Associations* create();

@@ -20,24 +20,14 @@ Channel* editable(const Channel& channel)
 unsigned long long AssociationsImpl::_objectsCreated = 0;
 unsigned long long AssociationsImpl::_objectsAlive = 0;
 
-AssociationsImpl::AssociationsImpl() : mOrderedAt(detail::renameCount())
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+AssociationsImpl::AssociationsImpl() : mOrderedAt(detail::renameCount()) {}
 
 AssociationsImpl::AssociationsImpl(const AssociationsImpl& other)
     : RefCounted(other),
+      vumo::Counted<AssociationsImpl>(other),
       mChannels(other.mChannels.begin(), other.mChannels.end()),
       mOrderedAt(detail::renameCount())
 {
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-AssociationsImpl::~AssociationsImpl()
-{
-    --_objectsAlive;
 }
 
 bool AssociationsImpl::makeUnique()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Channel.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/RefCounted.h"
@@ -11,7 +12,7 @@
 namespace vumo::Data
 {
 /// What stands behind an `Associations`: its channels.
-class VUMO_EXPORT AssociationsImpl : public RefCounted
+class VUMO_EXPORT AssociationsImpl : public RefCounted, private Counted<AssociationsImpl>
 {
 public:
     /// Orders channels by name, byte by byte.
@@ -32,7 +33,6 @@ public:
     /// Copies the set; each channel goes on sharing its implementation.
     AssociationsImpl(const AssociationsImpl& other);
     AssociationsImpl& operator=(const AssociationsImpl&) = delete;
-    ~AssociationsImpl() override;
 
     /// Makes every channel unique. Returns whether one had to be copied.
     bool makeUnique();

@@ -10,23 +10,9 @@ namespace vumo::Data
 unsigned long long Channel::_objectsCreated = 0;
 unsigned long long Channel::_objectsAlive = 0;
 
-Channel::Channel() : mImpl(new ChannelImpl())
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+Channel::Channel() : mImpl(new ChannelImpl()) {}
 
-Channel::Channel(const std::string& name) : mImpl(new ChannelImpl(name))
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-Channel::Channel(const Channel& other) : mImpl(other.mImpl)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+Channel::Channel(const std::string& name) : mImpl(new ChannelImpl(name)) {}
 
 Channel& Channel::operator=(const Channel& other)
 {
@@ -34,11 +20,6 @@ Channel& Channel::operator=(const Channel& other)
         detail::countRename(); // an associations object may hold this one, in the order of names
     mImpl = other.mImpl;
     return *this;
-}
-
-Channel::~Channel()
-{
-    --_objectsAlive;
 }
 
 bool Channel::makeUnique()

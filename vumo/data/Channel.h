@@ -4,6 +4,7 @@
 #include "vumo/data/ChannelIterator.h"
 #include "vumo/data/Index.h"
 #include "vumo/data/Stream.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Ref.h"
@@ -21,15 +22,14 @@ namespace vumo::Data
 ///
 /// Walks and positions follow the names. Where a stream was renamed through another channel that shares it,
 /// it keeps its place here until it is set again; looking it up by its new name finds it all the same.
-class VUMO_EXPORT Channel
+class VUMO_EXPORT Channel : private Counted<Channel>
 {
 public:
     /// Named "Unnamed".
     Channel();
     explicit Channel(const std::string& name);
-    Channel(const Channel& other);
+    Channel(const Channel& other) = default;
     Channel& operator=(const Channel& other);
-    ~Channel();
 
     /// Says whether both share one implementation.
     bool operator==(const Channel& other) const { return mImpl.get() == other.mImpl.get(); }

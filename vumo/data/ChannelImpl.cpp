@@ -53,11 +53,7 @@ bool ChannelImpl::StreamCompare::operator()(const std::string& left, const Strea
     return left < nameOf(right);
 }
 
-ChannelImpl::ChannelImpl(const std::string& name) : mName(name), mOrderedAt(detail::renameCount())
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+ChannelImpl::ChannelImpl(const std::string& name) : mName(name), mOrderedAt(detail::renameCount()) {}
 
 ChannelImpl::ChannelImpl(const ChannelImpl& other) : ChannelImpl(other.mName)
 {
@@ -68,7 +64,6 @@ ChannelImpl::ChannelImpl(const ChannelImpl& other) : ChannelImpl(other.mName)
 ChannelImpl::~ChannelImpl()
 {
     deleteStreams(mStreams);
-    --_objectsAlive;
 }
 
 bool ChannelImpl::makeUnique()

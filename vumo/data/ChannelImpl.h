@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Index.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/RefCounted.h"
@@ -13,7 +14,7 @@ namespace vumo::Data
 class Stream;
 
 /// What stands behind a `Channel`: its name and the streams it owns.
-class VUMO_EXPORT ChannelImpl : public RefCounted
+class VUMO_EXPORT ChannelImpl : public RefCounted, private Counted<ChannelImpl>
 {
 public:
     /// Orders streams by name, byte by byte. Throws `std::invalid_argument` for a null stream.

@@ -4,6 +4,7 @@
 #include "vumo/data/MemberView.h"
 #include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
@@ -21,7 +22,7 @@ namespace vumo::Data
 /// (it made or copied the block itself). A copy never owns: it borrows the block of the source, which
 /// must outlive it. It references the structure for as long as it lives, so a structure that nobody
 /// else holds dies with its last handle: ref() a new structure before making handles on it.
-class VUMO_EXPORT Handle
+class VUMO_EXPORT Handle : private Counted<Handle>
 {
 public:
     /// On a new, empty structure of its own, without data.
@@ -51,7 +52,6 @@ public:
         if (mOwnsData)
             releaseBlock();
         mStructure->unrefFromIterator();
-        --_objectsAlive;
     }
 
     /// Releases an owned block, then takes `data`; an owned block comes from array new.
@@ -211,8 +211,6 @@ private:
           mOwnsData(owns)
     {
         mStructure->refFromIterator();
-        ++_objectsCreated;
-        ++_objectsAlive;
     }
 
     const Member* currentMember() const { return mStructure->member(mIndex); }

@@ -38,7 +38,6 @@ Index::Index(const IndexType& value) : Index(Ref<IndexType>(value.clone())) {}
 Index::Index(const std::string& text)
 {
     detail::parseIndexNumbers(text, &mNumber, 1);
-    count();
 }
 
 Index& Index::operator=(unsigned int number)

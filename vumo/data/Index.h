@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/IndexType.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Ref.h"
@@ -15,7 +16,7 @@ namespace vumo::Data
 ///
 /// Indices are totally ordered, numbers first. The complex value is shared by assignment and copied by
 /// copy construction; it is never changed, so the two cannot be told apart.
-class VUMO_EXPORT Index
+class VUMO_EXPORT Index : private Counted<Index>
 {
 public:
     /// Thrown, as they are, for texts that make no index.
@@ -28,7 +29,7 @@ public:
 
     using Creator = Index (*)(const std::string& text);
 
-    Index(unsigned int number) : mNumber(number) { count(); }
+    Index(unsigned int number) : mNumber(number) {}
 
     /// Holds a copy of the value.
     Index(const IndexType& value);
@@ -36,18 +37,20 @@ public:
     /// The number of that text: decimal digits, with blanks, tabs or carriage returns around them.
     /// Throws `eCreationErrors`.
     Index(const std::string& text);
-    Index(const Index& other) : mNumber(other.mNumber), mComplex(other.mComplex ? other.mComplex->clone() : nullptr)
+    Index(const Index& other)
+        : vumo::Counted<Index>(other),
+          mNumber(other.mNumber),
+          mComplex(other.mComplex ? other.mComplex->clone() : nullptr)
     {
-        count();
     }
 
     /// Takes the complex value over; `other` is a number afterwards.
-    Index(Index&& other) noexcept : mNumber(other.mNumber), mComplex(std::move(other.mComplex)) { count(); }
+    Index(Index&& other) noexcept = default;
 
     Index& operator=(const Index& other) = default;
     Index& operator=(Index&& other) noexcept = default;
     Index& operator=(unsigned int number);
-    ~Index() { --_objectsAlive; }
+    ~Index() = default;
 
     /// An index that holds the value itself, which is new and held by nobody else.
     static Index adopt(IndexType* value) { return Index(Ref<IndexType>(value)); }
@@ -127,13 +130,7 @@ public:
     static unsigned long long _objectsAlive;
 
 private:
-    explicit Index(Ref<IndexType> value) : mComplex(std::move(value)) { count(); }
-
-    static void count()
-    {
-        ++_objectsCreated;
-        ++_objectsAlive;
-    }
+    explicit Index(Ref<IndexType> value) : mComplex(std::move(value)) {}
 
     bool areNumbers(const Index& other) const { return !mComplex && !other.mComplex; }
 

@@ -13,17 +13,7 @@ namespace vumo::Data
 unsigned long long IndexPair::_objectsCreated = 0;
 unsigned long long IndexPair::_objectsAlive = 0;
 
-IndexPair::IndexPair()
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-IndexPair::IndexPair(unsigned int first, unsigned int second) : mFirst(first), mSecond(second)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+IndexPair::IndexPair(unsigned int first, unsigned int second) : mFirst(first), mSecond(second) {}
 
 IndexPair::IndexPair(const std::string& text)
 {
@@ -31,17 +21,6 @@ IndexPair::IndexPair(const std::string& text)
     detail::parseIndexNumbers(text, numbers, 2);
     mFirst = numbers[0];
     mSecond = numbers[1];
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-IndexPair::IndexPair(const IndexPair& other) : IndexPair(other.mFirst, other.mSecond) {}
-
-IndexPair& IndexPair::operator=(const IndexPair& other) = default;
-
-IndexPair::~IndexPair()
-{
-    --_objectsAlive;
 }
 
 void IndexPair::getIndexPair(unsigned int& first, unsigned int& second) const

@@ -2,6 +2,7 @@
 
 #include "vumo/data/CRTP_IndexType.h"
 #include "vumo/foundation/CRTP_Debug.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
@@ -12,19 +13,17 @@ namespace vumo::Data
 /// An index of two numbers, for data that is addressed by two coordinates such as a face and a vertex.
 class VUMO_EXPORT IndexPair : public CRTP_IndexType<IndexPair>,
                               public vumo::Debug::CRTP_Debug<IndexPair, vumo::Debug::Print>,
-                              public vumo::Debug::CRTP_Debug<IndexPair, vumo::Debug::Footprint>
+                              public vumo::Debug::CRTP_Debug<IndexPair, vumo::Debug::Footprint>,
+                              private Counted<IndexPair>
 {
 public:
     /// Leaves both numbers unset.
-    IndexPair();
+    IndexPair() = default;
     IndexPair(unsigned int first, unsigned int second);
 
     /// Reads "first second": decimal digits between blanks, tabs or carriage returns.
     /// Throws `Index::eCreationErrors`.
     explicit IndexPair(const std::string& text);
-    IndexPair(const IndexPair& other);
-    IndexPair& operator=(const IndexPair& other);
-    ~IndexPair() override;
 
     void getIndexPair(unsigned int& first, unsigned int& second) const;
 

@@ -25,27 +25,12 @@ bool compareTexts(const IndexString& left, const IndexType& right, Compare compa
 unsigned long long IndexString::_objectsCreated = 0;
 unsigned long long IndexString::_objectsAlive = 0;
 
-IndexString::IndexString() : IndexString(std::string()) {}
-
-IndexString::IndexString(const std::string& text) : mText(text)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-IndexString::IndexString(const IndexString& other) : IndexString(other.mText) {}
-
-IndexString& IndexString::operator=(const IndexString& other) = default;
+IndexString::IndexString(const std::string& text) : mText(text) {}
 
 IndexString& IndexString::operator=(const std::string& text)
 {
     mText = text;
     return *this;
-}
-
-IndexString::~IndexString()
-{
-    --_objectsAlive;
 }
 
 std::string IndexString::asString() const

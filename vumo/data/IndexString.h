@@ -2,6 +2,7 @@
 
 #include "vumo/data/CRTP_IndexType.h"
 #include "vumo/foundation/CRTP_Debug.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
@@ -12,15 +13,13 @@ namespace vumo::Data
 /// An index that is a text, for data that is addressed by name. Any text is an index, the empty one too.
 class VUMO_EXPORT IndexString : public CRTP_IndexType<IndexString>,
                                 public vumo::Debug::CRTP_Debug<IndexString, vumo::Debug::Print>,
-                                public vumo::Debug::CRTP_Debug<IndexString, vumo::Debug::Footprint>
+                                public vumo::Debug::CRTP_Debug<IndexString, vumo::Debug::Footprint>,
+                                private Counted<IndexString>
 {
 public:
-    IndexString();
+    IndexString() = default;
     explicit IndexString(const std::string& text);
-    IndexString(const IndexString& other);
-    IndexString& operator=(const IndexString& other);
     IndexString& operator=(const std::string& text);
-    ~IndexString() override;
 
     const std::string& indexString() const { return mText; }
 

@@ -32,12 +32,6 @@ bool isZero(const char* scalar)
 unsigned long long Member::_objectsCreated = 0;
 unsigned long long Member::_objectsAlive = 0;
 
-Member::Member()
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
 Member::Member(const Member& other) : Member()
 {
     *this = other;
@@ -52,11 +46,6 @@ Member& Member::operator=(const Member& other)
     mDimension = other.mDimension;
     mOffset = other.mOffset;
     return *this;
-}
-
-Member::~Member()
-{
-    --_objectsAlive;
 }
 
 bool Member::operator==(const Member& other) const

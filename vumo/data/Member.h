@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/OwnedText.h"
@@ -10,7 +11,7 @@ namespace vumo::Data
 /// in an element's data block the first of them lies.
 ///
 /// The members of a structure are made by `Structure::addMember`; a Member on its own is an empty record.
-class VUMO_EXPORT Member
+class VUMO_EXPORT Member : private Counted<Member>
 {
 public:
     /// The data types; their numbers are part of the interface. A matrix is 16 entries, row after row.
@@ -34,10 +35,9 @@ public:
         kInvalidType
     };
 
-    Member();
+    Member() = default;
     Member(const Member& other);
     Member& operator=(const Member& other);
-    ~Member();
 
     bool operator==(const Member& other) const;
     bool operator!=(const Member& other) const { return !(*this == other); }

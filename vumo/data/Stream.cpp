@@ -46,30 +46,14 @@ const std::string Stream::kDebugHex = "hex";
 unsigned long long Stream::_objectsCreated = 0;
 unsigned long long Stream::_objectsAlive = 0;
 
-Stream::Stream() : mImpl(new StreamImplMapped())
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+Stream::Stream() : mImpl(new StreamImplMapped()) {}
 
-Stream::Stream(const Structure& structure, const std::string& name) : mImpl(new StreamImplMapped(structure, name))
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+Stream::Stream(const Structure& structure, const std::string& name) : mImpl(new StreamImplMapped(structure, name)) {}
 
 Stream::Stream(StreamImpl* impl) : mImpl(impl)
 {
     if (!impl)
         throw std::invalid_argument("Null implementation of a Stream.");
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
-
-Stream::Stream(const Stream& other) : mImpl(other.mImpl)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 Stream& Stream::operator=(const Stream& other)
@@ -78,11 +62,6 @@ Stream& Stream::operator=(const Stream& other)
         detail::countRename(); // a channel may hold this object, in the order of names
     mImpl = other.mImpl;
     return *this;
-}
-
-Stream::~Stream()
-{
-    --_objectsAlive;
 }
 
 bool Stream::makeUnique()

@@ -7,6 +7,7 @@
 #include "vumo/data/StreamImpl.h"
 #include "vumo/data/StreamIterator.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Ref.h"
@@ -26,7 +27,7 @@ namespace vumo::Data
 /// Starts in mapped storage, an ordered map that suits sparse numbers and complex indices;
 /// useDenseStorage(true) moves the elements to one contiguous block. Structure and index type can change
 /// only while there are no elements.
-class VUMO_EXPORT Stream
+class VUMO_EXPORT Stream : private Counted<Stream>
 {
 public:
     /// Named "Stream", with a new, empty structure of its own.
@@ -37,9 +38,8 @@ public:
 
     /// References a storage made elsewhere, new or shared. Throws `std::invalid_argument` for null.
     explicit Stream(StreamImpl* impl);
-    Stream(const Stream& other);
+    Stream(const Stream& other) = default;
     Stream& operator=(const Stream& other);
-    ~Stream();
 
     /// Gives this stream elements of its own when it shares them. Returns whether it had to copy.
     bool makeUnique();

@@ -17,21 +17,18 @@ StreamImpl::StreamImpl(const Structure& structure, const std::string& name)
       mName(name),
       mIndexType(Index::theTypeName())
 {
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 StreamImpl::StreamImpl(const StreamImpl& other)
     : RefCounted(other),
       CRTP_Debug<StreamImpl, vumo::Debug::Print>(other),
       CRTP_Debug<StreamImpl, vumo::Debug::Footprint>(other),
+      vumo::Counted<StreamImpl>(other),
       mStructure(other.mStructure),
       mName(other.mName),
       mIndexType(other.mIndexType),
       mUseDefaults(other.mUseDefaults)
 {
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 StreamImpl& StreamImpl::operator=(const StreamImpl& other)
@@ -44,11 +41,6 @@ StreamImpl& StreamImpl::operator=(const StreamImpl& other)
     mIndexType.swap(indexType);
     mUseDefaults = other.mUseDefaults;
     return *this;
-}
-
-StreamImpl::~StreamImpl()
-{
-    --_objectsAlive;
 }
 
 bool StreamImpl::mergeStream(const StreamImpl& other)

@@ -4,6 +4,7 @@
 #include "vumo/data/Index.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/CRTP_Debug.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Ref.h"
@@ -20,7 +21,8 @@ class StreamIteratorImpl;
 /// Derived classes are the storages. Whoever makes one directly calls ref() on it and later unref().
 class VUMO_EXPORT StreamImpl : public RefCounted,
                                public vumo::Debug::CRTP_Debug<StreamImpl, vumo::Debug::Print>,
-                               public vumo::Debug::CRTP_Debug<StreamImpl, vumo::Debug::Footprint>
+                               public vumo::Debug::CRTP_Debug<StreamImpl, vumo::Debug::Footprint>,
+                               private Counted<StreamImpl>
 {
 public:
     /// Named "Stream", with a new, empty structure of its own.
@@ -28,7 +30,6 @@ public:
     StreamImpl(const Structure& structure, const std::string& name);
     StreamImpl(const StreamImpl& other);
     StreamImpl& operator=(const StreamImpl& other);
-    ~StreamImpl() override;
 
     /// A new copy of the same class, elements included, held by nobody.
     virtual StreamImpl* clone() const = 0;

@@ -45,29 +45,17 @@ unsigned long long grownSize(unsigned int allocated, unsigned long long elementS
 unsigned long long StreamImplDense::_objectsCreated = 0;
 unsigned long long StreamImplDense::_objectsAlive = 0;
 
-StreamImplDense::StreamImplDense()
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+StreamImplDense::StreamImplDense() {}
 
-StreamImplDense::StreamImplDense(const Structure& structure, const std::string& name) : StreamImpl(structure, name)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+StreamImplDense::StreamImplDense(const Structure& structure, const std::string& name) : StreamImpl(structure, name) {}
 
-StreamImplDense::StreamImplDense(const StreamImpl& other) : StreamImpl(other)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+StreamImplDense::StreamImplDense(const StreamImpl& other) : StreamImpl(other) {}
 
-StreamImplDense::StreamImplDense(const StreamImplDense& other) : StreamImpl(other)
+StreamImplDense::StreamImplDense(const StreamImplDense& other)
+    : StreamImpl(other),
+      vumo::Counted<StreamImplDense>(other)
 {
     copyBlock(other);
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 StreamImplDense& StreamImplDense::operator=(const StreamImplDense& other)
@@ -83,7 +71,6 @@ StreamImplDense& StreamImplDense::operator=(const StreamImplDense& other)
 StreamImplDense::~StreamImplDense()
 {
     releaseBlock();
-    --_objectsAlive;
 }
 
 StreamImpl* StreamImplDense::clone() const

@@ -2,6 +2,7 @@
 
 #include "vumo/data/ElementView.h"
 #include "vumo/data/StreamImpl.h"
+#include "vumo/foundation/Counted.h"
 
 #include <vector>
 
@@ -14,7 +15,8 @@ namespace vumo::Data
 /// then have no data.
 class VUMO_EXPORT StreamImplDense : public StreamImpl,
                                     public vumo::Debug::CRTP_Debug<StreamImplDense, vumo::Debug::Print>,
-                                    public vumo::Debug::CRTP_Debug<StreamImplDense, vumo::Debug::Footprint>
+                                    public vumo::Debug::CRTP_Debug<StreamImplDense, vumo::Debug::Footprint>,
+                                    private Counted<StreamImplDense>
 {
 public:
     StreamImplDense();

@@ -14,28 +14,21 @@ namespace vumo::Data
 unsigned long long StreamImplMapped::_objectsCreated = 0;
 unsigned long long StreamImplMapped::_objectsAlive = 0;
 
-StreamImplMapped::StreamImplMapped() : mStructureHandle(structure(), nullptr)
-{
-    ++_objectsCreated;
-    ++_objectsAlive;
-}
+StreamImplMapped::StreamImplMapped() : mStructureHandle(structure(), nullptr) {}
 
 StreamImplMapped::StreamImplMapped(const Structure& structure, const std::string& name)
     : StreamImpl(structure, name),
       mStructureHandle(structure, nullptr)
 {
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 StreamImplMapped::StreamImplMapped(const StreamImpl& other) : StreamImpl(other), mStructureHandle(structure(), nullptr)
 {
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
     : StreamImpl(other),
+      vumo::Counted<StreamImplMapped>(other),
       mStructureHandle(structure(), nullptr),
       mLowestValidIndex(other.mLowestValidIndex),
       mHighestValidIndex(other.mHighestValidIndex)
@@ -45,8 +38,6 @@ StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
         placeElementsFor(other.mElements.begin()->first);
     for (const auto& [index, element] : other.mElements)
         mElements.emplace_hint(mElements.end(), index, element);
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 StreamImplMapped& StreamImplMapped::operator=(const StreamImplMapped& other)
@@ -59,11 +50,6 @@ StreamImplMapped& StreamImplMapped::operator=(const StreamImplMapped& other)
     mLowestValidIndex = other.mLowestValidIndex;
     mHighestValidIndex = other.mHighestValidIndex;
     return *this;
-}
-
-StreamImplMapped::~StreamImplMapped()
-{
-    --_objectsAlive;
 }
 
 StreamImpl* StreamImplMapped::clone() const

@@ -2,6 +2,7 @@
 
 #include "vumo/data/NodeAllocator.h"
 #include "vumo/data/StreamImpl.h"
+#include "vumo/foundation/Counted.h"
 
 #include <functional>
 #include <map>
@@ -14,7 +15,8 @@ namespace vumo::Data
 /// Suits sparse numbers, and is the only one for complex indices. Each entry owns its element's block.
 class VUMO_EXPORT StreamImplMapped : public StreamImpl,
                                      public vumo::Debug::CRTP_Debug<StreamImplMapped, vumo::Debug::Print>,
-                                     public vumo::Debug::CRTP_Debug<StreamImplMapped, vumo::Debug::Footprint>
+                                     public vumo::Debug::CRTP_Debug<StreamImplMapped, vumo::Debug::Footprint>,
+                                     private Counted<StreamImplMapped>
 {
 public:
     StreamImplMapped();
@@ -26,7 +28,6 @@ public:
     /// Copies the elements, too.
     StreamImplMapped(const StreamImplMapped& other);
     StreamImplMapped& operator=(const StreamImplMapped& other);
-    ~StreamImplMapped() override;
 
     StreamImpl* clone() const override;
     StreamIteratorImpl* begin() override;

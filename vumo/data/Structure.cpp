@@ -151,18 +151,15 @@ Structure::Structure() : Structure(nullptr) {}
 Structure::Structure(const char* name) : mName(detail::duplicateText(name ? name : kDefaultName))
 {
     objectChanged();
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 Structure::Structure(const Structure& other)
     : RefCounted(other),
       Checkpointed(other),
+      vumo::Counted<Structure>(other),
       mName(detail::duplicateText(kDefaultName))
 {
     *this = other;
-    ++_objectsCreated;
-    ++_objectsAlive;
 }
 
 Structure& Structure::operator=(const Structure& other)
@@ -185,7 +182,6 @@ Structure& Structure::operator=(const Structure& other)
 
 Structure::~Structure()
 {
-    --_objectsAlive;
     objectChanged();
     mBeingDestroyed = true;
     dropDefaultData();

@@ -3,6 +3,7 @@
 #include "vumo/data/Member.h"
 #include "vumo/data/StructureIterator.h"
 #include "vumo/foundation/Checkpointed.h"
+#include "vumo/foundation/Counted.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/OwnedText.h"
 #include "vumo/foundation/Ref.h"
@@ -29,7 +30,7 @@ namespace vumo::Data
 /// What the library is merely handed (to compare, print, measure, register, write) it does not hold, and
 /// a structure that nobody holds survives that. An iterator or a `Handle` on it does hold it, and deletes
 /// it on the way out when it was the only one.
-class VUMO_EXPORT Structure : public RefCounted, public Checkpointed
+class VUMO_EXPORT Structure : public RefCounted, public Checkpointed, private Counted<Structure>
 {
 public:
     /// A new structure named "structure", on the heap, held by nobody.
