@@ -5,7 +5,7 @@
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
 #include "vumo/accessor/detail/FileRecovery.h"
 #include "vumo/accessor/detail/WriteWatch.h"
-#include "vumo/data/detail/StructureNames.h"
+#include "vumo/data/detail/StructureRegistry.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <algorithm>

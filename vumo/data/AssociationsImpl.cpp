@@ -2,7 +2,6 @@
 
 #include "vumo/data/detail/NamedSet.h"
 #include "vumo/data/detail/ObjectCounts.h"
-#include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 namespace vumo::Data
@@ -20,13 +19,13 @@ Channel* editable(const Channel& channel)
 unsigned long long AssociationsImpl::_objectsCreated = 0;
 unsigned long long AssociationsImpl::_objectsAlive = 0;
 
-AssociationsImpl::AssociationsImpl() : mOrderedAt(detail::renameCount()) {}
+AssociationsImpl::AssociationsImpl() : mOrderedAt(detail::theRenameCount) {}
 
 AssociationsImpl::AssociationsImpl(const AssociationsImpl& other)
     : RefCounted(other),
       vumo::Counted<AssociationsImpl>(other),
       mChannels(other.mChannels.begin(), other.mChannels.end()),
-      mOrderedAt(detail::renameCount())
+      mOrderedAt(detail::theRenameCount)
 {
 }
 

@@ -1,7 +1,7 @@
 #include "vumo/data/Channel.h"
 
+#include "vumo/data/detail/NamedSet.h"
 #include "vumo/data/detail/ObjectCounts.h"
-#include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -17,7 +17,7 @@ Channel::Channel(const std::string& name) : mImpl(new ChannelImpl(name)) {}
 Channel& Channel::operator=(const Channel& other)
 {
     if (name() != other.name())
-        detail::countRename(); // an associations object may hold this one, in the order of names
+        ++detail::theRenameCount; // an associations object may hold this one, in the order of names
     mImpl = other.mImpl;
     return *this;
 }

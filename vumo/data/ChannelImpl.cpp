@@ -3,7 +3,6 @@
 #include "vumo/data/Stream.h"
 #include "vumo/data/detail/NamedSet.h"
 #include "vumo/data/detail/ObjectCounts.h"
-#include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <memory>
@@ -53,7 +52,7 @@ bool ChannelImpl::StreamCompare::operator()(const std::string& left, const Strea
     return left < nameOf(right);
 }
 
-ChannelImpl::ChannelImpl(const std::string& name) : mName(name), mOrderedAt(detail::renameCount()) {}
+ChannelImpl::ChannelImpl(const std::string& name) : mName(name), mOrderedAt(detail::theRenameCount) {}
 
 ChannelImpl::ChannelImpl(const ChannelImpl& other) : ChannelImpl(other.mName)
 {
@@ -83,7 +82,7 @@ bool ChannelImpl::makeUnique()
 void ChannelImpl::setName(const std::string& name)
 {
     mName = name;
-    detail::countRename();
+    ++detail::theRenameCount;
 }
 
 Stream* ChannelImpl::setDataStream(const Stream& stream)

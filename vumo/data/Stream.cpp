@@ -2,8 +2,8 @@
 
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamImplMapped.h"
+#include "vumo/data/detail/NamedSet.h"
 #include "vumo/data/detail/ObjectCounts.h"
-#include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/OwnedText.h"
 #include "vumo/foundation/Print.h"
@@ -59,7 +59,7 @@ Stream::Stream(StreamImpl* impl) : mImpl(impl)
 Stream& Stream::operator=(const Stream& other)
 {
     if (name() != other.name())
-        detail::countRename(); // a channel may hold this object, in the order of names
+        ++detail::theRenameCount; // a channel may hold this object, in the order of names
     mImpl = other.mImpl;
     return *this;
 }

@@ -1,7 +1,7 @@
 #include "vumo/data/StreamImpl.h"
 
+#include "vumo/data/detail/NamedSet.h"
 #include "vumo/data/detail/ObjectCounts.h"
-#include "vumo/data/detail/Renames.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
@@ -37,7 +37,7 @@ StreamImpl& StreamImpl::operator=(const StreamImpl& other)
     std::string indexType = other.mIndexType;
     mStructure = other.mStructure; // from here on nothing fails: derived classes keep elements of that structure
     mName.swap(name);
-    detail::countRename();
+    ++detail::theRenameCount;
     mIndexType.swap(indexType);
     mUseDefaults = other.mUseDefaults;
     return *this;
@@ -79,7 +79,7 @@ bool StreamImpl::setStructure(const Structure& structure)
 void StreamImpl::setName(const std::string& name)
 {
     mName = name;
-    detail::countRename();
+    ++detail::theRenameCount;
 }
 
 bool StreamImpl::setIndexType(const std::string& typeName)

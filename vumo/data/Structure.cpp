@@ -1,6 +1,6 @@
 #include "vumo/data/Structure.h"
 
-#include "vumo/data/detail/StructureNames.h"
+#include "vumo/data/detail/StructureRegistry.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 #include "vumo/foundation/detail/Text.h"
@@ -76,45 +76,13 @@ void printDataTypes(vumo::Debug::Print& request)
     request.endSection();
 }
 
-void printRegistry(vumo::Debug::Print& request)
-{
-    const std::set<Structure*>& registry = Structure::allStructures();
-    if (registry.empty())
-    {
-        request << "No registered structures\n";
-        return;
-    }
-    request.beginSection("Registered Structures");
-    unsigned int i = 0;
-    for (const Structure* structure : registry)
-    {
-        request << "Structure[" << i++ << "]" << (structure ? "\n" : " = NULL\n");
-        if (structure)
-            Structure::Debug(structure, request);
-    }
-    request.endSection();
-}
-
 void printClass(vumo::Debug::Print& request)
 {
     request.beginSection("vumo::Data::Structure Static Data");
     request << "Default structure name = " << kDefaultName << "\n";
     printDataTypes(request);
-    printRegistry(request);
+    detail::StructureRegistry::describe(request);
     request.endSection();
-}
-
-/// Says whether an equal structure is registered.
-bool isKnown(const Structure& structure)
-{
-    const auto isEqual = [&](const Structure* other) { return other && *other == structure; };
-    if (const detail::StructureNames* const names = detail::StructureNames::current())
-    {
-        const std::vector<Structure*>* const found = names->find(structure.name());
-        return found && std::any_of(found->begin(), found->end(), isEqual);
-    }
-    const std::set<Structure*>& registry = Structure::allStructures();
-    return std::any_of(registry.begin(), registry.end(), isEqual);
 }
 
 void measureClass(vumo::Debug::Footprint& request)
@@ -203,8 +171,7 @@ bool Structure::operator==(const Structure& other) const
 void Structure::setName(const char* name)
 {
     objectChanged();
-    if (detail::StructureNames::current() && allStructures().count(this) > 0)
-        detail::StructureNames::changed();
+    detail::StructureRegistry::renaming(*this);
     if (name != mName.get())
         mName.reset(detail::duplicateText(name ? name : kDefaultName)); // copied before the old one is freed
 }
@@ -399,55 +366,27 @@ bool Structure::chunkMemberIsDefault(const char* data, const char* memberName) c
 
 std::set<Structure*>& Structure::allStructures()
 {
-    static std::set<Structure*> registry;
-    return registry;
+    return detail::StructureRegistry::structures();
 }
 
 bool Structure::registerStructure(Structure& structure)
 {
-    if (isKnown(structure))
-        return false;
-    detail::StructureNames::registered(structure); // may throw, so it comes first
-    allStructures().insert(&structure);
-    structure.ref();
-    return true;
+    return detail::StructureRegistry::add(structure);
 }
 
 bool Structure::deregisterStructure(Structure& structure)
 {
-    if (allStructures().erase(&structure) == 0)
-        return false;
-    detail::StructureNames::changed();
-    structure.unref();
-    return true;
+    return detail::StructureRegistry::remove(structure);
 }
 
 Structure* Structure::structureByName(const char* name)
 {
-    if (const detail::StructureNames* const names = detail::StructureNames::current(); names && name)
-    {
-        const std::vector<Structure*>* const found = names->find(name);
-        return found ? *std::min_element(found->begin(), found->end()) : nullptr;
-    }
-    for (Structure* const structure : allStructures())
-    {
-        if (name && structure && std::strcmp(structure->name(), name) == 0)
-            return structure;
-    }
-    return nullptr;
+    return detail::StructureRegistry::find(name);
 }
 
 void Structure::deleteAllStructures()
 {
-    detail::StructureNames::changed();
-    std::set<Structure*>& registry = allStructures();
-    while (!registry.empty())
-    {
-        Structure* const first = *registry.begin();
-        registry.erase(registry.begin());
-        if (first)
-            first->unref();
-    }
+    detail::StructureRegistry::clear();
 }
 
 bool Structure::Debug(const Structure* object, vumo::Debug::Print& request)

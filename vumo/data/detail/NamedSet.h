@@ -1,12 +1,14 @@
 #pragma once
 
-#include "vumo/data/detail/Renames.h"
-
 #include <algorithm>
 #include <string>
 
 namespace vumo::Data::detail
 {
+/// How often a stream or channel was renamed in this process. A set of them that is ordered by name can
+/// rely on its order for as long as this number stays the same.
+inline unsigned long long theRenameCount = 0;
+
 /// Finds the entry of that name in a set ordered by name, or its end.
 ///
 /// An entry that shares its contents with one elsewhere can be renamed there, behind the set's back; its
@@ -16,9 +18,9 @@ template <class Set>
 auto findNamed(Set& set, const std::string& name, unsigned long long& orderedAt)
 {
     const auto compare = set.key_comp();
-    if (orderedAt != renameCount() && std::is_sorted(set.begin(), set.end(), compare))
-        orderedAt = renameCount();
-    if (orderedAt == renameCount())
+    if (orderedAt != theRenameCount && std::is_sorted(set.begin(), set.end(), compare))
+        orderedAt = theRenameCount;
+    if (orderedAt == theRenameCount)
         return set.find(name);
     return std::find_if(set.begin(), set.end(),
                         [&](const auto& entry) { return !compare(entry, name) && !compare(name, entry); });

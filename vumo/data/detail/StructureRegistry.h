@@ -1,8 +1,11 @@
 #pragma once
 
+#include "vumo/foundation/DebugFwd.h"
+
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +16,24 @@ class Structure;
 
 namespace vumo::Data::detail
 {
+/// The registry behind the statics of `Structure`, which say what each does.
+class StructureRegistry
+{
+public:
+    StructureRegistry() = delete;
+
+    static std::set<Structure*>& structures();
+    static bool add(Structure& structure);
+    static bool remove(Structure& structure);
+    static Structure* find(const char* name);
+    static void clear();
+
+    /// To be called before a structure, registered or not, changes its name.
+    static void renaming(Structure& structure);
+
+    static void describe(vumo::Debug::Print& request);
+};
+
 /// Finds registered structures by name without a walk over the registry, for as long as it lives: for those who
 /// register many, one after the other.
 ///
@@ -33,7 +54,7 @@ public:
     /// All registered structures of that name, or null.
     const std::vector<Structure*>* find(const char* name) const;
 
-    /// What `Structure` tells of its registry; each does nothing when there is no names object.
+    /// What the registry tells of itself; each does nothing when there is no names object.
     static void registered(Structure& structure);
     static void changed(); ///< otherwise than by a registration
 
