@@ -210,6 +210,13 @@ TEST_F(OvriAsciiFileAccessorTest, Read_FiltersByName)
     EXPECT_TRUE(accessor.associations().empty());
     accessor.clear();
     EXPECT_FALSE(accessor.read(mFile.name(), &none, &names, errors)) << "the stream's structure was left out";
+
+    EXPECT_TRUE(accessor.performRead(&structures, &names, errors)) << "of the same file";
+    EXPECT_EQ(weightOf(accessor, "Body"), "3");
+    EXPECT_TRUE(Structure::structureByName("Weight")) << "read() alone leaves the registry as it was";
+    EXPECT_FALSE(OvriBinaryFileAccessor().performRead(nullptr, nullptr, errors)) << "it has no file";
+    accessor.clear();
+    Structure::deleteAllStructures();
 }
 
 TEST_F(OvriAsciiFileAccessorTest, Write_KeepsEveryLineThatIsNoMetadata)

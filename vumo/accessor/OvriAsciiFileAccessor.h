@@ -39,11 +39,12 @@ public:
     /// Says whether the first line is that of an ASCII scene file of a supported year.
     bool isFileSupported(const std::string& fileName) const override;
 
-    static bool Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Print& request);
-    static bool Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Footprint& request);
-
-protected:
+    /// Reads the file fileName() as it stands. Called by itself and not by read(), it registers the structures in the
+    /// process-wide registry and adds to associations(); a file whose writing was interrupted is not restored first.
     bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
                      std::string& errors) override;
+
+    static bool Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Print& request);
+    static bool Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Footprint& request);
 };
 } // namespace vumo::Data
