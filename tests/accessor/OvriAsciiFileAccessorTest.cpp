@@ -106,6 +106,7 @@ TEST_F(OvriAsciiFileAccessorTest, Read_RefusesFaultyStatementsWithTheirMessages)
         {apply + "\"endAssociations\\n\" \n\t\tBody; undo;\n", "earlier;Could not find Associations name."},
         {apply + "\"endAssociations\\n\" \n\t\t\"a;b\"; undo;\n", "earlier;Could not find Associations name."},
         {"applyMetadata -fmt \"odd\" -v \"x\" \n\t\tBody;\n", "earlier;Could not find serializer for format odd"},
+        {apply + "\"endAssociations\\n\" \n\t\tBody\n\t\t// a comment;\n", "earlier;Could not find Associations name."},
     };
     for (const auto& [statement, errors] : cases)
     {
@@ -147,16 +148,19 @@ TEST_F(OvriAsciiFileAccessorTest, Read_KnowsEveryFormOfAName)
     unindented.erase(unindented.find('\t'), 2);
     mFile.setBytes(kHeader + kHost + kWeight + unindented + applying("1", "select1") + applying("2", "\"two words\"") +
                    applying("3", "-scn") + applying("4", "\"-scn\"") + applying("5", "  setAttr ") +
-                   applying("6", "\"six\" more") + kTrailer);
+                   applying("6", "\"six\" more") + applying("8", "//eight") + applying("9", "// End of nine") +
+                   "// a comment;\n" + kTrailer);
     const auto accessor = readScene(mFile.name());
-    EXPECT_EQ(accessor->associations().size(), 7U);
+    EXPECT_EQ(accessor->associations().size(), 9U);
     EXPECT_EQ(weightOf(*accessor, "seven"), "7");
     EXPECT_EQ(weightOf(*accessor, "select1"), "1");
     EXPECT_EQ(weightOf(*accessor, "two words"), "2");
     EXPECT_EQ(weightOf(*accessor, ""), "3");
     EXPECT_EQ(weightOf(*accessor, "-scn"), "4");
-    EXPECT_EQ(weightOf(*accessor, "setAttr"), "5");
+    EXPECT_EQ(weightOf(*accessor, "setAttr "), "5");
     EXPECT_EQ(weightOf(*accessor, "six"), "6");
+    EXPECT_EQ(weightOf(*accessor, "//eight"), "8");
+    EXPECT_EQ(weightOf(*accessor, "// End of nine"), "9");
 }
 
 TEST_F(OvriAsciiFileAccessorTest, Read_JoinsStatementsThatAreSpreadOverLines)
@@ -280,6 +284,7 @@ TEST_F(OvriAsciiFileAccessorTest, Write_NeedsATrailerAndWholeStatements)
          "Failed reading line while searching metadata end."},
         {kHeader + kTrailer + "dataStructure -fmt \"raw\" -as \"x\";\r",
          "Failed reading line while searching metadata end."},
+        {kHeader + kHost + applying("1", "// End of it"), "Failed reading line while searching metadata end."},
         {kHeader + kHost + "dataStructure -fmt \"raw\" -as \"x\"\n\t// y;\n" + kTrailer,
          "Failed reading line while searching metadata end."},
     };
@@ -364,7 +369,7 @@ TEST_F(OvriAsciiFileAccessorTest, Write_LeavesOutEmptyAssociationsWhateverTheirN
 {
     mFile.setBytes(kHeader + kHost + kTrailer);
     const auto accessor = readScene(mFile.name());
-    accessor->associations()["two words"];
+    accessor->associations()["a;b"];
     accessor->associations()[""];
     std::string errors;
     EXPECT_TRUE(accessor->write(errors)) << errors;

@@ -72,7 +72,8 @@ public:
 
     /// Puts the structures and associations that the accessor holds into the file fileName(), in place of
     /// the metadata that is there. False, with a message appended to `errors`, when that failed; the file is then as
-    /// it was, unless the message says otherwise. This class itself cannot write any file.
+    /// it was, unless the message says otherwise. Only the reason why a file is no binary scene replaces `errors`. This
+    /// class itself cannot write any file.
     ///
     /// Locks the file for other writers that use this library: the second one is refused.
     virtual bool write(std::string& errors) const;
@@ -85,14 +86,17 @@ public:
     void setDurability(eDurability durability);
     eDurability durability() const;
 
-    /// Reads all metadata of the file: the next function without filters.
+    /// Reads all metadata of the file: the next function without filters, which says what becomes of `errors`.
     bool read(const std::string& fileName, std::string& errors);
 
     /// Reads the wanted metadata of the file, which replaces what the accessor held. A null set wants every
     /// name; `associationNames` are node names, and the scene associations name for the scene's own.
     ///
-    /// False when that failed, with the reason in `errors`; the accessor is then empty. It is also empty after
-    /// an exception, which is passed on. Either way the registry of structures is afterwards as it was.
+    /// False when that failed; the accessor is then empty. It is also empty after an exception, which is passed on.
+    /// Either way the registry of structures is afterwards as it was.
+    ///
+    /// When the file cannot be opened or is not a scene of its kind, the reason replaces what `errors` holds; what is
+    /// wrong with its metadata, or with an interrupted write, is appended.
     ///
     /// Restores the file first, as recover() does, if writing it was interrupted; a file that would have to be restored
     /// and cannot be written to is not read. Nor is one that somebody else writes to meanwhile.
@@ -130,8 +134,8 @@ public:
     /// A name without a dot is an extension as a whole.
     static std::unique_ptr<Accessor> accessorByExtension(const std::string& fileName);
 
-    /// An accessor that has read all metadata of the file; null, with the reason appended to `errors`, when
-    /// there is none for its extension or the read failed.
+    /// An accessor that has read all metadata of the file. Null when there is none for its extension, with the reason
+    /// appended to `errors`, or when read() failed, with `errors` as that leaves it.
     static std::unique_ptr<Accessor> readFile(const std::string& fileName, std::string& errors);
 
     /// Restores the file from its undo record if writing it was interrupted, and removes the record. A record that its

@@ -26,10 +26,11 @@ public:
     /// metadata statements that stand below the last host statement. Any other line between those is kept, ahead of
     /// the new ones. Empty associations write nothing.
     ///
-    /// Refused are a node name that a bare word cannot carry (blanks, quotes, backslashes, ";", "//", control
-    /// characters, or the scene flag) and a structure with quotes, backslashes or control characters in its names: they
-    /// could smuggle statements into the script. So is what could not be read again: a structure whose text gives
-    /// another one, and a stream whose structure is not among structures().
+    /// A node name is written as it is, or in double quotes if it has blanks. Refused are names that would not be read
+    /// back or that a script would take for something else (docs/formats/ascii-scene.md lists them), and structures
+    /// with quotes, backslashes or control characters in their names: they could smuggle statements into the script. So
+    /// is what could not be read again: a structure whose text gives another one, and a stream whose structure is not
+    /// among structures().
     ///
     /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
     /// A write that fails later, because the disk is full, say, puts the old bytes back; `Accessor` says what is done

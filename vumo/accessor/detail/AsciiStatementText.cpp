@@ -4,7 +4,7 @@
 #include "vumo/accessor/detail/AsciiText.h"
 #include "vumo/accessor/detail/MetadataText.h"
 
-#include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace vumo::Data::detail
@@ -42,20 +42,34 @@ const char* faultInQuotes(char character)
     return isControl(character) ? "a control character" : nullptr;
 }
 
-/// What keeps the name from being one word of a script; null when nothing does.
-const char* faultAsWord(const std::string& name)
+/// The node's name as the target of a statement. A name with blanks needs quotes; any other stands as it is.
+std::string targetText(const std::string& name)
 {
-    for (const char character : name)
+    return name.find_first_of(kBlanks) == std::string::npos ? name : inQuotes(name);
+}
+
+/// What the name has that no target can carry; null when there is nothing.
+const char* faultAsTarget(const std::string& name)
+{
+    const bool isQuoted = targetText(name) != name;
+    const struct
     {
-        if (const char* const fault = faultInQuotes(character))
-            return fault;
-        if (character == ' ')
-            return "a blank";
-        if (character == ';')
-            return "a \";\"";
+        std::string_view text;
+        bool isFault;
+        const char* what;
+    } rows[] = {
+        {std::string_view("\0", 1), true, "a zero byte"}, // where many readers of scripts end a line
+        {"\n", true, "a line break"},
+        {"\"", true, "a double quote"},
+        {"\\", isQuoted, "a blank and a backslash"}, // between quotes a script takes it for an escape
+        {";", !isQuoted, "a \";\""},
+        {"//", !isQuoted, "a \"//\""},
+    };
+    for (const auto& row : rows)
+    {
+        if (row.isFault && name.find(row.text) != std::string::npos)
+            return row.what;
     }
-    if (name.find("//") != std::string::npos)
-        return "a \"//\"";
     return name == Ascii::getApplyMetadataCommandSceneFlag() ? "the meaning of the scene" : nullptr;
 }
 } // namespace
@@ -88,7 +102,7 @@ bool takeName(std::string& statement, std::string& name)
     const std::string::size_type begin = statement.find_first_not_of(kBlanks, lineEnd + 1);
     if (begin == std::string::npos)
         return false;
-    name = statement.substr(begin, statement.find_last_not_of(kBlanks) + 1 - begin);
+    name = statement.substr(begin);
     statement.resize(lineEnd);
     const bool isQuoted = name.front() == '"';
     const std::string::size_type last = isQuoted ? name.rfind('"') : 0;
@@ -99,7 +113,7 @@ bool takeName(std::string& statement, std::string& name)
         name = last == 0 ? "" : name.substr(1, last - 1);
         return !name.empty();
     }
-    if (name == Ascii::getApplyMetadataCommandSceneFlag())
+    if (name.substr(0, name.find_last_not_of(kBlanks) + 1) == Ascii::getApplyMetadataCommandSceneFlag())
         name = AccessorOvri::getSceneAssociationsName();
     return true;
 }
@@ -134,9 +148,9 @@ bool appendAssociations(const std::string& nodeName, const Associations& associa
     if (associations.empty())
         return true;
     const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
-    const char* const fault = isScene ? nullptr : faultAsWord(nodeName);
+    const char* const fault = isScene ? nullptr : faultAsTarget(nodeName);
     if (fault)
-        errors += std::string("Its name has ") + fault + ", and would not be one word of a script.\n";
+        errors += std::string("Its name has ") + fault + ", which a statement cannot carry.\n";
     std::string text;
     if (!serializeAssociations(associations, text, errors) || fault)
         return false;
@@ -149,7 +163,7 @@ bool appendAssociations(const std::string& nodeName, const Associations& associa
             "back.\n";
         return false;
     }
-    out += "\" \n\t\t" + (isScene ? Ascii::getApplyMetadataCommandSceneFlag() : nodeName) + ";\n";
+    out += "\" \n\t\t" + (isScene ? Ascii::getApplyMetadataCommandSceneFlag() : targetText(nodeName)) + ";\n";
     return true;
 }
 } // namespace vumo::Data::detail

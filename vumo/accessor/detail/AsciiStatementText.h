@@ -20,8 +20,9 @@ struct FormattedValue
 /// the third and the last. False when there are too few of them, or when another statement follows on the line.
 bool parseValue(std::string&& statement, FormattedValue& result);
 
-/// Cuts the last line, with the node's name, off an associations statement that has lost its ";". The name of the
-/// scene is the scene associations name. False when there is no name, or another statement behind it.
+/// Cuts the last line, with the node's name, off an associations statement that has lost its ";". The name stands
+/// between double quotes, or is all that follows the leading blanks. The name of the scene is the scene associations
+/// name. False when there is no name, or another statement after it.
 bool takeName(std::string& statement, std::string& name);
 
 /// Appends the statement that declares the structure. False, with the reason appended to `errors`, when it has no text,
@@ -29,8 +30,8 @@ bool takeName(std::string& statement, std::string& name);
 bool appendStructure(const Structure& structure, std::string& out, std::string& errors);
 
 /// Appends the statement that applies the associations to the node of that name, or to the scene. Appends nothing for
-/// empty ones. False, with the reasons appended to `errors`, when they can't be written, or when a script could take
-/// the name for anything but one word.
+/// empty ones. False, with the reasons appended to `errors`, when they cannot be written, or when the name would not be
+/// read back or could be taken for something else.
 bool appendAssociations(const std::string& nodeName, const Associations& associations, std::string& out,
                         std::string& errors);
 } // namespace vumo::Data::detail

@@ -23,6 +23,7 @@ enum eLine
     kAssociationsLine,
     kHostLine,
     kTrailerLine,
+    kCommentLine,
     kContinuation,
     kOtherLine
 };
@@ -60,10 +61,11 @@ eLine kindOf(std::string_view head)
     const std::size_t text = std::min(head.find_first_not_of(kBlanks), head.size());
     if (startsWith(head, Ascii::getTrailerPrefix(), text))
         return kTrailerLine;
-    const bool isComment = startsWith(head, "//", text);
+    if (startsWith(head, "//", text))
+        return kCommentLine;
     const bool isOneWord = head.find_first_of(" \t\"") == std::string_view::npos; // a node's name, not indented
     const bool isContinuation = text > 0 || isOneWord || head[0] == '"' || head[0] == '-';
-    return isContinuation && !isComment ? kContinuation : kOtherLine;
+    return isContinuation ? kContinuation : kOtherLine;
 }
 
 /// Takes the statement that begins with one line and ends with another, if it has an end.
@@ -85,27 +87,31 @@ bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::st
     BackwardLines::Line line;
     BackwardLines::Line last; // of the statement that the lines above it belong to
     bool hasLast = false;
+    bool isName = false; // of the last line: it begins a comment, unless it is the name right below a node's command
     while (lines.previous(line))
     {
         const eLine kind = kindOf(line.head);
         if (kind == kHostLine)
             return true;
+        const bool isTrailer = kind == kTrailerLine && tail.trailer < 0;
+        const bool beginsComment = kind == kCommentLine || (kind == kTrailerLine && !isTrailer);
         if (line.last == ';')
         {
             last = line;
             hasLast = true;
+            isName = beginsComment;
         }
-        if (kind == kTrailerLine && tail.trailer < 0)
+        if (isTrailer)
             tail.trailer = line.begin;
         if (kind == kStructureLine || kind == kAssociationsLine)
         {
-            tail.statements.push_back(statementOf(kind, line, hasLast ? &last : nullptr));
+            const bool isEnded = hasLast && (!isName || kind == kAssociationsLine);
+            tail.statements.push_back(statementOf(kind, line, isEnded ? &last : nullptr));
             AsciiStatement& statement = tail.statements.back();
             if (areWanted && !lines.readText(statement.begin, statement.end, statement.text))
                 break;
         }
-        if (kind != kContinuation)
-            hasLast = false;
+        hasLast = hasLast && (isName ? beginsComment && line.last == ';' : kind == kContinuation);
         if (!hasLast || !areWanted)
             lines.forgetFrom(line.begin);
     }
