@@ -9,6 +9,7 @@
 #include "vumo/accessor/detail/FileRecovery.h"
 #include "vumo/accessor/detail/FileTransaction.h"
 #include "vumo/accessor/detail/MetadataText.h"
+#include "vumo/accessor/detail/MetadataWriter.h"
 #include "vumo/accessor/detail/TextConversion.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
@@ -24,7 +25,6 @@ namespace
 using namespace detail;
 
 using Binary = AccessorOvri::Binary;
-using NamedAssociations = std::map<std::string, Associations>::value_type;
 
 /// With longer trailers the offset from its end back to its start would not fit its 32 bits.
 constexpr std::uint64_t kLongestTrailer = std::numeric_limits<std::uint32_t>::max() - kHeaderSize - kBackwardOffsetSize;
@@ -201,37 +201,20 @@ bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after
     return true;
 }
 
-/// The chunk of one node, or of the scene.
-bool appendMetadata(const Accessor::StructureSet& structures, const std::string& tag, const NamedAssociations& entry,
-                    std::string& out, std::string& errors)
+bool appendChunkOf(const std::string& nodeName, const Associations& associations, std::string& out, std::string& errors)
 {
-    std::string faults;
-    const bool isComplete = usesOnly(structures, entry.second, faults);
-    const bool isWritten = appendAssociationsChunk(tag, entry.first, entry.second, out, faults);
-    errors += messagesOf(entry.first, faults);
-    return isComplete && isWritten;
+    const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
+    const std::string& tag =
+        isScene ? Binary::getApplySceneMetaDataChunkName() : Binary::getApplyNodeMetaDataChunkName();
+    return appendAssociationsChunk(tag, nodeName, associations, out, errors);
 }
 
-bool appendNewMetadata(const Accessor::StructureSet& structures,
-                       const std::map<std::string, Associations>& associations, std::string& out, std::string& errors)
-{
-    for (const Structure* structure : structures)
-    {
-        if (!appendStructureChunk(*structure, out, errors))
-            return failWith(errors, "Could not write structure chunk to in-memory trailer.");
-    }
-    const std::string& sceneName = AccessorOvri::getSceneAssociationsName();
-    const auto scene = associations.find(sceneName);
-    if (scene != associations.end() &&
-        !appendMetadata(structures, Binary::getApplySceneMetaDataChunkName(), *scene, out, errors))
-        return failWith(errors, "Could not write scene associations chunk to in-memory trailer.");
-    for (auto node = associations.begin(); node != associations.end(); ++node)
-    {
-        if (node != scene && !appendMetadata(structures, Binary::getApplyNodeMetaDataChunkName(), *node, out, errors))
-            return failWith(errors, "Could not write node associations chunk to in-memory trailer.");
-    }
-    return true;
-}
+constexpr MetadataForm kChunks = {appendStructureChunk,
+                                  appendChunkOf,
+                                  true,
+                                  "Could not write structure chunk to in-memory trailer.",
+                                  "Could not write node associations chunk to in-memory trailer.",
+                                  "Could not write scene associations chunk to in-memory trailer."};
 
 /// Builds the chunks of the new trailer: the old ones that stay, around the new metadata.
 bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::StructureSet& structures,
@@ -241,7 +224,7 @@ bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::Structur
     std::string after;
     content.reserve(old.length()); // it is seldom much longer
     if (!readKeptChunks(chunks, content, after, errors) ||
-        !appendNewMetadata(structures, associations, content, errors))
+        !appendMetadata(kChunks, structures, associations, content, errors))
         return false;
     content += after;
     if (content.size() > kLongestTrailer)

@@ -7,6 +7,7 @@
 #include "vumo/accessor/detail/FileRecovery.h"
 #include "vumo/accessor/detail/FileTransaction.h"
 #include "vumo/accessor/detail/MetadataText.h"
+#include "vumo/accessor/detail/MetadataWriter.h"
 #include "vumo/accessor/detail/NameFilter.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
@@ -161,45 +162,12 @@ bool readStatements(AsciiTail& tail, detail::NameFilter& structures, detail::Nam
     return readAssociations(pending, result, errors);
 }
 
-/// The statement of one node, or of the scene.
-bool appendMetadata(const Accessor& accessor, const AssociationsMap::value_type& entry, std::string& out,
-                    std::string& errors)
-{
-    std::string faults;
-    const bool isComplete = detail::usesOnly(accessor.structures(), entry.second, faults);
-    const bool isWritten = detail::appendAssociations(entry.first, entry.second, out, faults);
-    errors += detail::messagesOf(entry.first, faults);
-    return isComplete && isWritten;
-}
-
-/// All statements of the accessor, in the order of the file.
-bool appendStatements(const Accessor& accessor, std::string& out, std::string& errors)
-{
-    for (const Structure* const structure : accessor.structures())
-    {
-        if (!detail::appendStructure(*structure, out, errors))
-        {
-            errors += "Could not write structure chunk to file.";
-            return false;
-        }
-    }
-    const std::string& scene = AccessorOvri::getSceneAssociationsName();
-    for (const auto& entry : accessor.associations())
-    {
-        if (entry.first != scene && !appendMetadata(accessor, entry, out, errors))
-        {
-            errors += "Could not write node associations statement to file.";
-            return false;
-        }
-    }
-    const auto entry = accessor.associations().find(scene);
-    if (entry != accessor.associations().end() && !appendMetadata(accessor, *entry, out, errors))
-    {
-        errors += "Could not write scene associations statement to file.";
-        return false;
-    }
-    return true;
-}
+constexpr detail::MetadataForm kStatements = {detail::appendStructure,
+                                              detail::appendAssociations,
+                                              false,
+                                              "Could not write structure chunk to file.",
+                                              "Could not write node associations statement to file.",
+                                              "Could not write scene associations statement to file."};
 
 /// Gives the size of the file. False when that failed.
 bool seekToEnd(std::istream& file, std::streamoff& size)
@@ -284,7 +252,7 @@ bool OvriAsciiFileAccessor::write(std::string& errors) const
     std::string content;
     std::string trailer;
     if (!findTail(in, tail, errors) || !readKept(in, tail, content, trailer, errors) ||
-        !appendStatements(*this, content, errors))
+        !detail::appendMetadata(kStatements, structures(), associations(), content, errors))
     {
         return false;
     }

@@ -65,27 +65,6 @@ bool serializeAssociations(const Associations& associations, std::string& text, 
     return isWritten;
 }
 
-bool usesOnly(const Accessor::StructureSet& structures, const Associations& associations, std::string& errors)
-{
-    bool isComplete = true;
-    for (const Channel& channel : associations)
-    {
-        for (const Stream* const stream : channel)
-        {
-            const auto found = structures.find(&stream->structure());
-            const bool isFound = found != structures.end();
-            if (isFound && **found == stream->structure())
-                continue;
-            isComplete = false;
-            errors += "Structure " + quoted(stream->structure().name()) + " of stream " + quoted(stream->name()) +
-                      " in channel " + quoted(channel.name()) +
-                      (isFound ? " differs from the structure of that name that is to be written.\n"
-                               : " is not among the structures to be written.\n");
-        }
-    }
-    return isComplete;
-}
-
 std::string structureMessage(const Structure& structure, const std::string& fault)
 {
     return "Structure " + quoted(structure.name()) + " cannot be written: " + fault + ".\n";

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "vumo/accessor/Accessor.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
 
@@ -18,10 +17,6 @@ bool serializeStructure(const Structure& structure, std::string& text, std::stri
 
 /// Appends the text of associations. False, with the serializer's messages appended to `errors`, when there is none.
 bool serializeAssociations(const Associations& associations, std::string& text, std::string& errors);
-
-/// Says whether the structure of every stream is among those that are written, as elements cannot be read without it.
-/// Those that are not are named in `errors`.
-bool usesOnly(const Accessor::StructureSet& structures, const Associations& associations, std::string& errors);
 
 /// What is wrong with the structure, as a line of a message.
 std::string structureMessage(const Structure& structure, const std::string& fault);

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "vumo/accessor/Accessor.h"
+#include "vumo/data/Associations.h"
+#include "vumo/data/Structure.h"
+
+#include <map>
+#include <string>
+
+namespace vumo::Data::detail
+{
+/// How one kind of scene file holds metadata, and what it says when some of that cannot be written. The functions
+/// append to `out`; they return false with the reasons appended to `errors`.
+struct MetadataForm
+{
+    bool (*appendStructure)(const Structure& structure, std::string& out, std::string& errors);
+
+    /// Appends nothing for empty associations. Those of the scene have the scene associations name.
+    bool (*appendAssociations)(const std::string& nodeName, const Associations& associations, std::string& out,
+                               std::string& errors);
+
+    bool isSceneFirst; ///< ahead of the nodes, or behind them
+    const char* structureFailed;
+    const char* nodeFailed;
+    const char* sceneFailed;
+};
+
+/// Appends all metadata of a file in that form: the structures, the nodes and the scene. False, with the reasons and
+/// the form's sentence appended to `errors`, at the first of them that cannot be written so that it can be read again.
+bool appendMetadata(const MetadataForm& form, const Accessor::StructureSet& structures,
+                    const std::map<std::string, Associations>& associations, std::string& out, std::string& errors);
+} // namespace vumo::Data::detail
