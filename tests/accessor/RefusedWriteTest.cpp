@@ -143,24 +143,46 @@ TEST_F(RefusedWriteTest, AMemberWithoutAType_IsNamed)
     }
 }
 
-TEST_F(RefusedWriteTest, AStreamWhoseStructureIsNotWritten_IsNamed)
+TEST_F(RefusedWriteTest, AStructureThatStreamsUse_IsWrittenUnlessItsNameHasTwoMeanings)
 {
+    const Ref<Structure> label = labelStructure();
     const Ref<Structure> weight = valueStructure("Weight");
+    const Ref<Structure> equal = valueStructure("Weight");
     const Ref<Structure> other = Structure::make("Weight", {{Member::kDouble, 1, "Value"}});
+    const Ref<Structure> odd = valueStructure("O=dd");
     Associations associations = associationsOf("vertex", "weights", *weight, 0, "1");
-    const std::string missing =
-        "Structure 'Weight' of stream 'weights' in channel 'vertex' is not among the structures "
-        "to be written.\n";
-    expectRefused({}, associations, missing);
-    expectRefused(
-        {other.get()}, associations,
-        "Structure 'Weight' of stream 'weights' in channel 'vertex' differs from the structure of that name that "
-        "is to be written.\n");
-    associations.channel("edge").setDataStream(Stream(*weight, "creases"));
-    expectRefused(
-        {}, associations,
-        "Structure 'Weight' of stream 'creases' in channel 'edge' is not among the structures to be written.\n" +
-            missing);
+    const std::string differs = " differs from the structure of that name that is to be written.\n";
+    expectRefused({other.get()}, associations, "Structure 'Weight' of stream 'weights' in channel 'vertex'" + differs);
+    associations.channel("edge").setDataStream(Stream(*equal, "creases"));
+    for (const Kind& kind : kinds())
+    {
+        SCOPED_TRACE(kind.ending);
+        const auto accessor = openBare(kind);
+        accessor->setStructures({valueStructure("Zero").get()});
+        accessor->associations()["Body"] = associations;
+        accessor->associations()[""] = associationsOf("info", "notes", *label, 0, "text");
+        std::string errors;
+        EXPECT_TRUE(accessor->write(errors)) << errors;
+        EXPECT_EQ(accessor->structures().size(), 1U);
+        const std::string bytes = mFile->bytes();
+        EXPECT_LT(bytes.find("name=Zero"), bytes.find("name=Label"));
+        EXPECT_LT(bytes.find("name=Label"), bytes.find("name=Weight"));
+        const auto again = readScene(mFile->name());
+        EXPECT_EQ(again->structures().size(), 3U);
+        EXPECT_EQ(valueAt(*again, "Body", "vertex", "weights", 0), "1");
+
+        accessor->associations()["Head"] = associationsOf("face", "areas", *other, 0, "1");
+        EXPECT_FALSE(accessor->write(errors));
+        EXPECT_EQ(errors, "The metadata of node 'Head' cannot be written:\n"
+                          "Structure 'Weight' of stream 'areas' in channel 'face'" +
+                              differs + kind.nodeMessage);
+        EXPECT_EQ(mFile->bytes(), bytes);
+        EXPECT_EQ(refusal(kind, {}, "Body", associationsOf("vertex", "odd", *odd, 0, "1")),
+                  "The metadata of node 'Body' cannot be written:\n"
+                  "Structure 'O=dd' cannot be written: its name cannot stand in a text: it has a '='.\n"
+                  "It is the structure of stream 'odd' in channel 'vertex'.\n" +
+                      kind.structureMessage);
+    }
 }
 
 TEST_F(RefusedWriteTest, TextsThatDoNotReadBack_AreNamedWithTheirPlaces)

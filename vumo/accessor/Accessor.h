@@ -75,6 +75,9 @@ public:
     /// it was, unless the message says otherwise. Only the reason why a file is no binary scene replaces `errors`. This
     /// class itself cannot write any file.
     ///
+    /// A structure that a stream uses and that is not among structures() is written after those; two different ones of
+    /// one name are refused.
+    ///
     /// Locks the file for other writers that use this library: the second one is refused.
     virtual bool write(std::string& errors) const;
 

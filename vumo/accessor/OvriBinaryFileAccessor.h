@@ -26,8 +26,7 @@ public:
     /// The old metadata is known by its first structure. Metadata in front of that, or all of it in a trailer
     /// without any structure, counts as the host's: it stays, and the new metadata follows it and so prevails.
     ///
-    /// Refused is what could not be read again: a structure whose text gives another one, and a stream whose
-    /// structure is not among structures().
+    /// Refused is what could not be read again, such as a structure whose text gives another one.
     ///
     /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
     /// A write that fails later, because the disk is full, say, puts the old bytes back; `Accessor` says what is done

@@ -10,7 +10,13 @@ namespace
 {
 using AssociationsMap = std::map<std::string, Associations>;
 
-/// Walks over all metadata of a file once.
+std::string textOf(const Channel& channel, const Stream& stream)
+{
+    return "stream " + quoted(stream.name()) + " in channel " + quoted(channel.name());
+}
+
+/// Writes all metadata of a file. Structures that streams use though nobody named them are written after the others:
+/// without them their elements could not be read again.
 class MetadataWriter
 {
 public:
@@ -27,16 +33,48 @@ public:
 
     bool write()
     {
+        findMoreStructures();
         return writeStructures() && (mForm.isSceneFirst ? writeScene() && writeNodes() : writeNodes() && writeScene());
     }
 
 private:
+    /// The first stream that uses a structure.
+    struct User
+    {
+        const std::string* node;
+        std::string text;
+    };
+
+    void findMoreStructures()
+    {
+        for (const auto& [node, associations] : mAssociations)
+        {
+            for (const Channel& channel : associations)
+            {
+                for (const Stream* const stream : channel)
+                {
+                    const Structure* const used = &stream->structure();
+                    if (mStructures.count(used) == 0 && mMore.count(used) == 0)
+                        mMore[used] = {&node, textOf(channel, *stream)};
+                }
+            }
+        }
+    }
+
     bool writeStructures()
     {
         for (const Structure* const structure : mStructures)
         {
             if (!mForm.appendStructure(*structure, mOut, mErrors))
                 return fail(mForm.structureFailed);
+        }
+        for (const auto& [structure, user] : mMore)
+        {
+            std::string faults;
+            if (mForm.appendStructure(*structure, mOut, faults))
+                continue;
+            mErrors += messagesOf(*user.node, faults + "It is the structure of " + user.text + ".\n");
+            return fail(mForm.structureFailed);
         }
         return true;
     }
@@ -57,32 +95,30 @@ private:
     bool writeEntry(const AssociationsMap::value_type& entry)
     {
         std::string faults;
-        const bool isComplete = usesOnlyWhatIsWritten(entry.second, faults);
+        const bool isClear = usesOneStructureOfAName(entry.second, faults);
         const bool isWritten = mForm.appendAssociations(entry.first, entry.second, mOut, faults);
         mErrors += messagesOf(entry.first, faults);
-        return isComplete && isWritten;
+        return isClear && isWritten;
     }
 
-    /// Says whether the structure of every stream is written, as elements cannot be read without it.
-    bool usesOnlyWhatIsWritten(const Associations& associations, std::string& faults) const
+    /// Says whether the structure that is written under the name of a stream's structure always is an equal one.
+    bool usesOneStructureOfAName(const Associations& associations, std::string& faults) const
     {
-        bool isComplete = true;
+        bool isClear = true;
         for (const Channel& channel : associations)
         {
             for (const Stream* const stream : channel)
             {
-                const auto found = mStructures.find(&stream->structure());
-                const bool isFound = found != mStructures.end();
-                if (isFound && **found == stream->structure())
+                const Structure& used = stream->structure();
+                const auto given = mStructures.find(&used);
+                if (used == (given != mStructures.end() ? **given : *mMore.find(&used)->first))
                     continue;
-                isComplete = false;
-                faults += "Structure " + quoted(stream->structure().name()) + " of stream " + quoted(stream->name()) +
-                          " in channel " + quoted(channel.name()) +
-                          (isFound ? " differs from the structure of that name that is to be written.\n"
-                                   : " is not among the structures to be written.\n");
+                isClear = false;
+                faults += "Structure " + quoted(used.name()) + " of " + textOf(channel, *stream) +
+                          " differs from the structure of that name that is to be written.\n";
             }
         }
-        return isComplete;
+        return isClear;
     }
 
     bool fail(const char* message)
@@ -95,6 +131,7 @@ private:
     const Accessor::StructureSet& mStructures;
     const AssociationsMap& mAssociations;
     const AssociationsMap::const_iterator mScene;
+    std::map<const Structure*, User, Accessor::StructureNameLessThan> mMore; // that no caller named
     std::string& mOut;
     std::string& mErrors;
 };

@@ -25,7 +25,8 @@ struct MetadataForm
     const char* sceneFailed;
 };
 
-/// Appends all metadata of a file in that form: the structures, the nodes and the scene. False, with the reasons and
+/// Appends all metadata of a file in that form: the structures, also those that streams use beyond the given ones, the
+/// nodes and the scene. False, with the reasons and
 /// the form's sentence appended to `errors`, at the first of them that cannot be written so that it can be read again.
 bool appendMetadata(const MetadataForm& form, const Accessor::StructureSet& structures,
                     const std::map<std::string, Associations>& associations, std::string& out, std::string& errors);
