@@ -224,7 +224,7 @@ TEST_F(AccessorTest, Read_RefusesWhatSomebodyElseIsWriting)
         });
         std::string errors;
         EXPECT_EQ(accessor.read(file.name(), errors), !row.isRefused);
-        EXPECT_EQ(errors, row.isRefused ? file.name() + " is being written by somebody else." : "");
+        EXPECT_EQ(errors, row.isRefused ? file.name() + " is being written by somebody else.\n" : "");
         EXPECT_EQ(accessor.structures().empty(), row.isRefused);
         std::remove(recordName.c_str());
     }

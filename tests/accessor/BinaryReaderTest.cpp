@@ -128,10 +128,10 @@ TEST_F(BinaryReaderTest, Read_RefusesChunksThatLie)
         std::string trailer;
         const char* message;
     } cases[] = {
-        {example::cameraChunk() + "12345678", "Could not read chunk header."},
-        {"HOST" + tooLong, "Could not read host chunk."},
-        {"HOST" + unpadded, "Could not read host chunk."},
-        {"HOST" + endless, "Could not read host chunk."},
+        {example::cameraChunk() + "12345678", "Could not read chunk header.\n"},
+        {"HOST" + tooLong, "Could not read host chunk.\n"},
+        {"HOST" + unpadded, "Could not read host chunk.\n"},
+        {"HOST" + endless, "Could not read host chunk.\n"},
         {"DATS" + tooLong, "Could not read data structure chunk."},
         {"DATS" + endless, "Could not read data structure chunk."},
         {chunk("DATS", ""), "Could not read data structure chunk."},
@@ -139,7 +139,7 @@ TEST_F(BinaryReaderTest, Read_RefusesChunksThatLie)
         {chunk("DATS", "rare" + kZero + kWeight), "Could not find serializer for format rare"},
         {structureChunk("name=Weight"), "Structures must have a name and at least one member"},
         {structureChunk(kWeight) + structureChunk("name=Weight:double=Value"),
-         "Structure \"Weight\" is declared twice, with different members."},
+         "Structure \"Weight\" is declared twice, with different members.\n"},
         {"MTDA" + tooLong, "Could not read apply metadata chunk."},
         {"SMTD" + unpadded, "Could not read apply metadata chunk."},
         {structureChunk(kWeight) + nodeChunk("Body", weightText("1") + kZero + example::cameraChunk()),

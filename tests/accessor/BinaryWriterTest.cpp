@@ -157,12 +157,12 @@ TEST_F(BinaryWriterTest, Write_RefusesAFileWhoseEndsDoNotMeet)
         const char* message;
     } cases[] = {
         {"no group before the trailer", std::string(good).replace(68, 4, "FOR4"),
-         "kept, Could not find the trailer group before the trailer."},
+         "kept, Could not find the trailer group before the trailer.\n"},
         {"a group of another size", std::string(good).replace(76, 8, bigEndian(421, 8)),
-         "kept, Could not find the trailer group before the trailer."},
+         "kept, Could not find the trailer group before the trailer.\n"},
         {"an offset to another chunk", std::string(good).replace(496, 4, bigEndian(388, 4)),
-         "kept, Could not find the trailer group before the trailer."},
-        {"bytes behind the main chunk", good + "x", "kept, File does not end with its main chunk."},
+         "kept, Could not find the trailer group before the trailer.\n"},
+        {"bytes behind the main chunk", good + "x", "kept, File does not end with its main chunk.\n"},
         {"not a scene", "Some text, longer than an identification.", "Not a supported file type."},
     };
     for (const auto& sample : cases)
@@ -176,6 +176,12 @@ TEST_F(BinaryWriterTest, Write_RefusesAFileWhoseEndsDoNotMeet)
     mErrors.clear();
     EXPECT_FALSE(BinaryWriter::writeMetadata(missing, {}, {}, mErrors));
     EXPECT_EQ(mErrors, "Could not open " + missing + " for writing.");
+    for (const char* const name : {"oa", "ob"})
+    {
+        mErrors.clear();
+        EXPECT_FALSE(Accessor::accessorByExtension(name)->write(mErrors));
+        EXPECT_EQ(mErrors, "The accessor has no file to write to: read one first.\nCould not open  for writing.");
+    }
 }
 
 TEST_F(BinaryWriterTest, Write_NamesWhatCouldNotBeSerialized)
@@ -242,7 +248,7 @@ TEST_F(BinaryWriterTest, Texts_ThatTheLocaleCannotExpressAreNotTakenForOthers)
     } cases[] = {
         {chunk("DATS", "raw" + zero + "name=Note:string=a") + chunk("MTDA", empty), ""}, // names are not converted
         {chunk("DATS", note), "The file holds metadata with characters that the encoding of this locale does not have. "
-                              "Write it in a locale that has them, such as one of UTF-8."},
+                              "Write it in a locale that has them, such as one of UTF-8.\n"},
     };
     const ScratchLocale locale("ISO-8859-1");
     if (!locale.isSet())

@@ -246,7 +246,7 @@ TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
     ASSERT_TRUE(beginWriting(file, mFile.name(), mErrors));
     std::filesystem::rename(other.name(), mFile.name());
     EXPECT_FALSE(FileTransaction(file, mFile.name(), Accessor::kMemoryOnly).run(change, mErrors));
-    EXPECT_EQ(mErrors, mFile.name() + " was replaced by somebody else meanwhile.");
+    EXPECT_EQ(mErrors, mFile.name() + " was replaced by somebody else meanwhile.\n");
     EXPECT_EQ(mFile.bytes(), "another scene");
 }
 
@@ -270,7 +270,7 @@ TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
         mErrors.clear();
         if (recover(mFile.name(), mErrors))
             continue;
-        EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + mFile.recordName() + ".");
+        EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + mFile.recordName() + ".\n");
         EXPECT_EQ(mFile.bytes(), file);
         EXPECT_TRUE(mFile.hasRecord());
     }

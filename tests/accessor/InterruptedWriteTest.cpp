@@ -46,7 +46,7 @@ std::vector<Kind> bothKinds()
           "Could not seek to start of trailer.", "Error reading chunk header before metadata."},
          {"Could not read file identification.", "Error seeking to the end of main chunk.",
           "Error reading the trailer-size chunk header.", "Could not read trailer backward offset.",
-          "Could not seek to start of trailer.", "Could not read chunk header."},
+          "Could not seek to start of trailer.", "Could not read chunk header.\n"},
          1}};
 }
 
@@ -278,14 +278,14 @@ TEST_F(InterruptedWriteTest, ACallThatFails_LeavesTheFileAsItWas)
                 if (!isWritten && (messages.empty() || messages.back() != mErrors))
                     messages.push_back(mErrors);
             }
-            std::vector<std::string> expected = {"Could not write the undo record " + mFile->recordName() + "."};
+            std::vector<std::string> expected = {"Could not write the undo record " + mFile->recordName() + ".\n"};
             const std::vector<std::string> steps = ofThisChange(kind, kind.writeMessages);
             expected.insert(expected.end(), steps.begin(), steps.end());
             if (expected.back() != kind.writeMessages.back())
                 expected.push_back(kind.writeMessages.back()); // also that of a sync
             if (mNew.size() < mOld.size())
                 expected.push_back("Could not truncate the file.");
-            expected.push_back("Could not remove the undo record " + mFile->recordName() + ".");
+            expected.push_back("Could not remove the undo record " + mFile->recordName() + ".\n");
             EXPECT_EQ(messages, expected);
         }
     });
@@ -325,7 +325,7 @@ TEST_F(InterruptedWriteTest, ASeekOrAReadThatFails_LeavesTheFileAsItWas)
             else
             {
                 EXPECT_NE(std::find(messages.begin(), messages.end(),
-                                    "Could not read the old bytes of " + mFile->name() + "."),
+                                    "Could not read the old bytes of " + mFile->name() + ".\n"),
                           messages.end());
             }
         }
@@ -408,7 +408,7 @@ TEST_F(InterruptedWriteTest, ADiskThatIsFullAnywhere_LeavesTheFileAsItWas)
 
 TEST_F(InterruptedWriteTest, WhatCannotBePutBack_StaysInTheRecord)
 {
-    const std::string damaged = " The old bytes could not be put back: ";
+    const std::string damaged = "\nThe old bytes could not be put back: ";
     forAll([&](const Kind&) {
         int damages = 0;
         Script script;
@@ -438,7 +438,7 @@ TEST_F(InterruptedWriteTest, WhatCannotBePutBack_StaysInTheRecord)
         EXPECT_EQ(isWritten, !script.hadItsTurn());
         if (script.hadItsTurn() && mFile->bytes() != mOld)
         {
-            EXPECT_THAT(mErrors, testing::EndsWith(damaged + mFile->name() + " may be damaged."));
+            EXPECT_THAT(mErrors, testing::EndsWith(damaged + mFile->name() + " may be damaged.\n"));
         }
     });
 }

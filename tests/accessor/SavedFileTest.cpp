@@ -207,7 +207,7 @@ TEST_F(SavedFileTest, AFileThatCannotBeWrittenTo_IsRead)
     ASSERT_EQ(chmod(mName.c_str(), 0444), 0);
     EXPECT_EQ(asAnyUser([&] { return refusalToRead(mName); }),
               "Writing " + mName + " was interrupted. Make it writable and read it again: " + mName + kEnding +
-                  " holds what restores it.");
+                  " holds what restores it.\n");
 
     setBytes(mName + kEnding, bytesOf(mName + kEnding).substr(0, 50)); // and so its writer did not come to the scene
     ASSERT_EQ(chmod(mName.c_str(), 0644), 0);
@@ -221,7 +221,7 @@ TEST_F(SavedFileTest, Writing_IsDoneByOneAtATime)
     const int other = open(mName.c_str(), O_RDONLY);
     ASSERT_EQ(flock(other, LOCK_EX), 0);
     EXPECT_FALSE(save(mName));
-    EXPECT_EQ(mErrors, mName + " is being written by somebody else.");
+    EXPECT_EQ(mErrors, mName + " is being written by somebody else.\n");
     EXPECT_EQ(bytesOf(mName), mScene);
     close(other);
     EXPECT_TRUE(save(mName)) << mErrors;
@@ -230,10 +230,10 @@ TEST_F(SavedFileTest, Writing_IsDoneByOneAtATime)
     leaveHalfWritten(mName);
     const int writer = open(mName.c_str(), O_RDONLY);
     ASSERT_EQ(flock(writer, LOCK_EX), 0);
-    EXPECT_EQ(refusalToRead(mName), mName + " is being written by somebody else.");
+    EXPECT_EQ(refusalToRead(mName), mName + " is being written by somebody else.\n");
     ASSERT_EQ(chmod(mName.c_str(), 0444), 0);
     ASSERT_EQ(chmod(mFolder.name().c_str(), 0755), 0);
-    EXPECT_EQ(asAnyUser([&] { return refusalToRead(mName); }), mName + " is being written by somebody else.");
+    EXPECT_EQ(asAnyUser([&] { return refusalToRead(mName); }), mName + " is being written by somebody else.\n");
     ASSERT_EQ(chmod(mName.c_str(), 0644), 0);
     close(writer);
     EXPECT_TRUE(readScene(mName));
@@ -304,7 +304,7 @@ TEST_F(SavedFileTest, ARecordOfTheCompleteChange_IsOnlyRemoved)
 
 TEST_F(SavedFileTest, WhatIsNoRecord_IsLeftAlone)
 {
-    const std::string refusal = mName + kEnding + " is not an undo record that can be used. Move it away to go on.";
+    const std::string refusal = mName + kEnding + " is not an undo record that can be used. Move it away to go on.\n";
     leaveHalfWritten(mName);
     std::string newer = bytesOf(mName + kEnding);
     newer[11] = 2;

@@ -132,7 +132,7 @@ bool Accessor::performQuietRead(const std::set<std::string>* structureNames,
     const bool isRead = performRead(structureNames, associationNames, errors);
     if (!watch.hasSeenWriting())
         return isRead;
-    errors += fileName() + " is being written by somebody else.";
+    errors += fileName() + " is being written by somebody else.\n";
     return false;
 }
 

@@ -127,7 +127,7 @@ public:
         while (!chunks.atEnd())
         {
             if (!chunks.readHeader())
-                return fail("Could not read chunk header.");
+                return fail("Could not read chunk header.\n");
             if (!readChunk(chunks))
                 return false;
         }
@@ -141,7 +141,7 @@ private:
             return readStructure(chunks);
         if (BinaryReader::isApplyMetadataChunk(chunks.header()))
             return readAssociations(chunks);
-        return chunks.skipData() || fail("Could not read host chunk.");
+        return chunks.skipData() || fail("Could not read host chunk.\n");
     }
 
     bool readStructure(ChunkCursor& chunks)
@@ -163,7 +163,7 @@ private:
         const Structure* registered = Structure::structureByName(structure.name());
         if (registered && *registered != structure)
             return fail(std::string("Structure \"") + structure.name() +
-                        "\" is declared twice, with different members.");
+                        "\" is declared twice, with different members.\n");
         Structure::registerStructure(structure);
         return true;
     }

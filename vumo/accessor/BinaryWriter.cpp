@@ -153,9 +153,9 @@ bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
     if (!BinaryReader::seekToTrailerStart(in, trailer.mMainSizePosition, trailer.mSizePosition, trailer.mEnd, errors))
         return false;
     if (!hasGroupHeader(in, trailer))
-        return failWith(errors, "Could not find the trailer group before the trailer.");
+        return failWith(errors, "Could not find the trailer group before the trailer.\n");
     if (!endsWithMainChunk(in, trailer))
-        return failWith(errors, "File does not end with its main chunk.");
+        return failWith(errors, "File does not end with its main chunk.\n");
     if (!in.seekg(static_cast<std::streamoff>(trailer.start())))
         return failWith(errors, "Could not seek to trailer start.");
     return true;
@@ -174,7 +174,7 @@ bool skipMetadata(ChunkCursor& chunks, bool isBehindStructure, std::string& erro
     const std::string_view text = data.substr(data.rfind('\0') + 1); // behind name and format, which are not converted
     if (isChangedByRewriting(text))
         return failWith(errors, "The file holds metadata with characters that the encoding of this locale does not "
-                                "have. Write it in a locale that has them, such as one of UTF-8.");
+                                "have. Write it in a locale that has them, such as one of UTF-8.\n");
     return true;
 }
 

@@ -17,7 +17,7 @@ constexpr char kRecordEnding[] = ".vumo-undo";
 
 bool fail(std::string& errors, const std::string& message)
 {
-    errors += message;
+    errors += message + "\n";
     return false;
 }
 
@@ -142,7 +142,12 @@ bool isBetween(const std::string& fileName)
 bool beginWriting(const File& file, const std::string& fileName, std::string& errors)
 {
     if (!file.isOpen())
-        return fail(errors, "Could not open " + fileName + " for writing.");
+    {
+        if (fileName.empty())
+            fail(errors, "The accessor has no file to write to: read one first.");
+        errors += "Could not open " + fileName + " for writing.";
+        return false;
+    }
     return lock(file, fileName, errors) && recover(file, fileName, undoRecordName(fileName), errors);
 }
 } // namespace vumo::Data::detail

@@ -22,7 +22,7 @@ FileTransaction::FileTransaction(const File& file, const std::string& fileName, 
     : mFile(file),
       mFileName(fileName),
       mRecordName(undoRecordName(fileName)),
-      mRemoveFailed("Could not remove the undo record " + mRecordName + "."),
+      mRemoveFailed("Could not remove the undo record " + mRecordName + ".\n"),
       mDirectory(directoryOf(mRecordName), File::eMode::kDirectory),
       mHasJournal(durability == Accessor::kJournal),
       mNeedsRecord(mHasJournal && !mRecordName.empty())
@@ -35,12 +35,12 @@ bool FileTransaction::run(FileChange& change, std::string& errors)
     mNeedsRecord = mNeedsRecord && !change.isDoneIn(mFile);
     if (!mRecord.take(mFile, change))
     {
-        errors += "Could not read the old bytes of " + mFileName + ".";
+        errors += "Could not read the old bytes of " + mFileName + ".\n";
         return false;
     }
     if (!mFile.hasName(mFileName))
     {
-        errors += mFileName + " was replaced by somebody else meanwhile.";
+        errors += mFileName + " was replaced by somebody else meanwhile.\n";
         return false;
     }
     if (mNeedsRecord && !begin(errors))
@@ -53,9 +53,12 @@ bool FileTransaction::run(FileChange& change, std::string& errors)
         return true;
     const bool isWhole = undo();
     errors += fault;
-    if (!isWhole)
-        errors += " The old bytes could not be put back: " + mFileName + " may be damaged" +
-                  (mHasRecord ? " until " + mRecordName + " is applied, by the next read or write." : ".");
+    if (isWhole)
+        return false;
+    if (errors.back() != '\n')
+        errors += '\n';
+    errors += "The old bytes could not be put back: " + mFileName + " may be damaged" +
+              (mHasRecord ? " until " + mRecordName + " is applied, by the next read or write.\n" : ".\n");
     return false;
 }
 
@@ -68,7 +71,7 @@ bool FileTransaction::begin(std::string& errors)
         return true;
     mNeedsRecord = !admitsNoRecord(error);
     if (mNeedsRecord)
-        errors += "Could not write the undo record " + mRecordName + ".";
+        errors += "Could not write the undo record " + mRecordName + ".\n";
     return !mNeedsRecord;
 }
 
