@@ -37,6 +37,7 @@
 #include "vumo/data/ScalarAccess.h"
 #include "vumo/data/Stream.h"
 #include "vumo/data/StreamDenseIteratorImpl.h"
+#include "vumo/data/StreamElements.h"
 #include "vumo/data/StreamImpl.h"
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamImplMapped.h"

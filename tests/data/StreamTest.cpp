@@ -28,8 +28,8 @@ protected:
     static std::string contents(const Stream& stream)
     {
         std::string text;
-        for (StreamIterator position = stream.begin(); position != stream.end(); ++position)
-            text += position.index().asString() + ": " + test::recordText(*position) + ", ";
+        for (auto [index, element] : stream.elements())
+            text += index.asString() + ": " + test::recordText(element) + ", ";
         return text;
     }
 };
@@ -215,6 +215,35 @@ TEST_F(StreamTest, SetStructure_ReleasesTheOldOneAndNeedsAnEmptyStream)
     ++position;
     EXPECT_TRUE(position->usesStructure(*other));
     EXPECT_EQ(mRecord->refCount(), 1);
+}
+
+TEST_F(StreamTest, Rebase_KeepsTheElementsAndLeavesSharersOnTheOldStructure)
+{
+    const Ref<Structure> twin(new Structure(*mRecord));
+    const Ref<Structure> other = Structure::make("Record", {{Member::kUInt8, 1, "number"}});
+    for (const bool isDense : {false, true})
+    {
+        SCOPED_TRACE(isDense);
+        Stream stream = streamWith({0, 2}, isDense);
+        EXPECT_EQ(stream.isDense(), isDense);
+        const std::string before = contents(stream);
+        const Stream sharer(stream);
+        EXPECT_FALSE(stream.rebase(*other));
+        EXPECT_TRUE(stream.rebase(*mRecord));
+        EXPECT_TRUE(stream.element(0).data() == sharer.element(0).data()) << "nothing was to be done";
+        EXPECT_TRUE(stream.rebase(*twin));
+        EXPECT_EQ(&stream.structure(), twin.get());
+        EXPECT_EQ(&sharer.structure(), mRecord.get());
+        EXPECT_EQ(stream.isDense(), isDense);
+        EXPECT_EQ(contents(stream), before);
+        EXPECT_TRUE(stream.setElement(9, test::record(*twin, 9, "l9")));
+        EXPECT_EQ(contents(sharer), before);
+    }
+    Stream texts(*mRecord, "texts");
+    texts.setIndexType("string");
+    texts.setElement(IndexString("a b"), test::record(*mRecord, 1, "one"));
+    EXPECT_TRUE(texts.rebase(*twin));
+    EXPECT_EQ(texts.indexType() + "; " + contents(texts), "string; a b: 1 one, ");
 }
 
 TEST_F(StreamGoldenTest, Debug_OfTheClassTellsItsCounts)

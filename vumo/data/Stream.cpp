@@ -247,6 +247,26 @@ bool Stream::setStructure(const Structure& structure)
     return mImpl->setStructure(structure);
 }
 
+bool Stream::rebase(const Structure& structure)
+{
+    if (&structure == &this->structure())
+        return true;
+    if (structure != this->structure())
+        return false;
+    const Ref<StreamImpl> rebased(isDense() ? static_cast<StreamImpl*>(new StreamImplDense(*mImpl))
+                                            : new StreamImplMapped(*mImpl)); // without elements
+    rebased->setStructure(structure);
+    Handle handle(structure, nullptr);
+    for (auto [index, element] : elements())
+    {
+        handle.pointToData(element.data(), false);
+        if (!rebased->setElement(index, handle))
+            return false;
+    }
+    mImpl = rebased;
+    return true;
+}
+
 const std::string& Stream::indexType() const
 {
     return mImpl->indexType();
@@ -265,10 +285,14 @@ bool Stream::setIndexType(const std::string& typeName)
     return mImpl->setIndexType(typeName);
 }
 
+bool Stream::isDense() const
+{
+    return Storage(mImpl.get()).dense != nullptr;
+}
+
 bool Stream::useDenseStorage(bool useDense)
 {
-    const bool isDense = Storage(mImpl.get()).dense;
-    if (isDense == useDense)
+    if (isDense() == useDense)
         return true;
 
     const bool wasEmpty = elementCount() == 0;

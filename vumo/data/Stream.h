@@ -4,6 +4,7 @@
 #include "vumo/data/Handle.h"
 #include "vumo/data/Index.h"
 #include "vumo/data/MemberView.h"
+#include "vumo/data/StreamElements.h"
 #include "vumo/data/StreamImpl.h"
 #include "vumo/data/StreamIterator.h"
 #include "vumo/data/Structure.h"
@@ -71,6 +72,9 @@ public:
     StreamIterator cbegin() const { return begin(); }
     StreamIterator cend() const { return end(); }
 
+    /// Indices and elements, for a loop over both.
+    StreamElements elements() const { return {begin(), end()}; }
+
     /// All elements of a dense stream at once: their blocks, or the values of one member. T is the type of a value,
     /// `const` to read only; see `MemberView`. Empty in mapped storage, without elements, and where no member has the
     /// name and type.
@@ -82,7 +86,8 @@ public:
     /// Several elements at numbers, in one call: `indices` are as many as `elements`.
     ///
     /// setElements() stores a copy of each block, as setElement() does one after the other, and returns how many it
-    /// stored; it ends at the first that is refused. The blocks must not be this stream's.
+    /// stored; it ends at the first that is refused, which is the first of all when they are of another structure than
+    /// this stream's very structure(). The blocks must not be this stream's.
     unsigned int setElements(const unsigned int* indices, const ElementView& elements);
 
     /// Copies each element over the block at its place, which gets default values where there is none; returns how
@@ -114,6 +119,11 @@ public:
     /// False, with nothing changed, when there are elements.
     bool setStructure(const Structure& structure);
 
+    /// Puts the stream on another structure that is equal to its own, so that data can move between files, each of
+    /// which has structures of its own. The elements stay, as a copy: streams that shared them keep the old structure.
+    /// False, with nothing changed, when the structures are not equal.
+    bool rebase(const Structure& structure);
+
     /// The name of the type of the stream's indices, "numeric" for plain numbers.
     const std::string& indexType() const;
 
@@ -130,13 +140,16 @@ public:
     /// only the last one survives the move.
     bool useDenseStorage(bool useDense);
 
+    bool isDense() const;
+
     /// Returns the flag before. It travels with copies of the stream; nothing in the library consults it.
     bool setUseDefaults(bool useDefaults);
     bool useDefaults() const;
 
     /// Takes over the other stream's elements at the numbers from 0 up to its elementCount(), replacing
     /// those that are here; its elements at other numbers or at complex indices are left out. False when
-    /// one could not be set; the merge ends there.
+    /// one could not be set, as all are refused whose stream is not on this one's very structure(): rebase() it first.
+    /// The merge ends there.
     bool mergeStream(const Stream& other);
 
     /// Honours the filters that `Handle` knows, for its elements.

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "vumo/data/Handle.h"
+#include "vumo/data/Index.h"
+#include "vumo/data/StreamIterator.h"
+
+#include <utility>
+
+namespace vumo::Data
+{
+/// The elements of a stream in index order, for a loop over indices and elements:
+///
+///     for (auto [index, element] : stream.elements())
+///         element.set(0, weightOf(index));
+///
+/// Borrows the stream's storage. The handle is that of a `StreamIterator`: valid until the next step.
+class StreamElements
+{
+public:
+    struct Element
+    {
+        Index index;
+        Handle& handle;
+    };
+
+    class Iterator
+    {
+    public:
+        explicit Iterator(StreamIterator position) : mPosition(std::move(position)) {}
+
+        Element operator*() { return {mPosition.index(), *mPosition}; }
+
+        Iterator& operator++()
+        {
+            ++mPosition;
+            return *this;
+        }
+
+        bool operator!=(const Iterator& other) const { return mPosition != other.mPosition; }
+
+    private:
+        StreamIterator mPosition;
+    };
+
+    StreamElements(StreamIterator begin, StreamIterator end) : mBegin(std::move(begin)), mEnd(std::move(end)) {}
+
+    Iterator begin() const { return Iterator(mBegin); }
+    Iterator end() const { return Iterator(mEnd); }
+
+private:
+    StreamIterator mBegin;
+    StreamIterator mEnd;
+};
+} // namespace vumo::Data
