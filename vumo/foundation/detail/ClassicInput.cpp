@@ -2,7 +2,7 @@
 
 #include <locale>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 ClassicInput::ClassicInput(std::istream& in) : mIn(in), mStream(nullptr)
 {
@@ -22,4 +22,4 @@ long long readPosition(std::istream& in)
         return -1; // there are buffers that cannot tell and throw
     }
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

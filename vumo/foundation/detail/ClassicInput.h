@@ -1,8 +1,10 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <istream>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// Reads from the buffer of an input as if its locale were the classic one, and hands on to that input whether
 /// reading failed or met the end.
@@ -26,4 +28,4 @@ private:
 /// The position of the next character to be read, counted from 0, also when the last read failed or met
 /// the end; -1 where the input cannot tell.
 long long readPosition(std::istream& in);
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

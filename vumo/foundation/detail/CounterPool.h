@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <atomic>
 #include <cstdint>
 

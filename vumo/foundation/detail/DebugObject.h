@@ -2,6 +2,7 @@
 
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/Namespace.h"
 
 namespace vumo::detail
 {

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 namespace
 {
@@ -122,4 +122,4 @@ std::optional<DecimalDigits> roundToDigits(double value, int count)
     }
     return DecimalDigits{digits, exponent};
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <cstdint>
 #include <optional>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// A number as its first significant digits: `digits` * 10^(`exponent` + 1 - their count).
 struct DecimalDigits
@@ -23,4 +25,4 @@ constexpr int kMaxDecimalDigits = 17;
 /// to round. A number that is out of reach of that, below about 1e-11 for 17 digits and 1e-22 for 6 or from 2^63
 /// on, has no result.
 std::optional<DecimalDigits> roundToDigits(double value, int count);
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

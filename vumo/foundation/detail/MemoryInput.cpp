@@ -1,6 +1,6 @@
 #include "vumo/foundation/detail/MemoryInput.h"
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 MemoryBuffer::MemoryBuffer(std::string_view bytes)
 {
@@ -23,4 +23,4 @@ MemoryBuffer::pos_type MemoryBuffer::seekpos(pos_type position, std::ios::openmo
 {
     return seekoff(off_type(position), std::ios::beg, which);
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

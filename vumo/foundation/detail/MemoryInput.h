@@ -1,10 +1,12 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <istream>
 #include <streambuf>
 #include <string_view>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// Reads bytes where they lie in memory, and moves to any place in them.
 class MemoryBuffer : public std::streambuf
@@ -27,4 +29,4 @@ public:
 private:
     MemoryBuffer mBuffer;
 };
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

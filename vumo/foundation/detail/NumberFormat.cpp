@@ -9,7 +9,7 @@
 #include <locale>
 #include <sstream>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 namespace
 {
@@ -228,4 +228,4 @@ void NumberFormat::appendByStream(TextBuilder& text, double value) const
     out << value;
     text.append(out.str());
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
 #include "vumo/foundation/detail/TextBuilder.h"
 
 #include <charconv>
@@ -7,7 +8,7 @@
 #include <ios>
 #include <type_traits>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// How numbers become text: as an output stream in the classic locale writes them, at a fraction of its cost.
 ///
@@ -67,4 +68,4 @@ private:
     std::streamsize mPrecision = 6;
     bool mIsExact = false;
 };
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

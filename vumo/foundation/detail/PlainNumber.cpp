@@ -6,7 +6,7 @@
 #include <cstring>
 #include <iterator>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 namespace
 {
@@ -198,4 +198,4 @@ const char* readPlainFloat(std::string_view text, float& value)
 {
     return readFloat(text, value);
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <charconv>
 #include <string_view>
 #include <type_traits>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// Says whether formatted extraction in the classic locale takes the character for whitespace.
 constexpr bool isClassicSpace(char c)
@@ -41,4 +43,4 @@ const char* readPlainNumber(std::string_view text, T& value)
     value = number;
     return rest;
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -1,6 +1,6 @@
 #include "vumo/foundation/detail/Quoted.h"
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 namespace
 {
@@ -44,4 +44,4 @@ std::string quoted(std::string_view text)
         appendCharacter(result, character);
     return result + (shown < text.size() ? "...'" : "'");
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <ostream>
 #include <streambuf>
 #include <string>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// Appends what is written to a string.
 class StringBuffer : public std::streambuf
@@ -40,4 +42,4 @@ public:
 private:
     StringBuffer mBuffer;
 };
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 char* duplicateText(const char* text)
 {
@@ -32,4 +32,4 @@ bool equalTexts(const char* left, const char* right)
         return true;
     return left && right && std::strcmp(left, right) == 0;
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

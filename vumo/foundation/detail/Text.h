@@ -1,8 +1,10 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <string_view>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// A copy of `text` to be released by `free`; null for null. Throws `std::bad_alloc` where strdup fails.
 char* duplicateText(const char* text);
@@ -12,4 +14,4 @@ char* duplicateText(std::string_view text);
 
 /// Says whether both are null or both are the same text.
 bool equalTexts(const char* left, const char* right);
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

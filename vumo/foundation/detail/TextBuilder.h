@@ -1,11 +1,13 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string_view>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// A text that grows piece by piece. Many small pieces cost less than with a string, because they are written in
 /// place and nothing is kept up between them.
@@ -55,4 +57,4 @@ private:
     std::size_t mSize = 0;
     std::size_t mCapacity = 0;
 };
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
 #include "vumo/foundation/detail/PlainNumber.h"
 
 #include <string_view>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// The text without the whitespace at its ends.
 inline std::string_view trimmed(std::string_view text)
@@ -17,4 +18,4 @@ inline std::string_view trimmed(std::string_view text)
         ++begin;
     return text.substr(begin, end - begin);
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

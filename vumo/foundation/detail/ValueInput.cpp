@@ -1,6 +1,6 @@
 #include "vumo/foundation/detail/ValueInput.h"
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 bool ValueInput::skipToText()
 {
@@ -36,4 +36,4 @@ void ValueInput::skipWord()
     while (!isAtSeparator())
         get();
 }
-} // namespace vumo::Data::detail
+} // namespace vumo::detail

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/detail/Namespace.h"
 #include "vumo/foundation/detail/PlainNumber.h"
 
 #include <algorithm>
@@ -8,7 +9,7 @@
 #include <streambuf>
 #include <string_view>
 
-namespace vumo::Data::detail
+namespace vumo::detail
 {
 /// Gives out a text in memory, moves in it, and tells positions.
 class TextBuffer : public std::streambuf
@@ -183,4 +184,4 @@ private:
     std::streamoff mTaken = 0;                      // of the value, through get(), once the input is used
     std::ios::iostate mFailure = std::ios::goodbit; // what skipWord() has forgotten
 };
-} // namespace vumo::Data::detail
+} // namespace vumo::detail
