@@ -6,8 +6,8 @@
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
-#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Text.h"
+#include "vumo/foundation/detail/ValueInput.h"
 
 #include <cstdlib>
 #include <locale>
@@ -43,10 +43,7 @@ long long characterNumber(std::istream& in)
 
 int readEntries(Member::eDataType type, const std::string& text, char* value, std::string& messages)
 {
-    detail::TextBuffer buffer;
-    std::istream in(&buffer);
-    in.imbue(std::locale::classic());
-    detail::ValueInput values(in, buffer);
+    detail::ValueInput values;
     values.restart(text);
     int errorCount = 0;
     for (unsigned int i = 0; i < detail::dataType(type).entries; ++i)

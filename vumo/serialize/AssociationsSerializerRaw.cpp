@@ -1,7 +1,7 @@
 #include "vumo/serialize/AssociationsSerializerRaw.h"
 
-#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Quoted.h"
+#include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
 #include "vumo/serialize/detail/FormatDebug.h"
 #include "vumo/serialize/detail/LineReader.h"
@@ -57,9 +57,9 @@ bool isAtEnd(std::istream& in)
 /// Reads a word by the classic rules, whatever width, flags and locale the input has.
 bool readWord(std::istream& in, std::string& word)
 {
-    detail::ClassicInput input(in);
+    detail::ValueInput input(in);
     input.stream() >> word;
-    input.handOnState();
+    input.handOnState(in);
     return !in.fail();
 }
 

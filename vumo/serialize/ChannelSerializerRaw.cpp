@@ -1,7 +1,8 @@
 #include "vumo/serialize/ChannelSerializerRaw.h"
 
-#include "vumo/foundation/detail/ClassicInput.h"
+#include "vumo/foundation/detail/Characters.h"
 #include "vumo/foundation/detail/Quoted.h"
+#include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
 #include "vumo/serialize/detail/FormatDebug.h"
 #include "vumo/serialize/detail/LineReader.h"
@@ -45,7 +46,7 @@ constexpr char kDescription[] = "The raw format consists of a Channel name follo
 /// The word at the start of a line.
 std::string firstWord(std::string_view line)
 {
-    return std::string(line.substr(0, line.find_first_of(" \t")));
+    return std::string(line.substr(0, line.find_first_of(detail::kBlanks)));
 }
 
 /// A channel of that name with the streams of another: its name is given to a channel once and for all.

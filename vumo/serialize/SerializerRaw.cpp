@@ -1,7 +1,7 @@
 #include "vumo/serialize/SerializerRaw.h"
 
+#include "vumo/foundation/detail/Characters.h"
 #include "vumo/foundation/detail/DebugObject.h"
-#include "vumo/foundation/detail/Trim.h"
 
 #include <iterator>
 

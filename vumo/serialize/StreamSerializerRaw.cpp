@@ -1,6 +1,6 @@
 #include "vumo/serialize/StreamSerializerRaw.h"
 
-#include "vumo/foundation/detail/ClassicInput.h"
+#include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/detail/ElementText.h"
 #include "vumo/serialize/detail/FormatDebug.h"
 #include "vumo/serialize/detail/Messages.h"
@@ -120,11 +120,9 @@ int StreamSerializerRaw::readMember(std::istream& in, unsigned int record, Handl
         messages.add(detail::unrecognizedMessage(values.type, record));
         return handOn(messages, errors);
     }
-    detail::ClassicInput input(in);
-    detail::ValueInput valueInput(input.stream());
-    detail::readMember(values, record, valueInput, messages);
-    valueInput.recallState();
-    input.handOnState();
+    detail::ValueInput input(in);
+    detail::readMember(values, record, input, messages);
+    input.handOnState(in);
     return handOn(messages, errors);
 }
 
@@ -139,11 +137,9 @@ int StreamSerializerRaw::readStructure(const Structure& structure, std::istream&
                      "'");
         return handOn(messages, errors);
     }
-    detail::ClassicInput input(in);
-    detail::ValueInput values(input.stream());
-    detail::ElementText(structure).read(handle.data(), record, values, messages);
-    values.recallState();
-    input.handOnState();
+    detail::ValueInput input(in);
+    detail::ElementText(structure).read(handle.data(), record, input, messages);
+    input.handOnState(in);
     return handOn(messages, errors);
 }
 

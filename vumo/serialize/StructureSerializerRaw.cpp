@@ -1,6 +1,5 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
-#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/serialize/detail/FormatDebug.h"
 
 #include <algorithm>
@@ -154,10 +153,11 @@ bool readRest(std::istream& in, std::string& text)
 {
     constexpr std::streamsize kBlockSize = 4096;
     char block[kBlockSize];
-    detail::ClassicInput input(in); // its end is no failure of the caller's input
-    while (input.stream().read(block, kBlockSize) || input.stream().gcount() > 0)
-        text.append(block, static_cast<std::string::size_type>(input.stream().gcount()));
-    return !input.stream().bad();
+    std::istream bytes(in.rdbuf()); // one of its own: the end is no failure of the caller's input
+    bytes.setstate(in.rdstate());
+    while (bytes.read(block, kBlockSize) || bytes.gcount() > 0)
+        text.append(block, static_cast<std::string::size_type>(bytes.gcount()));
+    return !bytes.bad();
 }
 
 std::vector<std::string> splitFields(std::string& text)

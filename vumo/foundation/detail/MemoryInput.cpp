@@ -2,10 +2,11 @@
 
 namespace vumo::detail
 {
-MemoryBuffer::MemoryBuffer(std::string_view bytes)
+void MemoryBuffer::restart(std::string_view text, std::string_view::size_type offset, long long position)
 {
-    char* const begin = const_cast<char*>(bytes.data()); // nothing is ever put back into a buffer without room for it
-    setg(begin, begin, begin + bytes.size());
+    char* const begin = const_cast<char*>(text.data()); // nothing is ever put back into a buffer without room for it
+    setg(begin, begin + offset, begin + text.size());
+    mPosition = position;
 }
 
 MemoryBuffer::pos_type MemoryBuffer::seekoff(off_type offset, std::ios::seekdir way, std::ios::openmode which)
@@ -16,11 +17,11 @@ MemoryBuffer::pos_type MemoryBuffer::seekoff(off_type offset, std::ios::seekdir 
     if (!(which & std::ios::in) || !isInside)
         return pos_type(off_type(-1));
     setg(eback(), eback() + from + offset, egptr());
-    return pos_type(from + offset);
+    return pos_type(mPosition < 0 ? mPosition : mPosition + from + offset);
 }
 
 MemoryBuffer::pos_type MemoryBuffer::seekpos(pos_type position, std::ios::openmode which)
 {
-    return seekoff(off_type(position), std::ios::beg, which);
+    return seekoff(off_type(position) - mPosition, std::ios::beg, which);
 }
 } // namespace vumo::detail

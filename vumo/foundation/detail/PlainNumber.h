@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/foundation/detail/Characters.h"
 #include "vumo/foundation/detail/Namespace.h"
 
 #include <charconv>
@@ -8,12 +9,6 @@
 
 namespace vumo::detail
 {
-/// Says whether formatted extraction in the classic locale takes the character for whitespace.
-constexpr bool isClassicSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 /// Reads the decimal number at the start of `text`: an optional minus, digits, perhaps with a point between them,
 /// and perhaps an exponent. Returns what is behind it, or null, with `value` as it was, for anything else.
 ///

@@ -1,15 +1,12 @@
 #include "vumo/foundation/detail/Quoted.h"
 
+#include "vumo/foundation/detail/Characters.h"
+
 namespace vumo::detail
 {
 namespace
 {
 constexpr std::string_view::size_type kLongestQuote = 80;
-
-bool isControl(unsigned char code)
-{
-    return code < 0x20 || code == 0x7F;
-}
 
 /// Says whether the byte goes on with a character that has begun, in UTF-8.
 bool continuesCharacter(char byte)
@@ -23,7 +20,7 @@ void appendCharacter(std::string& result, char character)
     const auto code = static_cast<unsigned char>(character);
     if (character == '\n')
         result += "\\n";
-    else if (isControl(code))
+    else if (isControl(character))
         result += {'\\', 'x', kDigits[code >> 4], kDigits[code & 15]};
     else
         result += character;

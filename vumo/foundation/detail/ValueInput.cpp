@@ -1,7 +1,44 @@
 #include "vumo/foundation/detail/ValueInput.h"
 
+#include <locale>
+
 namespace vumo::detail
 {
+namespace
+{
+/// Moves an input relative to where it stands; its position then, or -1 where it cannot tell.
+long long move(std::istream& in, std::streamoff offset)
+{
+    try
+    {
+        return in.rdbuf() ? static_cast<long long>(in.rdbuf()->pubseekoff(offset, std::ios::cur, std::ios::in)) : -1;
+    }
+    catch (...)
+    {
+        return -1; // there are buffers that cannot do it and throw
+    }
+}
+} // namespace
+
+long long readPosition(std::istream& in)
+{
+    return move(in, 0);
+}
+
+ValueInput::ValueInput() : mStream(nullptr)
+{
+    mStream.imbue(std::locale::classic());
+    mStream.rdbuf(&mBuffer);
+    mStream.exceptions(std::ios::badbit); // a text does not break: this is a lack of memory inside an extraction
+}
+
+ValueInput::ValueInput(std::istream& in) : mStream(nullptr)
+{
+    mStream.imbue(std::locale::classic()); // while there is no buffer, which would be imbued as well
+    mStream.rdbuf(in.rdbuf());
+    mStream.setstate(in.rdstate());
+}
+
 bool ValueInput::skipToText()
 {
     Traits::int_type next = peek();
@@ -15,16 +52,7 @@ bool ValueInput::skipToText()
 
 void ValueInput::goBack()
 {
-    std::istream& in = stream();
-    try
-    {
-        if (in.rdbuf())
-            in.rdbuf()->pubseekoff(-mTaken, std::ios::cur, std::ios::in);
-    }
-    catch (...)
-    {
-        return; // there are buffers that cannot move and throw
-    }
+    move(stream(), -mTaken);
 }
 
 void ValueInput::skipWord()

@@ -1,43 +1,22 @@
 #pragma once
 
+#include "vumo/foundation/detail/Characters.h"
+#include "vumo/foundation/detail/MemoryInput.h"
 #include "vumo/foundation/detail/Namespace.h"
 #include "vumo/foundation/detail/PlainNumber.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <istream>
-#include <streambuf>
 #include <string_view>
 
 namespace vumo::detail
 {
-/// Gives out a text in memory, moves in it, and tells positions.
-class TextBuffer : public std::streambuf
-{
-public:
-    /// Borrows the text; `place` is the first of its characters that is to be read.
-    void restart(std::string_view text, const char* place)
-    {
-        char* const begin = const_cast<char*>(text.data()); // never written to: there is no put area, nor a putback
-        setg(begin, begin + (place - begin), begin + text.size());
-    }
+/// The position of the next character to be read, counted from 0, also when the last read failed or met
+/// the end; -1 where the input cannot tell.
+long long readPosition(std::istream& in);
 
-protected:
-    /// The position of the first character, or -1 when it is not known.
-    virtual long long start() const { return 0; }
-
-    pos_type seekoff(off_type offset, std::ios::seekdir way, std::ios::openmode) override
-    {
-        const bool isInside = offset >= eback() - gptr() && offset <= egptr() - gptr();
-        if (way != std::ios::cur || !isInside)
-            return pos_type(off_type(-1));
-        setg(eback(), gptr() + offset, egptr());
-        const long long first = start();
-        return pos_type(off_type(first < 0 ? first : first + (gptr() - eback())));
-    }
-};
-
-/// What values are read from: any input, or a text in memory. The input is expected to use the classic locale.
+/// What values are read from: any input, or a text in memory. The locale is the classic one in either case.
 ///
 /// Of a text all that is plain is taken directly. Nothing of that fails or sets a state; as soon as something is
 /// not plain, the rest is left to an input on the text, which then stands at the same place.
@@ -46,28 +25,35 @@ class ValueInput
 public:
     using Traits = std::istream::traits_type;
 
-    /// Borrows the input.
-    explicit ValueInput(std::istream& in) : mStream(in) {}
+    /// Reads the texts that are given to restart(). Throws what an extraction throws for a lack of memory.
+    ValueInput();
 
-    /// Borrows both; `in` is an input on `buffer`, which need not have a text yet.
-    ValueInput(std::istream& in, TextBuffer& buffer) : mStream(in), mBuffer(&buffer) {}
+    /// Reads from the buffer of an input. Borrows both; the input is told by handOnState() what came of it.
+    explicit ValueInput(std::istream& in);
 
-    /// Starts with a text, borrowed, for the buffer that was given.
-    void restart(std::string_view text)
+    ValueInput(const ValueInput&) = delete;
+    ValueInput& operator=(const ValueInput&) = delete;
+
+    /// Starts with a text, borrowed. `position` is what that of its first character is called; -1 when it is not known.
+    void restart(std::string_view text, long long position = 0)
     {
         mText = text;
+        mPosition = position;
         mAt = mBegin = text.data();
         mEnd = mAt + text.size();
         mStream.clear();
         mFailure = std::ios::goodbit;
     }
 
+    /// Gives the state of all that failed or met the end to `in`, as if that had been read.
+    void handOnState(std::istream& in) const { in.setstate(mFailure | mStream.rdstate()); }
+
     /// The input, from which everything is taken from now on.
     std::istream& stream()
     {
         if (mAt)
         {
-            mBuffer->restart(mText, mAt);
+            mBuffer.restart(mText, static_cast<std::size_t>(mAt - mText.data()), mPosition);
             mTaken = mAt - mBegin;
         }
         mAt = mEnd = nullptr;
@@ -75,7 +61,7 @@ public:
     }
 
     /// The next character, or the end, as which an input counts that has failed.
-    Traits::int_type peek() const
+    Traits::int_type peek()
     {
         if (!mAt)
             return mStream.good() ? mStream.peek() : Traits::eof();
@@ -85,40 +71,35 @@ public:
     /// Takes the next character.
     Traits::int_type get()
     {
-        if (!mAt)
-        {
-            const Traits::int_type next = mStream.get();
-            mTaken += mStream.gcount();
-            return next;
-        }
-        return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt++);
+        if (mAt)
+            return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt++);
+        const Traits::int_type next = mStream.get();
+        mTaken += mStream.gcount();
+        return next;
     }
 
-    /// Skips whitespace; returns whether there is text behind it, as there never is in an input that has failed.
+    /// Skips whitespace; returns whether text follows, as it never does in an input that has failed.
     bool skipToText();
 
-    /// Marks the place as the begin of a value, to which goBack() returns.
+    /// Says whether whitespace or the end follows.
+    bool isAtSeparator()
+    {
+        const Traits::int_type next = peek();
+        return Traits::eq_int_type(next, Traits::eof()) || isClassicSpace(Traits::to_char_type(next));
+    }
+
+    /// Marks the place as the begin of a value of which get() and takeUntil() take the characters.
     void beginValue()
     {
         mBegin = mAt;
         mTaken = 0;
     }
 
-    /// Returns to the begin of the value; an input that cannot move stays where it is.
+    /// Returns to the begin of that value; an input that cannot move stays where it is.
     void goBack();
 
     /// Goes on after an error: forgets the state that it left, and takes the rest of the word.
     void skipWord();
-
-    /// Gives the input the state of all that failed, as if nothing had been forgotten.
-    void recallState() { mStream.setstate(mFailure); }
-
-    /// Says whether whitespace or the end follows.
-    bool isAtSeparator() const
-    {
-        const Traits::int_type next = peek();
-        return Traits::eq_int_type(next, Traits::eof()) || isClassicSpace(Traits::to_char_type(next));
-    }
 
     /// Extracts one number as the input itself would; false, with nothing taken, when that is left to it.
     template <class T>
@@ -175,13 +156,14 @@ private:
         return at;
     }
 
-    std::istream& mStream;
-    TextBuffer* mBuffer = nullptr;
+    MemoryBuffer mBuffer;
+    std::istream mStream; // on an input's buffer, or on mBuffer
     std::string_view mText;
-    const char* mAt = nullptr; // in the text; null: the input is used
-    const char* mEnd = nullptr;
-    const char* mBegin = nullptr;                   // of the value in the text, as long as that is in use
-    std::streamoff mTaken = 0;                      // of the value, through get(), once the input is used
+    long long mPosition = 0;                        // of the text
+    const char* mAt = nullptr;                      // in the text; null: the input is used
+    const char* mEnd = nullptr;                     // of the text
+    const char* mBegin = nullptr;                   // of the value in the text
+    std::streamoff mTaken = 0;                      // of the value, once the input is used
     std::ios::iostate mFailure = std::ios::goodbit; // what skipWord() has forgotten
 };
 } // namespace vumo::detail

@@ -2,7 +2,6 @@
 
 #include "vumo/data/detail/DataTypes.h"
 #include "vumo/data/detail/ValueText.h"
-#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/foundation/detail/Text.h"
 #include "vumo/serialize/detail/LineReader.h"
 

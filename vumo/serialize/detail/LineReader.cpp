@@ -1,17 +1,13 @@
 #include "vumo/serialize/detail/LineReader.h"
 
-#include "vumo/foundation/detail/Trim.h"
+#include "vumo/foundation/detail/Characters.h"
+#include "vumo/foundation/detail/ValueInput.h"
 
 #include <cstring>
 #include <limits>
 
 namespace vumo::Data::detail
 {
-namespace
-{
-constexpr char kBlanks[] = " \t";
-} // namespace
-
 bool isKeywordLine(std::string_view line, const char* keyword, std::string& text)
 {
     const std::string_view::size_type length = std::strlen(keyword);
@@ -26,6 +22,11 @@ bool isKeywordLine(std::string_view line, const char* keyword, std::string& text
 
 bool LineReader::next()
 {
+    // Alone, it is enough to ask once: for a file that is a call of the system, and some buffers drop what they hold.
+    if (mUse == kShared || mRecord == 0)
+        mPosition = readPosition(mIn);
+    else if (mPosition >= 0)
+        mPosition += mConsumed;
     if (!takeLine() && !copyLine())
         return false;
     mText = trimmed(mLine);
@@ -69,12 +70,6 @@ bool LineReader::nextFilled()
             return true;
     }
     return false;
-}
-
-long long LineReader::position() const
-{
-    const long long end = mWindow.end();
-    return end < 0 ? end : end - mConsumed + (mText.data() - mLine.data());
 }
 
 std::string LineReader::tooLongMessage() const

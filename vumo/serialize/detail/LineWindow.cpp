@@ -1,7 +1,5 @@
 #include "vumo/serialize/detail/LineWindow.h"
 
-#include "vumo/foundation/detail/ClassicInput.h"
-
 #include <streambuf>
 
 namespace vumo::Data::detail
@@ -39,18 +37,10 @@ bool LineWindow::next(std::string_view& line, std::string_view::size_type limit)
 
 void LineWindow::open()
 {
-    mStart = readPosition(mIn);                     // asked before: a buffer may drop what it holds when it is asked
     const bool isUsable = mIn.good() && !mIn.tie(); // nothing is flushed late, and release() has nothing to throw
     mAhead = isUsable ? GetArea::of(*mIn.rdbuf()) : std::string_view();
     if (!mAhead.empty())
         mAhead.remove_suffix(1); // a buffer that is emptied by release() would be filled anew
-}
-
-long long LineWindow::end() const
-{
-    if (mGiven == 0)
-        return readPosition(mIn);
-    return mStart < 0 ? mStart : mStart + mGiven;
 }
 
 void LineWindow::release()

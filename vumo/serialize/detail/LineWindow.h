@@ -25,15 +25,11 @@ public:
     /// Takes from the input what was given out, and nothing behind it.
     void release();
 
-    /// The position after the line that was given last, or where the input stands; -1 where it cannot tell.
-    long long end() const;
-
 private:
     void open();
 
     std::istream& mIn;
     std::string_view mAhead;    // not yet given out
-    long long mStart = -1;      // the position of what was given out first
     std::streamsize mGiven = 0; // characters given out, but not yet taken from the input
     std::streamsize mLast = 0;  // those of the last line
 };

@@ -1,7 +1,7 @@
 #include "vumo/serialize/detail/LineWriter.h"
 
+#include "vumo/foundation/detail/Characters.h"
 #include "vumo/foundation/detail/Quoted.h"
-#include "vumo/foundation/detail/Trim.h"
 
 namespace vumo::Data::detail
 {

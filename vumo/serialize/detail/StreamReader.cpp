@@ -1,6 +1,5 @@
 #include "vumo/serialize/detail/StreamReader.h"
 
-#include "vumo/foundation/detail/ClassicInput.h"
 #include "vumo/serialize/SerializerRaw.h"
 
 #include <new>
@@ -151,7 +150,7 @@ void StreamReader::refuseIndex(Index::eCreationErrors code)
 
 void StreamReader::readDataLine(Index&& index)
 {
-    ValueInput& values = mValues.restart();
+    mValues.restart(mLines.text(), mLines.position());
     if (!mElementText)
         mElementText = std::make_unique<ElementText>(*mStructure, ElementText::kLine);
     StreamImplMapped& elements = storage();
@@ -159,17 +158,17 @@ void StreamReader::readDataLine(Index&& index)
     {
         // Nothing is allocated by the size that a structure promises; this finds what is bad and the first missing
         // value.
-        mElementText->read(nullptr, mLines.record(), values, mMessages);
+        mElementText->read(nullptr, mLines.record(), mValues, mMessages);
         return;
     }
     char* const block = elements.newElement(std::move(index)); // half filled after an error, but then nobody sees it
-    if (!mElementText->read(block, mLines.record(), values, mMessages))
+    if (!mElementText->read(block, mLines.record(), mValues, mMessages))
         return;
-    if (values.skipToText())
+    if (mValues.skipToText())
     {
         std::string rest;
-        std::getline(values.stream(), rest);
-        const long long end = readPosition(values.stream());
+        std::getline(mValues.stream(), rest);
+        const long long end = readPosition(mValues.stream());
         const long long position = end < 0 ? end : end - static_cast<long long>(rest.size());
         mMessages.add("Text '" + rest + "' on or about character " + std::to_string(position) +
                       " is left over behind the last value" + atRecord());

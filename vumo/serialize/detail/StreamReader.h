@@ -4,8 +4,8 @@
 #include "vumo/data/Stream.h"
 #include "vumo/data/StreamImplMapped.h"
 #include "vumo/data/Structure.h"
+#include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/detail/ElementText.h"
-#include "vumo/serialize/detail/LineInput.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/Messages.h"
 
@@ -21,7 +21,7 @@ class StreamReader
 {
 public:
     /// Borrows the input.
-    explicit StreamReader(std::istream& in) : mLines(in, LineReader::kAlone), mValues(mLines) {}
+    explicit StreamReader(std::istream& in) : mLines(in, LineReader::kAlone) {}
 
     /// Owned by the caller; null after any error, with all of them appended to `errors`.
     std::unique_ptr<Stream> read(std::string& errors);
@@ -50,7 +50,7 @@ private:
     static std::string atRecord(unsigned int record);
 
     LineReader mLines;
-    LineInput mValues;
+    ValueInput mValues; // of the current line
     Messages mMessages;
 
     std::string mName;
