@@ -3,6 +3,7 @@
 #include "vumo/foundation/detail/TextBuilder.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/Messages.h"
+#include "vumo/serialize/detail/ReadBack.h"
 
 #include <ostream>
 #include <string>
@@ -10,26 +11,6 @@
 
 namespace vumo::Data::detail
 {
-/// What lines belong to. Borrows the names, which are put together only where there is something to report.
-struct LineOwner
-{
-    const std::string* stream = nullptr;  // null: lines of the channel itself, or of none
-    const std::string* channel = nullptr; // null: none is known
-
-    /// " of stream 'a' in channel 'b'", or as much of it as is known.
-    std::string text() const;
-};
-
-/// Why the text, as a name or an index, would not be read back as it was; null when it would.
-const char* nameFault(std::string_view text);
-
-/// Says that a line is too long to be read back.
-std::string tooLongFault();
-
-/// Says that something in a text would not be read back as it was.
-std::string notReadBackMessage(const std::string& subject, unsigned int record, const LineOwner& owner,
-                               const std::string& fault);
-
 /// Writes an output line by line, each with its newline and flushed.
 ///
 /// Writes everything, but counts an error for what a `LineReader` would not give back as it was: the reader of

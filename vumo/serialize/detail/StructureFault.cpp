@@ -2,7 +2,7 @@
 
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/SerializerRaw.h"
-#include "vumo/serialize/detail/LineWriter.h"
+#include "vumo/serialize/detail/ReadBack.h"
 
 #include <string_view>
 
