@@ -241,15 +241,14 @@ bool readMember(const MemberValues& values, unsigned int record, ValueInput& in,
     return values.type == Member::kString ? readStrings(in, values, messages) : readNumbers(in, values, messages);
 }
 
-ElementText::ElementText(const Structure& structure, eSource source)
+ElementText::ElementText(const Structure& structure, std::size_t longestText)
 {
     mMembers.reserve(std::min(structure.memberCount(), kMaxLineLength));
-    for (unsigned int i = 0; i < structure.memberCount() && (source == kAnyText || fitsInto(kMaxLineLength)); ++i)
+    for (unsigned int i = 0; i < structure.memberCount() && fitsInto(longestText); ++i)
     {
         const Member* const member = structure.member(i);
         mMembers.push_back({Member::type(member), Member::length(member), Member::offset(member)});
-        if (fitsInto(kMaxLineLength))
-            mLeastLength += leastLength(mMembers.back().type, mMembers.back().length);
+        mLeastLength += leastLength(mMembers.back().type, mMembers.back().length);
     }
 }
 

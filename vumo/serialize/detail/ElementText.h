@@ -6,10 +6,11 @@
 #include "vumo/foundation/detail/NumberFormat.h"
 #include "vumo/foundation/detail/TextBuilder.h"
 #include "vumo/foundation/detail/ValueInput.h"
-#include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
+#include "vumo/serialize/detail/ReadBack.h"
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -49,16 +50,13 @@ bool readMember(const MemberValues& values, unsigned int record, ValueInput& in,
 class ElementText
 {
 public:
-    /// What elements are read from. For those of a single line, no more members are looked up than it takes to know
-    /// that a line is too short for them all: a stream is not to pay for a structure of very many members.
-    enum eSource
-    {
-        kAnyText,
-        kLine
-    };
+    static constexpr std::size_t kAnyLength = std::numeric_limits<std::size_t>::max() - 1; // fitsInto() adds one
 
     /// Keeps no pointer to the structure, which must not change meanwhile.
-    explicit ElementText(const Structure& structure, eSource source = kAnyText);
+    ///
+    /// `longestText` is the length of the longest text that is going to be read. No more members are looked up than it
+    /// takes to know that this is too short for them all: a stream is not to pay for a structure of very many members.
+    explicit ElementText(const Structure& structure, std::size_t longestText = kAnyLength);
 
     unsigned int memberCount() const { return static_cast<unsigned int>(mMembers.size()); }
 
@@ -74,7 +72,7 @@ public:
     bool read(char* block, unsigned int record, ValueInput& in, Messages& messages) const;
 
     /// Says whether a line of that length can possibly hold all values of an element.
-    bool fitsInto(std::size_t length) const { return mLeastLength <= length + 1; } // no separator behind the last one
+    bool fitsInto(std::size_t length) const { return mLeastLength <= length + 1; } // no separator follows the last one
 
 private:
     struct Place

@@ -152,7 +152,7 @@ void StreamReader::readDataLine(Index&& index)
 {
     mValues.restart(mLines.text(), mLines.position());
     if (!mElementText)
-        mElementText = std::make_unique<ElementText>(*mStructure, ElementText::kLine);
+        mElementText = std::make_unique<ElementText>(*mStructure, kMaxLineLength);
     StreamImplMapped& elements = storage();
     if (!mElementText->fitsInto(mLines.text().size()))
     {
