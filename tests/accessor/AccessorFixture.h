@@ -83,6 +83,25 @@ inline std::string sceneWith(const std::string& trailer)
     return out.str();
 }
 
+/// A golden scene of each kind, and what a script of its own made of it by one edit.
+struct RichScene
+{
+    const char* ending;
+    std::string bytes;
+    std::string edited;
+};
+
+inline const RichScene kRichScenes[] = {
+    {".oa", goldenText("rich.oa"), goldenText("rich_edited.oa")},
+    {".ob", goldenBytes("rich.ob.hex"), goldenBytes("rich_edited.ob.hex")},
+};
+
+/// Makes that edit, too.
+inline void edit(Accessor& accessor)
+{
+    setValue(*accessor.associations()["body"].channel("edge").dataStream("creases"), IndexPair(0, 2), "0.125");
+}
+
 /// What this process has read from files so far.
 struct ReadCount
 {

@@ -9,17 +9,6 @@ namespace vumo::test
 {
 namespace
 {
-/// A scene of each kind, and what it is after an edit.
-const struct SceneKind
-{
-    const char* ending;
-    std::string scene;
-    std::string edited;
-} kScenes[] = {
-    {".oa", goldenText("rich.oa"), goldenText("rich_edited.oa")},
-    {".ob", goldenBytes("rich.ob.hex"), goldenBytes("rich_edited.ob.hex")},
-};
-
 /// Lets each allocation of an action fail in turn.
 class AllocationFailureTest : public AccessorFixture
 {
@@ -28,12 +17,12 @@ protected:
     template <class Test>
     static void withBothScenes(const Test& test)
     {
-        for (const SceneKind& kind : kScenes)
+        for (const RichScene& kind : kRichScenes)
         {
             SCOPED_TRACE(kind.ending);
             const ScratchFile file(kind.ending);
             forEachAllocation([&](std::size_t n, bool& hasFailed) {
-                file.setBytes(kind.scene);
+                file.setBytes(kind.bytes);
                 test(kind, file, n, hasFailed);
             });
         }
@@ -42,7 +31,7 @@ protected:
     static std::unique_ptr<Accessor> editorOf(const ScratchFile& file)
     {
         auto editor = readScene(file.name());
-        setValue(*editor->associations()["body"].channel("edge").dataStream("creases"), IndexPair(0, 2), "0.125");
+        edit(*editor);
         return editor;
     }
 
@@ -60,7 +49,7 @@ protected:
 
 TEST_F(AllocationFailureTest, Reads_GiveAllOrNothing)
 {
-    withBothScenes([](const SceneKind&, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+    withBothScenes([](const RichScene&, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto accessor = Accessor::accessorByExtension(file.name());
         std::string errors;
         const bool isRead = succeedsWithout(n, hasFailed, [&] { return accessor->read(file.name(), errors); });
@@ -74,11 +63,11 @@ TEST_F(AllocationFailureTest, Reads_GiveAllOrNothing)
 
 TEST_F(AllocationFailureTest, RichScenes_AreWrittenAsAWholeOrNotAtAllAndThenAgain)
 {
-    withBothScenes([](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+    withBothScenes([](const RichScene& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         const auto editor = editorOf(file);
         std::string errors;
         const bool isWritten = succeedsWithout(n, hasFailed, [&] { return editor->write(errors); });
-        EXPECT_EQ(file.bytes(), isWritten ? kind.edited : kind.scene);
+        EXPECT_EQ(file.bytes(), isWritten ? kind.edited : kind.bytes);
         EXPECT_FALSE(file.hasRecord());
         EXPECT_TRUE(Structure::allStructures().empty());
         editor->setDurability(Accessor::kMemoryOnly);
@@ -91,13 +80,13 @@ TEST_F(AllocationFailureTest, RichScenesThatACrashLeft_AreRestoredOrStayAsTheyAr
 {
     std::string torn;
     std::string record;
-    withBothScenes([&](const SceneKind& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
+    withBothScenes([&](const RichScene& kind, const ScratchFile& file, std::size_t n, bool& hasFailed) {
         if (n == 0)
         {
             crash(*editorOf(file));
             torn = file.bytes();
             record = file.record();
-            ASSERT_NE(torn, kind.scene);
+            ASSERT_NE(torn, kind.bytes);
         }
         file.setBytes(torn);
         file.setRecord(record);
@@ -105,9 +94,9 @@ TEST_F(AllocationFailureTest, RichScenesThatACrashLeft_AreRestoredOrStayAsTheyAr
         const bool isDone = succeedsWithout(n, hasFailed, [&] { return Accessor::recover(file.name(), errors); });
         const bool isRestored = !file.hasRecord();
         EXPECT_EQ(isRestored, isDone) << errors;
-        EXPECT_EQ(file.bytes(), isRestored ? kind.scene : torn);
+        EXPECT_EQ(file.bytes(), isRestored ? kind.bytes : torn);
         EXPECT_TRUE(Accessor::recover(file.name(), errors)) << errors;
-        EXPECT_EQ(file.bytes(), kind.scene);
+        EXPECT_EQ(file.bytes(), kind.bytes);
     });
 }
 

@@ -11,18 +11,9 @@ namespace
 using Script = FileCallScript;
 using HostileFileTest = AccessorFixture;
 
-const std::string kAsciiHead = "//Ovri ASCII 2014 scene\n";
-
-/// Both kinds of scenes, with metadata.
-const struct
-{
-    const char* ending;
-    std::string bytes;
-} kScenes[] = {{".oa", goldenText("rich.oa")}, {".ob", goldenBytes("rich.ob.hex")}};
-
 TEST_F(HostileFileTest, AFileThatChangesWhileItIsRead_IsReadOrRefused)
 {
-    for (const auto& [ending, bytes] : kScenes)
+    for (const auto& [ending, bytes, edited] : kRichScenes)
     {
         const ScratchFile file(ending);
         const std::string zeros(bytes.size(), '\0');
@@ -56,7 +47,7 @@ TEST_F(HostileFileTest, AnAsciiFileWithoutLines_IsSearchedInBlocksOfAModestSize)
     constexpr std::uint64_t kFileSize = 192 << 20; // of zeros that take no space
     constexpr std::size_t kLargestBlock = 4 << 20;
     const ScratchFile file(".oa");
-    file.setBytes(kAsciiHead);
+    file.setBytes("//Ovri ASCII 2014 scene\n");
     std::filesystem::resize_file(file.name(), kFileSize);
     const auto accessor = readScene(file.name());
     std::string errors;

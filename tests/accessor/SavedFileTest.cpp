@@ -79,7 +79,7 @@ protected:
         script.mTurn = 2;
         script.mAction = FileCallScript::kExitHalfway;
         ASSERT_TRUE(isEndedBy(script, [&] { return save(name); }));
-        ASSERT_TRUE(fs::exists(name + kEnding));
+        ASSERT_TRUE(fs::exists(fs::canonical(name).string() + kEnding));
         ASSERT_NE(bytesOf(name), mScene);
     }
 
@@ -138,13 +138,8 @@ TEST_F(SavedFileTest, ASymbolicLink_StaysOneAndItsRecordStandsBesideTheFile)
     const std::string name = mFolder / "deep/scene.ob";
     fs::rename(mName, name);
     fs::create_symlink("deep/scene.ob", link);
-    FileCallScript script;
-    script.mPlace = "write scene";
-    script.mTurn = 2;
-    script.mAction = FileCallScript::kExitHalfway;
-    ASSERT_TRUE(isEndedBy(script, [&] { return save(link); }));
+    leaveHalfWritten(link);
     EXPECT_FALSE(fs::exists(link + kEnding));
-    EXPECT_TRUE(fs::exists(name + kEnding));
     ASSERT_TRUE(readScene(link));
     EXPECT_EQ(bytesOf(name), mScene);
     EXPECT_TRUE(fs::is_symlink(link));

@@ -1,6 +1,5 @@
 #include "vumo/data/Handle.h"
 
-#include "tests/support/CommaLocale.h"
 #include "tests/support/DataFixtures.h"
 
 #include <utility>
@@ -88,9 +87,9 @@ TEST_F(HandleTest, Positions_AreFoundOrLeftAtTheEnd)
 TEST_F(HandleTest, GetAndSet_MoveValuesWhereverTheyLie)
 {
     const auto structure = Structure::make("S", {{Member::kInt8, 1, "odd"},
-                                                     {Member::kDouble, 2, "pair"},
-                                                     {Member::kString, 2, "texts"},
-                                                     {Member::kFloatMatrix4x4, 2, "places"}});
+                                                 {Member::kDouble, 2, "pair"},
+                                                 {Member::kString, 2, "texts"},
+                                                 {Member::kFloatMatrix4x4, 2, "places"}});
     std::vector<char> block(structure->totalSize() + 1);
     Handle handle(*structure, block.data() + 1); // at an odd address, as elements of odd size have
     const Handle& reader = handle;
@@ -314,21 +313,6 @@ TEST_F(HandleTest, Strings_ReplaceTheOneBeforeAndHideBehindANullFirst)
     EXPECT_EQ(handle.str(1), "second");
     EXPECT_EQ(handle.fromStr(std::string("cut\0off", 7), 0, errors), 1); // would be stored as "cut"
     EXPECT_EQ(handle.str(0), "another first");
-}
-
-TEST_F(HandleTest, TextForms_IgnoreTheGlobalLocale)
-{
-    const test::CommaLocale comma;
-    const auto structure = Structure::make("S", {{Member::kDouble, 1, "d"}, {Member::kInt32, 1, "i"}});
-    Handle handle(*structure);
-    test::setText(handle, "d", "1234.5");
-    test::setText(handle, "i", "1234567");
-    EXPECT_EQ(test::textOf(handle, "d"), "1234.5");
-    EXPECT_EQ(test::textOf(handle, "i"), "1234567");
-    std::string errors;
-    handle.fromStr("1", 12345, errors);
-    EXPECT_EQ(errors, "Trying to parse element 12345 when the member i only has dimension 1\n");
-    EXPECT_EQ(Index("1234").asString(), "1234");
 }
 
 TEST_F(HandleGoldenTest, Debug_IsOneLineWithItsFilters)

@@ -133,14 +133,5 @@ TEST_F(MemberTest, IsDefault_TakesNegativeZeroButNoEmptyString)
     test::setText(handle, "s", "");
     EXPECT_FALSE(structure->member(2)->isDefault(handle.data()));
 }
-
-TEST_F(MemberTest, Destroy_LeavesNullStrings)
-{
-    const auto structure = Structure::make("S", {{Member::kString, 3, "texts"}});
-    Handle handle(*structure);
-    test::setText(handle, "texts", "first");
-    EXPECT_TRUE(structure->member(0)->destroy(handle.data()));
-    EXPECT_TRUE(handle.isDefault());
-}
 } // namespace
 } // namespace vumo::Data

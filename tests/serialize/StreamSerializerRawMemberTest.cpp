@@ -21,7 +21,6 @@ TEST_F(StreamSerializerRawMemberTest, ValuesOfOneElement_GoThroughAHandle)
     const Structure& other = registered("name=Q:int32=a");
     Handle element(structure);
     std::string errors;
-    const test::CommaLocale commas;
     std::istringstream in("0.5 1000.25 \"a b\" rest");
     EXPECT_EQ(mFormat.readStructure(structure, in, 9, element, errors), 0);
     std::string rest;

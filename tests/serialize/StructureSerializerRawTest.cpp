@@ -39,7 +39,6 @@ using StructureSerializerRawGoldenTest = StructureSerializerRawTest;
 
 TEST_F(StructureSerializerRawGoldenTest, Write_NamesTheMembersOfAStructureThatNobodyHolds)
 {
-    const test::CommaLocale commas;
     Structure* const structure = new Structure("My Structure");
     EXPECT_EQ(written(*structure), "name=My Structure");
     structure->addMember(Member::kInt32, 1, "ID");
@@ -73,7 +72,6 @@ TEST_F(StructureSerializerRawTest, Read_TakesLooselyWrittenText)
         {"name=S:int8=a:double=a", "name=S:int8=a"},
         {"name=S:name=T", "name=T"},
     };
-    const test::CommaLocale commas;
     for (const auto& row : cases)
         EXPECT_EQ(reread(row.text), row.canonical) << row.text;
 }
@@ -126,7 +124,6 @@ TEST_F(StructureSerializerRawTest, Read_ReportsEveryFaultyField)
         {"flot=a:int32", "Member type 'flot' not recognized\n" + separator + "\n" + nameless},
         {"name=S\0T:int32=a"s, "Structures must not have a zero byte, where a name would end"},
     };
-    const test::CommaLocale commas;
     for (const auto& row : cases)
         EXPECT_EQ(reread(row.text), row.errors) << row.text;
 }

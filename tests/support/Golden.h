@@ -1,8 +1,8 @@
 #pragma once
 
+#include "tests/support/ScratchFile.h"
+
 #include <cctype>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -12,10 +12,10 @@ namespace vumo::test
 /// The bytes of a file of tests/golden as it is.
 inline std::string goldenText(const std::string& fileName)
 {
-    std::ifstream file(VUMO_GOLDEN_DIR "/" + fileName, std::ios::binary);
-    if (!file)
+    const std::string text = bytesOf(VUMO_GOLDEN_DIR "/" + fileName);
+    if (text.empty())
         throw std::runtime_error("no golden file " + fileName);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return text;
 }
 
 /// The bytes that a file of tests/golden spells out: two hex digits for each, or plain text between double

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tests/support/CommaLocale.h"
 #include "tests/support/DataFixtures.h"
 #include "tests/support/Golden.h"
 #include "vumo/serialize/StructureSerializerRaw.h"
