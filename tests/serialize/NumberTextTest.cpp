@@ -365,6 +365,23 @@ TEST_F(NumberTextSlowTest, ExactNumbers_AreLaidOutAsSixDigitsAre)
         std::memcpy(handle.data(), &entry.value, sizeof(entry.value));
         EXPECT_EQ(handle.str(0, kExact), entry.text);
     }
+    const Structure& wide = registered("name=W:double[60]=m");
+    Stream stream(wide, "s");
+    Handle element(wide);
+    for (unsigned int i = 0; i < 60; ++i)
+        element.set(i, 1.0 / (i + 3));
+    stream.setElement(0U, element);
+    for (const bool isExact : {false, true})
+    {
+        std::ostringstream text;
+        text << (isExact ? exactNumbers : sixDigits);
+        std::string errors;
+        StreamSerializerRaw::theFormat()->write(stream, text, errors);
+        EXPECT_EQ(errors.find("longer than 1023 characters with exact numbers\n") != std::string::npos, isExact)
+            << errors;
+        EXPECT_EQ(errors.empty(), !isExact);
+    }
+
     std::ostringstream out;
     out << exactNumbers << sixDigits << std::scientific << std::setprecision(1);
     std::string errors;

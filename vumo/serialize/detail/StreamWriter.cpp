@@ -152,7 +152,7 @@ void StreamWriter::reportData(const Index& index, char* block)
             mMessages.add(refusedMessage(values, mFormat, member + element, mLines.record(), mLines.owner()));
         const bool isTooLong = line.text().size() > kMaxLineLength;
         if (isTooLong && !wasTooLong)
-            mLines.refuse("Text" + member + element, tooLongFault());
+            mLines.refuse("Text" + member + element, tooLongFault() + (mFormat.isExact() ? " with exact numbers" : ""));
         wasTooLong = isTooLong;
     }
 }
