@@ -34,9 +34,7 @@ protected:
 /// A structure with one float member "Value".
 inline Ref<Structure> valueStructure(const char* name)
 {
-    Ref<Structure> structure(new Structure(name));
-    structure->addMember(Member::kFloat, 1, "Value");
-    return structure;
+    return Structure::make(name, {{Member::kFloat, 1, "Value"}});
 }
 
 inline void setValue(Stream& stream, const Index& index, const std::string& value)
@@ -133,5 +131,16 @@ inline std::unique_ptr<Accessor> readScene(const std::string& fileName)
     EXPECT_TRUE(accessor) << errors;
     EXPECT_EQ(errors, "");
     return accessor;
+}
+
+/// Gives a node of the file, or its scene, these associations. Says why it could not, or nothing.
+inline std::string attach(const std::string& fileName, const std::string& node, const Associations& associations)
+{
+    const auto accessor = readScene(fileName);
+    accessor->associations()[node] = associations;
+    std::string errors;
+    const bool isWritten = accessor->write(errors);
+    EXPECT_EQ(isWritten, errors.empty());
+    return errors;
 }
 } // namespace vumo::test

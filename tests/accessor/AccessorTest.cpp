@@ -343,8 +343,7 @@ TEST_F(AccessorTest, Read_AsksForTheMetadataOnceAndInLargePieces)
         {".oa", "//Ovri ASCII 2014 scene\n" + std::string(1 << 20, 'x') + "\nselect -ne :a;\n// End of it\n", 40},
         {".ob", sceneWith(example::cameraChunk()), 12},
     };
-    const Ref<Structure> note(new Structure("Note"));
-    note->addMember(Member::kString, 1, "Text");
+    const Ref<Structure> note = Structure::make("Note", {{Member::kString, 1, "Text"}});
     for (const auto& sample : cases)
     {
         SCOPED_TRACE(sample.ending);

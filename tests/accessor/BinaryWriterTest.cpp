@@ -207,8 +207,7 @@ TEST_F(BinaryWriterTest, Texts_AreUtf8InTheFileAndInTheLocalesEncodingOutside)
 {
     const std::string utf8 = "\xC3\xA9";
     const std::string latin1 = "\xE9";
-    const Ref<Structure> note(new Structure("Note"));
-    note->addMember(Member::kString, 1, "Text");
+    const Ref<Structure> note = Structure::make("Note", {{Member::kString, 1, "Text"}});
     mFile.setBytes(sceneWith(""));
 
     const auto bytesInFile = [&](const std::string& value) {

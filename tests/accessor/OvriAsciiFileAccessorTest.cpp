@@ -304,14 +304,9 @@ TEST_F(OvriAsciiFileAccessorTest, EveryText_SurvivesAWriteAndARead)
     for (char c = 1; c < 32; ++c)
         everything += c;
     everything += '\x7F';
-    const Ref<Structure> label(new Structure("Label"));
-    label->addMember(Member::kString, 1, "Text");
+    const Ref<Structure> label = Structure::make("Label", {{Member::kString, 1, "Text"}});
     mFile.setBytes(kHeader + kHost + kTrailer);
-    const auto accessor = readScene(mFile.name());
-    accessor->setStructures({label.get()});
-    accessor->associations()["Body"] = associationsOf("vertex", "labels", *label, 0, everything);
-    std::string errors;
-    ASSERT_TRUE(accessor->write(errors)) << errors;
+    ASSERT_EQ(attach(mFile.name(), "Body", associationsOf("vertex", "labels", *label, 0, everything)), "");
     EXPECT_EQ(valueAt(*readScene(mFile.name()), "Body", "vertex", "labels", 0), everything);
     const std::string bytes = mFile.bytes();
     EXPECT_NE(bytes.find("\\001\\002\\003\\004\\005\\006\\a\\b\\t\\\\n\\v\\f\\r\\016"), std::string::npos) << bytes;
@@ -346,11 +341,7 @@ TEST_F(OvriAsciiFileAccessorTest, ABackslashInsideALongerCharacter_IsNone)
     const std::string name = "\x81\x5C\x81\x5C"; // an index, which the stream's text does not escape
     const Ref<Structure> weight = valueStructure("Weight");
     mFile.setBytes(kHeader + kHost + kTrailer);
-    const auto accessor = readScene(mFile.name());
-    accessor->setStructures({weight.get()});
-    accessor->associations()["Body"] = associationsOf("vertex", "weights", *weight, IndexString(name), "1");
-    std::string errors;
-    ASSERT_TRUE(accessor->write(errors)) << errors;
+    ASSERT_EQ(attach(mFile.name(), "Body", associationsOf("vertex", "weights", *weight, IndexString(name), "1")), "");
     EXPECT_NE(mFile.bytes().find("\\n" + name + "\\n"), std::string::npos) << mFile.bytes();
     EXPECT_EQ(valueAt(*readScene(mFile.name()), "Body", "vertex", "weights", IndexString(name)), "1");
 }

@@ -290,8 +290,7 @@ TEST_F(RefusedWriteTest, ATextThatTheLocaleWouldReadAsAnother_IsRefused)
               "A text cannot be read back: the encoding of the locale cannot be converted to UTF-8 and back without a "
               "loss.\n" +
                   binary.nodeMessage);
-    const Ref<Structure> foreign(new Structure("中"));
-    foreign->addMember(Member::kInt8, 1, "a");
+    const Ref<Structure> foreign = Structure::make("中", {{Member::kInt8, 1, "a"}});
     EXPECT_EQ(
         refusal(binary, {foreign.get()}, "Body", Associations()),
         "Structure '中' cannot be written: the encoding of the locale cannot be converted to UTF-8 and back without a "

@@ -59,11 +59,8 @@ protected:
     /// Gives the scene a weight and writes it.
     bool save(const std::string& name)
     {
-        mErrors.clear();
-        const auto accessor = readScene(name);
-        accessor->setStructures({mWeight.get()});
-        accessor->associations()["Body"] = associationsOf("vertex", "weights", *mWeight, 0, "0.75");
-        return accessor->write(mErrors);
+        mErrors = attach(name, "Body", associationsOf("vertex", "weights", *mWeight, 0, "0.75"));
+        return mErrors.empty();
     }
 
     bool isSaved(const std::string& name) const

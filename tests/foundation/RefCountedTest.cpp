@@ -54,27 +54,32 @@ TEST(RefCountedTest, CopiesAndAssignments_NeverTakeACount)
     EXPECT_EQ(held.refCount(), 2);
 }
 
+/// Does it in four threads at once.
+template <class Action>
+void inThreads(const Action& action)
+{
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back(action);
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
 TEST(RefCountedTest, ObjectsOfSeveralThreads_NeverShareACounter)
 {
     constexpr int kObjects = 3000;
     std::atomic<int> wrongCounts = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-    {
-        threads.emplace_back([&] {
-            std::vector<Ref<RefCounted>> objects;
-            for (int n = 0; n < kObjects; ++n)
-            {
-                objects.emplace_back(new RefCounted);
-                if (n % 3 == 0)
-                    objects.pop_back(); // gives its counter to whoever is next
-            }
-            for (const Ref<RefCounted>& object : objects)
-                wrongCounts += object->refCount() == 1 ? 0 : 1;
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads([&] {
+        std::vector<Ref<RefCounted>> objects;
+        for (int n = 0; n < kObjects; ++n)
+        {
+            objects.emplace_back(new RefCounted);
+            if (n % 3 == 0)
+                objects.pop_back(); // gives its counter to whoever is next
+        }
+        for (const Ref<RefCounted>& object : objects)
+            wrongCounts += object->refCount() == 1 ? 0 : 1;
+    });
     EXPECT_EQ(wrongCounts, 0);
 }
 
@@ -82,20 +87,14 @@ TEST(RefCountedTest, Counting_LosesNothingAcrossThreads)
 {
     RefCounted object;
     object.ref();
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-    {
-        threads.emplace_back([&] {
-            for (int n = 0; n < 20000; ++n)
-            {
-                object.ref();
-                object.ref();
-                object.unref();
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads([&] {
+        for (int n = 0; n < 20000; ++n)
+        {
+            object.ref();
+            object.ref();
+            object.unref();
+        }
+    });
     EXPECT_EQ(object.refCount(), 80001);
 }
 

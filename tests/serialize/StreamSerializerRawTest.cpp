@@ -6,7 +6,6 @@
 #include "vumo/data/IndexString.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -310,7 +309,7 @@ TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlon
     Stream stream(*Structure::structureByName("P"), "S");
     Handle element(stream.structure());
     const double value = 1.0 / 3.0;
-    std::memcpy(element.asDouble(), &value, sizeof(value));
+    element.set(0, value);
     test::setText(element, "i", "1000000");
     stream.setElement(0, element);
 
@@ -328,7 +327,7 @@ TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlon
 
     const std::unique_ptr<Stream> copy = read(text, errors);
     ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(std::memcmp(copy->element(0).asDouble(), &value, sizeof(value)), 0);
+    EXPECT_EQ(copy->element(0).get<double>(), value);
 }
 
 TEST_F(StreamSerializerRawTest, Write_CountsNumbersThatAreRoundedBeyondTheirRange)
@@ -336,11 +335,9 @@ TEST_F(StreamSerializerRawTest, Write_CountsNumbersThatAreRoundedBeyondTheirRang
     registered("name=P:double=d:float=f");
     Stream stream(*Structure::structureByName("P"), "S");
     Handle element(stream.structure());
-    const double largest = -std::numeric_limits<double>::max();
-    std::memcpy(element.asDouble(), &largest, sizeof(largest));
+    element.set(0, -std::numeric_limits<double>::max());
     element.setPositionByMemberName("f");
-    const float largestFloat = std::numeric_limits<float>::max();
-    std::memcpy(element.asFloat(), &largestFloat, sizeof(largestFloat));
+    element.set(0, std::numeric_limits<float>::max());
     stream.setElement(0, element);
     for (const std::ios::fmtflags flags : {std::ios::fmtflags(), std::ios::scientific, std::ios::fixed})
     {
