@@ -23,7 +23,7 @@ std::string geometryChunk(unsigned int vertices)
 {
     std::string coordinates;
     for (unsigned int i = 0; i < 3 * vertices; ++i)
-        coordinates += bigEndian(i * 1000, 4);
+        coordinates += bigEndian(std::uint64_t(1000) * i, 4);
     return chunk("VRTX", coordinates);
 }
 

@@ -35,8 +35,9 @@ public:
     /// The change is made as a whole or not at all, even if it is interrupted: see `Accessor`.
     ///
     /// A structure that a stream uses is written with the others also where it is not among `structures`; two different
-    /// ones of a name are refused, as is all else that could not be read again. The whole tail is built and checked before the first byte of the file changes; a file that has
-    /// anything behind its main chunk is refused, because that would be lost.
+    /// ones of a name are refused, as is all else that could not be read again. The whole tail is built and checked
+    /// before the first byte of the file changes; a file that has anything behind its main chunk is refused, because
+    /// that would be lost.
     static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
                               const std::map<std::string, Associations>& associations, std::string& errors,
                               Accessor::eDurability durability = Accessor::kJournal);

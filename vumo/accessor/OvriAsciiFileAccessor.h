@@ -27,9 +27,9 @@ public:
     /// the new ones. Empty associations write nothing.
     ///
     /// A node name is written as it is, or in double quotes if it has blanks. Refused are names that would not be read
-    /// back or that a script would take for something else (docs/formats/ascii-scene.md lists them), and structures with
-    /// quotes, backslashes or control characters in their names: they could smuggle statements into the script. So is
-    /// what could not be read again, such as a structure whose text gives another one.
+    /// back or that a script would take for something else (docs/formats/ascii-scene.md lists them), and structures
+    /// with quotes, backslashes or control characters in their names: they could smuggle statements into the script. So
+    /// is what could not be read again, such as a structure whose text gives another one.
     ///
     /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
     /// A write that fails later, because the disk is full, say, puts the old bytes back; `Accessor` says what is done

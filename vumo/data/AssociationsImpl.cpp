@@ -64,7 +64,8 @@ Channel* AssociationsImpl::channelAt(unsigned int n) const
 
 void AssociationsImpl::setChannel(const Channel& channel)
 {
-    const Channel added(channel); // copied before it may be removed below
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): copied before it may be removed below
+    const Channel added(channel);
     while (removeChannel(added.name()))
         continue;
     mChannels.insert(added);

@@ -19,17 +19,7 @@ StreamImpl::StreamImpl(const Structure& structure, const std::string& name)
 {
 }
 
-StreamImpl::StreamImpl(const StreamImpl& other)
-    : RefCounted(other),
-      CRTP_Debug<StreamImpl, vumo::Debug::Print>(other),
-      CRTP_Debug<StreamImpl, vumo::Debug::Footprint>(other),
-      vumo::Counted<StreamImpl>(other),
-      mStructure(other.mStructure),
-      mName(other.mName),
-      mIndexType(other.mIndexType),
-      mUseDefaults(other.mUseDefaults)
-{
-}
+StreamImpl::StreamImpl(const StreamImpl& other) = default;
 
 StreamImpl& StreamImpl::operator=(const StreamImpl& other)
 {

@@ -45,7 +45,7 @@ unsigned long long grownSize(unsigned int allocated, unsigned long long elementS
 unsigned long long StreamImplDense::_objectsCreated = 0;
 unsigned long long StreamImplDense::_objectsAlive = 0;
 
-StreamImplDense::StreamImplDense() {}
+StreamImplDense::StreamImplDense() = default;
 
 StreamImplDense::StreamImplDense(const Structure& structure, const std::string& name) : StreamImpl(structure, name) {}
 

@@ -82,7 +82,7 @@ private:
         ~Element() = default;
     };
 
-    using Elements = std::map<Index, Element, std::less<Index>, NodeAllocator<std::pair<const Index, Element>>>;
+    using Elements = std::map<Index, Element, std::less<>, NodeAllocator<std::pair<const Index, Element>>>;
 
     /// Before the first element comes: says where elements with such indices are to lie.
     void placeElementsFor(Index first);

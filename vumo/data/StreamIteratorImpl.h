@@ -13,6 +13,8 @@ class StreamImpl;
 class VUMO_EXPORT StreamIteratorImpl
 {
 public:
+    StreamIteratorImpl& operator=(const StreamIteratorImpl&) = delete;
+
     /// The index of every position that is not at an element.
     static constexpr unsigned int kEndIndex = 0xFFFFFFFF;
 
@@ -48,7 +50,6 @@ public:
 protected:
     StreamIteratorImpl() = default;
     StreamIteratorImpl(const StreamIteratorImpl& other) : mHandle(other.mHandle), mInvalid(other.mInvalid) {}
-    StreamIteratorImpl& operator=(const StreamIteratorImpl&) = delete;
 
     Handle* mHandle = nullptr; // borrowed; null: no current handle
     bool mInvalid = true;

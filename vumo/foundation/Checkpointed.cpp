@@ -10,11 +10,9 @@ unsigned long long Checkpointed::sfCheckpoint = 0;
 
 Checkpointed::Checkpointed() : mCheckpoint(sClassChanged()) {}
 
-Checkpointed::Checkpointed(const Checkpointed&)
+Checkpointed::Checkpointed(const Checkpointed&) : mCheckpoint(sfGlobalCheckpoint += 2)
 {
-    sfGlobalCheckpoint += 2;
-    sfCheckpoint = sfGlobalCheckpoint;
-    mCheckpoint = sfGlobalCheckpoint;
+    sfCheckpoint = mCheckpoint;
 }
 
 Checkpointed& Checkpointed::operator=(const Checkpointed&)

@@ -67,7 +67,7 @@ public:
     std::size_t step()
     {
         std::size_t length = isPlainByte(*mNext) ? 1 : std::mbrtowc(nullptr, mNext, left(), &mState);
-        constexpr std::size_t kIncomplete = static_cast<std::size_t>(-2);
+        constexpr auto kIncomplete = static_cast<std::size_t>(-2);
         if (length == 0 || length >= kIncomplete)
         {
             length = 1;

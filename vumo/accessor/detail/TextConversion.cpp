@@ -65,6 +65,7 @@ public:
             iconv_close(mDescriptor);
     }
 
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): so POSIX has it
     bool isOpen() const { return mDescriptor != reinterpret_cast<iconv_t>(-1); }
 
     /// Says whether the conversion changes nothing.

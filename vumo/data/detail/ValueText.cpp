@@ -197,7 +197,7 @@ bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char
 
 char* entryAddress(Member::eDataType type, char* value, unsigned int i)
 {
-    return value + dataType(type).size / dataType(type).entries * i;
+    return value + std::size_t(dataType(type).size / dataType(type).entries) * i;
 }
 
 std::string entryMessage(Member::eDataType type, unsigned int i, long long character, const std::string& word)

@@ -87,7 +87,9 @@ Scaled withoutLastDigit(const Scaled& number)
 /// The exponent of ten of 2^`exponent`, rounded down; right for all exponents of a double.
 int decimalExponent(int exponent)
 {
-    return exponent * 78913 >> 18; // log10(2), as in Adams, "Ryu: fast float-to-string conversion" (2018)
+    constexpr int kLog10Of2 = 78913; // times 2^18, as in Adams, "Ryu: fast float-to-string conversion" (2018)
+    constexpr int kPlaces = 18;
+    return exponent * kLog10Of2 >> kPlaces;
 }
 } // namespace
 
