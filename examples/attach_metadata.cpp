@@ -33,7 +33,7 @@ Stream makeWeights(const Structure& structure)
     for (unsigned int vertex = 0; vertex < 3; ++vertex)
     {
         Handle element(structure); // on the first member, with default values
-        *element.asFloat() = 0.5F * static_cast<float>(vertex);
+        element.set(0, 0.5F * static_cast<float>(vertex));
         stream.setElement(vertex, element);
     }
     return stream;
@@ -42,13 +42,13 @@ Stream makeWeights(const Structure& structure)
 float weightOf(const Mesh& mesh, unsigned int vertex)
 {
     const Channel* const channel = mesh.metadata()->findChannel("vertex");
-    return *channel->findDataStream("weights")->element(vertex).asFloat();
+    return channel->findDataStream("weights")->element(vertex).get<float>().value();
 }
 
 void setWeight(Mesh& mesh, unsigned int vertex, float weight)
 {
     Channel channel = mesh.editableMetadata()->channel("vertex");
-    *channel.dataStream("weights")->element(vertex).asFloat() = weight;
+    channel.dataStream("weights")->element(vertex).set(0, weight);
 }
 
 void report(const Mesh& body, const Mesh& copy)

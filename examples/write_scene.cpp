@@ -9,8 +9,10 @@
 #include "examples/scene/Scene.h"
 #include "vumo/vumo.h"
 
+#include <cstdint>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -42,25 +44,24 @@ vumo::Ref<Structure> newStructure(const char* name)
     return vumo::Ref<Structure>(new Structure(name));
 }
 
-/// Sets one member of an element from its text, which suits every data type. For large amounts of data use the
-/// typed access of `Handle`.
-void set(Handle& element, const char* member, const std::string& value, unsigned int i = 0)
+/// Sets one value of a member. The value has the member's own type: a float is not converted to a double.
+template <class T>
+void set(Handle& element, const char* member, const T& value, unsigned int i = 0)
 {
-    std::string errors;
-    if (!element.setPositionByMemberName(member) || element.fromStr(value, i, errors) != 0)
-        throw std::runtime_error(std::string("member ") + member + ": " + errors);
+    if (!element.setPositionByMemberName(member) || !element.set(i, value))
+        throw std::runtime_error(std::string("has no such member: ") + member);
 }
 
 /// A weight for each vertex or face: a stream with plain numbers as indices.
 Stream makeWeights(const Structure& structure)
 {
     Stream stream(structure, "weights");
-    const char* const weights[] = {"0", "0.25", "0.5", "1"};
+    const float weights[] = {0, 0.25F, 0.5F, 1};
     for (unsigned int i = 0; i < 4; ++i)
     {
         Handle element(structure);
         set(element, "Weight", weights[i]);
-        set(element, "Locked", i == 0 ? "true" : "false");
+        set(element, "Locked", i == 0);
         stream.setElement(i, element);
     }
     return stream;
@@ -73,8 +74,8 @@ Stream makeSeams(const Structure& structure)
     stream.setIndexType(IndexPair::myTypeName);
     Handle element(structure);
     set(element, "Stitch", "zig-zag, the \"good\" one");
-    set(element, "Offset", "0.125", 0);
-    set(element, "Offset", "-2.5", 2);
+    set(element, "Offset", 0.125, 0);
+    set(element, "Offset", -2.5, 2);
     stream.setElement(IndexPair(0, 3), element);
     stream.setElement(IndexPair(1, 2), element); // stores a copy
     return stream;
@@ -87,7 +88,7 @@ Stream makeNotes(const Structure& structure)
     stream.setIndexType(IndexString::myTypeName);
     Handle element(structure);
     set(element, "Text", "The collar clips at frame 12.\nAsk Lee.");
-    set(element, "Revision", "18446744073709551615");
+    set(element, "Revision", std::numeric_limits<std::uint64_t>::max());
     stream.setElement(IndexString("ann"), element);
     return stream;
 }
@@ -116,17 +117,12 @@ void attachMetadata(const std::string& fileName)
     note->addMember(Member::kString, 1, "Text");
     note->addMember(Member::kUInt64, 1, "Revision");
 
-    // Every structure that a stream uses has to be in the file; keep those that are there already.
-    Accessor::StructureSet structures = accessor->structures();
-    structures.insert({weight.get(), seam.get(), note.get()});
-    accessor->setStructures(structures);
-
     addStream(accessor->associations()["Body"], "vertex", makeWeights(*weight));
     addStream(accessor->associations()["Body"], "edge", makeSeams(*seam));
     addStream(accessor->associations()["Head"], "face", makeWeights(*weight));
     addStream(accessor->associations()[AccessorOvri::getSceneAssociationsName()], "scene", makeNotes(*note));
 
-    if (!accessor->write(errors))
+    if (!accessor->write(errors)) // with the structures that the streams use
         throw std::runtime_error(errors);
 }
 } // namespace
