@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -36,6 +38,60 @@ std::vector<Example> examplesIn(const std::filesystem::path& page)
         examples.push_back(example);
     }
     return examples;
+}
+
+/// The texts in backticks that stand in the first column of the tables of messages, or of their parts.
+std::vector<std::string> messagesIn(const std::filesystem::path& page)
+{
+    const std::regex texts("`([^`]*)`");
+    std::vector<std::string> messages;
+    bool isInTable = false;
+    std::ifstream in(page);
+    for (std::string line; std::getline(in, line);)
+    {
+        if (line == "| Message | |" || line == "| Reason | |")
+            isInTable = true;
+        isInTable = isInTable && line[0] == '|';
+        if (!isInTable)
+            continue;
+        const std::string column = line.substr(0, line.find(" | "));
+        for (std::sregex_iterator text(column.begin(), column.end(), texts); text != std::sregex_iterator(); ++text)
+            messages.push_back(text->str(1));
+    }
+    return messages;
+}
+
+/// All sources of a folder, with literals that go on in the next line put together.
+std::string sourcesOf(const std::string& folder)
+{
+    std::string sources;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+    {
+        if (!entry.is_regular_file())
+            continue;
+        std::ifstream file(entry.path());
+        sources.append(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    }
+    return std::regex_replace(sources, std::regex("\"\\s*\n\\s*\""), "");
+}
+
+TEST(FormatPagesTest, Messages_StandInSourcesOrTests)
+{
+    const std::string root = VUMO_FORMATS_DIR "/../../";
+    const std::string sources = sourcesOf(root + "vumo") + sourcesOf(root + "tests");
+    const std::regex placeholder("'[^']*'|\"[^\"]*\"|-?[0-9]+|scene\\.o[ab](\\.vumo-undo)?| x$|: ");
+    std::size_t count = 0;
+    for (const auto& page : std::filesystem::directory_iterator(VUMO_FORMATS_DIR))
+    {
+        for (const std::string& message : messagesIn(page.path()))
+        {
+            ++count;
+            for (std::sregex_token_iterator part(message.begin(), message.end(), placeholder, -1), end; part != end;
+                 ++part)
+                EXPECT_NE(sources.find(*part), std::string::npos) << page.path() << ": " << message << ": " << *part;
+        }
+    }
+    EXPECT_GT(count, 100U);
 }
 
 TEST(FormatPagesGoldenTest, Examples_StandInTheirGoldenFiles)
