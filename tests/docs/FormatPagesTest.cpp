@@ -79,7 +79,7 @@ TEST(FormatPagesTest, Messages_StandInSourcesOrTests)
 {
     const std::string root = VUMO_FORMATS_DIR "/../../";
     const std::string sources = sourcesOf(root + "vumo") + sourcesOf(root + "tests");
-    const std::regex placeholder("'[^']*'|\"[^\"]*\"|-?[0-9]+|scene\\.o[ab](\\.vumo-undo)?| x$|: ");
+    const std::regex placeholder("'[^']*'|\"[^\"]*\"|-?[0-9]+|scene\\.o[ab](\\.vumo-undo)?| x$|: |\\.$");
     std::size_t count = 0;
     for (const auto& page : std::filesystem::directory_iterator(VUMO_FORMATS_DIR))
     {
