@@ -59,9 +59,7 @@ void report(const Mesh& body, const Mesh& copy)
 
 int main()
 {
-    const vumo::Ref<Structure> weight(Structure::create()); // held from the start: nobody else does yet
-    weight->setName("VertexWeight");
-    weight->addMember(Member::kFloat, 1, "Weight");
+    const vumo::Ref<Structure> weight = Structure::make("VertexWeight", {{Member::kFloat, 1, "Weight"}});
 
     Mesh body("body");
     Associations metadata;

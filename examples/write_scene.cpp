@@ -37,13 +37,6 @@ void writeBareScene(const std::string& fileName)
         throw std::runtime_error("could not be written");
 }
 
-/// A new structure belongs to nobody. Holding it from the start is the safe habit: everything that refers to it
-/// takes a reference of its own, and the last one to let go deletes it.
-vumo::Ref<Structure> newStructure(const char* name)
-{
-    return vumo::Ref<Structure>(new Structure(name));
-}
-
 /// Sets one value of a member. The value has the member's own type: a float is not converted to a double.
 template <class T>
 void set(Handle& element, const char* member, const T& value, unsigned int i = 0)
@@ -107,15 +100,11 @@ void attachMetadata(const std::string& fileName)
     if (!accessor)
         throw std::runtime_error(errors);
 
-    const vumo::Ref<Structure> weight = newStructure("VertexWeight");
-    weight->addMember(Member::kFloat, 1, "Weight");
-    weight->addMember(Member::kBoolean, 1, "Locked");
-    const vumo::Ref<Structure> seam = newStructure("Seam");
-    seam->addMember(Member::kString, 1, "Stitch");
-    seam->addMember(Member::kDouble, 3, "Offset");
-    const vumo::Ref<Structure> note = newStructure("Note");
-    note->addMember(Member::kString, 1, "Text");
-    note->addMember(Member::kUInt64, 1, "Revision");
+    // Held from here on. Whatever refers to a structure holds it as well, and the last one to let go deletes it.
+    const auto weight =
+        Structure::make("VertexWeight", {{Member::kFloat, 1, "Weight"}, {Member::kBoolean, 1, "Locked"}});
+    const auto seam = Structure::make("Seam", {{Member::kString, 1, "Stitch"}, {Member::kDouble, 3, "Offset"}});
+    const auto note = Structure::make("Note", {{Member::kString, 1, "Text"}, {Member::kUInt64, 1, "Revision"}});
 
     addStream(accessor->associations()["Body"], "vertex", makeWeights(*weight));
     addStream(accessor->associations()["Body"], "edge", makeSeams(*seam));

@@ -87,8 +87,7 @@ std::string readValues(const std::string& text, Handle& values)
 void assignValues(const SceneFile& scene, const Assignment& assignment, Handle& element)
 {
     const Member::eDataType type = element.dataType();
-    const vumo::Ref<Structure> alone(Structure::create());
-    alone->addMember(type, assignment.count, assignment.member.c_str());
+    const vumo::Ref<Structure> alone = Structure::make("value", {{type, assignment.count, "value"}});
     Handle values(*alone);
     const std::string fault = readValues(assignment.value, values);
     if (!fault.empty())

@@ -20,12 +20,12 @@ struct Scene
     /// space. A multiple of 8; only for streams that can seek beyond their end.
     std::uint64_t mHoleSize = 0;
 
-    /// The chunks of the trailer, one behind the other, up to the one that the host always puts last.
+    /// The chunks of the trailer, one after the other, up to the one that the host always puts last.
     std::string mTrailer;
 };
 
 /// The host's own trailer chunks: the cameras of the views, and the plug-ins that the scene needs. Others may
-/// stand before, between and behind them.
+/// stand before, between and after them.
 std::string cameraChunk();
 std::string pluginChunk();
 
