@@ -316,11 +316,11 @@ TEST_F(StreamSerializerRawTest, Write_HonoursTheFormatOfTheOutputAndLeavesItAlon
     std::ostringstream out;
     out.imbue(std::locale::classic());
     out.precision(17);
-    out << std::hex << std::showpos << std::scientific;
+    out << std::hex << std::showpos << std::scientific << std::uppercase;
     out.width(40);
     std::string errors;
     EXPECT_EQ(mFormat.write(stream, out, errors), 0);
-    const std::string text = "name S\nindexType numeric\nstructure P\n0\n3.33333333333333315e-01 1000000\nendStream\n";
+    const std::string text = "name S\nindexType numeric\nstructure P\n0\n3.33333333333333315E-01 1000000\nendStream\n";
     EXPECT_EQ(out.str(), text);
     EXPECT_EQ(out.width(), 40);
     EXPECT_EQ(out.precision(), 17);
