@@ -4,6 +4,7 @@
 #include "vumo/accessor/detail/BackwardLines.h"
 
 #include <algorithm>
+#include <istream>
 #include <string_view>
 
 namespace vumo::Data::detail
@@ -79,6 +80,13 @@ AsciiStatement statementOf(eLine kind, const BackwardLines::Line& begin, const B
     return statement;
 }
 } // namespace
+
+bool AsciiTail::measure(std::istream& file)
+{
+    file.seekg(0, std::ios::end);
+    size = file.tellg();
+    return size >= 0;
+}
 
 bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::string& error)
 {

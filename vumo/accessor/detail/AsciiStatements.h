@@ -1,6 +1,6 @@
 #pragma once
 
-#include <istream>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -30,6 +30,9 @@ struct AsciiTail
     std::vector<AsciiStatement> statements; ///< from the last in the file to the first
     std::streamoff trailer = -1;            ///< of the last line that starts with the trailer's prefix; -1: none
     std::streamoff size = 0;                ///< of the file
+
+    /// Sets the size. False when the file cannot be measured.
+    bool measure(std::istream& file);
 };
 
 /// Whether the texts of the statements are wanted, or only the places where they stand.
@@ -39,7 +42,7 @@ enum class eAsciiTexts
     kUnwanted
 };
 
-/// Searches a file backwards for metadata statements, up to the first host statement. Reads of the scene no more
-/// than that takes, and holds none of it. False, with `error` set, when the file could not be read.
+/// Searches a file of the measured size backwards for metadata statements, up to the first host statement. Reads of the
+/// scene no more than that takes, and holds none of it. False, with `error` set, when the file could not be read.
 bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::string& error);
 } // namespace vumo::Data::detail

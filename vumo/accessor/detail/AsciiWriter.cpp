@@ -1,0 +1,220 @@
+#include "vumo/accessor/detail/AsciiWriter.h"
+
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/detail/AsciiStatements.h"
+#include "vumo/accessor/detail/AsciiText.h"
+#include "vumo/accessor/detail/FileInput.h"
+#include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/accessor/detail/FileTransaction.h"
+#include "vumo/accessor/detail/MetadataText.h"
+#include "vumo/accessor/detail/MetadataWriter.h"
+#include "vumo/accessor/detail/Refusal.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace vumo::Data::detail
+{
+namespace
+{
+using Ascii = AccessorOvri::Ascii;
+
+constexpr char kBlanks[] = " \t";
+
+bool isControl(char character)
+{
+    const auto code = static_cast<unsigned char>(character);
+    return code < 0x20 || code == 0x7F;
+}
+
+std::string inQuotes(const std::string& text)
+{
+    return "\"" + text + "\"";
+}
+
+/// What the character is called that cannot stand in a quoted text without an escape; null for all others.
+const char* faultInQuotes(char character)
+{
+    if (character == '"')
+        return "a double quote";
+    if (character == '\\')
+        return "a backslash";
+    return isControl(character) ? "a control character" : nullptr;
+}
+
+/// The node's name as the target of a statement. A name with blanks needs quotes; any other stands as it is.
+std::string targetText(const std::string& name)
+{
+    return name.find_first_of(kBlanks) == std::string::npos ? name : inQuotes(name);
+}
+
+/// What the name has that no target can carry; null when there is nothing.
+const char* faultAsTarget(const std::string& name)
+{
+    const bool isQuoted = targetText(name) != name;
+    const struct
+    {
+        std::string_view text;
+        bool isFault;
+        const char* what;
+    } rows[] = {
+        {std::string_view("\0", 1), true, "a zero byte"}, // where many readers of scripts end a line
+        {"\n", true, "a line break"},
+        {"\"", true, "a double quote"},
+        {"\\", isQuoted, "a blank and a backslash"}, // between quotes a script takes it for an escape
+        {";", !isQuoted, "a \";\""},
+        {"//", !isQuoted, "a \"//\""},
+    };
+    for (const auto& row : rows)
+    {
+        if (row.isFault && name.find(row.text) != std::string::npos)
+            return row.what;
+    }
+    return name == Ascii::getApplyMetadataCommandSceneFlag() ? "the meaning of the scene" : nullptr;
+}
+/// Appends the statement that declares the structure. False, with the reason appended to `errors`, when it has no text,
+/// or one that would not stay inside its quotes.
+bool appendStructure(const Structure& structure, std::string& out, std::string& errors)
+{
+    std::string text;
+    if (!serializeStructure(structure, text, errors))
+        return false;
+    std::string value;
+    for (const char character : text)
+    {
+        if (character == '\n')
+            value += "\\n";
+        else if (const char* const fault = faultInQuotes(character))
+        {
+            errors += structureMessage(structure, std::string("a name has ") + fault);
+            return false;
+        }
+        else
+            value += character;
+    }
+    out += Ascii::getDataStructureCommandName() + " " + Ascii::getDataStructureCommandFormatFlag() + " " +
+           inQuotes(kFormatWritten) + " " + Ascii::getDataStructureCommandAsStringFlag() + " " + inQuotes(value) +
+           ";\n";
+    return true;
+}
+
+/// Appends the statement that applies the associations to the node of that name, or to the scene. Appends nothing for
+/// empty ones. False, with the reasons appended to `errors`, when they cannot be written, or when the name would not be
+/// read back or could be taken for something else.
+bool appendAssociations(const std::string& nodeName, const Associations& associations, std::string& out,
+                        std::string& errors)
+{
+    if (associations.empty())
+        return true;
+    const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
+    const char* const fault = isScene ? nullptr : faultAsTarget(nodeName);
+    if (fault)
+        errors += std::string("Its name has ") + fault + ", which a statement cannot carry.\n";
+    std::string text;
+    if (!serializeAssociations(associations, text, errors) || fault)
+        return false;
+    out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
+           inQuotes(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " \"";
+    if (!appendEscapedValue(text, out))
+    {
+        errors +=
+            "A name, an index or a value has bytes that are no character of the locale, and that would not be read "
+            "back.\n";
+        return false;
+    }
+    out += "\" \n\t\t" + (isScene ? Ascii::getApplyMetadataCommandSceneFlag() : targetText(nodeName)) + ";\n";
+    return true;
+}
+constexpr MetadataForm kStatements = {appendStructure,
+                                      appendAssociations,
+                                      false,
+                                      "Could not write structure chunk to file.",
+                                      "Could not write node associations statement to file.",
+                                      "Could not write scene associations statement to file."};
+
+/// What a search for the metadata says that had found so much of the tail when it failed.
+const char* searchFault(const std::istream& file, const AsciiTail& tail)
+{
+    const bool isRead = file.eof(); // and a seek has failed otherwise
+    if (tail.trailer < 0)
+        return isRead ? "Could not read trailer." : "Could not seek to trailer start.";
+    return isRead ? "Failed reading line while searching metadata start."
+                  : "Could not seek to the first metadata block.";
+}
+
+bool findTail(std::istream& file, AsciiTail& tail, std::string& errors)
+{
+    std::string ignored;
+    if (!tail.measure(file) || !findAsciiTail(file, eAsciiTexts::kUnwanted, tail, ignored))
+    {
+        errors += searchFault(file, tail);
+        return false;
+    }
+    const bool allComplete = std::all_of(tail.statements.begin(), tail.statements.end(),
+                                         [](const AsciiStatement& statement) { return statement.isComplete(); });
+    if (!allComplete)
+        errors += "Failed reading line while searching metadata end.";
+    else if (tail.trailer < 0)
+        errors += "Could not find trailer prefix.";
+    return allComplete && tail.trailer >= 0;
+}
+
+/// Where the part of the file begins that a write replaces.
+std::streamoff regionStart(const AsciiTail& tail)
+{
+    return tail.statements.empty() ? tail.trailer : std::min(tail.trailer, tail.statements.back().begin);
+}
+
+/// Appends what stands between two positions.
+bool appendBytes(std::istream& file, std::streamoff from, std::streamoff to, std::string& bytes, std::string& errors)
+{
+    const std::string::size_type oldSize = bytes.size();
+    bytes.resize(oldSize + static_cast<std::string::size_type>(to - from));
+    if (!file.seekg(from))
+        errors += "Failed to seek to the trailer position.";
+    else if (!file.read(&bytes[oldSize], to - from))
+        errors += "Failed to read the file trailer.";
+    return static_cast<bool>(file);
+}
+
+/// Reads what stays of that part: the lines above the trailer line, and those from it on.
+bool readKept(std::istream& file, const AsciiTail& tail, std::string& above, std::string& trailer, std::string& errors)
+{
+    const auto keep = [&](std::streamoff from, std::streamoff to) {
+        const std::streamoff split = std::clamp(tail.trailer, from, to);
+        return (from == split || appendBytes(file, from, split, above, errors)) &&
+               (split == to || appendBytes(file, split, to, trailer, errors));
+    };
+    std::streamoff position = regionStart(tail);
+    for (auto statement = tail.statements.rbegin(); statement != tail.statements.rend(); ++statement)
+    {
+        if (!keep(position, statement->begin))
+            return false;
+        position = statement->next;
+    }
+    return keep(position, tail.size);
+}
+} // namespace
+
+bool AsciiWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
+                                const std::map<std::string, Associations>& associations, std::string& errors,
+                                Accessor::eDurability durability)
+{
+    const File file(fileName, File::eMode::kUpdate);
+    if (!beginWriting(file, fileName, errors))
+        return false;
+    FileInput in(file);
+    AsciiTail tail;
+    std::string content;
+    std::string trailer;
+    if (!findTail(in, tail, errors) || !readKept(in, tail, content, trailer, errors) ||
+        !appendMetadata(kStatements, structures, associations, content, errors))
+        return false;
+    content += trailer;
+    const auto start = static_cast<std::uint64_t>(regionStart(tail));
+    FileChange change(start + content.size(), "Could not truncate the file.");
+    change.add(start, std::move(content), "Could not seek to metadata start.", "Failed to append the file trailer.");
+    return FileTransaction(file, fileName, durability).run(change, errors);
+}
+} // namespace vumo::Data::detail
