@@ -1,11 +1,9 @@
-#include "vumo/accessor/detail/FileTransaction.h"
-
 #include "tests/accessor/FileCallScript.h"
 #include "tests/support/Golden.h"
 #include "tests/support/Random.h"
 #include "tests/support/ScratchFile.h"
 #include "vumo/accessor/detail/Checksum.h"
-#include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/accessor/detail/SceneUpdate.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -104,9 +102,8 @@ class FileTransactionTest : public testing::Test
 protected:
     bool run(FileChange& change)
     {
-        const File file(mFile.name(), File::eMode::kUpdate);
-        return beginWriting(file, mFile.name(), mErrors) &&
-               FileTransaction(file, mFile.name(), Accessor::kJournal).run(change, mErrors);
+        SceneUpdate update(mFile.name(), Accessor::kJournal);
+        return update.begin(mErrors) && update.run(change, mErrors);
     }
 
     /// Leaves the file of the golden record with its first and its last edit made.
@@ -151,7 +148,7 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAt
         while (mFile.hasRecord() && !HasFailure()) // also when it is ended again
         {
             script.mTurn = 1 + static_cast<int>(random.below(6));
-            isEndedBy(script, [&] { return recover(mFile.name(), mErrors); });
+            isEndedBy(script, [&] { return recover(UndoPlace(mFile.name()), mErrors); });
         }
         const std::string bytes = mFile.bytes();
         EXPECT_TRUE(bytes == after || (isEnded && bytes == before));
@@ -183,7 +180,7 @@ TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRe
         {
             const std::string left = bytesOnDisk(random, before, after);
             mFile.setBytes(left);
-            EXPECT_TRUE(recover(mFile.name(), mErrors)) << mErrors;
+            EXPECT_TRUE(recover(UndoPlace(mFile.name()), mErrors)) << mErrors;
             EXPECT_TRUE(mFile.bytes() == (left == after ? after : before));
             restored += left != before && left != after;
             mFile.setRecord(undo);
@@ -197,7 +194,7 @@ TEST_F(FileTransactionGoldenTest, TheRecord_FollowsItsLayout)
 {
     leaveBetween();
     EXPECT_EQ(mFile.record(), goldenBytes("undo_record.hex"));
-    EXPECT_TRUE(recover(mFile.name(), mErrors)) << mErrors;
+    EXPECT_TRUE(recover(UndoPlace(mFile.name()), mErrors)) << mErrors;
     EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
 }
 
@@ -209,7 +206,7 @@ TEST_F(FileTransactionTest, ARecordThatIsDamaged_ChangesNothing)
     const auto expectNothing = [&](const std::string& bytes) {
         mFile.setRecord(bytes);
         mErrors.clear();
-        const bool isRecovered = recover(mFile.name(), mErrors);
+        const bool isRecovered = recover(UndoPlace(mFile.name()), mErrors);
         EXPECT_EQ(isRecovered, !mFile.hasRecord());
         EXPECT_EQ(mErrors.empty(), !mFile.hasRecord());
         EXPECT_EQ(mFile.bytes(), file);
@@ -240,12 +237,12 @@ TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
     mFile.setBytes("head, a scene, old tail");
     const ScratchFile other(".bin");
     other.setBytes("another scene");
-    const File file(mFile.name(), File::eMode::kUpdate);
+    SceneUpdate update(mFile.name(), Accessor::kMemoryOnly);
     FileChange change(4, "");
     change.add(0, "HEAD", "", "");
-    ASSERT_TRUE(beginWriting(file, mFile.name(), mErrors));
+    ASSERT_TRUE(update.begin(mErrors));
     std::filesystem::rename(other.name(), mFile.name());
-    EXPECT_FALSE(FileTransaction(file, mFile.name(), Accessor::kMemoryOnly).run(change, mErrors));
+    EXPECT_FALSE(update.run(change, mErrors));
     EXPECT_EQ(mErrors, mFile.name() + " was replaced by somebody else meanwhile.\n");
     EXPECT_EQ(mFile.bytes(), "another scene");
 }
@@ -268,7 +265,7 @@ TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
         script.mError = EIO;
         const FileCallScript::Use use(script);
         mErrors.clear();
-        if (recover(mFile.name(), mErrors))
+        if (recover(UndoPlace(mFile.name()), mErrors))
             continue;
         EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + mFile.recordName() + ".\n");
         EXPECT_EQ(mFile.bytes(), file);
@@ -322,7 +319,7 @@ TEST_F(FileTransactionTest, ARecordThatContradictsItself_IsRefused)
         bytes.replace(position, 8, bigEndian(checksum.value()));
         mFile.setRecord(bytes);
         mErrors.clear();
-        EXPECT_FALSE(recover(mFile.name(), mErrors));
+        EXPECT_FALSE(recover(UndoPlace(mFile.name()), mErrors));
         EXPECT_EQ(mFile.bytes(), file);
     }
     std::remove(mFile.recordName().c_str());

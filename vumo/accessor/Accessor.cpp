@@ -3,8 +3,9 @@
 #include "vumo/accessor/AccessorFactory.h"
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
+#include "vumo/accessor/detail/File.h"
 #include "vumo/accessor/detail/FileRecovery.h"
-#include "vumo/accessor/detail/WriteWatch.h"
+#include "vumo/accessor/detail/Refusal.h"
 #include "vumo/data/detail/StructureRegistry.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
@@ -27,7 +28,7 @@ const AccessorFactory<OvriBinaryFileAccessor> theBinaryFactory("ob");
 class RegistryGuard
 {
 public:
-    RegistryGuard() : mSaved(taken()) {}
+    RegistryGuard() : mSaved(emptyRegistry()) {}
     RegistryGuard(const RegistryGuard&) = delete;
     RegistryGuard& operator=(const RegistryGuard&) = delete;
 
@@ -38,7 +39,7 @@ public:
     }
 
 private:
-    static std::set<Structure*> taken()
+    static std::set<Structure*> emptyRegistry()
     {
         std::set<Structure*> all;
         all.swap(Structure::allStructures());
@@ -47,6 +48,30 @@ private:
 
     std::set<Structure*> mSaved;
     detail::StructureNames mNames; // a file may declare very many
+};
+
+/// Notices when somebody writes to a file while it is read, which takes no lock: what was read may then be neither the
+/// old file nor the new one.
+class WriteWatch
+{
+public:
+    /// Begins to watch the file, of which nothing was read yet. Borrows the place.
+    explicit WriteWatch(const detail::UndoPlace& place) : mPlace(place), mBefore(place.file) {}
+
+    /// Says whether the file was written to since, or is being written to with an undo record. A file that was replaced
+    /// as a whole was not: it is read as the one or as the other.
+    bool hasSeenWriting() const
+    {
+        const detail::FileStamp now(mPlace.file);
+        if (now.number != mBefore.number || now.device != mBefore.device)
+            return false;
+        return now.size != mBefore.size || now.seconds != mBefore.seconds || now.nanoseconds != mBefore.nanoseconds ||
+               detail::mayBeHalfWritten(mPlace);
+    }
+
+private:
+    const detail::UndoPlace& mPlace;
+    const detail::FileStamp mBefore;
 };
 } // namespace
 
@@ -110,7 +135,15 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         mImpl->mFileName = fileName;
         mImpl->mStructures.clear(); // without releasing them: callers of an earlier read may use them still
         mImpl->mAssociations.clear();
-        const bool isRead = recover(fileName, errors) && performQuietRead(structureNames, associationNames, errors);
+        const detail::UndoPlace place(fileName);
+        bool isRead = detail::recover(place, errors);
+        if (isRead)
+        {
+            const WriteWatch watch(place); // from here on only: recovering writes, too
+            isRead = performRead(structureNames, associationNames, errors);
+            if (watch.hasSeenWriting())
+                isRead = detail::refuse(errors, fileName + " is being written by somebody else.\n");
+        }
         if (isRead)
             keepRegisteredStructures();
         else
@@ -122,18 +155,6 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         clear();
         throw;
     }
-}
-
-/// Refuses what was read while somebody else was writing.
-bool Accessor::performQuietRead(const std::set<std::string>* structureNames,
-                                const std::set<std::string>* associationNames, std::string& errors)
-{
-    const detail::WriteWatch watch(fileName());
-    const bool isRead = performRead(structureNames, associationNames, errors);
-    if (!watch.hasSeenWriting())
-        return isRead;
-    errors += fileName() + " is being written by somebody else.\n";
-    return false;
 }
 
 void Accessor::keepRegisteredStructures()
@@ -215,7 +236,7 @@ std::unique_ptr<Accessor> Accessor::readFile(const std::string& fileName, std::s
 
 bool Accessor::recover(const std::string& fileName, std::string& errors)
 {
-    return detail::recover(fileName, errors);
+    return detail::recover(detail::UndoPlace(fileName), errors);
 }
 
 bool Accessor::Debug(const Accessor* object, vumo::Debug::Print& request)

@@ -32,12 +32,7 @@ namespace vumo::Data
 /// returned true.
 ///
 /// write() changes the file in place: its inode, owner, mode and links stay, and so does every byte in front of the
-/// metadata. With the journal, the default, no crash harms the file. What is going to be replaced is first stored
-/// beside it in an undo record, NAME.vumo-undo, which is removed when the new bytes are on the disk. A process or a
-/// machine that stops in between leaves the file with its record; the next read() or write(), or recover(), then
-/// restores the old bytes. Let recover() see a scene before anything else reads it that does not know the record. The
-/// record is looked for under the file's name: a file that was renamed, or is read by another of its hard links, is not
-/// restored.
+/// metadata. No crash harms the file unless setDurability() says otherwise.
 ///
 /// Not for use from several threads: reading borrows the registry of structures, which is process-wide.
 class VUMO_EXPORT Accessor
@@ -56,8 +51,15 @@ public:
     /// What write() does for the case that it is interrupted.
     enum eDurability
     {
-        /// An undo record, as above, and a wait until the file is on the disk. In a directory where no record can be
-        /// made the file is written without one.
+        /// No crash harms the file, and write() waits until it is on the disk. What is going to be replaced is first
+        /// stored beside it in an undo record, NAME.vumo-undo, which is removed when the new bytes are on the disk. A
+        /// process or a machine that stops in between leaves the file with its record; the next read() or write(), or
+        /// recover(), then restores the old bytes. In a directory where no record can be made the file is written
+        /// without one.
+        ///
+        /// Let recover() see a scene before anything else reads it that does not know the record. The record is looked
+        /// for under the file's name: a file that was renamed, or is read by another of its hard links, is not
+        /// restored.
         kJournal,
 
         /// Nothing: a crash in the middle leaves a damaged file. For those who keep the file elsewhere.
@@ -84,8 +86,8 @@ public:
     /// Says whether the file, going by its contents, is one that this accessor can read.
     virtual bool isFileSupported(const std::string& fileName) const;
 
-    /// Chooses what the following calls of write() do for the case that they are interrupted. Whatever is chosen, the
-    /// old bytes are put back when a call of the system fails, as on a full disk.
+    /// Chooses what the following calls of write() do for the case that they are interrupted; kJournal at first.
+    /// Whatever is chosen, the old bytes are put back when a call of the system fails, as on a full disk.
     void setDurability(eDurability durability);
     eDurability durability() const;
 
@@ -164,8 +166,6 @@ protected:
 private:
     struct Impl;
 
-    bool performQuietRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
-                          std::string& errors);
     void keepRegisteredStructures();
 
     std::unique_ptr<Impl> mImpl;

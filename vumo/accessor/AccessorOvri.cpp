@@ -1,10 +1,8 @@
 #include "vumo/accessor/AccessorOvri.h"
 
+#include "vumo/accessor/detail/File.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/foundation/detail/DebugObject.h"
-
-#include <sys/types.h>
-#include <unistd.h>
 
 namespace vumo::Data
 {
@@ -136,8 +134,7 @@ const std::string& AccessorOvri::getSceneAssociationsName()
 
 bool AccessorOvri::truncateFile(const std::string& fileName, std::uint64_t length)
 {
-    const auto offset = static_cast<off_t>(length);
-    return offset >= 0 && static_cast<std::uint64_t>(offset) == length && truncate(fileName.c_str(), offset) == 0;
+    return detail::File::truncate(fileName, length);
 }
 
 const Structure* AccessorOvri::deserializeStructure(const std::string& format, const std::string& text,

@@ -6,6 +6,7 @@
 #include "vumo/accessor/detail/ChunkCursor.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/NameFilter.h"
+#include "vumo/accessor/detail/Refusal.h"
 #include "vumo/accessor/detail/TextConversion.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/Ref.h"
@@ -21,12 +22,6 @@ namespace
 using namespace detail;
 
 using Binary = AccessorOvri::Binary;
-
-bool failWith(std::string& errors, const char* message)
-{
-    errors = message;
-    return false;
-}
 
 /// Reads exactly `size` bytes.
 bool readBytes(std::istream& in, std::uint64_t size, std::string& bytes)
@@ -46,10 +41,10 @@ bool readMainSize(std::istream& in, std::uint64_t& mainSize, std::string& errors
 {
     std::string head;
     if (!readBytes(in, kGroupHeadSize, head))
-        return failWith(errors, "Could not read file identification.");
+        return replaceErrors(errors, "Could not read file identification.");
     if (head.compare(0, kTagSize, Binary::getFormChunkName()) != 0 ||
         head.compare(kHeaderSize, kGroupTypeSize, Binary::getMainFormChunkType()) != 0)
-        return failWith(errors, "Not a supported file type.");
+        return replaceErrors(errors, "Not a supported file type.");
     mainSize = readBigEndian<std::uint64_t>(head.data() + kSizeOffset);
     return true;
 }
@@ -59,13 +54,13 @@ bool readBackwardOffset(std::istream& in, std::uint64_t& offset, std::string& er
 {
     std::string bytes;
     if (!readBytes(in, kHeaderSize, bytes))
-        return failWith(errors, "Error reading the trailer-size chunk header.");
+        return replaceErrors(errors, "Error reading the trailer-size chunk header.");
     if (bytes.compare(0, kTagSize, Binary::getBackwardChunkSizeChunkName()) != 0)
-        return failWith(errors, "File does not end with trailer-size chunk.");
+        return replaceErrors(errors, "File does not end with trailer-size chunk.");
     if (readBigEndian<std::uint64_t>(bytes.data() + kSizeOffset) != kBackwardOffsetSize)
-        return failWith(errors, "Invalid trailer-size chunk.");
+        return replaceErrors(errors, "Invalid trailer-size chunk.");
     if (!readBytes(in, kBackwardOffsetSize, bytes))
-        return failWith(errors, "Could not read trailer backward offset.");
+        return replaceErrors(errors, "Could not read trailer backward offset.");
     offset = readBigEndian<std::uint32_t>(bytes.data());
     return true;
 }
@@ -186,11 +181,7 @@ private:
         return true;
     }
 
-    bool fail(const std::string& message)
-    {
-        mErrors += message;
-        return false;
-    }
+    bool fail(const std::string& message) { return refuse(mErrors, message); }
 
     NameFilter mStructureFilter;
     NameFilter mAssociationFilter;
@@ -204,14 +195,14 @@ bool BinaryReader::seekToTrailerStart(std::istream& in, std::uint64_t& mainSizeP
                                       std::string& errors)
 {
     if (!in)
-        return failWith(errors, "File not valid.");
+        return replaceErrors(errors, "File not valid.");
     std::uint64_t mainSize = 0;
     if (!readMainSize(in, mainSize, errors))
         return false;
 
     constexpr std::uint64_t kEndBeforeSize = kBackwardChunkSize - kHeaderSize; // the size leaves out the header
     if (mainSize < kEndBeforeSize || !seekTo(in, mainSize - kEndBeforeSize))
-        return failWith(errors, "Error seeking to the end of main chunk.");
+        return replaceErrors(errors, "Error seeking to the end of main chunk.");
     std::uint64_t offset = 0;
     if (!readBackwardOffset(in, offset, errors))
         return false;
@@ -221,7 +212,7 @@ bool BinaryReader::seekToTrailerStart(std::istream& in, std::uint64_t& mainSizeP
     const std::uint64_t offsetEnd = end + kHeaderSize + kBackwardOffsetSize;
     if (offset < offsetEnd - end || offset > offsetEnd || offsetEnd - offset < kGroupHeadSize ||
         !seekTo(in, offsetEnd - offset))
-        return failWith(errors, "Could not seek to start of trailer.");
+        return replaceErrors(errors, "Could not seek to start of trailer.");
 
     mainSizePosition = kSizeOffset;
     trailerSizePosition = offsetEnd - offset - kGroupSizeToStart;

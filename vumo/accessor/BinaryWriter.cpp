@@ -6,10 +6,10 @@
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
 #include "vumo/accessor/detail/FileInput.h"
-#include "vumo/accessor/detail/FileRecovery.h"
-#include "vumo/accessor/detail/FileTransaction.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/MetadataWriter.h"
+#include "vumo/accessor/detail/Refusal.h"
+#include "vumo/accessor/detail/SceneUpdate.h"
 #include "vumo/accessor/detail/TextConversion.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
@@ -28,12 +28,6 @@ using Binary = AccessorOvri::Binary;
 
 /// With longer trailers the offset from its end back to its start would not fit its 32 bits.
 constexpr std::uint64_t kLongestTrailer = std::numeric_limits<std::uint32_t>::max() - kHeaderSize - kBackwardOffsetSize;
-
-bool failWith(std::string& errors, const std::string& message)
-{
-    errors += message;
-    return false;
-}
 
 /// A chunk that is built at the end of a string.
 class ChunkBuilder
@@ -88,7 +82,7 @@ bool appendStructureChunk(const Structure& structure, std::string& out, std::str
         return false;
     if (chunk.endWithText(text))
         return true;
-    return failWith(errors, structureMessage(structure, kNotConverted));
+    return refuse(errors, structureMessage(structure, kNotConverted));
 }
 
 bool appendAssociationsChunk(const std::string& tag, const std::string& name, const Associations& associations,
@@ -97,7 +91,7 @@ bool appendAssociationsChunk(const std::string& tag, const std::string& name, co
     if (associations.empty())
         return true;
     if (name.find('\0') != std::string::npos)
-        return failWith(errors, "Its name has a zero byte, where it would end.\n");
+        return refuse(errors, "Its name has a zero byte, where it would end.\n");
     ChunkBuilder chunk(tag, out);
     chunk.appendZeroTerminated(name);
     chunk.appendZeroTerminated(kFormatWritten);
@@ -106,7 +100,7 @@ bool appendAssociationsChunk(const std::string& tag, const std::string& name, co
         return false;
     if (chunk.endWithText(text))
         return true;
-    return failWith(errors, std::string("A text cannot be read back: ") + kNotConverted + ".\n");
+    return refuse(errors, std::string("A text cannot be read back: ") + kNotConverted + ".\n");
 }
 
 bool writeBytes(std::ostream& out, const std::string& bytes)
@@ -153,11 +147,11 @@ bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
     if (!BinaryReader::seekToTrailerStart(in, trailer.mMainSizePosition, trailer.mSizePosition, trailer.mEnd, errors))
         return false;
     if (!hasGroupHeader(in, trailer))
-        return failWith(errors, "Could not find the trailer group before the trailer.\n");
+        return refuse(errors, "Could not find the trailer group before the trailer.\n");
     if (!endsWithMainChunk(in, trailer))
-        return failWith(errors, "File does not end with its main chunk.\n");
+        return refuse(errors, "File does not end with its main chunk.\n");
     if (!in.seekg(static_cast<std::streamoff>(trailer.start())))
-        return failWith(errors, "Could not seek to trailer start.");
+        return refuse(errors, "Could not seek to trailer start.");
     return true;
 }
 
@@ -167,14 +161,14 @@ bool skipMetadata(ChunkCursor& chunks, bool isBehindStructure, std::string& erro
     const bool isToBeRead = canChangeByRewriting();
     std::string_view data;
     if (!(isToBeRead ? chunks.readData(data) : chunks.skipData()))
-        return failWith(errors, isBehindStructure ? "Error skipping existing metadata chunks."
-                                                  : "Error skipping data structure chunk.");
+        return refuse(errors, isBehindStructure ? "Error skipping existing metadata chunks."
+                                                : "Error skipping data structure chunk.");
     if (!data.empty() && data.back() == '\0')
         data.remove_suffix(1);
     const std::string_view text = data.substr(data.rfind('\0') + 1); // behind name and format, which are not converted
     if (isChangedByRewriting(text))
-        return failWith(errors, "The file holds metadata with characters that the encoding of this locale does not "
-                                "have. Write it in a locale that has them, such as one of UTF-8.\n");
+        return refuse(errors, "The file holds metadata with characters that the encoding of this locale does not "
+                              "have. Write it in a locale that has them, such as one of UTF-8.\n");
     return true;
 }
 
@@ -186,14 +180,14 @@ bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after
     while (!chunks.atEnd())
     {
         if (!chunks.readHeader())
-            return failWith(errors, !isBehindStructure ? "Error reading chunk header before metadata."
-                                    : after.empty()    ? "Error skipping existing metadata chunks."
-                                                       : "Error skipping backward size chunk.");
+            return refuse(errors, !isBehindStructure ? "Error reading chunk header before metadata."
+                                  : after.empty()    ? "Error skipping existing metadata chunks."
+                                                     : "Error skipping backward size chunk.");
         const bool isStructure = chunks.header().mTag == Binary::getMetaDataStructureChunkName();
         const bool isMetadata =
             isStructure || (isBehindStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
         if (!isMetadata && !chunks.appendChunk(isBehindStructure ? after : before))
-            return failWith(errors, "Error reading chunk before metadata.");
+            return refuse(errors, "Error reading chunk before metadata.");
         if (isMetadata && !skipMetadata(chunks, isBehindStructure, errors))
             return false;
         isBehindStructure = isBehindStructure || isStructure;
@@ -228,7 +222,7 @@ bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::Structur
         return false;
     content += after;
     if (content.size() > kLongestTrailer)
-        return failWith(errors, "Failed to write the backward chunk size.");
+        return refuse(errors, "Failed to write the backward chunk size.");
     return true;
 }
 
@@ -242,7 +236,7 @@ std::string backwardChunk(std::uint32_t offset)
 }
 
 /// Makes `content` the trailer's chunks.
-bool replaceTrailer(FileTransaction&& transaction, Trailer trailer, std::string content, std::string& errors)
+bool replaceTrailer(SceneUpdate& update, Trailer trailer, std::string content, std::string& errors)
 {
     const std::uint64_t length = content.size();
     const auto offset = static_cast<std::uint32_t>(length + kHeaderSize + kBackwardOffsetSize);
@@ -256,7 +250,7 @@ bool replaceTrailer(FileTransaction&& transaction, Trailer trailer, std::string 
                "Failed to write the backward chunk size.");
     change.add(trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
                "Failed to the main chunk size position.", "Failed to write the new main chunk size.");
-    return transaction.run(change, errors);
+    return update.run(change, errors);
 }
 } // namespace
 
@@ -282,14 +276,14 @@ bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::St
                                  const std::map<std::string, Associations>& associations, std::string& errors,
                                  Accessor::eDurability durability)
 {
-    const File file(fileName, File::eMode::kUpdate);
-    if (!beginWriting(file, fileName, errors))
+    SceneUpdate update(fileName, durability);
+    if (!update.begin(errors))
         return false;
-    FileInput in(file);
+    FileInput in(update.file());
     Trailer trailer;
     std::string content;
     return findTrailer(in, trailer, errors) && buildTrailer(in, trailer, structures, associations, content, errors) &&
-           replaceTrailer(FileTransaction(file, fileName, durability), trailer, std::move(content), errors);
+           replaceTrailer(update, trailer, std::move(content), errors);
 }
 
 bool BinaryWriter::Debug(const BinaryWriter* object, vumo::Debug::Print& request)

@@ -32,7 +32,7 @@ public:
     /// Replaces the metadata in the trailer of the file, moves the end of the trailer and of the main chunk
     /// accordingly and cuts the file there. False, with the reason in `errors`, when that failed.
     ///
-    /// The change is made as a whole or not at all, even if it is interrupted: see `Accessor`.
+    /// The change is made as a whole or not at all, even if it is interrupted: see `Accessor::eDurability`.
     ///
     /// A structure that a stream uses is written with the others also where it is not among `structures`; two different
     /// ones of a name are refused, as is all else that could not be read again. The whole tail is built and checked

@@ -32,8 +32,8 @@ public:
     /// is what could not be read again, such as a structure whose text gives another one.
     ///
     /// Everything is checked and prepared in memory first: a write that is refused leaves the file as it was.
-    /// A write that fails later, because the disk is full, say, puts the old bytes back; `Accessor` says what is done
-    /// for the case that it is interrupted.
+    /// A write that fails later, because the disk is full, say, puts the old bytes back; `Accessor::eDurability`
+    /// says what is done for the case that it is interrupted.
     bool write(std::string& errors) const override;
 
     /// Says whether the first line is that of an ASCII scene file of a supported year.

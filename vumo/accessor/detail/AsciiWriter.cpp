@@ -4,11 +4,10 @@
 #include "vumo/accessor/detail/AsciiStatements.h"
 #include "vumo/accessor/detail/AsciiText.h"
 #include "vumo/accessor/detail/FileInput.h"
-#include "vumo/accessor/detail/FileRecovery.h"
-#include "vumo/accessor/detail/FileTransaction.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/MetadataWriter.h"
 #include "vumo/accessor/detail/Refusal.h"
+#include "vumo/accessor/detail/SceneUpdate.h"
 
 #include <algorithm>
 #include <string_view>
@@ -201,10 +200,10 @@ bool AsciiWriter::writeMetadata(const std::string& fileName, const Accessor::Str
                                 const std::map<std::string, Associations>& associations, std::string& errors,
                                 Accessor::eDurability durability)
 {
-    const File file(fileName, File::eMode::kUpdate);
-    if (!beginWriting(file, fileName, errors))
+    SceneUpdate update(fileName, durability);
+    if (!update.begin(errors))
         return false;
-    FileInput in(file);
+    FileInput in(update.file());
     AsciiTail tail;
     std::string content;
     std::string trailer;
@@ -215,6 +214,6 @@ bool AsciiWriter::writeMetadata(const std::string& fileName, const Accessor::Str
     const auto start = static_cast<std::uint64_t>(regionStart(tail));
     FileChange change(start + content.size(), "Could not truncate the file.");
     change.add(start, std::move(content), "Could not seek to metadata start.", "Failed to append the file trailer.");
-    return FileTransaction(file, fileName, durability).run(change, errors);
+    return update.run(change, errors);
 }
 } // namespace vumo::Data::detail

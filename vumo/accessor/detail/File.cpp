@@ -6,6 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <new>
 
 namespace vumo::Data::detail
 {
@@ -162,5 +165,37 @@ bool File::isSticky() const
 bool File::remove(const std::string& name)
 {
     return uninterrupted([&] { return unlink(name.c_str()); }) == 0;
+}
+
+bool File::truncate(const std::string& name, std::uint64_t size)
+{
+    const auto offset = static_cast<off_t>(size);
+    return offset >= 0 && static_cast<std::uint64_t>(offset) == size && ::truncate(name.c_str(), offset) == 0;
+}
+
+bool File::isAbsent(const std::string& name)
+{
+    struct stat ignored = {};
+    return lstat(name.c_str(), &ignored) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
+}
+
+std::string File::realName(const std::string& name)
+{
+    const std::unique_ptr<char, decltype(&std::free)> path(realpath(name.c_str(), nullptr), &std::free);
+    if (!path && errno == ENOMEM)
+        throw std::bad_alloc(); // there can be such a file, and a record of it, all the same
+    return path ? path.get() : "";
+}
+
+FileStamp::FileStamp(const std::string& name)
+{
+    struct stat status = {};
+    if (stat(name.c_str(), &status) != 0)
+        return;
+    device = status.st_dev;
+    number = status.st_ino;
+    size = static_cast<std::uint64_t>(status.st_size);
+    seconds = status.st_mtim.tv_sec;
+    nanoseconds = status.st_mtim.tv_nsec;
 }
 } // namespace vumo::Data::detail

@@ -66,8 +66,30 @@ public:
 
     static bool remove(const std::string& name);
 
+    /// Cuts, or extends with zero bytes, the file of that name.
+    static bool truncate(const std::string& name, std::uint64_t size);
+
+    /// Says whether there is nothing of that name, not even a symbolic link that leads nowhere. Opens nothing: a
+    /// process that can open no more files sees what is there all the same.
+    static bool isAbsent(const std::string& name);
+
+    /// The name without symbolic links, from the root on; empty when there is no such file.
+    static std::string realName(const std::string& name);
+
 private:
     int mDescriptor;
     int mOpenError = 0;
+};
+
+/// What shows that a file was written to, or that a name leads to another file. All zero when there is none.
+struct FileStamp
+{
+    explicit FileStamp(const std::string& name);
+
+    std::uint64_t device = 0;
+    std::uint64_t number = 0; ///< of the file on its device
+    std::uint64_t size = 0;
+    std::int64_t seconds = 0; ///< of the last change, with the nanoseconds
+    std::int64_t nanoseconds = 0;
 };
 } // namespace vumo::Data::detail

@@ -1,13 +1,7 @@
 #include "vumo/accessor/detail/FileRecovery.h"
 
+#include "vumo/accessor/detail/Refusal.h"
 #include "vumo/accessor/detail/UndoRecord.h"
-
-#include <sys/stat.h>
-
-#include <cerrno>
-#include <cstdlib>
-#include <memory>
-#include <new>
 
 namespace vumo::Data::detail
 {
@@ -15,139 +9,115 @@ namespace
 {
 constexpr char kRecordEnding[] = ".vumo-undo";
 
-bool fail(std::string& errors, const std::string& message)
-{
-    errors += message + "\n";
-    return false;
-}
-
-/// Does not open the file: a process that can open no more files has not lost its record.
-bool isAbsent(const std::string& recordName)
-{
-    struct stat ignored = {};
-    return lstat(recordName.c_str(), &ignored) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
-}
-
 /// In a directory where everybody may put files, a record of somebody else's is no reason to change a file.
-bool isTrusted(const File& recordFile, const std::string& recordName, const File& file)
+bool isTrusted(const File& recordFile, const File& file, const UndoPlace& place)
 {
-    const File directory(directoryOf(recordName), File::eMode::kDirectory);
+    const File directory(place.directory, File::eMode::kDirectory);
     return recordFile.hasOwnerOf(file) || (directory.isOpen() && !directory.isSticky());
 }
 
-std::string notARecord(const std::string& recordName)
+bool refuseRecord(const UndoPlace& place, std::string& errors)
 {
-    return recordName + " is not an undo record that can be used. Move it away to go on.";
+    return refuse(errors, place.record + " is not an undo record that can be used. Move it away to go on.\n");
 }
 
-std::string notRestored(const std::string& fileName, const std::string& recordName)
+bool failToRestore(const UndoPlace& place, std::string& errors)
 {
-    return "Could not restore " + fileName + " from " + recordName + ".";
+    return refuse(errors, "Could not restore " + place.file + " from " + place.record + ".\n");
 }
 
-bool lock(const File& file, const std::string& fileName, std::string& errors)
+bool lock(const File& file, const UndoPlace& place, std::string& errors)
 {
-    return file.tryLock() || fail(errors, fileName + " is being written by somebody else.");
+    return file.tryLock() || refuse(errors, place.file + " is being written by somebody else.\n");
 }
 
 /// Makes the file what it was before the change, or leaves it what it is after all of it.
-bool apply(const UndoRecord& record, const File& file, const std::string& fileName, const std::string& recordName,
-           std::string& errors)
+bool apply(const UndoRecord& record, const File& file, const UndoPlace& place, std::string& errors)
 {
     const UndoRecord::eFit fit = record.fit(file);
     if (fit == UndoRecord::eFit::kNone)
-        return fail(errors,
-                    "The undo record " + recordName + " does not fit " + fileName +
-                        " any more, which was changed since. Remove the record to go on with the file as it is.");
+        return refuse(errors,
+                      "The undo record " + place.record + " does not fit " + place.file +
+                          " any more, which was changed since. Remove the record to go on with the file as it is.\n");
     const bool isKnown = fit != UndoRecord::eFit::kUnknown;
     const bool isWhole = isKnown && (fit != UndoRecord::eFit::kBetween || record.restore(file));
-    return (isWhole && file.sync()) || fail(errors, notRestored(fileName, recordName));
+    // Also a file that needs nothing is synced: its record goes next, and what it shows may not be on the disk yet.
+    return (isWhole && file.sync()) || failToRestore(place, errors);
 }
 
 /// The file is open for update and locked.
-bool recover(const File& file, const std::string& fileName, const std::string& recordName, std::string& errors)
+bool recoverLocked(const File& file, const UndoPlace& place, std::string& errors)
 {
-    if (isAbsent(recordName))
+    if (File::isAbsent(place.record))
         return true;
-    const File recordFile(recordName, File::eMode::kReadRecord);
+    const File recordFile(place.record, File::eMode::kReadRecord);
     if (!recordFile.isOpen())
-        return fail(errors, notARecord(recordName));
+        return refuseRecord(place, errors);
     UndoRecord record;
     const UndoRecord::eContent content = record.load(recordFile);
     if (content == UndoRecord::eContent::kUnreadable)
-        return fail(errors, notRestored(fileName, recordName));
-    if (content == UndoRecord::eContent::kForeign || !isTrusted(recordFile, recordName, file))
-        return fail(errors, notARecord(recordName));
-    if (content == UndoRecord::eContent::kComplete && !apply(record, file, fileName, recordName, errors))
+        return failToRestore(place, errors);
+    if (content == UndoRecord::eContent::kForeign || !isTrusted(recordFile, file, place))
+        return refuseRecord(place, errors);
+    if (content == UndoRecord::eContent::kComplete && !apply(record, file, place, errors))
         return false;
-    if (!File::remove(recordName))
-        return fail(errors, "Could not remove the undo record " + recordName + ".");
-    File(directoryOf(recordName), File::eMode::kDirectory).sync();
+    if (!File::remove(place.record))
+        return refuse(errors, "Could not remove the undo record " + place.record + ".\n");
+    File(place.directory, File::eMode::kDirectory).sync();
     return true;
 }
 
 /// Says whether the writer of the record did not come to the end of it. Nobody is writing it.
-bool isIncomplete(const std::string& recordName)
+bool isIncomplete(const UndoPlace& place)
 {
-    const File recordFile(recordName, File::eMode::kReadRecord);
+    const File recordFile(place.record, File::eMode::kReadRecord);
     UndoRecord record;
     return recordFile.isOpen() && record.load(recordFile) == UndoRecord::eContent::kIncomplete;
 }
 
 /// What can be said of a file that cannot be written to and has a record.
-bool recoverNothing(const std::string& fileName, const std::string& recordName, std::string& errors)
+bool recoverNothing(const UndoPlace& place, std::string& errors)
 {
-    const File file(fileName, File::eMode::kRead);
-    if (file.isOpen() && !lock(file, fileName, errors))
+    const File file(place.file, File::eMode::kRead);
+    if (file.isOpen() && !lock(file, place, errors))
         return false;
-    return isIncomplete(recordName) ||
-           fail(errors, "Writing " + fileName + " was interrupted. Make it writable and read it again: " + recordName +
-                            " holds what restores it.");
+    return isIncomplete(place) ||
+           refuse(errors, "Writing " + place.file + " was interrupted. Make it writable and read it again: " +
+                              place.record + " holds what restores it.\n");
+}
+
+std::string recordNameOf(const std::string& fileName)
+{
+    const std::string path = File::realName(fileName);
+    return path.empty() ? "" : path + kRecordEnding;
 }
 } // namespace
 
-std::string undoRecordName(const std::string& fileName)
+UndoPlace::UndoPlace(const std::string& fileName)
+    : file(fileName),
+      record(recordNameOf(fileName)),
+      directory(record.substr(0, record.rfind('/') + 1))
 {
-    const std::unique_ptr<char, decltype(&std::free)> path(realpath(fileName.c_str(), nullptr), &std::free);
-    if (!path && errno == ENOMEM)
-        throw std::bad_alloc(); // there can be a record all the same
-    return path ? std::string(path.get()) + kRecordEnding : std::string();
 }
 
-std::string directoryOf(const std::string& name)
+bool recover(const UndoPlace& place, std::string& errors)
 {
-    return name.substr(0, name.rfind('/') + 1);
-}
-
-bool recover(const std::string& fileName, std::string& errors)
-{
-    const std::string recordName = undoRecordName(fileName);
-    if (isAbsent(recordName))
+    if (File::isAbsent(place.record))
         return true;
-    const File file(fileName, File::eMode::kUpdate);
-    if (!file.isOpen())
-        return recoverNothing(fileName, recordName, errors);
-    return lock(file, fileName, errors) && recover(file, fileName, recordName, errors);
+    const File file(place.file, File::eMode::kUpdate);
+    return file.isOpen() ? lockAndRecover(file, place, errors) : recoverNothing(place, errors);
 }
 
-bool isBetween(const std::string& fileName)
+bool lockAndRecover(const File& file, const UndoPlace& place, std::string& errors)
 {
-    const std::string recordName = undoRecordName(fileName);
-    if (isAbsent(recordName))
-        return false;
-    const File file(fileName, File::eMode::kRead);
-    return !file.isOpen() || !file.tryLock() || !isIncomplete(recordName);
+    return lock(file, place, errors) && recoverLocked(file, place, errors);
 }
 
-bool beginWriting(const File& file, const std::string& fileName, std::string& errors)
+bool mayBeHalfWritten(const UndoPlace& place)
 {
-    if (!file.isOpen())
-    {
-        if (fileName.empty())
-            fail(errors, "The accessor has no file to write to: read one first.");
-        errors += "Could not open " + fileName + " for writing.";
+    if (File::isAbsent(place.record))
         return false;
-    }
-    return lock(file, fileName, errors) && recover(file, fileName, undoRecordName(fileName), errors);
+    const File file(place.file, File::eMode::kRead);
+    return !file.isOpen() || !file.tryLock() || !isIncomplete(place);
 }
 } // namespace vumo::Data::detail

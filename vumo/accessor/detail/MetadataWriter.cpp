@@ -2,6 +2,7 @@
 
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/MetadataText.h"
+#include "vumo/accessor/detail/Refusal.h"
 #include "vumo/foundation/detail/Quoted.h"
 
 namespace vumo::Data::detail
@@ -121,11 +122,7 @@ private:
         return isClear;
     }
 
-    bool fail(const char* message)
-    {
-        mErrors += message;
-        return false;
-    }
+    bool fail(const char* message) { return refuse(mErrors, message); }
 
     const MetadataForm& mForm;
     const Accessor::StructureSet& mStructures;

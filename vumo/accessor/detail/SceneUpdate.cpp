@@ -1,6 +1,6 @@
-#include "vumo/accessor/detail/FileTransaction.h"
+#include "vumo/accessor/detail/SceneUpdate.h"
 
-#include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/accessor/detail/Refusal.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,32 +18,34 @@ bool admitsNoRecord(int error)
 }
 } // namespace
 
-FileTransaction::FileTransaction(const File& file, const std::string& fileName, Accessor::eDurability durability)
-    : mFile(file),
-      mFileName(fileName),
-      mRecordName(undoRecordName(fileName)),
-      mRemoveFailed("Could not remove the undo record " + mRecordName + ".\n"),
-      mDirectory(directoryOf(mRecordName), File::eMode::kDirectory),
+SceneUpdate::SceneUpdate(const std::string& fileName, Accessor::eDurability durability)
+    : mFile(fileName, File::eMode::kUpdate),
+      mPlace(fileName),
+      mDirectory(mPlace.directory, File::eMode::kDirectory),
+      mRemoveFailed("Could not remove the undo record " + mPlace.record + ".\n"),
       mHasJournal(durability == Accessor::kJournal),
-      mNeedsRecord(mHasJournal && !mRecordName.empty())
+      mNeedsRecord(mHasJournal && !mPlace.record.empty())
 {
 }
 
-bool FileTransaction::run(FileChange& change, std::string& errors)
+bool SceneUpdate::begin(std::string& errors)
+{
+    if (mFile.isOpen())
+        return lockAndRecover(mFile, mPlace, errors);
+    if (mPlace.file.empty())
+        refuse(errors, "The accessor has no file to write to: read one first.\n");
+    return refuse(errors, "Could not open " + mPlace.file + " for writing.");
+}
+
+bool SceneUpdate::run(FileChange& change, std::string& errors)
 {
     change.narrow(mFile);
     mNeedsRecord = mNeedsRecord && !change.isDoneIn(mFile);
     if (!mRecord.take(mFile, change))
-    {
-        errors += "Could not read the old bytes of " + mFileName + ".\n";
-        return false;
-    }
-    if (!mFile.hasName(mFileName))
-    {
-        errors += mFileName + " was replaced by somebody else meanwhile.\n";
-        return false;
-    }
-    if (mNeedsRecord && !begin(errors))
+        return refuse(errors, "Could not read the old bytes of " + mPlace.file + ".\n");
+    if (!mFile.hasName(mPlace.file))
+        return refuse(errors, mPlace.file + " was replaced by somebody else meanwhile.\n");
+    if (mNeedsRecord && !makeRecord(errors))
         return false;
     // From here on nothing is allocated until the file is whole again.
     const char* fault = apply(change);
@@ -57,40 +59,38 @@ bool FileTransaction::run(FileChange& change, std::string& errors)
         return false;
     if (errors.back() != '\n')
         errors += '\n';
-    errors += "The old bytes could not be put back: " + mFileName + " may be damaged" +
-              (mHasRecord ? " until " + mRecordName + " is applied, by the next read or write.\n" : ".\n");
+    errors += "The old bytes could not be put back: " + mPlace.file + " may be damaged" +
+              (mHasRecord ? " until " + mPlace.record + " is applied, by the next read or write.\n" : ".\n");
     return false;
 }
 
 /// Puts the record on the disk, and makes sure that it is found there.
-bool FileTransaction::begin(std::string& errors)
+bool SceneUpdate::makeRecord(std::string& errors)
 {
     const int error = storeRecord();
     mHasRecord = error == 0;
     if (mHasRecord)
         return true;
     mNeedsRecord = !admitsNoRecord(error);
-    if (mNeedsRecord)
-        errors += "Could not write the undo record " + mRecordName + ".\n";
-    return !mNeedsRecord;
+    return !mNeedsRecord || refuse(errors, "Could not write the undo record " + mPlace.record + ".\n");
 }
 
 /// 0, or why there is no record.
-int FileTransaction::storeRecord() const
+int SceneUpdate::storeRecord() const
 {
-    const File record(mRecordName, File::eMode::kCreateRecord);
+    const File record(mPlace.record, File::eMode::kCreateRecord);
     if (!record.isOpen())
         return record.openError();
     record.shareAs(mFile);
     if (mRecord.store(record) && record.sync() && syncDirectory())
         return 0;
     const int error = errno;
-    File::remove(mRecordName);
+    File::remove(mPlace.record);
     return error;
 }
 
 /// Null, or what failed.
-const char* FileTransaction::apply(const FileChange& change) const
+const char* SceneUpdate::apply(const FileChange& change) const
 {
     const std::uint64_t oldLength = mFile.size();
     const char* syncFailed = change.truncateFailed();
@@ -104,6 +104,8 @@ const char* FileTransaction::apply(const FileChange& change) const
         if (!mFile.write(edit.position, edit.bytes.data(), edit.bytes.size()))
             return edit.writeFailed;
     }
+    // A disk may tell only now that it is full. Up to here the file has all its room, so the old bytes can be put back;
+    // after the cut that takes new room. The cut is then synced for itself, as the record goes next.
     if (mHasJournal && !mFile.sync())
         return syncFailed;
     if (change.length() >= oldLength)
@@ -113,25 +115,26 @@ const char* FileTransaction::apply(const FileChange& change) const
 }
 
 /// Null, or what failed.
-const char* FileTransaction::commit()
+const char* SceneUpdate::commit()
 {
     if (!mHasRecord)
         return nullptr;
-    if (!File::remove(mRecordName))
+    if (!File::remove(mPlace.record))
         return mRemoveFailed.c_str();
     mHasRecord = false;
     return syncDirectory() ? nullptr : mRemoveFailed.c_str();
 }
 
 /// Puts the old bytes back. False when they could not be; then the record, if there is one, stays.
-bool FileTransaction::undo()
+bool SceneUpdate::undo()
 {
+    // commit() may have removed the record before it failed: the way back needs one as much as the way here did.
     if (mNeedsRecord && !mHasRecord)
         mHasRecord = storeRecord() == 0;
     if (!mRecord.restore(mFile) || (mHasJournal && !mFile.sync()))
         return false;
     if (mHasRecord)
-        mHasRecord = !File::remove(mRecordName);
+        mHasRecord = !File::remove(mPlace.record);
     syncDirectory();
     return true;
 }
