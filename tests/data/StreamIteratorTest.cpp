@@ -136,12 +136,10 @@ TEST_F(StreamIteratorTest, ADenseStreamThatShrinks_EndsAWalk)
 }
 
 /// An iterator with opinions of its own about what it shows.
-template <class Base>
-class OtherIterator : public Base
+class OtherIterator : public StreamMappedIteratorImpl
 {
 public:
-    using Base::Base;
-    explicit OtherIterator(const Base& other) : Base(other) {}
+    using StreamMappedIteratorImpl::StreamMappedIteratorImpl;
     Handle& operator*() override { return mShown; }
     const Handle& operator*() const override { return mShown; }
     Handle* operator->() override { return &mShown; }
@@ -151,9 +149,12 @@ public:
     Handle mShown;
 };
 
-template <class Base>
-void expectToBeAsked(OtherIterator<Base>* other)
+TEST_F(StreamIteratorTest, AnIteratorOfAnotherClass_IsAskedForEverything)
 {
+    const Ref<StreamImplMapped> stream(new StreamImplMapped(*mRecord, "s"));
+    for (unsigned int i = 0; i < 4; ++i)
+        stream->setElement(i, Handle(*mRecord));
+    auto* const other = new OtherIterator(*stream, kIterBegin);
     StreamIterator position(other);
     const StreamIterator& constPosition = position;
     for (int i = 0; i < 2; ++i)
@@ -165,28 +166,6 @@ void expectToBeAsked(OtherIterator<Base>* other)
         EXPECT_EQ(constPosition.operator->(), &other->mShown);
         ++position;
     }
-    const StreamIterator sliced(position);
-    EXPECT_TRUE(sliced.valid()); // a copy by the base class is one of the base class
-    EXPECT_EQ(sliced.index().index(), 2U);
-}
-
-TEST_F(StreamIteratorTest, IteratorsOfOtherClasses_AreAskedForEverything)
-{
-    const Ref<StreamImplMapped> mapped(new StreamImplMapped(*mRecord, "s"));
-    const Ref<StreamImplDense> dense(new StreamImplDense(*mRecord, "s"));
-    for (unsigned int i = 0; i < 4; ++i)
-    {
-        mapped->setElement(i, Handle(*mRecord));
-        dense->setElement(i, Handle(*mRecord));
-    }
-    expectToBeAsked(new OtherIterator<StreamMappedIteratorImpl>(*mapped, kIterBegin));
-    expectToBeAsked(new OtherIterator<StreamDenseIteratorImpl>(*dense, kIterBegin));
-    const StreamIterator inMapped(mapped->begin());
-    const StreamIterator inDense(dense->begin());
-    expectToBeAsked(
-        new OtherIterator<StreamMappedIteratorImpl>(dynamic_cast<const StreamMappedIteratorImpl&>(*inMapped.impl())));
-    expectToBeAsked(
-        new OtherIterator<StreamDenseIteratorImpl>(dynamic_cast<const StreamDenseIteratorImpl&>(*inDense.impl())));
 }
 } // namespace
 } // namespace vumo::Data

@@ -2,6 +2,8 @@
 
 #include "vumo/foundation/detail/DebugObject.h"
 
+#include <typeinfo>
+
 namespace vumo::Data
 {
 StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, IterLocation location)
@@ -9,6 +11,7 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, 
       mStream(&stream),
       mPosition(location == kIterBegin ? 0 : stream.elementCount())
 {
+    mIsInBlock = typeid(stream) == typeid(StreamImplDense);
     if (mPosition < stream.elementCount())
     {
         mHandle = mOwnHandle.get();
@@ -23,6 +26,7 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamDenseIteratorImpl& 
       mPosition(other.mPosition)
 {
     mHandle = other.mHandle ? mOwnHandle.get() : nullptr;
+    mIsInBlock = other.mIsInBlock;
 }
 
 StreamDenseIteratorImpl::~StreamDenseIteratorImpl() = default;
@@ -50,10 +54,7 @@ bool StreamDenseIteratorImpl::valid() const
 
 StreamIteratorImpl* StreamDenseIteratorImpl::clone() const
 {
-    auto* const copy = new StreamDenseIteratorImpl(*this);
-    copy->mIsPlain = mIsPlain;
-    copy->mIsPlainDense = mIsPlainDense;
-    return copy;
+    return new StreamDenseIteratorImpl(*this);
 }
 
 Index StreamDenseIteratorImpl::index() const

@@ -12,7 +12,7 @@ namespace vumo::Data
 {
 /// Walks the slots of a dense storage that are in use, those that were never set included. Growing the
 /// storage invalidates the current handle until the iterator moves.
-class VUMO_EXPORT StreamDenseIteratorImpl : public StreamIteratorImpl
+class VUMO_EXPORT StreamDenseIteratorImpl final : public StreamIteratorImpl
 {
 public:
     StreamDenseIteratorImpl(const StreamImplDense& stream, IterLocation location);
@@ -32,9 +32,9 @@ public:
 private:
     friend class StreamIterator;
 
-    /// Steps to the next element of a storage of no derived class, which could have slots of its own. False, with
-    /// nothing done, when there is none, or the handle has a block to release.
-    bool step()
+    /// Steps from an element in the block of the storage to the next one. False, with nothing done, when there is none,
+    /// or the handle has a block to release: operator++() sees to these, and to storages with slots of their own.
+    bool stepInBlock()
     {
         const unsigned int next = mPosition + 1;
         char* const address = next < mStream->mCount ? mStream->slotInUse(next) : nullptr;
@@ -42,7 +42,6 @@ private:
             return false;
         mPosition = next;
         mOwnHandle->pointToData(address, false);
-        mInvalid = false;
         return true;
     }
 

@@ -12,7 +12,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <typeinfo>
 #include <utility>
 
 namespace vumo::Data
@@ -90,10 +89,7 @@ StreamIteratorImpl* StreamImplDense::end()
 
 StreamIteratorImpl* StreamImplDense::cbegin() const
 {
-    auto* const position = new StreamDenseIteratorImpl(*this, kIterBegin);
-    position->mIsPlain = true;
-    position->mIsPlainDense = typeid(*this) == typeid(StreamImplDense);
-    return position;
+    return new StreamDenseIteratorImpl(*this, kIterBegin);
 }
 
 StreamIteratorImpl* StreamImplDense::cend() const

@@ -69,9 +69,7 @@ StreamIteratorImpl* StreamImplMapped::end()
 
 StreamIteratorImpl* StreamImplMapped::cbegin() const
 {
-    auto* const position = new StreamMappedIteratorImpl(*this, kIterBegin);
-    position->mIsPlain = true;
-    return position;
+    return new StreamMappedIteratorImpl(*this, kIterBegin);
 }
 
 StreamIteratorImpl* StreamImplMapped::cend() const

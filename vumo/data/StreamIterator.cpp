@@ -40,26 +40,6 @@ const StreamIteratorImpl* StreamIterator::impl() const
     return mImpl.get();
 }
 
-void StreamIterator::stepImpl()
-{
-    ++*impl();
-}
-
-bool StreamIterator::isImplValid() const
-{
-    return mImpl->valid();
-}
-
-Handle& StreamIterator::handleOfImpl()
-{
-    return **impl();
-}
-
-Handle* StreamIterator::handlePointerOfImpl()
-{
-    return impl()->operator->();
-}
-
 const StreamIteratorImpl& StreamIterator::constImpl() const
 {
     if (!mImpl)

