@@ -8,11 +8,7 @@ namespace vumo::Data
 {
 AccessorFactoryBase::Registry& AccessorFactoryBase::registry()
 {
-    static Registry theRegistry = [] {
-        Registry registry;
-        registry.max_load_factor(1.0F);
-        return registry;
-    }();
+    static Registry theRegistry; // with the maximum load factor that it has by default, 1.0
     return theRegistry;
 }
 

@@ -6,16 +6,9 @@
 
 /// Marks what the shared library offers to its users; everything else stays hidden in it.
 ///
-/// `VUMO_STATIC` is defined for users of a static build by its package, `VUMO_BUILDING` by the
-/// library's own build.
+/// `VUMO_STATIC` is defined for users of a static build by its package.
 #if defined(VUMO_STATIC)
 #define VUMO_EXPORT
-#elif defined(_WIN32)
-#if defined(VUMO_BUILDING)
-#define VUMO_EXPORT __declspec(dllexport)
-#else
-#define VUMO_EXPORT __declspec(dllimport)
-#endif
 #else
 #define VUMO_EXPORT __attribute__((visibility("default")))
 #endif
