@@ -47,21 +47,6 @@ protected:
     std::string mErrors;
 };
 
-TEST_F(BinaryReaderTest, SeekToTrailerStart_FindsTheTrailerFromTheEnd)
-{
-    std::istringstream in(goldenBytes("binary_scene.hex"));
-    std::uint64_t mainSizePosition = 0;
-    std::uint64_t trailerSizePosition = 0;
-    std::uint64_t trailerEnd = 0;
-    std::string errors;
-    ASSERT_TRUE(BinaryReader::seekToTrailerStart(in, mainSizePosition, trailerSizePosition, trailerEnd, errors));
-    EXPECT_EQ(mainSizePosition, 8U);
-    EXPECT_EQ(trailerSizePosition, 76U);
-    EXPECT_EQ(trailerEnd, 480U);
-    EXPECT_EQ(in.tellg(), 88);
-    EXPECT_EQ(errors, "");
-}
-
 TEST_F(BinaryReaderTest, SeekToTrailerStart_RefusesWhatDoesNotLeadToATrailer)
 {
     // The size of the main chunk stands at 8, "BCSZ" at 480, the offset in it at 496; the file has 504 bytes.

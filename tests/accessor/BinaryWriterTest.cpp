@@ -50,6 +50,7 @@ protected:
     std::string newMetadata() const
     {
         std::ostringstream out;
+        out.width(99);
         EXPECT_TRUE(BinaryWriter::writeStructureChunk(out, *mWeight));
         EXPECT_TRUE(BinaryWriter::writeAssociationsChunk(out, "SMTD", "", weights("1")));
         EXPECT_TRUE(BinaryWriter::writeAssociationsChunk(out, "MTDA", "Body", weights("0.5")));
@@ -61,20 +62,8 @@ protected:
     std::string mErrors;
 };
 
-TEST_F(BinaryWriterTest, Chunks_FollowTheLayout)
+TEST_F(BinaryWriterTest, Chunks_AreWrittenAsAWholeOrNotAtAll)
 {
-    std::ostringstream structure;
-    structure.width(99);
-    ASSERT_TRUE(BinaryWriter::writeStructureChunk(structure, *mWeight));
-    EXPECT_EQ(structure.str(), chunk("DATS", "raw" + kZero + "name=Weight:float=Value" + kZero));
-
-    std::ostringstream node;
-    ASSERT_TRUE(BinaryWriter::writeAssociationsChunk(node, "MTDA", "Body", weights("0.5")));
-    EXPECT_EQ(node.str(), chunk("MTDA", "Body" + kZero + "raw" + kZero +
-                                            "channel\nname vertex\nstream\nname weights\nindexType numeric\n"
-                                            "structure Weight\n0\n0.5\nendStream\nendChannel\nendAssociations\n" +
-                                            kZero));
-
     std::ostringstream nothing;
     EXPECT_TRUE(BinaryWriter::writeAssociationsChunk(nothing, "MTDA", "Body", Associations()));
     EXPECT_EQ(nothing.str(), "");

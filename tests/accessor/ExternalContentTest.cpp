@@ -19,17 +19,14 @@ protected:
     void writeTable(const ScratchFile& file, const std::string& bare)
     {
         file.setBytes(bare);
-        const auto accessor = readScene(file.name());
         Stream stream(*mTable, ExternalContent::getStreamName());
         Handle entry(*mTable);
         EXPECT_TRUE(ExternalContent::setEntry(entry, "Body", "skin", "$TEX/skin.png", "/tex/skin.png", {"file"}));
         stream.setElement(0, entry);
-        const Ref<Structure> weight = valueStructure("Weight");
-        accessor->setStructures({mTable.get(), weight.get()});
-        accessor->associations()["Body"] = associationsOf("vertex", "weights", *weight, 0, "1");
-        accessor->associations()[""].channel(ExternalContent::getChannelName()).setDataStream(stream);
-        std::string errors;
-        EXPECT_TRUE(accessor->write(errors)) << errors;
+        Associations table;
+        table.channel(ExternalContent::getChannelName()).setDataStream(stream);
+        EXPECT_EQ(attach(file.name(), "", table), "");
+        EXPECT_EQ(attach(file.name(), "Body", associationsOf("s", "s", *valueStructure("Weight"), 0, "1")), "");
     }
 
     Ref<Structure> mTable;
@@ -99,23 +96,19 @@ TEST_F(ExternalContentTest, GetEntry_SkipsEmptyRoles)
 
 TEST_F(ExternalContentTest, ReadTable_NeedsTheStructureOfTheTable)
 {
-    const ScratchFile file(".ob");
-    file.setBytes(sceneWith(""));
-    const auto accessor = readScene(file.name());
-    accessor->associations()[""].channel("no streams");
-    std::string errors;
-    ASSERT_TRUE(accessor->write(errors)) << errors;
-    Associations table;
-    EXPECT_FALSE(ExternalContent::readTable(file.name(), table, errors));
-    EXPECT_EQ(errors, "");
-
-    const Ref<Structure> weight = valueStructure("Weight");
-    accessor->setStructures({weight.get()});
-    accessor->associations()[""] = associationsOf("scene", "notes", *weight, 0, "1");
-    file.setBytes(sceneWith(""));
-    ASSERT_TRUE(accessor->write(errors)) << errors;
-    EXPECT_FALSE(ExternalContent::readTable(file.name(), table, errors));
-    EXPECT_TRUE(table.empty());
+    Associations withoutStreams;
+    withoutStreams.channel("no streams");
+    for (const Associations& others : {withoutStreams, associationsOf("s", "s", *valueStructure("Weight"), 0, "1")})
+    {
+        const ScratchFile file(".ob");
+        file.setBytes(sceneWith(""));
+        ASSERT_EQ(attach(file.name(), "", others), "");
+        Associations table;
+        std::string errors;
+        EXPECT_FALSE(ExternalContent::readTable(file.name(), table, errors));
+        EXPECT_EQ(errors, "");
+        EXPECT_TRUE(table.empty());
+    }
 }
 
 TEST_F(ExternalContentTest, ReadTable_ReadsTheTableOfBothKindsOfScene)
