@@ -4,8 +4,6 @@
 #include "vumo/data/Index.h"
 #include "vumo/data/StreamIterator.h"
 
-#include <utility>
-
 namespace vumo::Data
 {
 /// The elements of a stream in index order, for a loop over indices and elements:
@@ -26,7 +24,7 @@ public:
     class Iterator
     {
     public:
-        explicit Iterator(StreamIterator position) : mPosition(std::move(position)) {}
+        explicit Iterator(const StreamIterator& position) : mPosition(position) {}
 
         Element operator*() { return {mPosition.index(), *mPosition}; }
 
@@ -42,7 +40,7 @@ public:
         StreamIterator mPosition;
     };
 
-    StreamElements(StreamIterator begin, StreamIterator end) : mBegin(std::move(begin)), mEnd(std::move(end)) {}
+    StreamElements(const StreamIterator& begin, const StreamIterator& end) : mBegin(begin), mEnd(end) {}
 
     Iterator begin() const { return Iterator(mBegin); }
     Iterator end() const { return Iterator(mEnd); }

@@ -69,6 +69,23 @@ eLine kindOf(std::string_view head)
     return isContinuation ? kContinuation : kOtherLine;
 }
 
+/// The line with which the statement that is being read upward ends.
+struct StatementEnd
+{
+    BackwardLines::Line line;
+    bool exists = false;
+    bool isName = false; ///< it begins a comment, unless it is the name right below a node's command
+
+    bool closes(eLine command) const { return exists && (!isName || command == kAssociationsLine); }
+
+    /// Takes the next line upward into account.
+    void step(const BackwardLines::Line& next, eLine kind, bool beginsComment)
+    {
+        const bool isEnd = next.last == ';';
+        exists = exists && (isName ? beginsComment && isEnd : kind == kContinuation);
+    }
+};
+
 /// Takes the statement that begins with one line and ends with another, if it has an end.
 AsciiStatement statementOf(eLine kind, const BackwardLines::Line& begin, const BackwardLines::Line* end)
 {
@@ -93,9 +110,7 @@ bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::st
     const bool areWanted = texts == eAsciiTexts::kWanted;
     BackwardLines lines(in, tail.size, areWanted ? kLongestText : 0);
     BackwardLines::Line line;
-    BackwardLines::Line last; // of the statement that the lines above it belong to
-    bool hasLast = false;
-    bool isName = false; // of the last line: it begins a comment, unless it is the name right below a node's command
+    StatementEnd end;
     while (lines.previous(line))
     {
         const eLine kind = kindOf(line.head);
@@ -104,23 +119,18 @@ bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::st
         const bool isTrailer = kind == kTrailerLine && tail.trailer < 0;
         const bool beginsComment = kind == kCommentLine || (kind == kTrailerLine && !isTrailer);
         if (line.last == ';')
-        {
-            last = line;
-            hasLast = true;
-            isName = beginsComment;
-        }
+            end = {line, true, beginsComment};
         if (isTrailer)
             tail.trailer = line.begin;
         if (kind == kStructureLine || kind == kAssociationsLine)
         {
-            const bool isEnded = hasLast && (!isName || kind == kAssociationsLine);
-            tail.statements.push_back(statementOf(kind, line, isEnded ? &last : nullptr));
+            tail.statements.push_back(statementOf(kind, line, end.closes(kind) ? &end.line : nullptr));
             AsciiStatement& statement = tail.statements.back();
             if (areWanted && !lines.readText(statement.begin, statement.end, statement.text))
                 break;
         }
-        hasLast = hasLast && (isName ? beginsComment && line.last == ';' : kind == kContinuation);
-        if (!hasLast || !areWanted)
+        end.step(line, kind, beginsComment);
+        if (!end.exists || !areWanted)
             lines.forgetFrom(line.begin);
     }
     error = lines.error();
