@@ -38,16 +38,6 @@ TEST_F(ChannelTest, SetDataStream_SharesTheElements)
     EXPECT_EQ(channel.dataStreamCount(), 1U);
 }
 
-TEST_F(ChannelTest, Rename_ToATakenNameChangesTheNameForItsSharers)
-{
-    Channel channel;
-    channel.setDataStream(stream("c"));
-    const Stream sharer(*channel.setDataStream(stream("z")));
-    EXPECT_FALSE(channel.renameDataStream("z", "c"));
-    EXPECT_EQ(sharer.name(), "c");
-    EXPECT_EQ(test::recordText(*channel.dataStream("c"), 0), "0 c");
-}
-
 TEST_F(ChannelTest, Elements_AreAddedAndRemovedWhereTheIndexTypeFits)
 {
     Channel channel;
