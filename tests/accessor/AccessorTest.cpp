@@ -2,8 +2,11 @@
 
 #include "tests/accessor/AccessorFixture.h"
 
+#include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <functional>
+#include <random>
 #include <stdexcept>
 #include <typeinfo>
 
@@ -366,6 +369,59 @@ TEST_F(AccessorTest, Read_AsksForTheMetadataOnceAndInLargePieces)
         EXPECT_LE(after.calls - counting.calls - (counting.calls - before.calls), sample.calls);
         EXPECT_LE(static_cast<double>(after.bytes - counting.bytes), 1.05 * metadata);
         EXPECT_EQ(valueAt(*accessor, "Body", "vertex", "notes", 1099), std::string(950, 'x'));
+    }
+}
+
+using AccessorPropertyTest = AccessorFixture;
+
+TEST_F(AccessorPropertyTest, RichScenesWithExactNumbers_KeepTheirBitsAndTheTextsThatSixDigitsHold)
+{
+    const Ref<Structure> sample =
+        Structure::make("Sample", {{Member::kFloat, 3, "f"}, {Member::kDouble, 3, "d"}, {Member::kString, 1, "label"}});
+    const std::size_t size = 3 * sizeof(float) + 3 * sizeof(double); // of its numbers, which begin an element
+    std::mt19937_64 random(1);
+    Stream samples(*sample, "samples");
+    for (unsigned int i = 0; i < 300; ++i)
+    {
+        Handle element(*sample);
+        setText(element, "label", "sample");
+        for (unsigned int value = 0; value < 3; ++value)
+        {
+            const auto bits = random();
+            double number = 0;
+            std::memcpy(&number, &bits, sizeof(number));
+            element.setPositionByMemberName("f");
+            element.asFloat()[value] = std::ldexp(static_cast<float>(random()), static_cast<int>(bits % 128) - 160);
+            element.setPositionByMemberName("d");
+            element.asDouble()[value] = std::isfinite(number) ? number : -0.0;
+        }
+        samples.setElement(i, element);
+    }
+    for (const RichScene& scene : kRichScenes)
+    {
+        SCOPED_TRACE(scene.ending);
+        const ScratchFile file(scene.ending);
+        file.setBytes(scene.bytes);
+        auto accessor = readScene(file.name());
+        EXPECT_EQ(accessor->numbers(), kSixDigits);
+        accessor->setNumbers(kExact);
+        edit(*accessor);
+        std::string errors;
+        ASSERT_TRUE(accessor->write(errors)) << errors;
+        EXPECT_EQ(file.bytes(), scene.edited);
+
+        accessor->associations()["Numbers"].channel("vertex").setDataStream(samples);
+        for (const char* const label : {"first", "second"})
+        {
+            ASSERT_TRUE(accessor->write(errors)) << errors;
+            accessor = readScene(file.name());
+            accessor->setNumbers(kExact);
+            Stream& read = *accessor->associations()["Numbers"].channel("vertex").findDataStream("samples");
+            for (unsigned int i = 0; i < 300; ++i)
+                ASSERT_EQ(std::memcmp(read.element(i).data(), samples.element(i).data(), size), 0) << i;
+            Handle first = read.element(0U);
+            setText(first, "label", label);
+        }
     }
 }
 

@@ -34,13 +34,24 @@ protected:
         return associationsOf("vertex", "weights", *mWeight, 0, value);
     }
 
+    /// Puts the metadata into the file, whatever can be read of it.
+    bool replace(const std::string& fileName, const Accessor::StructureSet& structures,
+                 const std::map<std::string, Associations>& associations)
+    {
+        OvriBinaryFileAccessor accessor;
+        std::string ignored;
+        accessor.read(fileName, ignored);
+        accessor.setStructures(structures);
+        accessor.associations() = associations;
+        return accessor.write(mErrors);
+    }
+
     /// Puts metadata for "Body" and the scene into the file; on failure the file must be as it was.
     bool write()
     {
         const std::string before = mFile.bytes();
         mErrors = "kept, ";
-        const bool isWritten = BinaryWriter::writeMetadata(mFile.name(), {mWeight.get()},
-                                                           {{"Body", weights("0.5")}, {"", weights("1")}}, mErrors);
+        const bool isWritten = replace(mFile.name(), {mWeight.get()}, {{"Body", weights("0.5")}, {"", weights("1")}});
         EXPECT_EQ(isWritten, mErrors == "kept, ") << mErrors;
         EXPECT_TRUE(isWritten || mFile.bytes() == before);
         return isWritten;
@@ -163,7 +174,7 @@ TEST_F(BinaryWriterTest, Write_RefusesAFileWhoseEndsDoNotMeet)
     }
     const std::string missing = mFile.name() + " not there";
     mErrors.clear();
-    EXPECT_FALSE(BinaryWriter::writeMetadata(missing, {}, {}, mErrors));
+    EXPECT_FALSE(replace(missing, {}, {}));
     EXPECT_EQ(mErrors, "Could not open " + missing + " for writing.");
     for (const char* const name : {"oa", "ob"})
     {
@@ -186,7 +197,7 @@ TEST_F(BinaryWriterTest, Write_NamesWhatCouldNotBeSerialized)
         EXPECT_FALSE(write());
         EXPECT_EQ(mErrors, "kept, Could not write scene associations chunk to in-memory trailer.");
         mErrors.clear();
-        EXPECT_FALSE(BinaryWriter::writeMetadata(mFile.name(), {mWeight.get()}, {{"Body", weights("1")}}, mErrors));
+        EXPECT_FALSE(replace(mFile.name(), {mWeight.get()}, {{"Body", weights("1")}}));
         EXPECT_EQ(mErrors, "Could not write node associations chunk to in-memory trailer.");
     }
     EXPECT_TRUE(write());
@@ -201,7 +212,7 @@ TEST_F(BinaryWriterTest, Texts_AreUtf8InTheFileAndInTheLocalesEncodingOutside)
 
     const auto bytesInFile = [&](const std::string& value) {
         const Associations notes = associationsOf("scene", "notes", *note, 0, value);
-        EXPECT_TRUE(BinaryWriter::writeMetadata(mFile.name(), {note.get()}, {{"", notes}}, mErrors)) << mErrors;
+        EXPECT_TRUE(replace(mFile.name(), {note.get()}, {{"", notes}})) << mErrors;
         const std::string bytes = mFile.bytes();
         const std::size_t begin = bytes.find('"') + 1;
         return bytes.substr(begin, bytes.find('"', begin) - begin);

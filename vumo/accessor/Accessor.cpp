@@ -3,6 +3,7 @@
 #include "vumo/accessor/AccessorFactory.h"
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
+#include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/accessor/detail/File.h"
 #include "vumo/accessor/detail/FileRecovery.h"
 #include "vumo/accessor/detail/Refusal.h"
@@ -75,12 +76,8 @@ private:
 };
 } // namespace
 
-struct Accessor::Impl
+struct Accessor::Impl : detail::AccessorState
 {
-    std::string mFileName;
-    StructureSet mStructures; // one reference on each
-    std::map<std::string, Associations> mAssociations;
-    eDurability mDurability = kJournal;
 };
 
 bool Accessor::StructureNameLessThan::operator()(const Structure* a, const Structure* b) const
@@ -94,7 +91,7 @@ Accessor::Accessor() : mImpl(std::make_unique<Impl>()) {}
 
 Accessor::~Accessor()
 {
-    for (const Structure* structure : mImpl->mStructures)
+    for (const Structure* structure : mImpl->structures)
         structure->unref();
 }
 
@@ -113,12 +110,22 @@ bool Accessor::isFileSupported(const std::string& /*fileName*/) const
 
 void Accessor::setDurability(eDurability durability)
 {
-    mImpl->mDurability = durability;
+    mImpl->durability = durability;
 }
 
 Accessor::eDurability Accessor::durability() const
 {
-    return mImpl->mDurability;
+    return mImpl->durability;
+}
+
+void Accessor::setNumbers(eNumbers numbers)
+{
+    mImpl->numbers = numbers;
+}
+
+eNumbers Accessor::numbers() const
+{
+    return mImpl->numbers;
 }
 
 bool Accessor::read(const std::string& fileName, std::string& errors)
@@ -132,9 +139,9 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
     const RegistryGuard guard;
     try
     {
-        mImpl->mFileName = fileName;
-        mImpl->mStructures.clear(); // without releasing them: callers of an earlier read may use them still
-        mImpl->mAssociations.clear();
+        mImpl->fileName = fileName;
+        mImpl->structures.clear(); // without releasing them: callers of an earlier read may use them still
+        mImpl->associations.clear();
         const detail::UndoPlace place(fileName);
         bool isRead = detail::recover(place, errors);
         if (isRead)
@@ -165,17 +172,17 @@ void Accessor::keepRegisteredStructures()
 
 const std::string& Accessor::fileName() const
 {
-    return mImpl->mFileName;
+    return mImpl->fileName;
 }
 
 const Accessor::StructureSet& Accessor::structures() const
 {
-    return mImpl->mStructures;
+    return mImpl->structures;
 }
 
 void Accessor::setStructures(const StructureSet& structures)
 {
-    if (&structures == &mImpl->mStructures)
+    if (&structures == &mImpl->structures)
         return;
     // A set never compares its only element, so a null may have come in.
     if (std::find(structures.begin(), structures.end(), nullptr) != structures.end())
@@ -184,25 +191,30 @@ void Accessor::setStructures(const StructureSet& structures)
     StructureSet replaced = structures; // all that can throw comes before the first reference
     for (const Structure* structure : replaced)
         structure->ref();
-    replaced.swap(mImpl->mStructures);
+    replaced.swap(mImpl->structures);
     for (const Structure* structure : replaced)
         structure->unref();
 }
 
 const std::map<std::string, Associations>& Accessor::associations() const
 {
-    return mImpl->mAssociations;
+    return mImpl->associations;
 }
 
 std::map<std::string, Associations>& Accessor::associations()
 {
-    return mImpl->mAssociations;
+    return mImpl->associations;
+}
+
+detail::AccessorState& Accessor::state() const
+{
+    return *mImpl;
 }
 
 void Accessor::clear()
 {
     setStructures(StructureSet());
-    mImpl->mAssociations.clear();
+    mImpl->associations.clear();
 }
 
 std::set<std::string> Accessor::supportedExtensions()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Associations.h"
+#include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
@@ -12,6 +13,11 @@
 
 namespace vumo::Data
 {
+namespace detail
+{
+struct AccessorState;
+}
+
 /// Reads and rewrites the metadata of one scene file without loading the scene.
 ///
 ///     std::string errors;
@@ -91,6 +97,12 @@ public:
     void setDurability(eDurability durability);
     eDurability durability() const;
 
+    /// Chooses how the following calls of write() write floating-point numbers: with six digits, as the formats of the
+    /// files prescribe, or exactly. A record whose line gets too long with exact numbers is refused; nothing falls back
+    /// to six digits by itself.
+    void setNumbers(eNumbers numbers);
+    eNumbers numbers() const;
+
     /// Reads all metadata of the file: the next function without filters, which says what becomes of `errors`.
     bool read(const std::string& fileName, std::string& errors);
 
@@ -162,6 +174,9 @@ protected:
     /// where read() collects them, and stores the wanted associations in associations().
     virtual bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
                              std::string& errors) = 0;
+
+    /// What this accessor holds, for the kinds of files that the library itself knows.
+    detail::AccessorState& state() const;
 
 private:
     struct Impl;

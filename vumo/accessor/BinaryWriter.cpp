@@ -2,6 +2,7 @@
 
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/BinaryReader.h"
+#include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
@@ -86,7 +87,7 @@ bool appendStructureChunk(const Structure& structure, std::string& out, std::str
 }
 
 bool appendAssociationsChunk(const std::string& tag, const std::string& name, const Associations& associations,
-                             std::string& out, std::string& errors)
+                             eNumbers numbers, std::string& out, std::string& errors)
 {
     if (associations.empty())
         return true;
@@ -96,7 +97,7 @@ bool appendAssociationsChunk(const std::string& tag, const std::string& name, co
     chunk.appendZeroTerminated(name);
     chunk.appendZeroTerminated(kFormatWritten);
     const std::size_t text = out.size();
-    if (!serializeAssociations(associations, out, errors))
+    if (!serializeAssociations(associations, numbers, out, errors))
         return false;
     if (chunk.endWithText(text))
         return true;
@@ -195,12 +196,13 @@ bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after
     return true;
 }
 
-bool appendChunkOf(const std::string& nodeName, const Associations& associations, std::string& out, std::string& errors)
+bool appendChunkOf(const std::string& nodeName, const Associations& associations, eNumbers numbers, std::string& out,
+                   std::string& errors)
 {
     const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
     const std::string& tag =
         isScene ? Binary::getApplySceneMetaDataChunkName() : Binary::getApplyNodeMetaDataChunkName();
-    return appendAssociationsChunk(tag, nodeName, associations, out, errors);
+    return appendAssociationsChunk(tag, nodeName, associations, numbers, out, errors);
 }
 
 constexpr MetadataForm kChunks = {appendStructureChunk,
@@ -211,14 +213,13 @@ constexpr MetadataForm kChunks = {appendStructureChunk,
                                   "Could not write scene associations chunk to in-memory trailer."};
 
 /// Builds the chunks of the new trailer: the old ones that stay, around the new metadata.
-bool buildTrailer(std::istream& in, const Trailer& old, const Accessor::StructureSet& structures,
-                  const std::map<std::string, Associations>& associations, std::string& content, std::string& errors)
+bool buildTrailer(std::istream& in, const Trailer& old, const AccessorState& metadata, std::string& content,
+                  std::string& errors)
 {
     ChunkCursor chunks(in, old.length(), ChunkCursor::kWindowToSkip);
     std::string after;
     content.reserve(old.length()); // it is seldom much longer
-    if (!readKeptChunks(chunks, content, after, errors) ||
-        !appendMetadata(kChunks, structures, associations, content, errors))
+    if (!readKeptChunks(chunks, content, after, errors) || !appendMetadata(kChunks, metadata, content, errors))
         return false;
     content += after;
     if (content.size() > kLongestTrailer)
@@ -266,23 +267,21 @@ bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& 
 {
     std::string bytes;
     std::string faults;
-    const bool isBuilt = appendAssociationsChunk(tag, name, associations, bytes, faults);
+    const bool isBuilt = appendAssociationsChunk(tag, name, associations, kSixDigits, bytes, faults);
     if (errors)
         *errors += messagesOf(name, faults);
     return isBuilt && (bytes.empty() || writeBytes(out, bytes));
 }
 
-bool BinaryWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
-                                 const std::map<std::string, Associations>& associations, std::string& errors,
-                                 Accessor::eDurability durability)
+bool BinaryWriter::writeMetadata(const AccessorState& metadata, std::string& errors)
 {
-    SceneUpdate update(fileName, durability);
+    SceneUpdate update(metadata.fileName, metadata.durability);
     if (!update.begin(errors))
         return false;
     FileInput in(update.file());
     Trailer trailer;
     std::string content;
-    return findTrailer(in, trailer, errors) && buildTrailer(in, trailer, structures, associations, content, errors) &&
+    return findTrailer(in, trailer, errors) && buildTrailer(in, trailer, metadata, content, errors) &&
            replaceTrailer(update, trailer, std::move(content), errors);
 }
 

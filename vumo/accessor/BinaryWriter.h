@@ -1,17 +1,20 @@
 #pragma once
 
-#include "vumo/accessor/Accessor.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
-#include <map>
 #include <ostream>
 #include <string>
 
 namespace vumo::Data
 {
+namespace detail
+{
+struct AccessorState;
+}
+
 /// Writes metadata as chunks, and puts it into the trailer of a binary scene file.
 class VUMO_EXPORT BinaryWriter
 {
@@ -38,9 +41,7 @@ public:
     /// ones of a name are refused, as is all else that could not be read again. The whole tail is built and checked
     /// before the first byte of the file changes; a file that has anything behind its main chunk is refused, because
     /// that would be lost.
-    static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
-                              const std::map<std::string, Associations>& associations, std::string& errors,
-                              Accessor::eDurability durability = Accessor::kJournal);
+    static bool writeMetadata(const detail::AccessorState& metadata, std::string& errors);
 
     static bool Debug(const BinaryWriter* object, vumo::Debug::Print& request);
     static bool Debug(const BinaryWriter* object, vumo::Debug::Footprint& request);

@@ -10,7 +10,7 @@ namespace vumo::Data
 {
 bool OvriAsciiFileAccessor::write(std::string& errors) const
 {
-    return detail::AsciiWriter::writeMetadata(fileName(), structures(), associations(), errors, durability());
+    return detail::AsciiWriter::writeMetadata(state(), errors);
 }
 
 bool OvriAsciiFileAccessor::isFileSupported(const std::string& fileName) const

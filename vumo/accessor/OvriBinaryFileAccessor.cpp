@@ -11,7 +11,7 @@ namespace vumo::Data
 {
 bool OvriBinaryFileAccessor::write(std::string& errors) const
 {
-    return BinaryWriter::writeMetadata(fileName(), structures(), associations(), errors, durability());
+    return BinaryWriter::writeMetadata(state(), errors);
 }
 
 bool OvriBinaryFileAccessor::isFileSupported(const std::string& fileName) const

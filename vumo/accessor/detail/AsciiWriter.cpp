@@ -1,6 +1,7 @@
 #include "vumo/accessor/detail/AsciiWriter.h"
 
 #include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/accessor/detail/AsciiStatements.h"
 #include "vumo/accessor/detail/AsciiText.h"
 #include "vumo/accessor/detail/FileInput.h"
@@ -101,8 +102,8 @@ bool appendStructure(const Structure& structure, std::string& out, std::string& 
 /// Appends the statement that applies the associations to the node of that name, or to the scene. Appends nothing for
 /// empty ones. False, with the reasons appended to `errors`, when they cannot be written, or when the name would not be
 /// read back or could be taken for something else.
-bool appendAssociations(const std::string& nodeName, const Associations& associations, std::string& out,
-                        std::string& errors)
+bool appendAssociations(const std::string& nodeName, const Associations& associations, eNumbers numbers,
+                        std::string& out, std::string& errors)
 {
     if (associations.empty())
         return true;
@@ -111,7 +112,7 @@ bool appendAssociations(const std::string& nodeName, const Associations& associa
     if (fault)
         errors += std::string("Its name has ") + fault + ", which a statement cannot carry.\n";
     std::string text;
-    if (!serializeAssociations(associations, text, errors) || fault)
+    if (!serializeAssociations(associations, numbers, text, errors) || fault)
         return false;
     out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
            inQuotes(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " \"";
@@ -196,11 +197,9 @@ bool readKept(std::istream& file, const AsciiTail& tail, std::string& above, std
 }
 } // namespace
 
-bool AsciiWriter::writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
-                                const std::map<std::string, Associations>& associations, std::string& errors,
-                                Accessor::eDurability durability)
+bool AsciiWriter::writeMetadata(const AccessorState& metadata, std::string& errors)
 {
-    SceneUpdate update(fileName, durability);
+    SceneUpdate update(metadata.fileName, metadata.durability);
     if (!update.begin(errors))
         return false;
     FileInput in(update.file());
@@ -208,7 +207,7 @@ bool AsciiWriter::writeMetadata(const std::string& fileName, const Accessor::Str
     std::string content;
     std::string trailer;
     if (!findTail(in, tail, errors) || !readKept(in, tail, content, trailer, errors) ||
-        !appendMetadata(kStatements, structures, associations, content, errors))
+        !appendMetadata(kStatements, metadata, content, errors))
         return false;
     content += trailer;
     const auto start = static_cast<std::uint64_t>(regionStart(tail));

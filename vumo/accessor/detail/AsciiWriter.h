@@ -1,12 +1,11 @@
 #pragma once
 
-#include "vumo/accessor/Accessor.h"
-
-#include <map>
 #include <string>
 
 namespace vumo::Data::detail
 {
+struct AccessorState;
+
 /// Writes metadata as statements, and puts it at the end of an ASCII scene file.
 class AsciiWriter
 {
@@ -18,8 +17,6 @@ public:
     ///
     /// The change is made as a whole or not at all, even if it is interrupted: see `Accessor::eDurability`. Everything
     /// is built and checked before the first byte of the file changes.
-    static bool writeMetadata(const std::string& fileName, const Accessor::StructureSet& structures,
-                              const std::map<std::string, Associations>& associations, std::string& errors,
-                              Accessor::eDurability durability);
+    static bool writeMetadata(const AccessorState& metadata, std::string& errors);
 };
 } // namespace vumo::Data::detail

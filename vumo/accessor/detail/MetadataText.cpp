@@ -53,12 +53,14 @@ bool serializeStructure(const Structure& structure, std::string& text, std::stri
     return false;
 }
 
-bool serializeAssociations(const Associations& associations, std::string& text, std::string& errors)
+bool serializeAssociations(const Associations& associations, eNumbers numbers, std::string& text, std::string& errors)
 {
     const AssociationsSerializer* const serializer = AssociationsSerializer::formatByName(kFormatWritten);
     if (!serializer)
         return false;
     StringOutput out(text);
+    if (numbers == kExact)
+        out << exactNumbers;
     std::string ownErrors;
     const bool isWritten = serializer->write(associations, out, ownErrors) == 0 && out;
     errors += ownErrors;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Associations.h"
+#include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 
 #include <string>
@@ -15,8 +16,9 @@ constexpr char kFormatWritten[] = "raw";
 /// with the reason appended to `errors`: the file could not be read again.
 bool serializeStructure(const Structure& structure, std::string& text, std::string& errors);
 
-/// Appends the text of associations. False, with the serializer's messages appended to `errors`, when there is none.
-bool serializeAssociations(const Associations& associations, std::string& text, std::string& errors);
+/// Appends the text of associations, with such numbers. False, with the serializer's messages appended to `errors`,
+/// when there is none.
+bool serializeAssociations(const Associations& associations, eNumbers numbers, std::string& text, std::string& errors);
 
 /// What is wrong with the structure, as a line of a message.
 std::string structureMessage(const Structure& structure, const std::string& fault);

@@ -21,12 +21,12 @@ std::string textOf(const Channel& channel, const Stream& stream)
 class MetadataWriter
 {
 public:
-    MetadataWriter(const MetadataForm& form, const Accessor::StructureSet& structures,
-                   const AssociationsMap& associations, std::string& out, std::string& errors)
+    MetadataWriter(const MetadataForm& form, const AccessorState& metadata, std::string& out, std::string& errors)
         : mForm(form),
-          mStructures(structures),
-          mAssociations(associations),
-          mScene(associations.find(AccessorOvri::getSceneAssociationsName())),
+          mStructures(metadata.structures),
+          mAssociations(metadata.associations),
+          mScene(mAssociations.find(AccessorOvri::getSceneAssociationsName())),
+          mNumbers(metadata.numbers),
           mOut(out),
           mErrors(errors)
     {
@@ -97,7 +97,7 @@ private:
     {
         std::string faults;
         const bool isClear = usesOneStructureOfAName(entry.second, faults);
-        const bool isWritten = mForm.appendAssociations(entry.first, entry.second, mOut, faults);
+        const bool isWritten = mForm.appendAssociations(entry.first, entry.second, mNumbers, mOut, faults);
         mErrors += messagesOf(entry.first, faults);
         return isClear && isWritten;
     }
@@ -128,15 +128,15 @@ private:
     const Accessor::StructureSet& mStructures;
     const AssociationsMap& mAssociations;
     const AssociationsMap::const_iterator mScene;
+    const eNumbers mNumbers;
     std::map<const Structure*, User, Accessor::StructureNameLessThan> mMore; // that no caller named
     std::string& mOut;
     std::string& mErrors;
 };
 } // namespace
 
-bool appendMetadata(const MetadataForm& form, const Accessor::StructureSet& structures,
-                    const std::map<std::string, Associations>& associations, std::string& out, std::string& errors)
+bool appendMetadata(const MetadataForm& form, const AccessorState& metadata, std::string& out, std::string& errors)
 {
-    return MetadataWriter(form, structures, associations, out, errors).write();
+    return MetadataWriter(form, metadata, out, errors).write();
 }
 } // namespace vumo::Data::detail

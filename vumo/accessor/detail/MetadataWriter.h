@@ -1,10 +1,10 @@
 #pragma once
 
-#include "vumo/accessor/Accessor.h"
+#include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/data/Associations.h"
+#include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 
-#include <map>
 #include <string>
 
 namespace vumo::Data::detail
@@ -16,8 +16,8 @@ struct MetadataForm
     bool (*appendStructure)(const Structure& structure, std::string& out, std::string& errors);
 
     /// Appends nothing for empty associations. Those of the scene have the scene associations name.
-    bool (*appendAssociations)(const std::string& nodeName, const Associations& associations, std::string& out,
-                               std::string& errors);
+    bool (*appendAssociations)(const std::string& nodeName, const Associations& associations, eNumbers numbers,
+                               std::string& out, std::string& errors);
 
     bool isSceneFirst; ///< ahead of the nodes, or behind them
     const char* structureFailed;
@@ -28,6 +28,5 @@ struct MetadataForm
 /// Appends all metadata of a file in that form: the structures, also those that streams use beyond the given ones, the
 /// nodes and the scene. False, with the reasons and
 /// the form's sentence appended to `errors`, at the first of them that cannot be written so that it can be read again.
-bool appendMetadata(const MetadataForm& form, const Accessor::StructureSet& structures,
-                    const std::map<std::string, Associations>& associations, std::string& out, std::string& errors);
+bool appendMetadata(const MetadataForm& form, const AccessorState& metadata, std::string& out, std::string& errors);
 } // namespace vumo::Data::detail
