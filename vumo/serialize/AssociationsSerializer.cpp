@@ -24,7 +24,7 @@ AssociationsSerializer::AssociationsSerializer()
 
 AssociationsSerializer::~AssociationsSerializer()
 {
-    deregisterFormat(*this);
+    deregisterFormat(this);
 }
 
 const std::set<const AssociationsSerializer*>& AssociationsSerializer::allFormats()
@@ -37,26 +37,14 @@ std::set<const AssociationsSerializer*>& AssociationsSerializer::allFormatsToEdi
     return Registry::formats();
 }
 
-void AssociationsSerializer::registerFormat(const AssociationsSerializer& format)
-{
-    Registry::formats().insert(&format);
-}
-
 void AssociationsSerializer::registerFormat(const AssociationsSerializer* format)
 {
-    if (format)
-        registerFormat(*format);
-}
-
-void AssociationsSerializer::deregisterFormat(const AssociationsSerializer& format)
-{
-    Registry::deregister(format, theDefault);
+    Registry::add(format);
 }
 
 void AssociationsSerializer::deregisterFormat(const AssociationsSerializer* format)
 {
-    if (format)
-        deregisterFormat(*format);
+    Registry::remove(format, theDefault);
 }
 
 void AssociationsSerializer::setDefaultFormat(const AssociationsSerializer* format)

@@ -3,8 +3,7 @@
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
-#include <istream>
-#include <ostream>
+#include <iosfwd>
 #include <set>
 #include <string>
 
@@ -48,12 +47,12 @@ public:
     static std::set<const AssociationsSerializer*>& allFormatsToEdit();
 
     /// Does not touch the default. Null does nothing, here and where formats are deregistered.
-    static void registerFormat(const AssociationsSerializer& format);
     static void registerFormat(const AssociationsSerializer* format);
+    static void registerFormat(const AssociationsSerializer& format) { registerFormat(&format); }
 
     /// When the format is the default, registered or not, the first one left takes its place, or null.
-    static void deregisterFormat(const AssociationsSerializer& format);
     static void deregisterFormat(const AssociationsSerializer* format);
+    static void deregisterFormat(const AssociationsSerializer& format) { deregisterFormat(&format); }
 
     /// Any format will do, registered or not; null means none.
     static void setDefaultFormat(const AssociationsSerializer* format);

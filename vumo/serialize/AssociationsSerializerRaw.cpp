@@ -3,7 +3,7 @@
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/ChannelSerializerRaw.h"
-#include "vumo/serialize/detail/FormatDebug.h"
+#include "vumo/serialize/detail/FormatInstance.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
@@ -92,9 +92,7 @@ AssociationsSerializerRaw* AssociationsSerializerRaw::theInstance = nullptr;
 
 AssociationsSerializerRaw* AssociationsSerializerRaw::theFormat()
 {
-    if (!theInstance)
-        theInstance = new AssociationsSerializerRaw();
-    return theInstance;
+    return detail::theOnly(theInstance);
 }
 
 AssociationsSerializerRaw::AssociationsSerializerRaw()

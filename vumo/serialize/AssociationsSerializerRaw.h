@@ -6,8 +6,7 @@
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/SerializerRaw.h"
 
-#include <istream>
-#include <ostream>
+#include <iosfwd>
 #include <string>
 
 namespace vumo::Data

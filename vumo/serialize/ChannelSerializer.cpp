@@ -24,7 +24,7 @@ ChannelSerializer::ChannelSerializer()
 
 ChannelSerializer::~ChannelSerializer()
 {
-    deregisterFormat(*this);
+    deregisterFormat(this);
 }
 
 const std::set<const ChannelSerializer*>& ChannelSerializer::allFormats()
@@ -37,26 +37,14 @@ std::set<const ChannelSerializer*>& ChannelSerializer::allFormatsToEdit()
     return Registry::formats();
 }
 
-void ChannelSerializer::registerFormat(const ChannelSerializer& format)
-{
-    Registry::formats().insert(&format);
-}
-
 void ChannelSerializer::registerFormat(const ChannelSerializer* format)
 {
-    if (format)
-        registerFormat(*format);
-}
-
-void ChannelSerializer::deregisterFormat(const ChannelSerializer& format)
-{
-    Registry::deregister(format, theDefault);
+    Registry::add(format);
 }
 
 void ChannelSerializer::deregisterFormat(const ChannelSerializer* format)
 {
-    if (format)
-        deregisterFormat(*format);
+    Registry::remove(format, theDefault);
 }
 
 void ChannelSerializer::setDefaultFormat(const ChannelSerializer* format)

@@ -4,7 +4,7 @@
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/StreamSerializerRaw.h"
-#include "vumo/serialize/detail/FormatDebug.h"
+#include "vumo/serialize/detail/FormatInstance.h"
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
@@ -83,9 +83,7 @@ ChannelSerializerRaw* ChannelSerializerRaw::theInstance = nullptr;
 
 ChannelSerializerRaw* ChannelSerializerRaw::theFormat()
 {
-    if (!theInstance)
-        theInstance = new ChannelSerializerRaw();
-    return theInstance;
+    return detail::theOnly(theInstance);
 }
 
 ChannelSerializerRaw::ChannelSerializerRaw()

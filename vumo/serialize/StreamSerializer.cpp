@@ -24,7 +24,7 @@ StreamSerializer::StreamSerializer()
 
 StreamSerializer::~StreamSerializer()
 {
-    deregisterFormat(*this);
+    deregisterFormat(this);
 }
 
 const std::set<const StreamSerializer*>& StreamSerializer::allFormats()
@@ -37,26 +37,14 @@ std::set<const StreamSerializer*>& StreamSerializer::allFormatsToEdit()
     return Registry::formats();
 }
 
-void StreamSerializer::registerFormat(const StreamSerializer& format)
-{
-    Registry::formats().insert(&format);
-}
-
 void StreamSerializer::registerFormat(const StreamSerializer* format)
 {
-    if (format)
-        registerFormat(*format);
-}
-
-void StreamSerializer::deregisterFormat(const StreamSerializer& format)
-{
-    Registry::deregister(format, theDefault);
+    Registry::add(format);
 }
 
 void StreamSerializer::deregisterFormat(const StreamSerializer* format)
 {
-    if (format)
-        deregisterFormat(*format);
+    Registry::remove(format, theDefault);
 }
 
 void StreamSerializer::setDefaultFormat(const StreamSerializer* format)

@@ -3,8 +3,7 @@
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
-#include <istream>
-#include <ostream>
+#include <iosfwd>
 #include <set>
 #include <string>
 
@@ -48,12 +47,12 @@ public:
     static std::set<const StreamSerializer*>& allFormatsToEdit();
 
     /// Does not touch the default. Null does nothing, here and where formats are deregistered.
-    static void registerFormat(const StreamSerializer& format);
     static void registerFormat(const StreamSerializer* format);
+    static void registerFormat(const StreamSerializer& format) { registerFormat(&format); }
 
     /// When the format is the default, registered or not, the first one left takes its place, or null.
-    static void deregisterFormat(const StreamSerializer& format);
     static void deregisterFormat(const StreamSerializer* format);
+    static void deregisterFormat(const StreamSerializer& format) { deregisterFormat(&format); }
 
     /// Any format will do, registered or not; null means none.
     static void setDefaultFormat(const StreamSerializer* format);

@@ -2,7 +2,7 @@
 
 #include "vumo/foundation/detail/ValueInput.h"
 #include "vumo/serialize/detail/ElementText.h"
-#include "vumo/serialize/detail/FormatDebug.h"
+#include "vumo/serialize/detail/FormatInstance.h"
 #include "vumo/serialize/detail/Messages.h"
 #include "vumo/serialize/detail/StreamReader.h"
 #include "vumo/serialize/detail/StreamWriter.h"
@@ -67,9 +67,7 @@ StreamSerializerRaw* StreamSerializerRaw::theInstance = nullptr;
 
 StreamSerializerRaw* StreamSerializerRaw::theFormat()
 {
-    if (!theInstance)
-        theInstance = new StreamSerializerRaw();
-    return theInstance;
+    return detail::theOnly(theInstance);
 }
 
 StreamSerializerRaw::StreamSerializerRaw()

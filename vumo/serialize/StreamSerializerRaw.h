@@ -8,8 +8,7 @@
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/StreamSerializer.h"
 
-#include <istream>
-#include <ostream>
+#include <iosfwd>
 #include <string>
 
 namespace vumo::Data

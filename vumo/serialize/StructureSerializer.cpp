@@ -24,7 +24,7 @@ StructureSerializer::StructureSerializer()
 
 StructureSerializer::~StructureSerializer()
 {
-    deregisterFormat(*this);
+    deregisterFormat(this);
 }
 
 const std::set<const StructureSerializer*>& StructureSerializer::allFormats()
@@ -37,26 +37,14 @@ std::set<const StructureSerializer*>& StructureSerializer::allFormatsToEdit()
     return Registry::formats();
 }
 
-void StructureSerializer::registerFormat(const StructureSerializer& format)
-{
-    Registry::formats().insert(&format);
-}
-
 void StructureSerializer::registerFormat(const StructureSerializer* format)
 {
-    if (format)
-        registerFormat(*format);
-}
-
-void StructureSerializer::deregisterFormat(const StructureSerializer& format)
-{
-    Registry::deregister(format, theDefault);
+    Registry::add(format);
 }
 
 void StructureSerializer::deregisterFormat(const StructureSerializer* format)
 {
-    if (format)
-        deregisterFormat(*format);
+    Registry::remove(format, theDefault);
 }
 
 void StructureSerializer::setDefaultFormat(const StructureSerializer* format)

@@ -1,7 +1,7 @@
 #include "vumo/serialize/StructureSerializerDebug.h"
 
 #include "vumo/foundation/Print.h"
-#include "vumo/serialize/detail/FormatDebug.h"
+#include "vumo/serialize/detail/FormatInstance.h"
 
 namespace vumo::Data
 {
@@ -18,9 +18,7 @@ StructureSerializerDebug* StructureSerializerDebug::theInstance = nullptr;
 
 StructureSerializerDebug* StructureSerializerDebug::theFormat()
 {
-    if (!theInstance)
-        theInstance = new StructureSerializerDebug();
-    return theInstance;
+    return detail::theOnly(theInstance);
 }
 
 StructureSerializerDebug::StructureSerializerDebug() = default;

@@ -5,8 +5,7 @@
 #include "vumo/foundation/Export.h"
 #include "vumo/serialize/StructureSerializer.h"
 
-#include <istream>
-#include <ostream>
+#include <iosfwd>
 #include <string>
 
 namespace vumo::Data

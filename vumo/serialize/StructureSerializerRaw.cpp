@@ -1,6 +1,6 @@
 #include "vumo/serialize/StructureSerializerRaw.h"
 
-#include "vumo/serialize/detail/FormatDebug.h"
+#include "vumo/serialize/detail/FormatInstance.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -208,9 +208,7 @@ StructureSerializerRaw* StructureSerializerRaw::theInstance = nullptr;
 
 StructureSerializerRaw* StructureSerializerRaw::theFormat()
 {
-    if (!theInstance)
-        theInstance = new StructureSerializerRaw();
-    return theInstance;
+    return detail::theOnly(theInstance);
 }
 
 StructureSerializerRaw::StructureSerializerRaw()

@@ -29,11 +29,19 @@ struct FormatRegistry
         return found == all.end() ? nullptr : *found;
     }
 
-    /// Takes the format out, registered or not, and puts the first one left in its place as the default.
-    static void deregister(const Serializer& format, const Serializer*& theDefault)
+    static void add(const Serializer* format)
     {
-        formats().erase(&format);
-        if (theDefault == &format)
+        if (format)
+            formats().insert(format);
+    }
+
+    /// Takes the format out, registered or not, and puts the first one left in its place as the default.
+    static void remove(const Serializer* format, const Serializer*& theDefault)
+    {
+        if (!format)
+            return; // whoever set no default did not mean the first one left, and null entries are the caller's
+        formats().erase(format);
+        if (theDefault == format)
             theDefault = firstFormat();
     }
 

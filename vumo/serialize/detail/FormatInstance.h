@@ -4,6 +4,16 @@
 
 namespace vumo::Data::detail
 {
+/// The one object of the format, made with the first call and never destroyed: its kind's registry may know it until
+/// the program ends.
+template <class Format>
+Format* theOnly(Format*& theInstance)
+{
+    if (!theInstance)
+        theInstance = new Format();
+    return theInstance;
+}
+
 /// Describes a format, or for null the one static of its class: whether there is the one object of it.
 template <class Format>
 bool debugFormat(const char* className, const Format* format, const Format* theInstance, vumo::Debug::Print& request)
