@@ -90,8 +90,6 @@ bool extractNarrow(ValueInput& in, T& value)
 template <class T>
 bool extractWide(ValueInput& in, T& value)
 {
-    if (in.takePlainNumber(value))
-        return true;
     in.stream() >> value;
     if constexpr (std::is_floating_point_v<T>)
     {
@@ -116,7 +114,8 @@ bool takePlain(ValueInput& in, T& value)
         return in.takePlainNumber(value);
 }
 
-/// Extracts one number. Of one that is refused a wide type keeps what the extraction left, a narrow one nothing.
+/// Extracts one number that takePlain() has left. Of one that is refused a wide type keeps what the extraction left, a
+/// narrow one nothing.
 template <class T>
 bool extract(ValueInput& in, T& value, std::string&)
 {
@@ -132,6 +131,22 @@ bool extractAlone(ValueInput& in, T& value, ReadEntries& read)
 {
     read.isMissing = !in.skipToText();
     return extract(in, value, read.word) && in.isAtSeparator();
+}
+
+template <class T>
+bool readScalars(ValueInput& in, std::size_t entries, char* target, ReadEntries& read)
+{
+    std::size_t next = read.count;
+    for (; next < entries; ++next)
+    {
+        T value{};
+        if (!takePlain(in, value) && !extractAlone(in, value, read))
+            break;
+        if (target)
+            storeScalar(target + next * sizeof(T), value);
+    }
+    read.count = next;
+    return next == entries;
 }
 } // namespace
 
@@ -163,7 +178,7 @@ bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string&
         if constexpr (!std::is_pointer_v<Scalar>)
         {
             auto value = loadScalar<Scalar>(entry); // an extraction that cannot begin leaves it as it is
-            accepted = extract(in, value, word);
+            accepted = takePlain(in, value) || extract(in, value, word);
             if (accepted || !(std::is_same_v<Scalar, bool> || kIsNarrow<Scalar>))
                 storeScalar(entry, value);
         }
@@ -177,20 +192,7 @@ bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char
     visitDataType(type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
         if constexpr (!std::is_pointer_v<Scalar>)
-        {
-            const std::size_t entries = std::size_t(count) * layout.kEntries;
-            std::size_t next = read.count;
-            for (; next < entries; ++next)
-            {
-                Scalar value{};
-                if (!takePlain(in, value) && !extractAlone(in, value, read))
-                    break;
-                if (target)
-                    storeScalar(target + next * sizeof(Scalar), value);
-            }
-            accepted = next == entries;
-            read.count = next;
-        }
+            accepted = readScalars<Scalar>(in, std::size_t(count) * layout.kEntries, target, read);
     });
     return accepted;
 }

@@ -144,18 +144,26 @@ bool readStrings(ValueInput& in, const MemberValues& values, Messages& messages)
     return true;
 }
 
+/// Adds the message for the entry that was refused, and goes on after it. False when there is no text left.
+bool passRefused(ValueInput& in, Member::eDataType type, ReadEntries& read, Messages& messages)
+{
+    const auto place = static_cast<unsigned int>(read.count % dataType(type).entries);
+    messages.add(entryMessage(type, place, readPosition(in.stream()), read.word));
+    if (read.isMissing)
+        return false;
+    in.skipWord();
+    ++read.count;
+    return true;
+}
+
 /// Reads the entries of numbers, booleans or matrices.
 bool readNumbers(ValueInput& in, const MemberValues& values, Messages& messages)
 {
     ReadEntries read;
     while (!readValues(in, values.type, values.length, values.data, read))
     {
-        const auto place = static_cast<unsigned int>(read.count % dataType(values.type).entries);
-        messages.add(entryMessage(values.type, place, readPosition(in.stream()), read.word));
-        if (read.isMissing)
+        if (!passRefused(in, values.type, read, messages))
             return false;
-        in.skipWord();
-        ++read.count;
     }
     return true;
 }

@@ -23,10 +23,12 @@ bool isKeywordLine(std::string_view line, const char* keyword, std::string& text
 bool LineReader::next()
 {
     // Alone, it is enough to ask once: for a file that is a call of the system, and some buffers drop what they hold.
+    mOffset += mConsumed;
     if (mUse == kShared || mRecord == 0)
-        mPosition = readPosition(mIn);
-    else if (mPosition >= 0)
-        mPosition += mConsumed;
+    {
+        mStart = readPosition(mIn);
+        mOffset = 0;
+    }
     if (!takeLine() && !copyLine())
         return false;
     mText = trimmed(mLine);

@@ -51,7 +51,7 @@ public:
     unsigned int record() const { return mRecord; }
 
     /// Where text() begins in the input, counted in characters from 0; -1 where the input cannot tell.
-    long long position() const { return mPosition < 0 ? mPosition : mPosition + (mText.data() - mLine.data()); }
+    long long position() const { return mStart < 0 ? mStart : mStart + mOffset + (mText.data() - mLine.data()); }
 
     std::string tooLongMessage() const;
 
@@ -65,7 +65,8 @@ private:
     char mCopy[kMaxLineLength + 1];
     std::string_view mLine;        // without its newline
     std::string_view mText;        // of the line
-    long long mPosition = -1;      // of the line; -1: the input cannot tell
+    long long mStart = -1;         // where the input stood when it was asked; -1: it cannot tell
+    std::streamoff mOffset = 0;    // of the line, from there
     std::streamsize mConsumed = 0; // of the input for the line, with its newline
     unsigned int mRecord = 0;
     bool mTooLong = false;
