@@ -133,6 +133,19 @@ bool extractAlone(ValueInput& in, T& value, ReadEntries& read)
     return extract(in, value, read.word) && in.isAtSeparator();
 }
 
+/// Reads entries up to the first that is not plain; returns how many.
+template <class T>
+std::size_t readPlainScalars(ValueInput& in, std::size_t entries, char* target)
+{
+    std::size_t next = 0;
+    for (T value{}; next < entries && takePlain(in, value); ++next)
+    {
+        if (target)
+            storeScalar(target + next * sizeof(T), value);
+    }
+    return next;
+}
+
 template <class T>
 bool readScalars(ValueInput& in, std::size_t entries, char* target, ReadEntries& read)
 {
@@ -140,7 +153,7 @@ bool readScalars(ValueInput& in, std::size_t entries, char* target, ReadEntries&
     for (; next < entries; ++next)
     {
         T value{};
-        if (!takePlain(in, value) && !extractAlone(in, value, read))
+        if (!extractAlone(in, value, read))
             break;
         if (target)
             storeScalar(target + next * sizeof(T), value);
@@ -195,6 +208,21 @@ bool readValues(ValueInput& in, Member::eDataType type, unsigned int count, char
             accepted = readScalars<Scalar>(in, std::size_t(count) * layout.kEntries, target, read);
     });
     return accepted;
+}
+
+bool readPlainValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, std::size_t& next)
+{
+    bool areAllPlain = false;
+    visitDataType(type, [&](auto layout) {
+        using Scalar = typename decltype(layout)::Scalar;
+        if constexpr (!std::is_pointer_v<Scalar>)
+        {
+            const std::size_t entries = std::size_t(count) * layout.kEntries;
+            next = readPlainScalars<Scalar>(in, entries, target);
+            areAllPlain = next == entries;
+        }
+    });
+    return areAllPlain;
 }
 
 char* entryAddress(Member::eDataType type, char* value, unsigned int i)

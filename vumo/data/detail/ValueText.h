@@ -23,6 +23,10 @@ bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataTy
 /// `word` receives what stood in place of a boolean. Not for strings.
 bool readEntry(ValueInput& in, Member::eDataType type, char* entry, std::string& word);
 
+/// Reads the entries of `count` values that are plain, up to the first that is not: then it is false, and `next` is the
+/// number of that one, of which nothing was taken. Not for strings.
+bool readPlainValues(ValueInput& in, Member::eDataType type, unsigned int count, char* target, std::size_t& next);
+
 /// How far the entries of values have been read, and about the next one, when it is not acceptable, why.
 struct ReadEntries
 {

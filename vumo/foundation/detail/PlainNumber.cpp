@@ -10,21 +10,15 @@ namespace vumo::detail
 {
 namespace
 {
-constexpr std::uint64_t kGreatestExactInteger = std::uint64_t(1) << DBL_MANT_DIG;
-constexpr std::ptrdiff_t kMostDigits = 19; // whose integer never overflows 64 bits
-constexpr std::ptrdiff_t kLongestExponent = 4;
-constexpr std::uint64_t kIntegerPowersOfTen[] = {1,       10,        100,        1'000,      10'000,
-                                                 100'000, 1'000'000, 10'000'000, 100'000'000};
+constexpr std::uint64_t kGreatestExactInteger = std::uint64_t(1) << DBL_MANT_DIG; // all up to it are doubles
+constexpr std::ptrdiff_t kMostDigits = 19;     // 10^19 is less than 2^64, so their integer does not overflow
+constexpr std::ptrdiff_t kLongestExponent = 4; // e+308 has three digits; what has more than four is left to others
 constexpr double kSigns[] = {1.0, -1.0};
+
+// The powers of ten that are doubles: 10^n is 5^n * 2^n, and 5^22 is the last that fits into 53 bits.
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr auto kGreatestExactPower = static_cast<std::ptrdiff_t>(std::size(kPowersOfTen)) - 1;
-
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-constexpr bool kIsLittleEndian = true;
-#else
-constexpr bool kIsLittleEndian = false;
-#endif
 
 /// The parts of a number's text: +-`integer` * 10^`exponent`.
 struct DecimalText
@@ -35,54 +29,9 @@ struct DecimalText
     bool isNegative = false;
 };
 
-/// Up to eight characters, as one number whose lowest byte is the first of them.
-struct Octet
-{
-    static constexpr std::ptrdiff_t kSize = 8;
-
-    explicit Octet(const char* text) { std::memcpy(&bytes, text, sizeof(bytes)); }
-
-    /// How many of them are digits, up to the first that is none.
-    std::ptrdiff_t digitCount() const
-    {
-        const std::uint64_t values = bytes ^ kZeros;
-        const std::uint64_t others = ((values + kOnes * 0x76) | values) & kHighBits; // 10 and more have their high bit
-        const std::uint64_t below = ((others & (~others + 1)) >> 7) - 1; // all ones, up to the first of them
-        return others == 0 ? kSize : static_cast<std::ptrdiff_t>(((below & kOnes) * kOnes) >> 56);
-    }
-
-    /// The number that the first `count` of them make, all of which are digits; there is one at least.
-    std::uint64_t number(std::ptrdiff_t count) const
-    {
-        std::uint64_t values = (bytes ^ kZeros) << (8 * (kSize - count)); // zeros in front
-        values = values * 10 + (values >> 8);                             // in every other byte, pairs of digits
-        const std::uint64_t outer = (values & kPairs) * (100 + (std::uint64_t(1'000'000) << 32));
-        const std::uint64_t inner = ((values >> 16) & kPairs) * (1 + (std::uint64_t(10'000) << 32));
-        return (outer + inner) >> 32;
-    }
-
-    static constexpr std::uint64_t kOnes = 0x0101010101010101;
-    static constexpr std::uint64_t kZeros = kOnes * '0';
-    static constexpr std::uint64_t kHighBits = kOnes * 0x80;
-    static constexpr std::uint64_t kPairs = 0x000000FF000000FF;
-
-    std::uint64_t bytes;
-};
-
-/// Appends the digits to the integer. Where it can, it takes them all at once: how many there are cannot be foreseen.
+/// Appends the digits to the integer.
 inline const char* scanDigits(const char* at, const char* end, std::uint64_t& integer)
 {
-    if (kIsLittleEndian && end - at >= Octet::kSize)
-    {
-        const Octet octet(at);
-        const std::ptrdiff_t count = octet.digitCount();
-        if (count == 0)
-            return at;
-        integer = integer * kIntegerPowersOfTen[count] + octet.number(count);
-        at += count;
-        if (count < Octet::kSize)
-            return at;
-    }
     for (; at != end; ++at)
     {
         const auto digit = static_cast<unsigned char>(*at - '0');
@@ -109,7 +58,7 @@ const char* scanExponent(const char* at, const char* end, std::ptrdiff_t& expone
     return at;
 }
 
-/// Returns what is behind the number; null when it is not plain.
+/// Returns the end of the number; null when it is not plain.
 inline const char* scanDecimal(std::string_view text, DecimalText& number)
 {
     const char* at = text.data();
@@ -133,7 +82,8 @@ inline const char* scanDecimal(std::string_view text, DecimalText& number)
     return at != end && (*at == 'e' || *at == 'E') ? scanExponent(at + 1, end, number.exponent) : at;
 }
 
-/// Says whether one floating-point operation makes the double out of the parts.
+/// Says whether one floating-point operation makes the double out of the parts. Where the compiler computes with more
+/// bits than a double has, it would be rounded twice.
 bool isExact(const DecimalText& number)
 {
     return FLT_EVAL_METHOD == 0 && number.digits <= kMostDigits && number.integer <= kGreatestExactInteger &&
@@ -145,12 +95,12 @@ double exactDouble(const DecimalText& number)
     const auto integer = static_cast<double>(number.integer);
     const double magnitude =
         number.exponent < 0 ? integer / kPowersOfTen[-number.exponent] : integer * kPowersOfTen[number.exponent];
-    return magnitude * kSigns[number.isNegative]; // no branch: signs cannot be foreseen
+    return magnitude * kSigns[number.isNegative]; // a branch on the sign of random numbers would be mispredicted
 }
 
-/// Says whether the double lies halfway between two floats: then the text, which the double may differ from, is on
-/// either side of it. From any other double to the float is the way that the text itself would go. For doubles in
-/// the range of normal floats, or 0.
+/// Says whether the double lies halfway between two floats. The double is the text rounded, so then the text may lie on
+/// either side of it, and which float is nearer cannot be told. Any other double rounds to the same float as its text.
+/// For doubles in the range of normal floats, or 0.
 bool isHalfwayBetweenFloats(double value)
 {
     constexpr std::uint64_t kHalf = std::uint64_t(1) << (DBL_MANT_DIG - FLT_MANT_DIG - 1);

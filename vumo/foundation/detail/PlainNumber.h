@@ -10,7 +10,7 @@
 namespace vumo::detail
 {
 /// Reads the decimal number at the start of `text`: an optional minus, digits, perhaps with a point between them,
-/// and perhaps an exponent. Returns what is behind it, or null, with `value` as it was, for anything else.
+/// and perhaps an exponent. Returns its end, or null, with `value` as it was, for anything else.
 ///
 /// Takes less than formatted extraction, but gives what that gives. Correct rounding makes it so: short numbers are
 /// an integer and a power of ten that a double holds exactly, so one operation rounds once (Clinger, "How to read

@@ -50,8 +50,8 @@ std::string placeOf(ValueInput& in)
     return " on or about character " + std::to_string(readPosition(in.stream()));
 }
 
-/// Says whether the character means something inside quotation marks, besides itself. Looks for all at once: what the
-/// letters of a text are cannot be foreseen, that hardly any is special can.
+/// Says whether the character means something inside quotation marks, besides itself. All three are compared and joined
+/// without a branch: branches on the letters of a text are mispredicted, and hardly any letter is special.
 bool isSpecial(char c)
 {
     return static_cast<int>(c == '"') | static_cast<int>(c == '\\') | static_cast<int>(c == '\0');
@@ -67,7 +67,7 @@ void readEscape(ValueInput& in, std::string& text)
     text += !isEscape ? '\\' : next == 'n' ? '\n' : Traits::to_char_type(next);
 }
 
-/// Reads what follows the opening quotation mark, or the text that was taken behind it.
+/// Appends what follows the opening quotation mark and the `text` that was taken after it.
 bool readQuoted(ValueInput& in, std::string& text, Messages& messages)
 {
     for (;;)
@@ -159,7 +159,11 @@ bool passRefused(ValueInput& in, Member::eDataType type, ReadEntries& read, Mess
 /// Reads the entries of numbers, booleans or matrices.
 bool readNumbers(ValueInput& in, const MemberValues& values, Messages& messages)
 {
+    std::size_t next = 0;
+    if (readPlainValues(in, values.type, values.length, values.data, next))
+        return true; // as nearly all are, and no text of messages was made ready
     ReadEntries read;
+    read.count = next;
     while (!readValues(in, values.type, values.length, values.data, read))
     {
         if (!passRefused(in, values.type, read, messages))
