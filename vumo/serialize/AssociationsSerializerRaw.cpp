@@ -7,7 +7,7 @@
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
-#include "vumo/serialize/detail/RepeatedNames.h"
+#include "vumo/serialize/detail/ReadBack.h"
 
 #include <memory>
 #include <set>

@@ -25,8 +25,8 @@ public:
     const char* formatType() const override;
     ~AssociationsSerializerRaw() override;
 
-    /// Reads to the word "endAssociations" and nothing behind it. The input may also end after a channel, or
-    /// be empty. What stands on a line behind "channel" is not looked at: the channel tells its own name.
+    /// Reads to the word "endAssociations" and nothing after it. The input may also end after a channel, or
+    /// be empty. What follows "channel" on its line is not looked at: the channel tells its own name.
     Associations* read(std::istream& in, std::string& errors) const override;
 
     int write(const Associations& associations, std::ostream& out, std::string& errors) const override;

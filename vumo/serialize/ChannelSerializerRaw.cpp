@@ -8,7 +8,7 @@
 #include "vumo/serialize/detail/LineReader.h"
 #include "vumo/serialize/detail/LineWriter.h"
 #include "vumo/serialize/detail/Messages.h"
-#include "vumo/serialize/detail/RepeatedNames.h"
+#include "vumo/serialize/detail/ReadBack.h"
 #include "vumo/serialize/detail/StreamWriter.h"
 
 #include <memory>
@@ -49,8 +49,9 @@ std::string firstWord(std::string_view line)
     return std::string(line.substr(0, line.find_first_of(detail::kBlanks)));
 }
 
-/// A channel of that name with the streams of another: its name is given to a channel once and for all.
-std::unique_ptr<Channel> renamed(const Channel& channel, const std::string& name)
+/// A channel of that name with the streams of another. A channel gets its name when it is made, and the line that tells
+/// it may follow the streams.
+std::unique_ptr<Channel> withName(const Channel& channel, const std::string& name)
 {
     auto result = std::make_unique<Channel>(name);
     for (ChannelIterator position = channel.begin(); position.valid(); ++position)
@@ -119,7 +120,7 @@ Channel* ChannelSerializerRaw::read(std::istream& in, std::string& errors) const
     }
     if (!hasEnded)
         messages.add("Missing Channel keyword on or about character " + std::to_string(detail::readPosition(in)));
-    return messages.report("Channel not created", errors) > 0 ? nullptr : renamed(channel, name).release();
+    return messages.report("Channel not created", errors) > 0 ? nullptr : withName(channel, name).release();
 }
 
 int ChannelSerializerRaw::write(const Channel& channel, std::ostream& out, std::string& errors) const

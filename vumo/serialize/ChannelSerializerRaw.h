@@ -25,7 +25,7 @@ public:
     const char* formatType() const override;
     ~ChannelSerializerRaw() override;
 
-    /// Reads to the line "endChannel" and nothing behind it. A channel without a "name" line is "Unnamed"; of
+    /// Reads to the line "endChannel" and nothing after it. A channel without a "name" line is "Unnamed"; of
     /// several the last one counts, and so does the last of several streams of one name.
     Channel* read(std::istream& in, std::string& errors) const override;
 

@@ -4,6 +4,8 @@
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/serialize/detail/LineReader.h"
 
+#include <algorithm>
+
 namespace vumo::Data::detail
 {
 std::string LineOwner::text() const
@@ -37,5 +39,17 @@ std::string notReadBackMessage(const std::string& subject, unsigned int record, 
                                const std::string& fault)
 {
     return subject + " at record " + std::to_string(record) + owner.text() + " cannot be read back: " + fault;
+}
+
+std::set<std::string_view> repeatedNames(std::vector<std::string_view> names)
+{
+    // Nearly all are sorted, as their set is; a repeated name then stands beside its like without more.
+    if (!std::is_sorted(names.begin(), names.end()))
+        std::sort(names.begin(), names.end());
+    std::set<std::string_view> repeated;
+    const auto end = names.end();
+    for (auto name = std::adjacent_find(names.begin(), end); name != end; name = std::adjacent_find(name + 1, end))
+        repeated.insert(*name);
+    return repeated;
 }
 } // namespace vumo::Data::detail

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vumo::Data::detail
 {
@@ -27,4 +29,8 @@ std::string tooLongFault();
 /// Says that something in a text would not be read back as it was.
 std::string notReadBackMessage(const std::string& subject, unsigned int record, const LineOwner& owner,
                                const std::string& fault);
+
+/// Those of the names that come more than once: of streams or channels of one name the last would be read back. A set
+/// that is ordered by name holds such when its entries were renamed through another object that shares them.
+std::set<std::string_view> repeatedNames(std::vector<std::string_view> names);
 } // namespace vumo::Data::detail
