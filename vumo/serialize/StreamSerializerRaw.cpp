@@ -54,13 +54,6 @@ constexpr char kDescription[] = "The raw format consists of a structure name and
                                 "\t4\n"
                                 "\t1 \"Bicep\" 17.0 -1.0 3.5 false\n"
                                 "\tendStream\n";
-
-/// Adds the messages to `errors`, without a summary; returns how many of them are errors.
-int handOn(detail::Messages& messages, std::string& errors)
-{
-    errors += messages.text();
-    return messages.count();
-}
 } // namespace
 
 StreamSerializerRaw* StreamSerializerRaw::theInstance = nullptr;
@@ -106,7 +99,7 @@ int StreamSerializerRaw::writeMember(Handle& handle, unsigned int record, std::o
     if (!detail::appendMember(values, format, member))
         messages.add(detail::refusedMessage(member, format, "", record, {}));
     out.write(values.text().data(), static_cast<std::streamsize>(values.text().size()));
-    return handOn(messages, errors);
+    return messages.appendTo(errors);
 }
 
 int StreamSerializerRaw::readMember(std::istream& in, unsigned int record, Handle& handle, std::string& errors) const
@@ -116,12 +109,12 @@ int StreamSerializerRaw::readMember(std::istream& in, unsigned int record, Handl
     if (!values.data)
     {
         messages.add(detail::unrecognizedMessage(values.type, record));
-        return handOn(messages, errors);
+        return messages.appendTo(errors);
     }
     detail::ValueInput input(in);
     detail::readMember(values, record, input, messages);
     input.handOnState(in);
-    return handOn(messages, errors);
+    return messages.appendTo(errors);
 }
 
 int StreamSerializerRaw::readStructure(const Structure& structure, std::istream& in, unsigned int record,
@@ -133,12 +126,12 @@ int StreamSerializerRaw::readStructure(const Structure& structure, std::istream&
     {
         messages.add("Element at record " + std::to_string(record) + " is not one of Structure '" + structure.name() +
                      "'");
-        return handOn(messages, errors);
+        return messages.appendTo(errors);
     }
     detail::ValueInput input(in);
     detail::ElementText(structure).read(handle.data(), record, input, messages);
     input.handOnState(in);
-    return handOn(messages, errors);
+    return messages.appendTo(errors);
 }
 
 bool StreamSerializerRaw::Debug(const StreamSerializerRaw* object, vumo::Debug::Print& request)

@@ -43,7 +43,7 @@ public:
     const char* formatType() const override;
     ~StreamSerializerRaw() override;
 
-    /// Reads to the line "endStream" and nothing behind it, or to the end of the input.
+    /// Reads to the line "endStream" and nothing after it, or to the end of the input.
     Stream* read(std::istream& in, std::string& errors) const override;
 
     int write(const Stream& stream, std::ostream& out, std::string& errors) const override;

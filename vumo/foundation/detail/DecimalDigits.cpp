@@ -98,9 +98,10 @@ std::optional<DecimalDigits> roundToDigits(double value, int count)
     std::uint64_t bits;
     std::memcpy(&bits, &value, sizeof(bits));
     const int magnitude = static_cast<int>(bits >> kFractionBits) - kExponentBias; // of the highest bit
+    // Wrong for subnormal numbers, which have no hidden bit; but they are out of reach of the scaling below.
     const BinaryNumber number = {(bits & (kHiddenBit - 1)) | kHiddenBit, magnitude - kFractionBits};
     if (magnitude >= 63)
-        return std::nullopt;
+        return std::nullopt; // scaleDown() has 64 bits, and doubles what is left
 
     // The number is less than twice that power of two, so its exponent is this one or the next.
     int exponent = decimalExponent(magnitude);

@@ -16,7 +16,7 @@ namespace
 constexpr std::ios::fmtflags kFloatFormat = std::ios::floatfield | std::ios::showpoint | std::ios::uppercase;
 constexpr std::streamsize kDefaultPrecision = 6;
 
-constexpr std::size_t kDigitsSize = 24; // of a field that is copied as a whole, whatever it holds
+constexpr std::size_t kDigitsSize = 24; // of a field that is copied as a whole, which takes fewer steps than its digits
 static_assert(kDigitsSize >= kMaxDecimalDigits);
 
 /// Room for the longest text that putGeneral() makes, a sign, "0.000" or a point and an exponent, and for what the
@@ -82,7 +82,7 @@ DigitText shortestDigits(T value)
 char* putGeneral(char* out, const DigitText& number, int precision)
 {
     static constexpr char kLeadingZeros[] = "0.000";
-    constexpr int kLeastPlainExponent = -4;
+    constexpr int kLeastPlainExponent = -4; // the rule of "%g"
     const char* const digits = number.field + number.begin;
     const int count = number.count;
     const bool isPlain = number.exponent >= kLeastPlainExponent && number.exponent < precision;
@@ -202,7 +202,7 @@ void NumberFormat::appendUncommonFloat(TextBuilder& text, double value) const
         {std::ios::fixed, std::chars_format::fixed},
         {std::ios::scientific, std::chars_format::scientific},
     };
-    constexpr std::size_t kRoom = 512; // a double in fixed notation with some 200 places behind the point
+    constexpr std::size_t kRoom = 512; // a double in fixed notation has up to 309 digits before the point
     char* const begin = text.room(kRoom);
     for (const auto& entry : kFormats)
     {

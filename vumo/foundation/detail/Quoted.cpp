@@ -6,7 +6,7 @@ namespace vumo::detail
 {
 namespace
 {
-constexpr std::string_view::size_type kLongestQuote = 80;
+constexpr std::string_view::size_type kLongestQuote = 80; // enough to tell a name by, in a message of one line
 
 /// Says whether the byte goes on with a character that has begun, in UTF-8.
 bool continuesCharacter(char byte)
@@ -33,7 +33,7 @@ std::string quoted(std::string_view text)
     if (shown > kLongestQuote)
     {
         shown = kLongestQuote;
-        while (shown > 0 && continuesCharacter(text[shown]))
+        while (shown > 0 && continuesCharacter(text[shown])) // no character is cut in two
             --shown;
     }
     std::string result = "'";

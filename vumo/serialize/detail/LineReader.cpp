@@ -49,7 +49,7 @@ bool LineReader::copyLine()
 {
     mIn.getline(mCopy, sizeof(mCopy));
     mConsumed = mIn.gcount();
-    mTooLong = mIn.fail() && mConsumed == kMaxLineLength;
+    mTooLong = mIn.fail() && mConsumed == kMaxLineLength; // a full buffer and the end are failures alike
     if (mIn.fail() && !mTooLong)
         return false;
 
@@ -57,6 +57,7 @@ bool LineReader::copyLine()
     mLine = {mCopy, static_cast<std::string_view::size_type>(mConsumed) - (hasNewline ? 1 : 0)};
     if (mTooLong)
     {
+        // getline() fails for good when its buffer is full. The end and a broken input stay what they are.
         mIn.clear(mIn.rdstate() & ~std::ios::failbit);
         mIn.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
         mConsumed += mIn.gcount();

@@ -14,15 +14,16 @@ constexpr unsigned int kMaxLineLength = 1023;
 /// Says whether a trimmed line is the keyword, alone or followed by a blank and a text, and gives that text.
 bool isKeywordLine(std::string_view line, const char* keyword, std::string& text);
 
-/// Reads an input line by line, taking nothing behind the line that was asked for.
+/// Reads an input line by line, taking nothing after the line that was asked for.
 ///
 /// Lines are trimmed and counted. Of a line that is too long the rest is read past, so that the next one is
 /// a line again; what is left of its text serves to guess what it was meant to be, never as a value.
 class LineReader
 {
 public:
-    /// Who reads the input while the reader lives. One that is alone may take lines from it late, at the latest when
-    /// it is destroyed, which is much faster.
+    /// Who reads the input while the reader lives. A channel's reader shares it with the readers of the streams, which
+    /// must find it after the last line. One that is alone may take lines from it late, at the latest when it is
+    /// destroyed, which is much faster.
     enum eUse
     {
         kShared,

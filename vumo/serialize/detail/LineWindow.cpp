@@ -6,7 +6,9 @@ namespace vumo::Data::detail
 {
 namespace
 {
-/// Shows the characters that a buffer has at hand, which only its own kind may see.
+/// Shows the characters that a buffer has at hand. gptr() and egptr() are protected, so only a class derived from
+/// std::streambuf may name them; but what it names are members of std::streambuf, and by a pointer to such a member
+/// they can be called for any buffer.
 struct GetArea : std::streambuf
 {
     static std::string_view of(const std::streambuf& buffer)
@@ -25,7 +27,7 @@ bool LineWindow::next(std::string_view& line, std::string_view::size_type limit)
     const std::string_view::size_type length = mAhead.substr(0, limit + 1).find('\n');
     if (length == std::string_view::npos)
     {
-        release();
+        release(); // the input is read in the usual way now, and must stand after what was given out
         return false;
     }
     line = mAhead.substr(0, length);
@@ -37,10 +39,11 @@ bool LineWindow::next(std::string_view& line, std::string_view::size_type limit)
 
 void LineWindow::open()
 {
-    const bool isUsable = mIn.good() && !mIn.tie(); // nothing is flushed late, and release() has nothing to throw
+    // A tied output would be flushed late, and an input in a bad state would make release() throw or do nothing.
+    const bool isUsable = mIn.good() && !mIn.tie();
     mAhead = isUsable ? GetArea::of(*mIn.rdbuf()) : std::string_view();
     if (!mAhead.empty())
-        mAhead.remove_suffix(1); // a buffer that is emptied by release() would be filled anew
+        mAhead.remove_suffix(1); // release() must not empty the buffer, or it would be filled anew, over the last line
 }
 
 void LineWindow::release()
@@ -48,7 +51,7 @@ void LineWindow::release()
     if (mGiven > mLast)
         mIn.ignore(mGiven - mLast);
     if (mGiven > 0)
-        mIn.ignore(mLast); // on its own, as it would have been read
+        mIn.ignore(mLast); // the last line on its own: gcount() is then what reading it leaves
     mGiven = 0;
     mAhead = std::string_view();
 }

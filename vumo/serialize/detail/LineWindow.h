@@ -22,7 +22,7 @@ public:
     /// released, and the input has to be read in the usual way. A line stays valid until the input is used.
     bool next(std::string_view& line, std::string_view::size_type limit);
 
-    /// Takes from the input what was given out, and nothing behind it.
+    /// Takes from the input what was given out, and nothing after it.
     void release();
 
 private:

@@ -14,12 +14,17 @@ void Messages::note(const std::string& message)
     mText += '\n';
 }
 
+int Messages::appendTo(std::string& errors) const
+{
+    errors += mText;
+    return mCount;
+}
+
 int Messages::report(const std::string& consequence, std::string& errors)
 {
     if (mCount == 0)
-        return 0;
+        return 0; // what was only noted is not worth a report
     note(std::to_string(mCount) + (mCount > 1 ? " errors" : " error") + " found, " + consequence);
-    errors += mText;
-    return mCount;
+    return appendTo(errors);
 }
 } // namespace vumo::Data::detail

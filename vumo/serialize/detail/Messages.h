@@ -20,6 +20,9 @@ public:
 
     int count() const { return mCount; }
 
+    /// Appends all lines to `errors`, without a summary; returns the count.
+    int appendTo(std::string& errors) const;
+
     /// When there were errors, appends all lines to `errors`, closed by the summary: the count and what comes
     /// of it, "Stream not created", say. Returns the count.
     int report(const std::string& consequence, std::string& errors);

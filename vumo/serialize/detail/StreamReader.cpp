@@ -130,7 +130,7 @@ std::optional<Index> StreamReader::parseIndex()
     }
     catch (...)
     {
-        refuseIndex(Index::eIllegalIndexText); // an index type of somebody else's may throw what it likes
+        refuseIndex(Index::eIllegalIndexText); // the index types of users may throw what they like
     }
     return std::nullopt;
 }

@@ -113,7 +113,7 @@ bool StreamWriter::isRecreated(Index& index, const std::string& text) const
 {
     const std::string& type = mStream.indexType();
     if (isExactly<IndexString>(index, type) || isExactly<IndexPair>(index, type))
-        return true; // nobody else's text can say less than the index
+        return true; // their texts tell all of them, so it is not tried: most indices are of these types
     try
     {
         return Index::doCreate(type, text) == index;
@@ -124,7 +124,7 @@ bool StreamWriter::isRecreated(Index& index, const std::string& text) const
     }
     catch (...)
     {
-        return false; // an index type of somebody else's may throw what it likes
+        return false; // the index types of users may throw what they like
     }
 }
 
