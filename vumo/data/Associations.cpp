@@ -26,7 +26,7 @@ bool Associations::makeUnique()
     if (!mImpl->isShared())
         return false;
     mImpl = Ref<AssociationsImpl>(new AssociationsImpl(*mImpl));
-    return mImpl->makeUnique();
+    return mImpl->makeUnique(); // what was copied so far goes on sharing what it holds
 }
 
 Channel Associations::channel(const std::string& name)

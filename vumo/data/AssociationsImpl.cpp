@@ -31,7 +31,7 @@ AssociationsImpl::AssociationsImpl(const AssociationsImpl& other)
 
 bool AssociationsImpl::makeUnique()
 {
-    Set unique;
+    Set unique; // made aside: when a copy fails, all channels are as they were
     bool copied = false;
     for (const Channel& channel : mChannels)
     {
@@ -66,7 +66,7 @@ void AssociationsImpl::setChannel(const Channel& channel)
 {
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): copied before it may be removed below
     const Channel added(channel);
-    while (removeChannel(added.name()))
+    while (removeChannel(added.name())) // renames through other objects can have given several that name
         continue;
     mChannels.insert(added);
 }
@@ -85,7 +85,7 @@ bool AssociationsImpl::renameChannel(const std::string& oldName, const std::stri
     const auto found = detail::findNamed(mChannels, oldName, mOrderedAt);
     if (found == mChannels.end() || findChannel(newName))
         return false;
-    auto entry = mChannels.extract(found);
+    auto entry = mChannels.extract(found); // renamed within the set it would stand in the wrong place
     entry.value().impl()->setName(newName);
     mChannels.insert(std::move(entry));
     return true;

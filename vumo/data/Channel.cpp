@@ -27,7 +27,7 @@ bool Channel::makeUnique()
     if (!mImpl->isShared())
         return false;
     mImpl = Ref<ChannelImpl>(new ChannelImpl(*mImpl));
-    return mImpl->makeUnique();
+    return mImpl->makeUnique(); // what was copied so far goes on sharing what it holds
 }
 
 const std::string& Channel::name() const

@@ -22,7 +22,7 @@ const std::string& nameOf(const Stream* stream)
 /// Takes ownership once the set holds it.
 Stream* insertStream(ChannelImpl::Set& streams, std::unique_ptr<Stream> stream)
 {
-    streams.insert(stream.get());
+    streams.insert(stream.get()); // may throw, and then the stream is still owned here
     return stream.release();
 }
 
@@ -67,7 +67,7 @@ ChannelImpl::~ChannelImpl()
 
 bool ChannelImpl::makeUnique()
 {
-    Set unique;
+    Set unique; // made aside: when a copy fails, all streams are as they were
     bool copied = false;
     for (const Stream* const stream : mStreams)
     {
@@ -88,10 +88,10 @@ void ChannelImpl::setName(const std::string& name)
 Stream* ChannelImpl::setDataStream(const Stream& stream)
 {
     Stream* const present = findDataStream(stream.name());
-    if (present && present == &stream)
+    if (present && present == &stream) // its caller goes on using it
         return present;
     auto added = std::make_unique<Stream>(stream); // copied before it may be deleted below
-    while (removeDataStream(added->name()))
+    while (removeDataStream(added->name()))        // renames through other channels can have given several that name
         continue;
     return insertStream(mStreams, std::move(added));
 }
@@ -125,7 +125,7 @@ bool ChannelImpl::renameDataStream(const std::string& oldName, const std::string
         return false;
     std::unique_ptr<Stream> renamed(*found);
     mStreams.erase(found);
-    const bool isTaken = findDataStream(newName) != nullptr;
+    const bool isTaken = findDataStream(newName) != nullptr; // by another: the stream itself is out of the set
     renamed->mImpl->setName(newName);
     if (isTaken)
         return false;
@@ -151,7 +151,7 @@ bool ChannelImpl::removeElement(const Index& index)
     {
         if (stream->indexType() != index.typeName())
             continue;
-        removed |= stream->hasElement(index);
+        removed |= stream->hasElement(index); // a removal is true without an element, too
         stream->removeElement(index);
     }
     return removed;

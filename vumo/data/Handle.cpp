@@ -70,6 +70,8 @@ int storeString(const std::string& text, char* value, std::string& messages)
     return 0;
 }
 
+static_assert(sizeof(Handle) == 24, "mapped streams keep one for each element");
+
 bool isFilterSet(const vumo::Debug::Print& request, const std::string& name)
 {
     int value = 0;
@@ -99,13 +101,13 @@ Handle& Handle::operator=(const Handle& other)
 {
     const bool isSameStructure = mStructure == other.mStructure;
     const bool keepsBlock = mOwnsData && mData == other.mData && isSameStructure;
-    if (!keepsBlock)
+    if (!keepsBlock) // else the source borrows what this handle would release
         pointToData(other.mData, false);
     mIndex = other.mIndex;
     if (isSameStructure)
         return *this;
     const Structure* const before = std::exchange(mStructure, other.mStructure);
-    mStructure->refFromIterator();
+    mStructure->refFromIterator(); // first: the old one may be all that holds the new one
     before->unrefFromIterator();
     return *this;
 }
@@ -196,6 +198,7 @@ int Handle::fromStr(const std::string& text, unsigned int i, std::string& errors
     const Member::eDataType type = dataType();
     std::string messages;
     int errorCount = 1;
+    // What is asked for is checked before what there is.
     if (i >= Member::length(member))
         messages = missingElementMessage(member, i) + "\n";
     else if (type >= Member::kInvalidType)
@@ -218,7 +221,7 @@ bool Handle::Debug(const Handle* object, vumo::Debug::Print& request)
     if (!object)
         return detail::debugCounts<Handle>("vumo::Data::Handle", request);
     std::ostringstream line;
-    line.imbue(std::locale::classic());
+    line.imbue(std::locale::classic()); // the dimension is a number, too
     if (isFilterSet(request, kDebugType))
         line << Member::typeName(object->dataType()) << " ";
     const unsigned int length = object->dataLength();
@@ -241,7 +244,7 @@ bool Handle::Debug(const Handle* object, vumo::Debug::Print& request)
                                  reinterpret_cast<const unsigned char*>(object->value(i)));
         }
     }
-    request << line.str().c_str();
+    request << line.str().c_str(); // in one insertion, so that it is indented once
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "vumo/data/IndexPair.h"
 #include "vumo/data/IndexString.h"
 #include "vumo/data/IndexType.h"
+#include "vumo/data/detail/IndexOrder.h"
 #include "vumo/data/detail/IndexText.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"

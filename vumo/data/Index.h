@@ -134,7 +134,8 @@ private:
 
     bool areNumbers(const Index& other) const { return !mComplex && !other.mComplex; }
 
-    // The comparisons where one of both is complex, at least.
+    // The comparisons where one of both is complex, at least. Where both are, each asks the operator of its own name: a
+    // type is free to define them apart.
     bool isEqualComplex(const Index& other) const;
     bool isUnequalComplex(const Index& other) const;
     bool isLessComplex(const Index& other) const;

@@ -25,7 +25,7 @@ void visitStrings(const Member& member, char* data, Visitor&& visit)
 template <class T>
 bool isZero(const char* scalar)
 {
-    return loadScalar<T>(scalar) == T();
+    return loadScalar<T>(scalar) == T(); // not the bits: -0.0 is a default, too
 }
 } // namespace
 

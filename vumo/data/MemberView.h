@@ -19,6 +19,7 @@ struct MemberTypesAre
 {
     static constexpr Member::eDataType kValue = Value;
     static constexpr Member::eDataType kMatrix = Matrix;
+    static constexpr unsigned int kMatrixEntries = 16;
 
     /// How many values of the C++ type an element has in that member; 0 for null and for members of other types.
     static unsigned int valueCount(const Member* member)
@@ -27,7 +28,7 @@ struct MemberTypesAre
         if (type == Member::kInvalidType) // which also stands where a C++ type has no matrix
             return 0;
         if (type == Matrix)
-            return 16 * Member::length(member);
+            return kMatrixEntries * Member::length(member);
         return type == Value ? Member::length(member) : 0;
     }
 };

@@ -14,8 +14,8 @@ namespace vumo::Data
 {
 namespace
 {
-constexpr std::size_t kFirstSlab = 4; // nodes
-constexpr std::size_t kLargestSlab = std::size_t(64) << 10;
+constexpr std::size_t kFirstSlab = 4;                       // nodes: many streams hold no more
+constexpr std::size_t kLargestSlab = std::size_t(64) << 10; // bounds what lies unused in a full container
 } // namespace
 
 void* NodePool::take(std::size_t size)
@@ -48,7 +48,7 @@ void NodePool::giveBack(void* node) noexcept
 
 void NodePool::setNodeSize(std::size_t size)
 {
-    if (mNodeSize > 0 || size == 0 || size % sizeof(Link) != 0)
+    if (mNodeSize > 0 || size == 0 || size % sizeof(Link) != 0) // a free node holds a link, aligned
         throw std::bad_alloc();
     mNodeSize = size;
 }

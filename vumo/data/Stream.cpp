@@ -16,8 +16,8 @@ namespace vumo::Data
 {
 namespace
 {
-/// The storage of a stream by its class, for what the library's own can do in a better way than any other. Both are
-/// null for a storage of somebody else's class.
+/// The storage of a stream, if it is one of the library's: these can do more than the interface of all storages says.
+/// Both are null for any other.
 struct Storage
 {
     explicit Storage(StreamImpl* impl)
@@ -30,7 +30,7 @@ struct Storage
     StreamImplMapped* const mapped;
 };
 
-/// The storage's own description: what is known of it is only how it describes any storage.
+/// Lets a storage describe itself: called for any StreamImpl, debug() only gives the line that all have alike.
 template <class Request>
 bool debugStorage(StreamImpl* impl, Request& request)
 {
@@ -137,7 +137,7 @@ unsigned int Stream::setElements(const unsigned int* indices, const ElementView&
 {
     if (elements.empty())
         return 0;
-    Handle handle(*elements.structure(), nullptr);
+    Handle handle(*elements.structure(), nullptr); // one for all: each would reference the structure
     for (unsigned int i = 0; i < elements.size(); ++i)
     {
         handle.pointToData(elements[i], false);
@@ -158,7 +158,7 @@ unsigned int Stream::getElements(const unsigned int* indices, const ElementView&
         char* const dest = elements[i];
         const char* const source = sources[i];
         found += source ? 1 : 0;
-        if (source == dest)
+        if (source == dest) // the block is the element itself
             continue;
         structure().destroyChunk(dest);
         if (source)

@@ -12,7 +12,7 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, 
       mPosition(location == kIterBegin ? 0 : stream.elementCount())
 {
     mIsInBlock = typeid(stream) == typeid(StreamImplDense);
-    if (mPosition < stream.elementCount())
+    if (mPosition < stream.elementCount()) // else there is no handle, and whoever asks for it is told so
     {
         mHandle = mOwnHandle.get();
         pointTo(stream.elementAddr(0));

@@ -35,8 +35,8 @@ StreamImpl& StreamImpl::operator=(const StreamImpl& other)
 
 bool StreamImpl::mergeStream(const StreamImpl& other)
 {
-    auto& source = const_cast<StreamImpl&>(other); // its handles can be written through; these are not
-    const unsigned int count = other.elementCount();
+    auto& source = const_cast<StreamImpl&>(other);   // its handles can be written through; these are not
+    const unsigned int count = other.elementCount(); // before it grows: it may be this stream
     for (unsigned int i = 0; i < count; ++i)
     {
         const Handle handle = source.element(Index(i));

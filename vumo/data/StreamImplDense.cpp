@@ -118,7 +118,7 @@ bool StreamImplDense::setElement(Index index, const Handle& handle)
 bool StreamImplDense::storeElement(unsigned int i, const Handle& handle)
 {
     char* const dest = slot(i);
-    const bool isItself = dest && dest == handle.data();
+    const bool isItself = dest && dest == handle.data(); // must not be destroyed before it is copied
     if (dest && handle.hasData() && !isItself)
         structure().destroyChunk(dest);
     if (!isItself && !copyElementFromHandle(dest, handle))
@@ -144,7 +144,7 @@ bool StreamImplDense::reindexElement(Index from, Index to)
     const unsigned int target = to.index();
     if (source >= mCount || target == kNoSlot)
         return false;
-    if (source != target)
+    if (source != target) // an element that is moved onto itself is only reset
     {
         ensureSpaceForElement(to);
         if (!storeElement(target, Handle(structure(), slot(source))))
@@ -165,7 +165,7 @@ bool StreamImplDense::swapElements(Index a, Index b)
     if (!first || !second)
         return false;
     if (first != second)
-        std::swap_ranges(first, first + size, second);
+        std::swap_ranges(first, first + size, second); // strings go with their pointers
     return true;
 }
 
@@ -195,9 +195,9 @@ bool StreamImplDense::setElementRange(Index first, Index last)
         return false; // shrinking would leave n - 1 elements
     if (mCount < n)
     {
-        const bool fits = ensureSpaceForElement(Index(n));
+        const bool fits = ensureSpaceForElement(Index(n)); // asks for one slot more than is used
         if (structure().totalSize() > 0 && !slot(n - 1))
-            return false;
+            return false; // a count without memory would promise elements that nobody can read
         mCount = n;
         return fits;
     }
@@ -231,7 +231,7 @@ char* StreamImplDense::elementAddr(Index index) const
 ElementView StreamImplDense::elementView() const
 {
     char* const first = mCount > 0 ? slot(0) : nullptr;
-    if (!first || elementAddr(0) != first)
+    if (!first || elementAddr(0) != first) // a derived class has addresses of its own
         return ElementView();
     return ElementView(structure(), first, mCount, mStride);
 }
@@ -256,7 +256,7 @@ bool StreamImplDense::reallocate(unsigned long long slots)
     if (!mData)
         rememberLayout();
     const unsigned long long mostSlots = std::numeric_limits<std::size_t>::max() / mStride;
-    if (slots == 0 || slots < mAllocated || slots > mostSlots)
+    if (slots == 0 || slots < mAllocated || slots > mostSlots) // the rule gave no size, or less than there is
         return false;
     const unsigned long long filled = mData ? mAllocated : 0;
     // Zero bits are the default of every type, and fresh memory that is wanted so need not be written.
@@ -297,6 +297,7 @@ void StreamImplDense::copyBlock(const StreamImplDense& other)
     if (!mData)
         throw std::bad_alloc();
     std::memcpy(mData, other.mData, mStride * mAllocated);
+    // No two blocks may own one string, not even when a copy fails half-way.
     visitStrings(mData, [](char* string) { storeScalar<char*>(string, nullptr); });
     try
     {

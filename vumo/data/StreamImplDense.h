@@ -42,7 +42,7 @@ public:
     Handle element(Index index) override;
     bool hasElement(Index index) const override;
 
-    /// Copies the element and leaves default values behind, also when both are the same.
+    /// Copies the element and leaves default values at `from`, also when both are the same.
     bool reindexElement(Index from, Index to) override;
 
     /// False when either element is missing.

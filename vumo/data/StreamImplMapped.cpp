@@ -33,7 +33,8 @@ StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
       mLowestValidIndex(other.mLowestValidIndex),
       mHighestValidIndex(other.mHighestValidIndex)
 {
-    // The map's own copy would be made in the order of its branches, which memory caches do not foresee.
+    // In ascending order the new nodes lie in the order in which they are walked; the map's own copy follows its
+    // branches.
     if (!other.mElements.empty())
         placeElementsFor(other.mElements.begin()->first);
     for (const auto& [index, element] : other.mElements)
@@ -111,7 +112,7 @@ bool StreamImplMapped::reindexElement(Index from, Index to)
     if (from == to)
         return true;
     slot(std::move(to)).swap(source->second);
-    mElements.erase(source);
+    mElements.erase(source); // and with it what was at `to` before
     return true;
 }
 
@@ -184,7 +185,7 @@ Handle& StreamImplMapped::slot(Index&& index)
 {
     if (mElements.empty())
         placeElementsFor(index);
-    if (isBeyondLast(index))
+    if (isBeyondLast(index)) // ascending indices need no search
         return mElements
             .emplace_hint(mElements.end(), std::piecewise_construct, std::forward_as_tuple(std::move(index)),
                           std::forward_as_tuple(structure(), nullptr))
@@ -194,7 +195,8 @@ Handle& StreamImplMapped::slot(Index&& index)
 
 void StreamImplMapped::placeElementsFor(Index first)
 {
-    // A search for a complex index reads its value behind every node on the way, so both had better be neighbours.
+    // A search reads the value of a complex index at every node on its way. Nodes from the heap lie beside their
+    // values; those of numbers, which have no value elsewhere, lie beside each other.
     const bool isNumber = !static_cast<IndexType*>(first);
     mElements.get_allocator().pool().setPlacement(isNumber ? NodePool::ePlacement::kTogether
                                                            : NodePool::ePlacement::kApart);

@@ -19,7 +19,7 @@ StreamIteratorImpl& StreamMappedIteratorImpl::operator++()
         return *this;
     ++mPosition;
     mInvalid = mPosition == mStream->mElements.end();
-    mHandle = mInvalid ? &mStream->structureHandle() : &mPosition->second;
+    mHandle = mInvalid ? &mStream->structureHandle() : &mPosition->second; // at the end one without data
     return *this;
 }
 

@@ -125,7 +125,7 @@ Structure::Structure(const Structure& other)
     : RefCounted(other),
       Checkpointed(other),
       vumo::Counted<Structure>(other),
-      mName(detail::duplicateText(kDefaultName))
+      mName(detail::duplicateText(kDefaultName)) // a name is never null, not even while it is assigned
 {
     *this = other;
 }
@@ -135,6 +135,7 @@ Structure& Structure::operator=(const Structure& other)
     if (this == &other)
         return *this;
 
+    // All that can fail comes before the first change.
     auto members = std::make_unique<Member[]>(other.mMemberCount);
     std::copy_n(other.mMembers.get(), other.mMemberCount, members.get());
     std::unique_ptr<char[]> defaults(other.mDefaultData ? other.duplicateChunk(other.mDefaultData.get()) : nullptr);
@@ -151,7 +152,7 @@ Structure& Structure::operator=(const Structure& other)
 Structure::~Structure()
 {
     objectChanged();
-    mBeingDestroyed = true;
+    mBeingDestroyed = true; // a handle that takes and releases a reference now would delete it again
     dropDefaultData();
     mMembers.reset();
     mTotalSize = 0;
@@ -225,7 +226,7 @@ void Structure::appendMembers(const std::vector<const NewMember*>& accepted)
     }
     for (unsigned int i = 0; i < mMemberCount; ++i)
     {
-        members[i].mType = mMembers[i].mType;
+        members[i].mType = mMembers[i].mType; // one by one, because an assignment would copy the name
         members[i].mDimension = mMembers[i].mDimension;
         members[i].mOffset = mMembers[i].mOffset;
         members[i].mName = std::move(mMembers[i].mName);

@@ -33,7 +33,7 @@ StructureIterator& StructureIterator::operator=(const StructureIterator& other)
     const Structure* const before = mStructure;
     mIndex = other.mIndex;
     mStructure = other.mStructure;
-    mStructure->refFromIterator();
+    mStructure->refFromIterator(); // first: both may be the same structure, held by this iterator alone
     before->unrefFromIterator();
     return *this;
 }

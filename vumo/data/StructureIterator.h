@@ -23,8 +23,8 @@ public:
     StructureIterator& operator=(const StructureIterator& other);
     ~StructureIterator();
 
-    /// The member at the position, owned by the structure, to be read: a structure does not see changes made to its
-    /// members behind its back. Throws `std::out_of_range` at the end.
+    /// The member at the position, owned by the structure, to be read only: a structure does not notice when its
+    /// members are changed through an iterator. Throws `std::out_of_range` at the end.
     Member& operator*();
     const Member& operator*() const;
     Member* operator->();

@@ -10,7 +10,8 @@ unsigned long long Checkpointed::sfCheckpoint = 0;
 
 Checkpointed::Checkpointed() : mCheckpoint(sClassChanged()) {}
 
-Checkpointed::Checkpointed(const Checkpointed&) : mCheckpoint(sfGlobalCheckpoint += 2)
+Checkpointed::Checkpointed(const Checkpointed&)
+    : mCheckpoint(sfGlobalCheckpoint += 2) // for the construction and for the change
 {
     sfCheckpoint = mCheckpoint;
 }
@@ -38,7 +39,7 @@ unsigned long long Checkpointed::classChanged()
 
 Checkpointed::~Checkpointed()
 {
-    sClassChanged();
+    sClassChanged(); // not the virtual one: what derived classes keep is gone
 }
 
 unsigned long long Checkpointed::objectChanged()

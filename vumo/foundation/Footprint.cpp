@@ -21,7 +21,7 @@ void Footprint::addMember(const void*, std::size_t bytes)
 void Footprint::addObject(const void* object, std::size_t bytes)
 {
     if (!mSkipObjects)
-        Footprint::addMember(object, bytes);
+        Footprint::addMember(object, bytes); // not what a derived class does with members
 }
 
 bool Footprint::Debug(const Footprint* object, Print& request)

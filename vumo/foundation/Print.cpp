@@ -108,7 +108,7 @@ std::ostream& Print::operator<<(unsigned long long value)
 std::ostream& Print::operator<<(const void* value)
 {
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "0x%p", value);
+    std::snprintf(text.data(), text.size(), "0x%p", value); // platforms that write an "0x" themselves give two
     return insert(text.data());
 }
 

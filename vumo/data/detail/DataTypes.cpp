@@ -28,7 +28,8 @@ constexpr bool doViewsAgree()
     {
         visitDataType(static_cast<Member::eDataType>(i), [&](auto layout) {
             using Types = MemberTypes<typename decltype(layout)::Scalar>;
-            agree = agree && i == (layout.kEntries == 1 ? Types::kValue : Types::kMatrix);
+            const bool isMatrix = layout.kEntries == Types::kMatrixEntries;
+            agree = agree && i == (isMatrix ? Types::kMatrix : Types::kValue) && (isMatrix || layout.kEntries == 1);
         });
     }
     return agree;

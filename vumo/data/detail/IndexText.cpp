@@ -11,7 +11,7 @@ namespace
 {
 bool isBlank(char c)
 {
-    return c == ' ' || c == '\t' || c == '\r';
+    return c == ' ' || c == '\t' || c == '\r'; // the last: a line may end as on other systems
 }
 
 bool isAllowed(char c)
@@ -31,12 +31,8 @@ void parseIndexNumbers(std::string_view text, unsigned int* numbers, unsigned in
             throw Index::eIllegalIndexText;
         at = result.ptr;
     }
+    // Digits that are left over are too much; any other character makes no index wherever it stands.
     if (!std::all_of(at, end, isBlank))
         throw std::all_of(at, end, isAllowed) ? Index::eTrailingIndexText : Index::eIllegalIndexText;
-}
-
-unsigned int placesBetween(unsigned int a, unsigned int b)
-{
-    return (a > b ? a - b : b - a) + 1;
 }
 } // namespace vumo::Data::detail

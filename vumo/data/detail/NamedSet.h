@@ -11,8 +11,8 @@ inline unsigned long long theRenameCount = 0;
 
 /// Finds the entry of that name in a set ordered by name, or its end.
 ///
-/// An entry that shares its contents with one elsewhere can be renamed there, behind the set's back; its
-/// order cannot be relied on then. `orderedAt` is the rename count at which the order was last known to
+/// An entry that shares its contents with one elsewhere can be renamed there, which the set does not
+/// notice; its order cannot be relied on then. `orderedAt` is the rename count at which the order was last known to
 /// be right; with a later one the set is searched from end to end, and checked.
 template <class Set>
 auto findNamed(Set& set, const std::string& name, unsigned long long& orderedAt)

@@ -37,9 +37,9 @@ public:
 /// Finds registered structures by name without a walk over the registry, for as long as it lives: for those who
 /// register many, one after the other.
 ///
-/// To be made while the registry is empty. The registry is open to everybody, so what is kept here is only trusted as
-/// long as nobody seems to have changed it but through `Structure`; otherwise the registry is walked as ever. One that
-/// is made while another lives takes its place until it ends.
+/// To be made while the registry is empty. Anybody can change the registry by `Structure::allStructures()`, so the
+/// names are only trusted while as many structures are registered as were registered through `Structure`; otherwise the
+/// registry is walked, as it is without them. One that is made while another lives takes its place until it ends.
 class StructureNames
 {
 public:
