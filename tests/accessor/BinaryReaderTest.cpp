@@ -112,32 +112,43 @@ TEST_F(BinaryReaderTest, Read_RefusesChunksThatLie)
     {
         std::string trailer;
         const char* message;
+        const char* place = "";
+        std::size_t before = 0; // how much of the trailer stands before that
     } cases[] = {
         {example::cameraChunk() + "12345678", "Could not read chunk header.\n"},
         {"HOST" + tooLong, "Could not read host chunk.\n"},
         {"HOST" + unpadded, "Could not read host chunk.\n"},
         {"HOST" + endless, "Could not read host chunk.\n"},
-        {"DATS" + tooLong, "Could not read data structure chunk."},
-        {"DATS" + endless, "Could not read data structure chunk."},
-        {chunk("DATS", ""), "Could not read data structure chunk."},
-        {chunk("DATS", "raw"), "Could not read data structure chunk."},
-        {chunk("DATS", "rare" + kZero + kWeight), "Could not find serializer for format rare"},
-        {structureChunk("name=Weight"), "Structures must have a name and at least one member"},
+        {"DATS" + tooLong, "Could not read data structure chunk.", "a structure"},
+        {"DATS" + endless, "Could not read data structure chunk.", "a structure"},
+        {chunk("DATS", ""), "Could not read data structure chunk.", "a structure"},
+        {chunk("DATS", "raw"), "Could not read data structure chunk.", "a structure"},
+        {chunk("DATS", "rare" + kZero + kWeight), "Could not find serializer for format rare", "structure 'Weight'"},
+        {structureChunk("name=Weight"), "Structures must have a name and at least one member", "structure 'Weight'"},
         {structureChunk(kWeight) + structureChunk("name=Weight:double=Value"),
-         "Structure \"Weight\" is declared twice, with different members.\n"},
-        {"MTDA" + tooLong, "Could not read apply metadata chunk."},
-        {"SMTD" + unpadded, "Could not read apply metadata chunk."},
+         "Structure \"Weight\" is declared twice, with different members.\n", "structure 'Weight'", 48},
+        {"MTDA" + tooLong, "Could not read apply metadata chunk.", "metadata without a name"},
+        {"SMTD" + unpadded, "Could not read apply metadata chunk.", "metadata without a name"},
         {structureChunk(kWeight) + nodeChunk("Body", weightText("1") + kZero + example::cameraChunk()),
-         "Could not read apply metadata chunk."},
-        {chunk("MTDA", "Body"), "Could not read apply metadata chunk."},
-        {chunk("MTDA", "Body" + kZero + "raw"), "Could not read apply metadata chunk."},
-        {chunk("MTDA", "Body" + kZero + "rare" + kZero + weightText("1")), "Could not find serializer for format rare"},
+         "Could not read apply metadata chunk.", "the metadata of node 'Body'", 48},
+        {chunk("MTDA", "Body"), "Could not read apply metadata chunk.", "metadata without a name"},
+        {chunk("MTDA", "Body" + kZero + "raw"), "Could not read apply metadata chunk.", "the metadata of node 'Body'"},
+        {chunk("MTDA", "Body" + kZero + "rare" + kZero + weightText("1")), "Could not find serializer for format rare",
+         "the metadata of node 'Body'"},
     };
     for (const auto& sample : cases)
     {
         SCOPED_TRACE(sample.message);
         EXPECT_FALSE(read(sample.trailer));
-        EXPECT_EQ(mErrors, std::string("kept, ") + sample.message);
+        std::string expected = std::string("kept, ") + sample.message;
+        if (*sample.place)
+        {
+            const std::size_t position = sceneWith("").size() - 24 + sample.before;
+            expected += expected.back() == '\n' ? "" : "\n";
+            expected += std::string("in ") + sample.place + ", from byte " + std::to_string(position) + " of " +
+                        mFile.name() + "\n";
+        }
+        EXPECT_EQ(mErrors, expected);
         EXPECT_TRUE(mAccessor.structures().empty());
         EXPECT_TRUE(mAccessor.associations().empty());
     }

@@ -88,37 +88,72 @@ TEST_F(OvriAsciiFileAccessorTest, TheHeader_DecidesWhetherAFileIsSupported)
 TEST_F(OvriAsciiFileAccessorTest, Read_RefusesFaultyStatementsWithTheirMessages)
 {
     const std::string apply = "applyMetadata -fmt \"raw\" -v ";
+    const char* const noStructure = "Error tokenizing format/value for structure.";
+    const char* const noName = "Could not find Associations name.";
     const struct
     {
         std::string statement;
-        std::string errors;
+        const char* message;
+        const char* place;
     } cases[] = {
-        {"dataStructure -fmt \"raw\" -as \"name=A;\n", "earlier;Error tokenizing format/value for structure."},
-        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"\n", "earlier;Error tokenizing format/value for structure."},
-        {"dataStructure -fmt \"odd\" -as \"name=A:int32=a\";\n", "earlier;Could not find serializer for format odd"},
-        {"dataStructure -fmt \"raw\" -as \"name=A\";\n", "earlier;Structures must have a name and at least one member"},
-        {apply + "\"endAssociations\\n\" Body;\n", "earlier;Could not find Associations name."},
-        {apply + "\"endAssociations\\n\" \n\t\t;\n", "earlier;Could not find Associations name."},
-        {apply + "\"endAssociations\\n\" \n\t\t\"\";\n", "earlier;Could not find Associations name."},
-        {apply + "\n\t\tBody;\n", "earlier;Error tokenizing format/value for associations."},
-        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"; undo;\n",
-         "earlier;Error tokenizing format/value for structure."},
-        {apply + "\"endAssociations\\n\" \n\t\tBody; undo;\n", "earlier;Could not find Associations name."},
-        {apply + "\"endAssociations\\n\" \n\t\t\"a;b\"; undo;\n", "earlier;Could not find Associations name."},
-        {"applyMetadata -fmt \"odd\" -v \"x\" \n\t\tBody;\n", "earlier;Could not find serializer for format odd"},
-        {apply + "\"endAssociations\\n\" \n\t\tBody\n\t\t// a comment;\n", "earlier;Could not find Associations name."},
+        {"dataStructure -fmt \"raw\" -as \"name=A;\n", noStructure, "a structure"},
+        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"\n", noStructure, "a structure"},
+        {"dataStructure -fmt \"odd\" -as \"name=A:int32=a\";\n", "Could not find serializer for format odd",
+         "structure 'A'"},
+        {"dataStructure -fmt \"raw\" -as \"name=A\";\n", "Structures must have a name and at least one member",
+         "structure 'A'"},
+        {apply + "\"endAssociations\\n\" Body;\n", noName, "metadata without a name"},
+        {apply + "\"endAssociations\\n\" \n\t\t;\n", noName, "metadata without a name"},
+        {apply + "\"endAssociations\\n\" \n\t\t\"\";\n", noName, "metadata without a name"},
+        {apply + "\n\t\tBody;\n", "Error tokenizing format/value for associations.", "the metadata of node 'Body'"},
+        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"; undo;\n", noStructure, "a structure"},
+        {apply + "\"endAssociations\\n\" \n\t\tBody; undo;\n", noName, "metadata without a name"},
+        {apply + "\"endAssociations\\n\" \n\t\t\"a;b\"; undo;\n", noName, "metadata without a name"},
+        {"applyMetadata -fmt \"odd\" -v \"x\" \n\t\t-scn;\n", "Could not find serializer for format odd",
+         "the metadata of the scene"},
+        {apply + "\"endAssociations\\n\" \n\t\tBody\n\t\t// a comment;\n", noName, "metadata without a name"},
     };
-    for (const auto& [statement, errors] : cases)
+    const std::string above = kHeader + kHost;
+    std::string all;
+    std::string allErrors = "earlier;";
+    for (const auto& [statement, message, place] : cases)
     {
         SCOPED_TRACE(statement);
-        EXPECT_EQ(readErrors(kHeader + kHost + statement + kTrailer), errors);
+        const auto expected = [&, what = message, where = place](std::size_t position) {
+            return std::string(what) + "\nin " + where + ", from byte " + std::to_string(position) + " of " +
+                   mFile.name() + "\n";
+        };
+        EXPECT_EQ(readErrors(above + statement + kTrailer), "earlier;" + expected(above.size()));
+        allErrors += expected(above.size() + all.size());
+        all += statement;
     }
+    EXPECT_EQ(readErrors(above + all + kTrailer), allErrors) << "all of them, in the order of the file";
     std::string errors = "replaced";
     OvriAsciiFileAccessor accessor;
     EXPECT_FALSE(accessor.read("", errors));
     EXPECT_EQ(errors, "Empty file name.");
     EXPECT_FALSE(accessor.read("/nowhere/scene.oa", errors));
     EXPECT_EQ(errors, "Could not open /nowhere/scene.oa");
+}
+
+TEST_F(OvriAsciiFileAccessorTest, Read_CountsNodesThatOnlyLackAStructureToldBefore)
+{
+    std::string bytes = kHeader + kHost + applying("1", "a") + applying("2", "b") + applying("nonsense", "c") + "\n";
+    const std::string last = "' not found\n1 error found, Stream not created\n1 error found, Channel not created\n"
+                             "1 error found, Associations not created\nin the metadata of node 'a', from byte " +
+                             std::to_string((kHeader + kHost).size()) + " of " + mFile.name() + "\n";
+    EXPECT_EQ(readErrors(bytes + kTrailer), "earlier;Structure 'Weight" + last +
+                                                "The metadata of 2 more nodes cannot be read for lack of such "
+                                                "structures.\n");
+    std::string faulty = kWeight;
+    faulty.replace(faulty.find("float"), 5, "flood");
+    for (int i = 0; i < 9999; ++i)
+        bytes += applying("3", "node" + std::to_string(i));
+    const std::string errors = readErrors(bytes + faulty + kTrailer);
+    EXPECT_THAT(errors, testing::HasSubstr("in structure 'Weight', from byte "));
+    EXPECT_THAT(errors, testing::EndsWith("\nThe metadata of 10002 more nodes cannot be read for lack of such "
+                                          "structures.\n"));
+    EXPECT_LT(errors.size(), 600U) << errors;
 }
 
 TEST_F(OvriAsciiFileAccessorTest, Read_TakesTheStatementNearestTheEnd)

@@ -113,7 +113,8 @@ public:
     /// Either way the registry of structures is afterwards as it was.
     ///
     /// When the file cannot be opened or is not a scene of its kind, the reason replaces what `errors` holds; what is
-    /// wrong with its metadata, or with an interrupted write, is appended.
+    /// wrong with its metadata, or with an interrupted write, is appended: of all structures and nodes that cannot be
+    /// read, in the order of the file, each with its place.
     ///
     /// Restores the file first, as recover() does, if writing it was interrupted; a file that would have to be restored
     /// and cannot be written to is not read. Nor is one that somebody else writes to meanwhile.

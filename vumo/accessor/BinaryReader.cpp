@@ -4,16 +4,14 @@
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
-#include "vumo/accessor/detail/MetadataText.h"
-#include "vumo/accessor/detail/NameFilter.h"
+#include "vumo/accessor/detail/MetadataRead.h"
 #include "vumo/accessor/detail/Refusal.h"
 #include "vumo/accessor/detail/TextConversion.h"
-#include "vumo/data/Structure.h"
-#include "vumo/foundation/Ref.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace vumo::Data
 {
@@ -104,89 +102,91 @@ private:
     std::string mConverted;
 };
 
-/// Reads the wanted chunks of one trailer.
+/// Reads the chunks of one trailer.
 class TrailerReader
 {
 public:
-    TrailerReader(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
-                  std::map<std::string, Associations>& associations, std::string& errors)
-        : mStructureFilter(structureNames),
-          mAssociationFilter(associationNames),
-          mAssociations(associations),
-          mErrors(errors)
+    /// The trailer starts at that position of the file. Borrows all.
+    TrailerReader(ChunkCursor& chunks, std::uint64_t start, MetadataRead& read)
+        : mChunks(chunks),
+          mPosition(start),
+          mRead(read)
     {
     }
 
-    bool read(ChunkCursor& chunks)
+    /// False, with the reason appended to `errors`, when the walk over the chunks has to end.
+    bool readAll(std::string& errors)
     {
-        while (!chunks.atEnd())
+        while (!mChunks.atEnd())
         {
-            if (!chunks.readHeader())
-                return fail("Could not read chunk header.\n");
-            if (!readChunk(chunks))
+            if (!mChunks.readHeader())
+                return refuse(errors, "Could not read chunk header.\n");
+            if (!readChunk(errors))
                 return false;
+            mPosition += kHeaderSize + mChunks.paddedSize();
         }
         return true;
     }
 
 private:
-    bool readChunk(ChunkCursor& chunks)
+    bool readChunk(std::string& errors)
     {
-        if (chunks.header().mTag == Binary::getMetaDataStructureChunkName() && !mStructureFilter.isExhausted())
-            return readStructure(chunks);
-        if (BinaryReader::isApplyMetadataChunk(chunks.header()))
-            return readAssociations(chunks);
-        return chunks.skipData() || fail("Could not read host chunk.\n");
+        if (mChunks.header().mTag == Binary::getMetaDataStructureChunkName() && mRead.wantsStructures())
+            return readStructure();
+        if (BinaryReader::isApplyMetadataChunk(mChunks.header()))
+            return readAssociations();
+        return mChunks.skipData() || refuse(errors, "Could not read host chunk.\n");
     }
 
-    bool readStructure(ChunkCursor& chunks)
+    FileBlock blockOf(FileBlock::eKind kind) const
+    {
+        FileBlock block;
+        block.kind = kind;
+        block.position = mPosition;
+        block.length = kHeaderSize + mChunks.paddedSize();
+        return block;
+    }
+
+    bool readStructure()
     {
         std::string_view data;
         std::string_view format;
         std::string_view text;
-        if (!chunks.readData(data) || !takeText(data, format) || !takeLastText(data, text))
-            return fail("Could not read data structure chunk.");
-        // Nobody else knows the new structure yet; what is not registered is freed with the reference.
-        const Ref<Structure> structure(deserializeStructure(format, LocaleText(text).get(), mErrors));
-        if (!structure)
-            return false;
-        return !mStructureFilter.accept(structure->name()) || registerStructure(*structure);
+        const bool isWhole = mChunks.readData(data);
+        const bool hasTexts = isWhole && takeText(data, format) && takeLastText(data, text);
+        FileBlock block = blockOf(FileBlock::kStructure);
+        block.format = format;
+        const std::size_t number = mRead.add(std::move(block));
+        if (hasTexts)
+            mRead.readStructure(number, LocaleText(text).get(), false);
+        else
+            mRead.refuseBlock(number, "Could not read data structure chunk.");
+        return isWhole;
     }
 
-    bool registerStructure(Structure& structure)
-    {
-        const Structure* registered = Structure::structureByName(structure.name());
-        if (registered && *registered != structure)
-            return fail(std::string("Structure \"") + structure.name() +
-                        "\" is declared twice, with different members.\n");
-        Structure::registerStructure(structure);
-        return true;
-    }
-
-    bool readAssociations(ChunkCursor& chunks)
+    bool readAssociations()
     {
         std::string_view data;
-        std::string_view nameText;
+        std::string_view name;
         std::string_view format;
         std::string_view text;
-        if (!chunks.readData(data) || !takeText(data, nameText) || !takeText(data, format) || !takeLastText(data, text))
-            return fail("Could not read apply metadata chunk.");
-        const std::string name(nameText);
-        if (!mAssociationFilter.accept(name))
-            return true;
-        Associations associations;
-        if (!deserializeAssociations(format, LocaleText(text).get(), associations, mErrors))
-            return false;
-        mAssociations[name] = associations;
-        return true;
+        const bool isWhole = mChunks.readData(data);
+        const bool hasName = isWhole && takeText(data, name);
+        const bool hasTexts = hasName && takeText(data, format) && takeLastText(data, text);
+        FileBlock block = blockOf(FileBlock::kAssociations);
+        block.name = name;
+        block.format = format;
+        const std::size_t number = mRead.add(std::move(block));
+        if (!hasTexts)
+            mRead.refuseBlock(number, "Could not read apply metadata chunk.", hasName);
+        else if (mRead.wantsAssociations(number))
+            mRead.readAssociations(number, LocaleText(text).get());
+        return isWhole;
     }
 
-    bool fail(const std::string& message) { return refuse(mErrors, message); }
-
-    NameFilter mStructureFilter;
-    NameFilter mAssociationFilter;
-    std::map<std::string, Associations>& mAssociations;
-    std::string& mErrors;
+    ChunkCursor& mChunks;
+    std::uint64_t mPosition; // of the chunk in the file
+    MetadataRead& mRead;
 };
 } // namespace
 
@@ -226,17 +226,20 @@ bool BinaryReader::isApplyMetadataChunk(const BinaryChunkHeader& header)
            header.mTag == Binary::getApplySceneMetaDataChunkName();
 }
 
-bool BinaryReader::readMetadata(std::istream& in, const std::set<std::string>* structureNames,
-                                const std::set<std::string>* associationNames,
-                                std::map<std::string, Associations>& associations, std::string& errors)
+bool BinaryReader::readMetadata(std::istream& in, MetadataRead& read, std::string& errors)
 {
     std::uint64_t mainSizePosition = 0;
     std::uint64_t trailerSizePosition = 0;
     std::uint64_t trailerEnd = 0;
     if (!seekToTrailerStart(in, mainSizePosition, trailerSizePosition, trailerEnd, errors))
         return false;
-    ChunkCursor chunks(in, trailerEnd - (trailerSizePosition + kGroupSizeToStart), ChunkCursor::kWindowToRead);
-    return TrailerReader(structureNames, associationNames, associations, errors).read(chunks);
+    const std::uint64_t start = trailerSizePosition + kGroupSizeToStart;
+    ChunkCursor chunks(in, trailerEnd - start, ChunkCursor::kWindowToRead);
+    std::string damage;
+    const bool isWhole = TrailerReader(chunks, start, read).readAll(damage);
+    const bool isRead = read.finish(errors);
+    errors += damage; // after the faults that stand before it in the file
+    return isRead && isWhole;
 }
 
 bool BinaryReader::Debug(const BinaryReader* object, vumo::Debug::Print& request)

@@ -1,18 +1,20 @@
 #pragma once
 
 #include "vumo/accessor/BinaryChunkHeader.h"
-#include "vumo/data/Associations.h"
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
 #include <cstdint>
 #include <istream>
-#include <map>
-#include <set>
 #include <string>
 
 namespace vumo::Data
 {
+namespace detail
+{
+class MetadataRead;
+}
+
 /// Finds and reads the metadata in the trailer of a binary scene file.
 ///
 /// Trusts nothing that the file says: each size and offset is compared with what the file holds before it is
@@ -35,16 +37,12 @@ public:
     /// Says whether the chunk holds associations, of a node or of the scene.
     static bool isApplyMetadataChunk(const BinaryChunkHeader& header);
 
-    /// Reads the wanted metadata of a scene; a null set wants every name. Registers the structures with
-    /// `Structure::registerStructure` and stores the associations under their names; of several for one name
-    /// the last one stays, or with a filter the first. False, with the reason in `errors`, when that failed;
-    /// what was read so far stays where it is.
+    /// Reads the metadata of a scene. Of several associations of one name the last one counts, or with a filter the
+    /// first. False, with the reason in `errors`, when that failed; what was read so far stays where it is.
     ///
     /// Two structures of one name with different members are refused, because the elements that use that name
     /// could mean either.
-    static bool readMetadata(std::istream& in, const std::set<std::string>* structureNames,
-                             const std::set<std::string>* associationNames,
-                             std::map<std::string, Associations>& associations, std::string& errors);
+    static bool readMetadata(std::istream& in, detail::MetadataRead& read, std::string& errors);
 
     static bool Debug(const BinaryReader* object, vumo::Debug::Print& request);
     static bool Debug(const BinaryReader* object, vumo::Debug::Footprint& request);

@@ -3,6 +3,7 @@
 #include "vumo/accessor/detail/AsciiReader.h"
 #include "vumo/accessor/detail/AsciiWriter.h"
 #include "vumo/accessor/detail/FileInput.h"
+#include "vumo/accessor/detail/MetadataRead.h"
 #include "vumo/accessor/detail/Refusal.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
@@ -30,7 +31,8 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
     detail::FileInput in(file);
     if (!in)
         return detail::replaceErrors(errors, "Could not open " + fileName());
-    return detail::AsciiReader::readMetadata(in, structureNames, associationNames, associations(), errors);
+    detail::MetadataRead read(fileName(), structureNames, associationNames, associations());
+    return detail::AsciiReader::readMetadata(in, read, errors);
 }
 
 bool OvriAsciiFileAccessor::Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Print& request)

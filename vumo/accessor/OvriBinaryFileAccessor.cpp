@@ -3,6 +3,7 @@
 #include "vumo/accessor/BinaryReader.h"
 #include "vumo/accessor/BinaryWriter.h"
 #include "vumo/accessor/detail/FileInput.h"
+#include "vumo/accessor/detail/MetadataRead.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <cstdint>
@@ -35,7 +36,8 @@ bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureN
     }
     const detail::File file(fileName(), detail::File::eMode::kRead);
     detail::FileInput in(file);
-    return BinaryReader::readMetadata(in, structureNames, associationNames, associations(), errors);
+    detail::MetadataRead read(fileName(), structureNames, associationNames, associations());
+    return BinaryReader::readMetadata(in, read, errors);
 }
 
 bool OvriBinaryFileAccessor::Debug(const OvriBinaryFileAccessor* object, vumo::Debug::Print& request)

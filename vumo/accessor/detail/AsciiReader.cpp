@@ -3,14 +3,12 @@
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/AsciiStatements.h"
 #include "vumo/accessor/detail/AsciiText.h"
-#include "vumo/accessor/detail/MetadataText.h"
-#include "vumo/accessor/detail/NameFilter.h"
+#include "vumo/accessor/detail/MetadataRead.h"
 #include "vumo/accessor/detail/Refusal.h"
-#include "vumo/data/Structure.h"
-#include "vumo/foundation/Ref.h"
 
 #include <cstdlib>
 #include <istream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,8 +17,6 @@ namespace vumo::Data::detail
 namespace
 {
 using Ascii = AccessorOvri::Ascii;
-
-using AssociationsMap = std::map<std::string, Associations>;
 
 constexpr char kBlanks[] = " \t";
 
@@ -69,70 +65,67 @@ std::string headerFault(std::istream& in)
     return "";
 }
 
-/// Takes the ";" off the end of a statement, and the carriage returns off the ends of its lines.
-void stripText(std::string& text)
+/// Takes the carriage returns off the ends of lines.
+std::string withoutReturns(std::string_view text)
 {
-    text.pop_back();
-    if (text.find('\r') == std::string::npos)
-        return;
-    std::string::size_type kept = 0;
-    for (std::string::size_type i = 0; i < text.size(); ++i)
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i)
     {
         const bool endsLine = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
         if (!endsLine)
-            text[kept++] = text[i];
+            result += text[i];
     }
-    text.resize(kept);
+    return result;
 }
-
-/// A serialized object and the name of the format that wrote it.
-struct FormattedValue
-{
-    std::string format;
-    std::string value;
-};
 
 /// Says whether another statement follows behind `position`. It would be lost with the metadata that is replaced.
-bool hasMoreStatements(const std::string& text, std::string::size_type position)
+bool hasMoreStatements(std::string_view text, std::size_t position)
 {
-    return text.find(';', position) != std::string::npos;
+    return text.find(';', position) != std::string_view::npos;
 }
 
-/// Takes the format from between the first two double quotes of a statement, and the value, unescaped, from between
-/// the third and the last. False when there are too few of them, or when another statement follows on the line.
-bool parseValue(std::string&& statement, FormattedValue& result)
+/// Takes the format from between the first two double quotes of a statement, and the value, with its escapes, from
+/// between the third and the last. False when there are too few of them, or when another statement follows on the line.
+bool findValue(std::string_view statement, std::string& format, std::string_view& value)
 {
-    std::string::size_type quotes[3];
-    std::string::size_type from = 0;
-    for (std::string::size_type& quote : quotes)
+    std::size_t quotes[3];
+    std::size_t from = 0;
+    for (std::size_t& quote : quotes)
     {
         quote = statement.find('"', from);
-        if (quote == std::string::npos)
+        if (quote == std::string_view::npos)
             return false;
         from = quote + 1;
     }
-    const std::string::size_type last = statement.rfind('"');
+    const std::size_t last = statement.rfind('"');
     if (last == quotes[2] || hasMoreStatements(statement, last))
         return false;
-    result.format = statement.substr(quotes[0] + 1, quotes[1] - quotes[0] - 1);
-    result.value = std::move(statement);
-    unescapeValue(result.value, from, last);
+    format = statement.substr(quotes[0] + 1, quotes[1] - quotes[0] - 1);
+    value = statement.substr(from, last - from);
     return true;
+}
+
+std::string unescaped(std::string_view value)
+{
+    std::string text(value);
+    unescapeValue(text, 0, text.size());
+    return text;
 }
 
 /// Cuts the last line, with the node's name, off an associations statement that has lost its ";". The name stands
 /// between double quotes, or is all that follows the leading blanks. The name of the scene is the scene associations
 /// name. False when there is no name, or another statement after it.
-bool takeName(std::string& statement, std::string& name)
+bool takeName(std::string_view& statement, std::string& name)
 {
-    const std::string::size_type lineEnd = statement.rfind('\n');
-    if (lineEnd == std::string::npos)
+    const std::size_t lineEnd = statement.rfind('\n');
+    if (lineEnd == std::string_view::npos)
         return false;
-    const std::string::size_type begin = statement.find_first_not_of(kBlanks, lineEnd + 1);
-    if (begin == std::string::npos)
+    const std::size_t begin = statement.find_first_not_of(kBlanks, lineEnd + 1);
+    if (begin == std::string_view::npos)
         return false;
     name = statement.substr(begin);
-    statement.resize(lineEnd);
+    statement = statement.substr(0, lineEnd);
     const bool isQuoted = name.front() == '"';
     const std::string::size_type last = isQuoted ? name.rfind('"') : 0;
     if (hasMoreStatements(name, last))
@@ -147,69 +140,77 @@ bool takeName(std::string& statement, std::string& name)
     return true;
 }
 
-/// Registers the structure that the statement declares, if it is wanted.
-bool readStructure(std::string&& text, NameFilter& wanted, std::string& errors)
+/// Takes the statements of one file, from the last to the first.
+class StatementReader
 {
-    FormattedValue declared;
-    if (!parseValue(std::move(text), declared))
-        return refuse(errors, "Error tokenizing format/value for structure.");
-    const Ref<Structure> structure(deserializeStructure(declared.format, declared.value, errors));
-    const bool isFirst = structure && !Structure::structureByName(structure->name()); // the nearest to the file's end
-    if (isFirst && wanted.accept(structure->name()))
-        Structure::registerStructure(*structure);
-    return static_cast<bool>(structure);
-}
+public:
+    /// Borrows the read.
+    explicit StatementReader(MetadataRead& read) : mRead(read) {}
 
-/// An associations statement whose name is wanted. It waits until the structures that it needs are read, which
-/// stand above it.
-struct PendingAssociations
-{
-    std::string name;
-    FormattedValue applied;
+    void take(const AsciiStatement& statement, std::string_view text)
+    {
+        FileBlock block;
+        const bool isStructure = statement.command == AsciiStatement::kDataStructure;
+        block.kind = isStructure ? FileBlock::kStructure : FileBlock::kAssociations;
+        block.position = static_cast<std::uint64_t>(statement.begin);
+        block.length = text.size();
+        std::string stripped;
+        text = text.substr(0, text.size() - (statement.isComplete() ? 1 : 0)); // less its ";"
+        if (text.find('\r') != std::string_view::npos)
+        {
+            stripped = withoutReturns(text);
+            text = stripped;
+        }
+        if (isStructure)
+            readStructure(std::move(block), text);
+        else
+            collectAssociations(std::move(block), text);
+    }
+
+    /// Reads the associations, once all structures are read, which stand above them.
+    void finish()
+    {
+        for (auto entry = mPending.rbegin(); entry != mPending.rend(); ++entry)
+            mRead.readAssociations(entry->number, entry->text);
+    }
+
+private:
+    struct Pending
+    {
+        std::size_t number;
+        std::string text;
+    };
+
+    void readStructure(FileBlock block, std::string_view text)
+    {
+        std::string_view value;
+        const bool hasValue = findValue(text, block.format, value);
+        const std::size_t number = mRead.add(std::move(block));
+        if (hasValue)
+            mRead.readStructure(number, unescaped(value), true);
+        else
+            mRead.refuseBlock(number, "Error tokenizing format/value for structure.");
+    }
+
+    void collectAssociations(FileBlock block, std::string_view text)
+    {
+        std::string_view value;
+        const bool hasName = takeName(text, block.name);
+        const bool hasValue = hasName && findValue(text, block.format, value);
+        const std::size_t number = mRead.add(std::move(block));
+        if (!hasName)
+            mRead.refuseBlock(number, "Could not find Associations name.");
+        else if (!mRead.wantsAssociations(number))
+            return;
+        else if (hasValue)
+            mPending.push_back({number, unescaped(value)});
+        else
+            mRead.refuseBlock(number, "Error tokenizing format/value for associations.", true);
+    }
+
+    MetadataRead& mRead;
+    std::vector<Pending> mPending;
 };
-
-bool collectAssociations(std::string&& text, NameFilter& wanted, std::vector<PendingAssociations>& pending,
-                         std::string& errors)
-{
-    PendingAssociations entry;
-    if (!takeName(text, entry.name))
-        return refuse(errors, "Could not find Associations name.");
-    if (!wanted.accept(entry.name))
-        return true;
-    if (!parseValue(std::move(text), entry.applied))
-        return refuse(errors, "Error tokenizing format/value for associations.");
-    pending.push_back(std::move(entry));
-    return true;
-}
-
-bool readAssociations(const std::vector<PendingAssociations>& pending, AssociationsMap& result, std::string& errors)
-{
-    for (const PendingAssociations& entry : pending)
-    {
-        Associations associations;
-        if (!deserializeAssociations(entry.applied.format, entry.applied.value, associations, errors))
-            return false;
-        result.emplace(entry.name, associations); // the statement nearest the end of the file came first
-    }
-    return true;
-}
-
-bool readStatements(AsciiTail& tail, NameFilter& structures, NameFilter& associations, AssociationsMap& result,
-                    std::string& errors)
-{
-    std::vector<PendingAssociations> pending;
-    for (AsciiStatement& statement : tail.statements)
-    {
-        if (statement.isComplete())
-            stripText(statement.text);
-        const bool isRead = statement.command == AsciiStatement::kDataStructure
-                                ? readStructure(std::move(statement.text), structures, errors)
-                                : collectAssociations(std::move(statement.text), associations, pending, errors);
-        if (!isRead)
-            return false;
-    }
-    return readAssociations(pending, result, errors);
-}
 } // namespace
 
 bool AsciiReader::checkHeader(std::istream& in, std::string& errors)
@@ -218,20 +219,19 @@ bool AsciiReader::checkHeader(std::istream& in, std::string& errors)
     return fault.empty() || replaceErrors(errors, fault);
 }
 
-bool AsciiReader::readMetadata(std::istream& in, const std::set<std::string>* structureNames,
-                               const std::set<std::string>* associationNames,
-                               std::map<std::string, Associations>& associations, std::string& errors)
+bool AsciiReader::readMetadata(std::istream& in, MetadataRead& read, std::string& errors)
 {
     if (!checkHeader(in, errors))
         return false;
     AsciiTail tail;
     if (!tail.measure(in))
         return refuse(errors, "Could not seek to end.");
+    StatementReader reader(read);
+    const auto take = [&](const AsciiStatement& statement, std::string_view text) { reader.take(statement, text); };
     std::string fault;
-    if (!findAsciiTail(in, eAsciiTexts::kWanted, tail, fault))
+    if (!findAsciiTail(in, tail, take, fault))
         return replaceErrors(errors, fault);
-    NameFilter structures(structureNames);
-    NameFilter wanted(associationNames);
-    return readStatements(tail, structures, wanted, associations, errors);
+    reader.finish();
+    return read.finish(errors);
 }
 } // namespace vumo::Data::detail

@@ -105,10 +105,9 @@ bool AsciiTail::measure(std::istream& file)
     return size >= 0;
 }
 
-bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::string& error)
+bool findAsciiTail(std::istream& in, AsciiTail& tail, const AsciiStatementTaker& take, std::string& error)
 {
-    const bool areWanted = texts == eAsciiTexts::kWanted;
-    BackwardLines lines(in, tail.size, areWanted ? kLongestText : 0);
+    BackwardLines lines(in, tail.size, take ? kLongestText : 0);
     BackwardLines::Line line;
     StatementEnd end;
     while (lines.previous(line))
@@ -125,12 +124,15 @@ bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::st
         if (kind == kStructureLine || kind == kAssociationsLine)
         {
             tail.statements.push_back(statementOf(kind, line, end.closes(kind) ? &end.line : nullptr));
-            AsciiStatement& statement = tail.statements.back();
-            if (areWanted && !lines.readText(statement.begin, statement.end, statement.text))
+            const AsciiStatement& statement = tail.statements.back();
+            std::string_view text;
+            if (take && !lines.readText(statement.begin, statement.end, text))
                 break;
+            if (take)
+                take(statement, text);
         }
         end.step(line, kind, beginsComment);
-        if (!end.exists || !areWanted)
+        if (!end.exists || !take)
             lines.forgetFrom(line.begin);
     }
     error = lines.error();

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vumo::Data::detail
@@ -19,7 +21,6 @@ struct AsciiStatement
     std::streamoff begin = 0;
     std::streamoff end = 0;  ///< behind its ";"; as `begin` when the statement has no end
     std::streamoff next = 0; ///< of the line that follows
-    std::string text;        ///< as it stands in the file, when it is wanted; empty when the statement has no end
 
     bool isComplete() const { return end > begin; }
 };
@@ -35,14 +36,11 @@ struct AsciiTail
     bool measure(std::istream& file);
 };
 
-/// Whether the texts of the statements are wanted, or only the places where they stand.
-enum class eAsciiTexts
-{
-    kWanted,
-    kUnwanted
-};
+/// Takes a statement and its text as it stands in the file, from `begin` to `end`, which is not valid for longer.
+using AsciiStatementTaker = std::function<void(const AsciiStatement& statement, std::string_view text)>;
 
 /// Searches a file of the measured size backwards for metadata statements, up to the first host statement. Reads of the
-/// scene no more than that takes, and holds none of it. False, with `error` set, when the file could not be read.
-bool findAsciiTail(std::istream& in, eAsciiTexts texts, AsciiTail& tail, std::string& error);
+/// scene no more than that takes, and holds none of it. Hands each statement on, unless `take` is empty, from the last
+/// in the file to the first. False, with `error` set, when the file could not be read.
+bool findAsciiTail(std::istream& in, AsciiTail& tail, const AsciiStatementTaker& take, std::string& error);
 } // namespace vumo::Data::detail

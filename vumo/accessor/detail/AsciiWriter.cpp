@@ -146,7 +146,7 @@ const char* searchFault(const std::istream& file, const AsciiTail& tail)
 bool findTail(std::istream& file, AsciiTail& tail, std::string& errors)
 {
     std::string ignored;
-    if (!tail.measure(file) || !findAsciiTail(file, eAsciiTexts::kUnwanted, tail, ignored))
+    if (!tail.measure(file) || !findAsciiTail(file, tail, {}, ignored))
     {
         errors += searchFault(file, tail);
         return false;

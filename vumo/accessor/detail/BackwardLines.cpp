@@ -58,15 +58,16 @@ bool BackwardLines::previous(Line& line)
     return true;
 }
 
-bool BackwardLines::readText(std::streamoff begin, std::streamoff end, std::string& text)
+bool BackwardLines::readText(std::streamoff begin, std::streamoff end, std::string_view& text)
 {
     if (holdsAll(begin, end))
     {
         text = held(begin, end);
         return true;
     }
-    text.resize(static_cast<std::size_t>(end - begin));
-    return read(begin, text.data(), text.size());
+    mLongText.resize(static_cast<std::size_t>(end - begin));
+    text = mLongText;
+    return read(begin, mLongText.data(), mLongText.size());
 }
 
 void BackwardLines::forgetFrom(std::streamoff offset)

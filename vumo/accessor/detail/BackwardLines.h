@@ -32,8 +32,9 @@ public:
     /// Steps to the line before; false when the first line was given out, or on failure.
     bool previous(Line& line);
 
-    /// Gives what stands between two places in the lines that were given out. False on failure.
-    bool readText(std::streamoff begin, std::streamoff end, std::string& text);
+    /// Gives what stands between two places in the lines that were given out, until the next call of any function.
+    /// False on failure.
+    bool readText(std::streamoff begin, std::streamoff end, std::string_view& text);
 
     /// What stands from there on will not be asked for.
     void forgetFrom(std::streamoff offset);
@@ -59,6 +60,7 @@ private:
     std::unique_ptr<char[]> mBytes; // not filled: room that is not used yet costs nothing
     std::size_t mRoom = 0;
     std::size_t mHeld = 0;
+    std::string mLongText;                 // that is not held
     std::vector<std::streamoff> mNewlines; // in what is held, before mEnd
     std::string mError;
 };

@@ -25,14 +25,19 @@ bool ChunkCursor::readHeader()
     return true;
 }
 
+std::uint64_t ChunkCursor::paddedSize() const
+{
+    return mHeader.mSize + paddingOf(mHeader.mSize);
+}
+
 bool ChunkCursor::skipData()
 {
-    return holdsData() && skip(mHeader.mSize + paddingOf(mHeader.mSize));
+    return holdsData() && skip(paddedSize());
 }
 
 bool ChunkCursor::readData(std::string_view& data)
 {
-    if (!holdsData() || !take(mHeader.mSize + paddingOf(mHeader.mSize), data))
+    if (!holdsData() || !take(paddedSize(), data))
         return false;
     data = data.substr(0, mHeader.mSize);
     return true;
@@ -41,7 +46,7 @@ bool ChunkCursor::readData(std::string_view& data)
 bool ChunkCursor::appendChunk(std::string& bytes)
 {
     std::string_view data;
-    if (!holdsData() || !take(mHeader.mSize + paddingOf(mHeader.mSize), data))
+    if (!holdsData() || !take(paddedSize(), data))
         return false;
     bytes += mHeaderBytes;
     bytes += data;

@@ -33,6 +33,9 @@ public:
     /// Of the chunk whose header was read last.
     const BinaryChunkHeader& header() const { return mHeader; }
 
+    /// Of its data and the padding after them.
+    std::uint64_t paddedSize() const;
+
     bool skipData();
 
     /// Gives the data where they were read to, until the next call.

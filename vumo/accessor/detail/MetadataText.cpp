@@ -72,13 +72,16 @@ std::string structureMessage(const Structure& structure, const std::string& faul
     return "Structure " + quoted(structure.name()) + " cannot be written: " + fault + ".\n";
 }
 
+std::string nodeText(const std::string& nodeName)
+{
+    return nodeName == AccessorOvri::getSceneAssociationsName() ? "the scene" : "node " + quoted(nodeName);
+}
+
 std::string messagesOf(const std::string& nodeName, const std::string& messages)
 {
     if (messages.empty())
         return "";
-    const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
-    return "The metadata of " + (isScene ? "the scene" : "node " + quoted(nodeName)) + " cannot be written:\n" +
-           messages;
+    return "The metadata of " + nodeText(nodeName) + " cannot be written:\n" + messages;
 }
 
 Structure* deserializeStructure(std::string_view format, std::string_view text, std::string& errors)

@@ -23,6 +23,9 @@ bool serializeAssociations(const Associations& associations, eNumbers numbers, s
 /// What is wrong with the structure, as a line of a message.
 std::string structureMessage(const Structure& structure, const std::string& fault);
 
+/// What a message calls the node of that name, or the scene.
+std::string nodeText(const std::string& nodeName);
+
 /// The messages about the metadata of a node, or of the scene, headed by its name; empty when there are none.
 std::string messagesOf(const std::string& nodeName, const std::string& messages);
 

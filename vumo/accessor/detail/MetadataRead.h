@@ -1,0 +1,73 @@
+#pragma once
+
+#include "vumo/accessor/detail/FileBlocks.h"
+#include "vumo/accessor/detail/NameFilter.h"
+#include "vumo/data/Associations.h"
+
+#include <cstddef>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vumo::Data::detail
+{
+/// One read of the metadata of a scene file. A reader finds the blocks of its kind of file and adds them; this class
+/// reads those that are wanted, and goes on after a faulty one, so that all faults are told at once.
+///
+/// Each fault is told by its messages and a line with its place. Nodes that fail for nothing but structures of which
+/// that was told already are only counted.
+class MetadataRead
+{
+public:
+    /// Null sets want every name. Structures are registered with `Structure::registerStructure`, associations stored
+    /// in the map. Borrows the map.
+    MetadataRead(const std::string& fileName, const std::set<std::string>* structureNames,
+                 const std::set<std::string>* associationNames, std::map<std::string, Associations>& associations);
+
+    /// Which of two blocks of one name counts is for the reader to say.
+    ///
+    /// Adds a block that was found and gives its number.
+    std::size_t add(FileBlock&& block);
+
+    /// Says whether further structures can matter.
+    bool wantsStructures() const { return !mStructureFilter.isExhausted(); }
+
+    /// Says whether the associations of that number are wanted, and from then on no others of their name.
+    bool wantsAssociations(std::size_t number);
+
+    /// Reads the text, in the encoding of the locale, of the structure of that number. One that is registered already
+    /// must not be declared again with other members where `mayDiffer` is false, and counts.
+    void readStructure(std::size_t number, std::string_view text, bool mayDiffer);
+
+    /// Likewise of associations; those that are read last count. To be called in the order of the file.
+    void readAssociations(std::size_t number, std::string_view text);
+
+    /// Takes note of a block that has not all that makes one.
+    void refuseBlock(std::size_t number, const std::string& messages, bool hasName = false);
+
+    /// Ends the read. False, with all faults appended to `errors` in the order of the file, when there was one.
+    bool finish(std::string& errors);
+
+private:
+    struct Fault
+    {
+        std::uint64_t position;
+        std::string messages;
+    };
+
+    void refuseStructure(const FileBlock& block, std::string_view text, const std::string& messages);
+    void addFault(const FileBlock& block, const std::string& messages, const std::string& what);
+    bool isLackOfStructures(const std::string& messages);
+
+    const std::string mFileName;
+    NameFilter mStructureFilter;
+    NameFilter mAssociationFilter;
+    std::map<std::string, Associations>& mAssociations;
+    std::vector<FileBlock> mBlocks;
+    std::vector<Fault> mFaults;
+    std::set<std::string, std::less<>> mLacking; // structures that were told to be missing or faulty
+    std::size_t mMoreLacking = 0;                // nodes that fail for those alone
+};
+} // namespace vumo::Data::detail
