@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vumo/data/Numbers.h"
+
 #include <string>
 #include <vector>
 
@@ -14,12 +16,13 @@ struct Address
 /// Each command does one thing to one file and throws `Failure` or `WrongUsage` when it can't.
 
 /// Prints the structures that the file declares, then the channels and streams of the scene and its nodes.
-void show(const std::string& fileName, bool withValues);
+void show(const std::string& fileName, bool withValues, vumo::Data::eNumbers numbers);
 
 /// Prints one element, or all elements of the stream when the index is null.
-void get(const std::string& fileName, const Address& address, const std::string* index);
+void get(const std::string& fileName, const Address& address, const std::string* index, vumo::Data::eNumbers numbers);
 
 /// Sets members of one element and rewrites the file in place. Each assignment is MEMBER=VALUE, for all values
-/// of the member, or MEMBER[i]=VALUE for one of them. Without `add` the element must exist.
+/// of the member, or MEMBER[i]=VALUE for one of them. Without `add` the element must exist. All floating-point numbers
+/// of the file are saved with such digits.
 void set(const std::string& fileName, const Address& address, const std::string& index,
-         const std::vector<std::string>& assignments, bool add);
+         const std::vector<std::string>& assignments, bool add, vumo::Data::eNumbers numbers);

@@ -24,7 +24,7 @@ Handle elementAt(const SceneFile& scene, const Stream& stream, const std::string
     return stream.element(index);
 }
 
-Table elementTable(const Stream& stream)
+Table elementTable(const Stream& stream, eNumbers numbers)
 {
     Table table;
     Table::Row titles = {"index"};
@@ -38,16 +38,16 @@ Table elementTable(const Stream& stream)
         const std::string index = element.index().asString();
         Table::Row row = {stream.indexType() == "string" ? quoted(index) : printable(index)};
         for (unsigned int i = 0; element->setPositionByMemberIndex(i); ++i)
-            row.push_back(memberText(*element));
+            row.push_back(memberText(*element, numbers));
         table.add(row);
     }
     return table;
 }
 
-Table memberTable(const Structure& structure, Handle element)
+Table memberTable(const Structure& structure, Handle element, eNumbers numbers)
 {
     Table table;
     for (unsigned int i = 0; element.setPositionByMemberIndex(i); ++i)
-        table.add({printable(Member::name(structure.member(i))), memberText(element)});
+        table.add({printable(Member::name(structure.member(i))), memberText(element, numbers)});
     return table;
 }

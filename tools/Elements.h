@@ -15,7 +15,7 @@ vumo::Data::Index indexFrom(const SceneFile& scene, const vumo::Data::Stream& st
 vumo::Data::Handle elementAt(const SceneFile& scene, const vumo::Data::Stream& stream, const std::string& text);
 
 /// All elements, a row each: the index, then the values of each member, under a row of titles.
-Table elementTable(const vumo::Data::Stream& stream);
+Table elementTable(const vumo::Data::Stream& stream, vumo::Data::eNumbers numbers);
 
 /// One element, a row for each member: its name and its values.
-Table memberTable(const vumo::Data::Structure& structure, vumo::Data::Handle element);
+Table memberTable(const vumo::Data::Structure& structure, vumo::Data::Handle element, vumo::Data::eNumbers numbers);

@@ -6,12 +6,12 @@
 
 using namespace vumo::Data;
 
-void get(const std::string& fileName, const Address& address, const std::string* index)
+void get(const std::string& fileName, const Address& address, const std::string* index, eNumbers numbers)
 {
     SceneFile scene(fileName, SceneFile::kLook);
     const Stream& stream = scene.stream(address);
     if (index)
-        memberTable(stream.structure(), elementAt(scene, stream, *index)).print(std::cout, 0);
+        memberTable(stream.structure(), elementAt(scene, stream, *index), numbers).print(std::cout, 0);
     else
-        elementTable(stream).print(std::cout, 0);
+        elementTable(stream, numbers).print(std::cout, 0);
 }

@@ -69,8 +69,9 @@ Stream& SceneFile::stream(const Address& address)
     return *stream;
 }
 
-void SceneFile::write() const
+void SceneFile::write(eNumbers numbers)
 {
+    mAccessor->setNumbers(numbers);
     std::string errors;
     if (!mAccessor->write(errors))
         throw failure(errors);

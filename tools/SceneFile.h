@@ -32,7 +32,7 @@ public:
     vumo::Data::Stream& stream(const Address& address);
 
     /// Writes the metadata back into the file.
-    void write() const;
+    void write(vumo::Data::eNumbers numbers);
 
     /// A failure of this file.
     Failure failure(const std::string& message) const;

@@ -109,7 +109,7 @@ void assign(const SceneFile& scene, const std::string& text, Handle& element)
 } // namespace
 
 void set(const std::string& fileName, const Address& address, const std::string& index,
-         const std::vector<std::string>& assignments, bool add)
+         const std::vector<std::string>& assignments, bool add, eNumbers numbers)
 {
     SceneFile scene(fileName, SceneFile::kEdit);
     Stream& stream = scene.stream(address);
@@ -119,5 +119,5 @@ void set(const std::string& fileName, const Address& address, const std::string&
     Handle element = elementAt(scene, stream, index);
     for (const std::string& assignment : assignments)
         assign(scene, assignment, element);
-    scene.write();
+    scene.write(numbers);
 }

@@ -35,7 +35,7 @@ Table::Row streamRow(const Stream& stream)
             "index " + printable(stream.indexType()), std::to_string(count) + (count == 1 ? " element" : " elements")};
 }
 
-void showChannel(const Channel& channel, bool withValues)
+void showChannel(const Channel& channel, bool withValues, eNumbers numbers)
 {
     std::cout << "  channel " << quoted(channel.name()) << "\n";
     Table streams;
@@ -46,13 +46,13 @@ void showChannel(const Channel& channel, bool withValues)
             continue;
         streams.print(std::cout, 4);
         streams = Table();
-        elementTable(*stream).print(std::cout, 6);
+        elementTable(*stream, numbers).print(std::cout, 6);
     }
     streams.print(std::cout, 4);
 }
 } // namespace
 
-void show(const std::string& fileName, bool withValues)
+void show(const std::string& fileName, bool withValues, eNumbers numbers)
 {
     const SceneFile scene(fileName, SceneFile::kLook);
     if (scene.isEmpty())
@@ -65,6 +65,6 @@ void show(const std::string& fileName, bool withValues)
     {
         std::cout << nodeTitle(entry.first) << "\n";
         for (const Channel& channel : entry.second)
-            showChannel(channel, withValues);
+            showChannel(channel, withValues, numbers);
     }
 }

@@ -54,14 +54,14 @@ std::string nodeTitle(const std::string& node)
     return node.empty() ? "scene" : "node " + quoted(node);
 }
 
-std::string memberText(const vumo::Data::Handle& handle)
+std::string memberText(const vumo::Data::Handle& handle, vumo::Data::eNumbers numbers)
 {
     std::string result;
     for (unsigned int i = 0; i < handle.dataLength(); ++i)
     {
         if (i > 0)
             result += ' ';
-        const std::string value = handle.str(i);
+        const std::string value = handle.str(i, numbers);
         result += handle.dataType() == vumo::Data::Member::kString ? quoted(value) : value;
     }
     return result;

@@ -18,7 +18,7 @@ std::string quoted(const std::string& text);
 std::string nodeTitle(const std::string& node);
 
 /// All values of the handle's current member, separated by blanks; strings are quoted.
-std::string memberText(const vumo::Data::Handle& handle);
+std::string memberText(const vumo::Data::Handle& handle, vumo::Data::eNumbers numbers);
 
 /// The width of a UTF-8 text on a terminal, a column for each character.
 std::string::size_type columns(const std::string& text);

@@ -27,6 +27,9 @@ struct Arguments
     std::vector<std::string> assignments;
     bool withValues = false;
     bool add = false;
+    std::string digits = "exact";
+
+    vumo::Data::eNumbers numbers() const { return digits == "six" ? vumo::Data::kSixDigits : vumo::Data::kExact; }
 };
 
 void addAddress(CLI::App& command, Arguments& arguments)
@@ -37,12 +40,20 @@ void addAddress(CLI::App& command, Arguments& arguments)
     command.add_option("STREAM", arguments.address.stream, "the stream's name")->required();
 }
 
+void addDigits(CLI::App& command, Arguments& arguments, const std::string& verb)
+{
+    command.add_option("--digits", arguments.digits, verb + " floating-point numbers exactly, or with six digits")
+        ->check(CLI::IsMember({"exact", "six"}).description(""))
+        ->type_name("exact|six");
+}
+
 void addShow(CLI::App& app, Arguments& arguments)
 {
     CLI::App* const command = app.add_subcommand("show", "Show what metadata a scene file holds");
     command->add_option("FILE", arguments.file, "the scene file")->required();
     command->add_flag("--values", arguments.withValues, "show all elements, too");
-    command->callback([&] { show(arguments.file, arguments.withValues); });
+    addDigits(*command, arguments, "show");
+    command->callback([&] { show(arguments.file, arguments.withValues, arguments.numbers()); });
 }
 
 void addGet(CLI::App& app, Arguments& arguments)
@@ -50,7 +61,10 @@ void addGet(CLI::App& app, Arguments& arguments)
     CLI::App* const command = app.add_subcommand("get", "Print one element, or all elements of a stream");
     addAddress(*command, arguments);
     CLI::Option* const index = command->add_option("INDEX", arguments.index, "the element's index");
-    command->callback([&, index] { get(arguments.file, arguments.address, *index ? &arguments.index : nullptr); });
+    addDigits(*command, arguments, "print");
+    command->callback([&, index] {
+        get(arguments.file, arguments.address, *index ? &arguments.index : nullptr, arguments.numbers());
+    });
 }
 
 void addSet(CLI::App& app, Arguments& arguments)
@@ -64,8 +78,11 @@ void addSet(CLI::App& app, Arguments& arguments)
                      "string is taken as it stands")
         ->required();
     command->add_flag("--add", arguments.add, "add the element if there is none");
-    command->callback(
-        [&] { set(arguments.file, arguments.address, arguments.index, arguments.assignments, arguments.add); });
+    addDigits(*command, arguments, "save all");
+    command->callback([&] {
+        set(arguments.file, arguments.address, arguments.index, arguments.assignments, arguments.add,
+            arguments.numbers());
+    });
 }
 
 int report(const std::string& text, eExitCode code)

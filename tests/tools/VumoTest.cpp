@@ -172,6 +172,18 @@ TEST_F(VumoTest, Set_TakesWholeMembersAndSingleValues)
     EXPECT_NE(element.find("matrix  " + matrix + "\n"), std::string::npos) << element;
 }
 
+TEST_F(VumoTest, Digits_AreAllOrSix)
+{
+    const std::string get = "get, body, edge, creases, 0 2";
+    EXPECT_EQ(onBoth("set, body, edge, creases, 0 2, weight=1.2345678").out, "");
+    EXPECT_EQ(onBoth(get).out, "weight  1.2345678\n");
+    EXPECT_EQ(onBoth(get + ", --digits, six").out, "weight  1.23457\n");
+    EXPECT_NE(onBoth("show, --values").out.find("0 2    1.2345678\n"), std::string::npos);
+    EXPECT_NE(onBoth("show, --values, --digits, six").out.find("0 2    1.23457\n"), std::string::npos);
+    EXPECT_EQ(onBoth("set, body, edge, creases, 0 1, weight=2, --digits=six").out, "");
+    EXPECT_EQ(onBoth(get + ", --digits=exact").out, "weight  1.23457\n");
+}
+
 TEST_F(VumoTest, Set_AddsElementsOnRequest)
 {
     EXPECT_EQ(onBoth("set, --add, head, face, marks, 3, text=chin").out, "");
@@ -209,6 +221,7 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
         {"set, body, vertex, all, 0, texts=a b", 2, "set the strings of \"texts\" one by one, as MEMBER[i]=VALUE"},
         {"set, body, edge, creases, 0 1, =1", 2, "\"=1\" is not of the form MEMBER=VALUE"},
         {"set, body, edge, creases, 0 1", 2, "MEMBER=VALUE is required\nRun with --help for more information."},
+        {"show, --digits, ten", 2, "--digits: ten not in {exact,six}\nRun with --help for more information."},
         {"show, --all", 2, "The following argument was not expected: --all\nRun with --help for more information."},
     };
     for (const auto& [command, exitCode, message] : cases)
