@@ -125,25 +125,28 @@ public:
                 return false;
             mPosition += kHeaderSize + mChunks.paddedSize();
         }
+        if (!mHasStructure)
+            mRead.leaveToHost();
         return true;
     }
 
 private:
     bool readChunk(std::string& errors)
     {
-        if (mChunks.header().mTag == Binary::getMetaDataStructureChunkName() && mRead.wantsStructures())
+        if (mChunks.header().mTag == Binary::getMetaDataStructureChunkName())
             return readStructure();
         if (BinaryReader::isApplyMetadataChunk(mChunks.header()))
             return readAssociations();
         return mChunks.skipData() || refuse(errors, "Could not read host chunk.\n");
     }
 
-    FileBlock blockOf(FileBlock::eKind kind) const
+    FileBlock blockOf(FileBlock::eKind kind, std::string_view data) const
     {
         FileBlock block;
         block.kind = kind;
         block.position = mPosition;
         block.length = kHeaderSize + mChunks.paddedSize();
+        block.checksum = blockChecksum({mChunks.headerBytes(), data});
         return block;
     }
 
@@ -152,12 +155,17 @@ private:
         std::string_view data;
         std::string_view format;
         std::string_view text;
+        if (!mHasStructure)
+            mRead.leaveToHost();
+        mHasStructure = true;
         const bool isWhole = mChunks.readData(data);
+        FileBlock block = blockOf(FileBlock::kStructure, data);
         const bool hasTexts = isWhole && takeText(data, format) && takeLastText(data, text);
-        FileBlock block = blockOf(FileBlock::kStructure);
         block.format = format;
         const std::size_t number = mRead.add(std::move(block));
-        if (hasTexts)
+        if (isWhole && !mRead.wantsStructures())
+            mRead.skip(number);
+        else if (hasTexts)
             mRead.readStructure(number, LocaleText(text).get(), false);
         else
             mRead.refuseBlock(number, "Could not read data structure chunk.");
@@ -171,9 +179,9 @@ private:
         std::string_view format;
         std::string_view text;
         const bool isWhole = mChunks.readData(data);
+        FileBlock block = blockOf(FileBlock::kAssociations, data);
         const bool hasName = isWhole && takeText(data, name);
         const bool hasTexts = hasName && takeText(data, format) && takeLastText(data, text);
-        FileBlock block = blockOf(FileBlock::kAssociations);
         block.name = name;
         block.format = format;
         const std::size_t number = mRead.add(std::move(block));
@@ -186,6 +194,7 @@ private:
 
     ChunkCursor& mChunks;
     std::uint64_t mPosition; // of the chunk in the file
+    bool mHasStructure = false;
     MetadataRead& mRead;
 };
 } // namespace

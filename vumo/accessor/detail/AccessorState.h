@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/accessor/Accessor.h"
+#include "vumo/accessor/detail/FileBlocks.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Numbers.h"
 
@@ -17,5 +18,6 @@ struct AccessorState
     std::map<std::string, Associations> associations;
     Accessor::eDurability durability = Accessor::kJournal;
     eNumbers numbers = kSixDigits;
+    FileBlocks found; ///< by the last read
 };
 } // namespace vumo::Data::detail

@@ -154,6 +154,7 @@ public:
         block.kind = isStructure ? FileBlock::kStructure : FileBlock::kAssociations;
         block.position = static_cast<std::uint64_t>(statement.begin);
         block.length = text.size();
+        block.checksum = blockChecksum({text});
         std::string stripped;
         text = text.substr(0, text.size() - (statement.isComplete() ? 1 : 0)); // less its ";"
         if (text.find('\r') != std::string_view::npos)

@@ -33,6 +33,9 @@ public:
     /// Of the chunk whose header was read last.
     const BinaryChunkHeader& header() const { return mHeader; }
 
+    /// As it stands in the stream.
+    std::string_view headerBytes() const { return mHeaderBytes; }
+
     /// Of its data and the padding after them.
     std::uint64_t paddedSize() const;
 

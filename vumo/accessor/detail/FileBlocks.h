@@ -1,7 +1,11 @@
 #pragma once
 
 #include "vumo/accessor/MetadataBlock.h"
+#include "vumo/accessor/detail/Checksum.h"
 
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
 #include <vector>
 
 namespace vumo::Data::detail
@@ -17,5 +21,22 @@ struct FileBlock : MetadataBlock
     };
 
     eState state = kRead;
+    std::uint64_t checksum = 0; ///< of its bytes
 };
+
+/// All metadata of a scene file, in the order of the file.
+struct FileBlocks
+{
+    std::vector<FileBlock> blocks;
+    std::size_t ofHost = 0; ///< how many of the first ones are left to the host: those ahead of the first "DATS"
+};
+
+/// Of a statement's text up to its ";", or of a chunk's header and its data without the padding.
+inline std::uint64_t blockChecksum(std::initializer_list<std::string_view> pieces)
+{
+    Checksum checksum;
+    for (const std::string_view piece : pieces)
+        checksum.add(piece);
+    return checksum.value();
+}
 } // namespace vumo::Data::detail

@@ -50,14 +50,14 @@ std::string nameIn(std::string_view structureText)
 }
 } // namespace
 
-MetadataRead::MetadataRead(const std::string& fileName, const std::set<std::string>* structureNames,
-                           const std::set<std::string>* associationNames,
-                           std::map<std::string, Associations>& associations)
-    : mFileName(fileName),
+MetadataRead::MetadataRead(AccessorState& state, const std::set<std::string>* structureNames,
+                           const std::set<std::string>* associationNames)
+    : mState(state),
+      mBlocks(state.found.blocks),
       mStructureFilter(structureNames),
-      mAssociationFilter(associationNames),
-      mAssociations(associations)
+      mAssociationFilter(associationNames)
 {
+    state.found = {};
 }
 
 std::size_t MetadataRead::add(FileBlock&& block)
@@ -104,7 +104,7 @@ void MetadataRead::readAssociations(std::size_t number, std::string_view text)
     std::string messages;
     Associations associations;
     if (deserializeAssociations(block.format, text, associations, messages))
-        mAssociations[block.name] = associations;
+        mState.associations[block.name] = associations;
     else if (isLackOfStructures(messages))
         ++mMoreLacking;
     else
@@ -132,7 +132,7 @@ void MetadataRead::addFault(const FileBlock& block, const std::string& messages,
 {
     const bool endsLine = !messages.empty() && messages.back() == '\n';
     mFaults.push_back({block.position, messages + (endsLine ? "" : "\n") + "in " + what + ", from byte " +
-                                           std::to_string(block.position) + " of " + mFileName + "\n"});
+                                           std::to_string(block.position) + " of " + mState.fileName + "\n"});
 }
 
 /// Says whether nothing is wrong but that structures are missing of which that was told already. Takes note of those of

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "vumo/accessor/detail/FileBlocks.h"
+#include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/accessor/detail/NameFilter.h"
-#include "vumo/data/Associations.h"
 
 #include <cstddef>
-#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -21,15 +19,18 @@ namespace vumo::Data::detail
 class MetadataRead
 {
 public:
-    /// Null sets want every name. Structures are registered with `Structure::registerStructure`, associations stored
-    /// in the map. Borrows the map.
-    MetadataRead(const std::string& fileName, const std::set<std::string>* structureNames,
-                 const std::set<std::string>* associationNames, std::map<std::string, Associations>& associations);
+    /// Null sets want every name. Structures are registered with `Structure::registerStructure`; associations and the
+    /// blocks that are found go into the state, which is borrowed.
+    MetadataRead(AccessorState& state, const std::set<std::string>* structureNames,
+                 const std::set<std::string>* associationNames);
 
     /// Which of two blocks of one name counts is for the reader to say.
     ///
     /// Adds a block that was found and gives its number.
     std::size_t add(FileBlock&& block);
+
+    /// The host keeps the blocks that were found so far.
+    void leaveToHost() { mState.found.ofHost = mBlocks.size(); }
 
     /// Says whether further structures can matter.
     bool wantsStructures() const { return !mStructureFilter.isExhausted(); }
@@ -47,6 +48,9 @@ public:
     /// Takes note of a block that has not all that makes one.
     void refuseBlock(std::size_t number, const std::string& messages, bool hasName = false);
 
+    /// Says that a structure of which nothing is known is not wanted.
+    void skip(std::size_t number) { mBlocks[number].state = FileBlock::kUnread; }
+
     /// Ends the read. False, with all faults appended to `errors` in the order of the file, when there was one.
     bool finish(std::string& errors);
 
@@ -61,11 +65,10 @@ private:
     void addFault(const FileBlock& block, const std::string& messages, const std::string& what);
     bool isLackOfStructures(const std::string& messages);
 
-    const std::string mFileName;
+    AccessorState& mState;
+    std::vector<FileBlock>& mBlocks;
     NameFilter mStructureFilter;
     NameFilter mAssociationFilter;
-    std::map<std::string, Associations>& mAssociations;
-    std::vector<FileBlock> mBlocks;
     std::vector<Fault> mFaults;
     std::set<std::string, std::less<>> mLacking; // structures that were told to be missing or faulty
     std::size_t mMoreLacking = 0;                // nodes that fail for those alone
