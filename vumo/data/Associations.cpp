@@ -1,8 +1,8 @@
 #include "vumo/data/Associations.h"
 
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 namespace vumo::Data
 {

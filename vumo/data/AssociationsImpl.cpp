@@ -1,7 +1,6 @@
 #include "vumo/data/AssociationsImpl.h"
 
 #include "vumo/data/detail/NamedSet.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 namespace vumo::Data
@@ -93,12 +92,12 @@ bool AssociationsImpl::renameChannel(const std::string& oldName, const std::stri
 
 bool AssociationsImpl::Debug(const AssociationsImpl* object, vumo::Debug::Print& request)
 {
-    return object ? vumo::detail::debugObject("vumo::Data::AssociationsImpl", object, request)
+    return object ? detail::debugObject("vumo::Data::AssociationsImpl", object, request)
                   : detail::debugCounts<AssociationsImpl>("vumo::Data::AssociationsImpl", request);
 }
 
 bool AssociationsImpl::Debug(const AssociationsImpl* object, vumo::Debug::Footprint& request)
 {
-    return object ? vumo::detail::debugObject(object, request) : detail::debugCounts<AssociationsImpl>(request);
+    return object ? detail::debugObject(object, request) : detail::debugCounts<AssociationsImpl>(request);
 }
 } // namespace vumo::Data

@@ -55,7 +55,7 @@ bool AssociationsIterator::Debug(const AssociationsIterator* object, vumo::Debug
     if (object->valid())
         line << "positioned at Channel " << (**object).name() << ".";
     else
-        line << "postioned at the end.";
+        line << "postioned at the end."; // spelled as it always was: users may look for it
     line << "\n";
     return true;
 }
@@ -69,11 +69,11 @@ bool AssociationsIterator::Debug(const AssociationsIterator* object, vumo::Debug
 
 bool AssociationsIteratorImpl::Debug(const AssociationsIteratorImpl* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::AssociationsIteratorImpl", object, request);
+    return detail::debugObject("vumo::Data::AssociationsIteratorImpl", object, request);
 }
 
 bool AssociationsIteratorImpl::Debug(const AssociationsIteratorImpl* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

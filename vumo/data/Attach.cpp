@@ -8,11 +8,11 @@ Attach::~Attach() = default;
 
 bool Attach::Debug(const Attach* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::Attach", object, request);
+    return detail::debugObject("vumo::Data::Attach", object, request);
 }
 
 bool Attach::Debug(const Attach* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

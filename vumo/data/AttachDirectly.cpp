@@ -14,7 +14,7 @@ AttachDirectly::AttachDirectly(const AttachDirectly& other)
 
 AttachDirectly& AttachDirectly::operator=(const AttachDirectly& other)
 {
-    if (this != &other)
+    if (this != &other) // gives an empty object where the other has none, as a copy does
         mMetadata = std::make_unique<Associations>(other.mMetadata.get());
     return *this;
 }
@@ -46,11 +46,11 @@ bool AttachDirectly::deleteMetadata()
 
 bool AttachDirectly::Debug(const AttachDirectly* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::AttachDirectly", object, request);
+    return detail::debugObject("vumo::Data::AttachDirectly", object, request);
 }
 
 bool AttachDirectly::Debug(const AttachDirectly* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -1,9 +1,9 @@
 #include "vumo/data/Channel.h"
 
 #include "vumo/data/detail/NamedSet.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 namespace vumo::Data
 {

@@ -2,7 +2,6 @@
 
 #include "vumo/data/Stream.h"
 #include "vumo/data/detail/NamedSet.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <memory>
@@ -159,12 +158,12 @@ bool ChannelImpl::removeElement(const Index& index)
 
 bool ChannelImpl::Debug(const ChannelImpl* object, vumo::Debug::Print& request)
 {
-    return object ? vumo::detail::debugObject("vumo::Data::ChannelImpl", object, request)
+    return object ? detail::debugObject("vumo::Data::ChannelImpl", object, request)
                   : detail::debugCounts<ChannelImpl>("vumo::Data::ChannelImpl", request);
 }
 
 bool ChannelImpl::Debug(const ChannelImpl* object, vumo::Debug::Footprint& request)
 {
-    return object ? vumo::detail::debugObject(object, request) : detail::debugCounts<ChannelImpl>(request);
+    return object ? detail::debugObject(object, request) : detail::debugCounts<ChannelImpl>(request);
 }
 } // namespace vumo::Data

@@ -50,7 +50,7 @@ bool ChannelIterator::Debug(const ChannelIterator* object, vumo::Debug::Print& r
         return true;
     std::ostream& line = request << "ChannelIterator ";
     if (!object->valid())
-        line << "postioned at the end.";
+        line << "postioned at the end."; // spelled as it always was: users may look for it
     else if (const Stream* const stream = **object)
         line << "positioned at Stream " << stream->name() << ".";
     else
@@ -68,11 +68,11 @@ bool ChannelIterator::Debug(const ChannelIterator* object, vumo::Debug::Footprin
 
 bool ChannelIteratorImpl::Debug(const ChannelIteratorImpl* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::ChannelIteratorImpl", object, request);
+    return detail::debugObject("vumo::Data::ChannelIteratorImpl", object, request);
 }
 
 bool ChannelIteratorImpl::Debug(const ChannelIteratorImpl* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -2,10 +2,10 @@
 
 #include "vumo/data/Structure.h"
 #include "vumo/data/detail/DataTypes.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/data/detail/ValueText.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 #include "vumo/foundation/detail/Text.h"
 #include "vumo/foundation/detail/ValueInput.h"
 
@@ -147,7 +147,7 @@ bool Handle::setPositionByMemberName(const char* name)
 {
     if (!name)
         return false;
-    if (detail::equalTexts(Member::name(currentMember()), name))
+    if (detail::equalTexts(Member::name(currentMember()), name)) // a loop over elements asks for one member only
         return true;
     mIndex = kEndIndex;
     for (unsigned int i = 0; i < mStructure->memberCount() && mIndex == kEndIndex; ++i)

@@ -113,6 +113,7 @@ std::map<std::string, Index::Creator>& Index::creators()
 
 bool Index::registerType(const std::string& name, Creator creator)
 {
+    // A null creator would be found, and called.
     return creator && creators().emplace(name, creator).second;
 }
 

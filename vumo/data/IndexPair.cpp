@@ -2,9 +2,9 @@
 
 #include "vumo/data/detail/IndexOrder.h"
 #include "vumo/data/detail/IndexText.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <functional>
 

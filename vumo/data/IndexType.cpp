@@ -12,11 +12,11 @@ IndexType::~IndexType() = default;
 
 bool IndexType::Debug(const IndexType* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::IndexType", object, request);
+    return detail::debugObject("vumo::Data::IndexType", object, request);
 }
 
 bool IndexType::Debug(const IndexType* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -57,7 +57,7 @@ bool Member::operator==(const Member& other) const
 bool Member::fillWithDefault(char* data) const
 {
     const unsigned long long bytes = static_cast<unsigned long long>(typeSize(mType)) * mDimension;
-    if (bytes > 0)
+    if (bytes > 0) // else the block may be null, which memset must not be given
         std::memset(data + mOffset, 0, bytes);
     return true;
 }
@@ -65,7 +65,7 @@ bool Member::fillWithDefault(char* data) const
 bool Member::constructDuplicate(char* dest, const char* src) const
 {
     visitStrings(*this, dest, [&](char* value) {
-        const char* const original = loadScalar<char*>(src + (value - dest));
+        const char* const original = loadScalar<char*>(src + (value - dest)); // at the same place of its block
         storeScalar(value, detail::duplicateText(original));
     });
     return true;

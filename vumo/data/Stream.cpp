@@ -3,10 +3,10 @@
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamImplMapped.h"
 #include "vumo/data/detail/NamedSet.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/OwnedText.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 #include "vumo/foundation/detail/Text.h"
 
 #include <stdexcept>
@@ -194,6 +194,7 @@ std::vector<char*> Stream::elementBlocks(const unsigned int* indices, unsigned i
     std::vector<char*> blocks(count);
     const StreamImplMapped* const mapped = Storage(mImpl.get()).mapped;
     for (unsigned int i = 0; i < count; ++i)
+        // A handle for each would reference the structure: the map can be asked without.
         blocks[i] = mapped ? mapped->elementBlock(indices[i]) : mImpl->element(indices[i]).data();
     return blocks;
 }
@@ -201,7 +202,7 @@ std::vector<char*> Stream::elementBlocks(const unsigned int* indices, unsigned i
 void Stream::createMissingElements(const unsigned int* indices, unsigned int count)
 {
     StreamImplMapped* const mapped = Storage(mImpl.get()).mapped;
-    const Handle defaults(structure());
+    const Handle defaults(structure()); // other storages take elements from handles only
     for (unsigned int i = 0; i < count; ++i)
     {
         if (mapped && !mapped->elementBlock(indices[i]))
@@ -274,7 +275,7 @@ const std::string& Stream::indexType() const
 
 bool Stream::setIndexType(const std::string& typeName)
 {
-    Index::creator(typeName);
+    Index::creator(typeName);             // throws for a type that nobody knows, before anything has changed
     const Ref<StreamImpl> before = mImpl; // `typeName` may be a part of it
     if (typeName == indexType())
         return true;

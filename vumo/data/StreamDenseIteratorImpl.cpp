@@ -69,11 +69,11 @@ const StreamImpl* StreamDenseIteratorImpl::myStream() const
 
 bool StreamDenseIteratorImpl::Debug(const StreamDenseIteratorImpl* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::StreamDenseIteratorImpl", object, request);
+    return detail::debugObject("vumo::Data::StreamDenseIteratorImpl", object, request);
 }
 
 bool StreamDenseIteratorImpl::Debug(const StreamDenseIteratorImpl* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

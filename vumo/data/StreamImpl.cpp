@@ -1,9 +1,9 @@
 #include "vumo/data/StreamImpl.h"
 
 #include "vumo/data/detail/NamedSet.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 namespace vumo::Data
 {
@@ -74,17 +74,17 @@ void StreamImpl::setName(const std::string& name)
 
 bool StreamImpl::setIndexType(const std::string& typeName)
 {
-    Index::creator(typeName);
+    Index::creator(typeName); // throws for a type that nobody knows, before anything has changed
     if (elementCount() > 0)
         return false;
-    clear();
+    clear(); // a storage may keep memory without elements
     mIndexType = typeName;
     return true;
 }
 
 bool StreamImpl::copyElementFromHandle(void* dest, const Handle& handle) const
 {
-    if (structure().totalSize() == 0)
+    if (structure().totalSize() == 0) // such an element has no block, and is copied all the same
         return true;
     if (!dest || !handle.hasData())
         return false;

@@ -2,9 +2,9 @@
 
 #include "vumo/data/StreamDenseIteratorImpl.h"
 #include "vumo/data/detail/DataTypes.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 #include "vumo/foundation/detail/Text.h"
 
 #include <algorithm>
@@ -202,8 +202,8 @@ bool StreamImplDense::setElementRange(Index first, Index last)
         return fits;
     }
     for (unsigned int i = n; i < mCount; ++i)
-        resetElement(i);
-    mCount = n - 1; // the element there keeps its data, but counts no more
+        resetElement(i); // a stream that grows again starts with default values
+    mCount = n - 1;      // the element there keeps its data, but counts no more
     return true;
 }
 
@@ -245,7 +245,7 @@ bool StreamImplDense::ensureSpaceForElement(Index index)
         mAllocated = 0;
     }
     if (i < mAllocated)
-        return mData != nullptr;
+        return mData != nullptr; // clear() leaves the number of slots without their block
     if (structure().totalSize() == 0)
         return true;
     return reallocate(grownSize(mAllocated, structure().totalSize(), i)) && mAllocated > i;
@@ -278,7 +278,8 @@ void StreamImplDense::rememberLayout()
         mBlockMembers.push_back(*structure().member(i));
 }
 
-/// Says whether the block was made by the layout that the structure has now.
+/// Says whether the block was made by the layout that the structure has now. Size alone does not tell: a string could
+/// lie where a number was.
 bool StreamImplDense::fitsLayout() const
 {
     return mStride == structure().totalSize() && mBlockMembers.size() == structure().memberCount() &&

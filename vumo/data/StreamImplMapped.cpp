@@ -1,9 +1,9 @@
 #include "vumo/data/StreamImplMapped.h"
 
 #include "vumo/data/StreamMappedIteratorImpl.h"
-#include "vumo/data/detail/ObjectCounts.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
+#include "vumo/foundation/detail/DebugObject.h"
 
 #include <iterator>
 #include <tuple>
@@ -89,7 +89,7 @@ bool StreamImplMapped::setElement(Index index, const Handle& handle)
         return false;
     char* const block = structure().duplicateChunk(handle.data()); // before the element it may borrow from is released
     const unsigned int position = handle.memberIndex();
-    storeBlock(std::move(index), block).setPositionByMemberIndex(position);
+    storeBlock(std::move(index), block).setPositionByMemberIndex(position); // as a copy of the handle would be
     return true;
 }
 
@@ -149,7 +149,7 @@ bool StreamImplMapped::clear()
 char* StreamImplMapped::newElement(Index&& index)
 {
     Handle& stored = storeBlock(std::move(index), structure().allocateDefaultChunk());
-    stored.setPositionByMemberIndex(0);
+    stored.setPositionByMemberIndex(0); // the entry may be an old one, left at another member
     return stored.data();
 }
 
@@ -204,7 +204,7 @@ void StreamImplMapped::placeElementsFor(Index first)
 
 Handle& StreamImplMapped::structureHandle()
 {
-    if (!mStructureHandle.usesStructure(structure()))
+    if (!mStructureHandle.usesStructure(structure())) // which can be replaced while there are no elements
         mStructureHandle = Handle(structure(), nullptr);
     return mStructureHandle;
 }

@@ -33,6 +33,7 @@ StreamIteratorImpl* StreamIterator::impl()
     return mImpl.get();
 }
 
+// Says the same as the other one: only values that are read through a const iterator are told apart.
 const StreamIteratorImpl* StreamIterator::impl() const
 {
     if (!mImpl)
@@ -64,11 +65,11 @@ bool StreamIterator::operator==(const StreamIterator& other) const
 
 bool StreamIterator::Debug(const StreamIterator* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::StreamIterator", object, request);
+    return detail::debugObject("vumo::Data::StreamIterator", object, request);
 }
 
 bool StreamIterator::Debug(const StreamIterator* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -46,11 +46,11 @@ bool StreamIteratorImpl::operator==(const StreamIteratorImpl& other) const
 
 bool StreamIteratorImpl::Debug(const StreamIteratorImpl* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::StreamIteratorImpl", object, request);
+    return detail::debugObject("vumo::Data::StreamIteratorImpl", object, request);
 }
 
 bool StreamIteratorImpl::Debug(const StreamIteratorImpl* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

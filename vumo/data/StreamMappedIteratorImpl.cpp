@@ -52,11 +52,11 @@ const StreamImpl* StreamMappedIteratorImpl::myStream() const
 
 bool StreamMappedIteratorImpl::Debug(const StreamMappedIteratorImpl* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::StreamMappedIteratorImpl", object, request);
+    return detail::debugObject("vumo::Data::StreamMappedIteratorImpl", object, request);
 }
 
 bool StreamMappedIteratorImpl::Debug(const StreamMappedIteratorImpl* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

@@ -118,7 +118,7 @@ Structure::Structure() : Structure(nullptr) {}
 
 Structure::Structure(const char* name) : mName(detail::duplicateText(name ? name : kDefaultName))
 {
-    objectChanged();
+    objectChanged(); // getting its name is a change of its own
 }
 
 Structure::Structure(const Structure& other)
@@ -407,7 +407,7 @@ bool Structure::Debug(const Structure* object, vumo::Debug::Print& request)
         Member::Debug(&object->mMembers[i], request);
     }
     request.endSection();
-    printDefaultData(object->mDefaultData.get(), object->totalSize(), request);
+    printDefaultData(object->mDefaultData.get(), object->totalSize(), request); // not made for the sake of a print
     return true;
 }
 

@@ -12,6 +12,7 @@ namespace
 constexpr unsigned int kEndIndex = 0xFFFFFFFF;
 } // namespace
 
+// The structure is held by nothing else and dies with its last iterator.
 StructureIterator::StructureIterator() : StructureIterator(*Structure::create(), kIterEnd) {}
 
 StructureIterator::StructureIterator(const Structure& structure, IterLocation location)
@@ -96,11 +97,11 @@ bool StructureIterator::valid() const
 
 bool StructureIterator::Debug(const StructureIterator* object, vumo::Debug::Print& request)
 {
-    return vumo::detail::debugObject("vumo::Data::StructureIterator", object, request);
+    return detail::debugObject("vumo::Data::StructureIterator", object, request);
 }
 
 bool StructureIterator::Debug(const StructureIterator* object, vumo::Debug::Footprint& request)
 {
-    return vumo::detail::debugObject(object, request);
+    return detail::debugObject(object, request);
 }
 } // namespace vumo::Data

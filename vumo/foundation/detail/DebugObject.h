@@ -22,4 +22,20 @@ bool debugObject(const T* object, vumo::Debug::Footprint& request)
         request.addObject(object, sizeof(*object));
     return true;
 }
+
+/// Describes the static data of a class that keeps nothing there but the counts of its objects.
+template <class T>
+bool debugCounts(const char* className, vumo::Debug::Print& request)
+{
+    request << className << " : " << T::_objectsCreated << " created, " << T::_objectsAlive << " alive\n";
+    return true;
+}
+
+template <class T>
+bool debugCounts(vumo::Debug::Footprint& request)
+{
+    request.addMember(&T::_objectsCreated, sizeof(T::_objectsCreated));
+    request.addMember(&T::_objectsAlive, sizeof(T::_objectsAlive));
+    return true;
+}
 } // namespace vumo::detail
