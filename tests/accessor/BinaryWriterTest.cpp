@@ -119,6 +119,16 @@ TEST_F(BinaryWriterTest, Write_KeepsEveryHostChunkInItsOrder)
     }
 }
 
+TEST_F(BinaryWriterTest, Write_LeavesOutEntriesWithoutStreams)
+{
+    // Without a structure in front of them they would stay for good, and multiply.
+    mFile.setBytes(sceneWith(""));
+    const auto accessor = readScene(mFile.name());
+    accessor->associations()["Body"].channel("vertex");
+    ASSERT_TRUE(accessor->write(mErrors)) << mErrors;
+    EXPECT_EQ(mFile.bytes(), sceneWith(""));
+}
+
 TEST_F(BinaryWriterTest, Write_RefusesATrailerThatLies)
 {
     const std::string tooLong = bigEndian(0, 4) + bigEndian(64, 8) + std::string(56, 'x');

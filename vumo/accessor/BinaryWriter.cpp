@@ -86,10 +86,22 @@ bool appendStructureChunk(const Structure& structure, std::string& out, std::str
     return refuse(errors, structureMessage(structure, kNotConverted));
 }
 
+bool hasStreams(const Associations& associations)
+{
+    for (const Channel& channel : associations)
+    {
+        if (!channel.empty())
+            return true;
+    }
+    return false;
+}
+
 bool appendAssociationsChunk(const std::string& tag, const std::string& name, const Associations& associations,
                              eNumbers numbers, std::string& out, std::string& errors)
 {
-    if (associations.empty())
+    // A chunk without streams would say nothing, and come without a structure. The next writer, which knows metadata by
+    // its first structure, would keep the chunk for one of the host's and write another.
+    if (!hasStreams(associations))
         return true;
     if (name.find('\0') != std::string::npos)
         return refuse(errors, "Its name has a zero byte, where it would end.\n");
