@@ -107,6 +107,9 @@ TEST_F(OvriAsciiFileAccessorTest, Read_RefusesFaultyStatementsWithTheirMessages)
         {apply + "\"endAssociations\\n\" \n\t\t\"\";\n", noName, "metadata without a name"},
         {apply + "\n\t\tBody;\n", "Error tokenizing format/value for associations.", "the metadata of node 'Body'"},
         {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"; undo;\n", noStructure, "a structure"},
+        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"; setFoo -x \"y\";\n", noStructure, "a structure"},
+        {"dataStructure -fmt \"raw\" -as \"name=A:int32=a\"\n\tfile -r x;\n", noStructure, "a structure"},
+        {apply + "\"endAssociations\\n\" \n\t\t\"no de\"; setFoo \"x\";\n", noName, "metadata without a name"},
         {apply + "\"endAssociations\\n\" \n\t\tBody; undo;\n", noName, "metadata without a name"},
         {apply + "\"endAssociations\\n\" \n\t\t\"a;b\"; undo;\n", noName, "metadata without a name"},
         {"applyMetadata -fmt \"odd\" -v \"x\" \n\t\t-scn;\n", "Could not find serializer for format odd",
@@ -179,14 +182,17 @@ TEST_F(OvriAsciiFileAccessorTest, Read_TakesTheStatementNearestTheEnd)
 
 TEST_F(OvriAsciiFileAccessorTest, Read_KnowsEveryFormOfAName)
 {
-    std::string unindented = applying("7", "seven");
+    std::string unindented = applying("7", "seven") + applying("10", "ten words");
     unindented.erase(unindented.find('\t'), 2);
-    mFile.setBytes(kHeader + kHost + kWeight + unindented + applying("1", "select1") + applying("2", "\"two words\"") +
-                   applying("3", "-scn") + applying("4", "\"-scn\"") + applying("5", "  setAttr ") +
-                   applying("6", "\"six\" more") + applying("8", "//eight") + applying("9", "// End of nine") +
-                   "// a comment;\n" + kTrailer);
+    unindented.erase(unindented.find('\t'), 2);
+    mFile.setBytes(kHeader + kHost + kWeight + unindented + applying("11", "\"eleven") + applying("1", "select1") +
+                   applying("2", "\"two words\"") + applying("3", "-scn") + applying("4", "\"-scn\"") +
+                   applying("5", "  setAttr ") + applying("6", "\"six\" more") + applying("8", "//eight") +
+                   applying("9", "// End of nine") + "// a comment;\n" + kTrailer);
     const auto accessor = readScene(mFile.name());
-    EXPECT_EQ(accessor->associations().size(), 9U);
+    EXPECT_EQ(accessor->associations().size(), 11U);
+    EXPECT_EQ(weightOf(*accessor, "ten words"), "10");
+    EXPECT_EQ(weightOf(*accessor, "\"eleven"), "11");
     EXPECT_EQ(weightOf(*accessor, "seven"), "7");
     EXPECT_EQ(weightOf(*accessor, "select1"), "1");
     EXPECT_EQ(weightOf(*accessor, "two words"), "2");

@@ -226,7 +226,7 @@ TEST_F(RefusedWriteTest, ANodeNameThatAFileCannotCarry_IsNamed)
         {"a\0b"s, "a\\x00b", "a zero byte", false},
         {"//a", "//a", "a \"//\""},
         {"a//b", "a//b", "a \"//\""},
-        {"-scn", "-scn", "the meaning of the scene"},
+        {"-scn", "-scn", "the form of the scene's flag"},
         {"two words", "", ""},
         {"-scn ", "", ""},
         {" // End of; it", "", ""},

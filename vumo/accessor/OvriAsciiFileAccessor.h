@@ -40,7 +40,8 @@ public:
     bool isFileSupported(const std::string& fileName) const override;
 
     /// Reads the file fileName() as it stands. Called by itself and not by read(), it registers the structures in the
-    /// process-wide registry and adds to associations(); a file whose writing was interrupted is not restored first.
+    /// process-wide registry and adds to associations(); a file whose writing was interrupted is not restored first. A
+    /// structure of the same name that is registered already, with other members, is in the way of the file's own.
     bool performRead(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
                      std::string& errors) override;
 

@@ -5,6 +5,7 @@
 #include "vumo/accessor/detail/AsciiText.h"
 #include "vumo/accessor/detail/MetadataRead.h"
 #include "vumo/accessor/detail/Refusal.h"
+#include "vumo/foundation/detail/Characters.h"
 
 #include <cstdlib>
 #include <istream>
@@ -79,14 +80,9 @@ std::string withoutReturns(std::string_view text)
     return result;
 }
 
-/// Says whether another statement follows behind `position`. It would be lost with the metadata that is replaced.
-bool hasMoreStatements(std::string_view text, std::size_t position)
-{
-    return text.find(';', position) != std::string_view::npos;
-}
-
 /// Takes the format from between the first two double quotes of a statement, and the value, with its escapes, from
-/// between the third and the last. False when there are too few of them, or when another statement follows on the line.
+/// between the third and the last. False when there are too few of them, and when there is more text: with the metadata
+/// that is replaced it would be lost.
 bool findValue(std::string_view statement, std::string& format, std::string_view& value)
 {
     std::size_t quotes[3];
@@ -99,18 +95,32 @@ bool findValue(std::string_view statement, std::string& format, std::string_view
         from = quote + 1;
     }
     const std::size_t last = statement.rfind('"');
-    if (last == quotes[2] || hasMoreStatements(statement, last))
+    if (last == quotes[2] || !trimmed(statement.substr(last + 1)).empty())
         return false;
     format = statement.substr(quotes[0] + 1, quotes[1] - quotes[0] - 1);
     value = statement.substr(from, last - from);
     return true;
 }
 
-std::string unescaped(std::string_view value)
+/// Undoes the escapes of a value. False when it is none, as another statement begins in it.
+bool unescape(std::string_view value, std::string& text)
 {
-    std::string text(value);
-    unescapeValue(text, 0, text.size());
-    return text;
+    text = value;
+    return unescapeValue(text, 0, text.size());
+}
+
+/// Says whether the name line of a statement that has lost its ";" holds another one, outside of double quotes: it
+/// begins another statement, which would be lost with the metadata that is replaced.
+bool hasMoreStatements(std::string_view line)
+{
+    bool isOutside = true;
+    for (const char character : line)
+    {
+        if (character == ';' && isOutside)
+            return true;
+        isOutside = isOutside != (character == '"');
+    }
+    return false;
 }
 
 /// Cuts the last line, with the node's name, off an associations statement that has lost its ";". The name stands
@@ -126,13 +136,13 @@ bool takeName(std::string_view& statement, std::string& name)
         return false;
     name = statement.substr(begin);
     statement = statement.substr(0, lineEnd);
-    const bool isQuoted = name.front() == '"';
-    const std::string::size_type last = isQuoted ? name.rfind('"') : 0;
-    if (hasMoreStatements(name, last))
+    if (hasMoreStatements(name))
         return false;
+    const std::string::size_type last = name.rfind('"');
+    const bool isQuoted = name.front() == '"' && last > 0; // one quote alone is a part of the name
     if (isQuoted)
     {
-        name = last == 0 ? "" : name.substr(1, last - 1);
+        name = name.substr(1, last - 1);
         return !name.empty();
     }
     if (name.substr(0, name.find_last_not_of(kBlanks) + 1) == Ascii::getApplyMetadataCommandSceneFlag())
@@ -185,10 +195,11 @@ private:
     void readStructure(FileBlock block, std::string_view text)
     {
         std::string_view value;
-        const bool hasValue = findValue(text, block.format, value);
+        std::string unescaped;
+        const bool hasValue = findValue(text, block.format, value) && unescape(value, unescaped);
         const std::size_t number = mRead.add(std::move(block));
         if (hasValue)
-            mRead.readStructure(number, unescaped(value), true);
+            mRead.readStructure(number, std::move(unescaped), true);
         else
             mRead.refuseBlock(number, "Error tokenizing format/value for structure.");
     }
@@ -196,6 +207,7 @@ private:
     void collectAssociations(FileBlock block, std::string_view text)
     {
         std::string_view value;
+        std::string unescaped;
         const bool hasName = takeName(text, block.name);
         const bool hasValue = hasName && findValue(text, block.format, value);
         const std::size_t number = mRead.add(std::move(block));
@@ -203,8 +215,8 @@ private:
             mRead.refuseBlock(number, "Could not find Associations name.");
         else if (!mRead.wantsAssociations(number))
             return;
-        else if (hasValue)
-            mPending.push_back({number, unescaped(value)});
+        else if (hasValue && unescape(value, unescaped))
+            mPending.push_back({number, std::move(unescaped)});
         else
             mRead.refuseBlock(number, "Error tokenizing format/value for associations.", true);
     }

@@ -74,15 +74,15 @@ struct StatementEnd
 {
     BackwardLines::Line line;
     bool exists = false;
-    bool isName = false; ///< it begins a comment, unless it is the name right below a node's command
+    bool isName = false; ///< it is no part of a statement, unless it is the name right below a node's command
 
     bool closes(eLine command) const { return exists && (!isName || command == kAssociationsLine); }
 
     /// Takes the next line upward into account.
-    void step(const BackwardLines::Line& next, eLine kind, bool beginsComment)
+    void step(const BackwardLines::Line& next, eLine kind, bool mayBeName)
     {
         const bool isEnd = next.last == ';';
-        exists = exists && (isName ? beginsComment && isEnd : kind == kContinuation);
+        exists = exists && (isName ? mayBeName && isEnd : kind == kContinuation);
     }
 };
 
@@ -116,9 +116,9 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, const AsciiStatementTaker&
         if (kind == kHostLine)
             return true;
         const bool isTrailer = kind == kTrailerLine && tail.trailer < 0;
-        const bool beginsComment = kind == kCommentLine || (kind == kTrailerLine && !isTrailer);
+        const bool mayBeName = kind == kCommentLine || kind == kOtherLine || (kind == kTrailerLine && !isTrailer);
         if (line.last == ';')
-            end = {line, true, beginsComment};
+            end = {line, true, mayBeName};
         if (isTrailer)
             tail.trailer = line.begin;
         if (kind == kStructureLine || kind == kAssociationsLine)
@@ -131,7 +131,7 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, const AsciiStatementTaker&
             if (take)
                 take(statement, text);
         }
-        end.step(line, kind, beginsComment);
+        end.step(line, kind, mayBeName);
         if (!end.exists || !take)
             lines.forgetFrom(line.begin);
     }

@@ -155,9 +155,11 @@ bool appendEscapedValue(const std::string& text, std::string& out)
     return readBack == text;
 }
 
-void unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end)
+bool unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end)
 {
-    char* out = text.data(); // never behind what is read
+    char* out = text.data(); // never after what is read
+    bool isOutside = false;
+    bool isOneStatement = true;
     for (Characters characters(out + begin, out + end); !characters.atEnd();)
     {
         const char* const kept = characters.position();
@@ -165,6 +167,9 @@ void unescapeValue(std::string& text, std::string::size_type begin, std::string:
         const char* const next = characters.position();
         const std::size_t length = characters.atEnd() ? 0 : characters.step();
         char character = '\0';
+        if (isOutside && std::find(kept, next, ';') != next)
+            isOneStatement = false;
+        isOutside = isOutside != (length == 1 && *next == '"');
         const bool isEscape = length == 1 && *next == '\\';
         const std::size_t escape = isEscape ? unescape(characters.position(), characters.left(), character) : 0;
         const std::size_t copied = static_cast<std::size_t>(next - kept) + (escape == 0 ? length : 0);
@@ -175,5 +180,6 @@ void unescapeValue(std::string& text, std::string::size_type begin, std::string:
         characters.skip(escape);
     }
     text.resize(static_cast<std::size_t>(out - text.data()));
+    return isOneStatement;
 }
 } // namespace vumo::Data::detail

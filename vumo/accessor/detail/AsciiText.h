@@ -13,6 +13,8 @@ namespace vumo::Data::detail
 bool appendEscapedValue(const std::string& text, std::string& out);
 
 /// Undoes that in one pass, in place, for what stands between two positions in the text, and cuts off all else. An
-/// unknown escape keeps both of its characters.
-void unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end);
+/// unknown escape keeps both of its characters, and a quote without one stays.
+///
+/// False when such quotes end the value before a ";": what follows is another statement.
+bool unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end);
 } // namespace vumo::Data::detail

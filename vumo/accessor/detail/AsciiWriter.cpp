@@ -71,8 +71,9 @@ const char* faultAsTarget(const std::string& name)
         if (row.isFault && name.find(row.text) != std::string::npos)
             return row.what;
     }
-    return name == Ascii::getApplyMetadataCommandSceneFlag() ? "the meaning of the scene" : nullptr;
+    return name == Ascii::getApplyMetadataCommandSceneFlag() ? "the form of the scene's flag" : nullptr;
 }
+
 /// Appends the statement that declares the structure. False, with the reason appended to `errors`, when it has no text,
 /// or one that would not stay inside its quotes.
 bool appendStructure(const Structure& structure, std::string& out, std::string& errors)
