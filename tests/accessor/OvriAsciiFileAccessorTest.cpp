@@ -50,7 +50,9 @@ protected:
     {
         mFile.setBytes(bytes);
         std::string errors;
-        EXPECT_TRUE(readScene(mFile.name())->write(errors)) << errors;
+        const auto accessor = readScene(mFile.name());
+        accessor->setDurability(Accessor::kMemoryOnly); // hundreds of writes need not wait for the disk
+        EXPECT_TRUE(accessor->write(errors)) << errors;
         return mFile.bytes();
     }
 
