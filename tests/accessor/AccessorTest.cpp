@@ -1,12 +1,12 @@
 #include "vumo/accessor/Accessor.h"
 
 #include "tests/accessor/AccessorFixture.h"
+#include "tests/support/RandomNumbers.h"
 
 #include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <functional>
-#include <random>
 #include <stdexcept>
 #include <typeinfo>
 
@@ -378,8 +378,9 @@ TEST_F(AccessorPropertyTest, RichScenesWithExactNumbers_KeepTheirBitsAndTheTexts
 {
     const Ref<Structure> sample =
         Structure::make("Sample", {{Member::kFloat, 3, "f"}, {Member::kDouble, 3, "d"}, {Member::kString, 1, "label"}});
-    const std::size_t size = 3 * sizeof(float) + 3 * sizeof(double); // of its numbers, which begin an element
-    std::mt19937_64 random(1);
+    const std::size_t size = Member::offset(sample->member(2)); // of its numbers, which begin an element
+    RandomNumbers random;
+    SCOPED_TRACE(random.seedText());
     Stream samples(*sample, "samples");
     for (unsigned int i = 0; i < 300; ++i)
     {
@@ -387,13 +388,12 @@ TEST_F(AccessorPropertyTest, RichScenesWithExactNumbers_KeepTheirBitsAndTheTexts
         setText(element, "label", "sample");
         for (unsigned int value = 0; value < 3; ++value)
         {
-            const auto bits = random();
-            double number = 0;
-            std::memcpy(&number, &bits, sizeof(number));
+            const float single = random.fromBits<float>();
+            const double number = random.fromBits<double>();
             element.setPositionByMemberName("f");
-            element.asFloat()[value] = std::ldexp(static_cast<float>(random()), static_cast<int>(bits % 128) - 160);
+            element.set(value, std::isfinite(single) ? single : -0.0F);
             element.setPositionByMemberName("d");
-            element.asDouble()[value] = std::isfinite(number) ? number : -0.0;
+            element.set(value, std::isfinite(number) ? number : -0.0);
         }
         samples.setElement(i, element);
     }
