@@ -1,8 +1,8 @@
 #include "vumo/data/StreamIterator.h"
 
 #include "tests/support/DataFixtures.h"
-#include "vumo/data/StreamImplDense.h"
-#include "vumo/data/StreamMappedIteratorImpl.h"
+#include "vumo/data/Stream.h"
+#include "vumo/data/StreamIteratorImpl.h"
 
 namespace vumo::Data
 {
@@ -136,35 +136,44 @@ TEST_F(StreamIteratorTest, ADenseStreamThatShrinks_EndsAWalk)
 }
 
 /// An iterator with opinions of its own about what it shows.
-class OtherIterator : public StreamMappedIteratorImpl
+class OtherIterator : public StreamIteratorImpl
 {
 public:
-    using StreamMappedIteratorImpl::StreamMappedIteratorImpl;
+    /// Has a part that seems to be at an element.
+    explicit OtherIterator(const StreamIteratorImpl& atElement) : StreamIteratorImpl(atElement) {}
     Handle& operator*() override { return mShown; }
     const Handle& operator*() const override { return mShown; }
     Handle* operator->() override { return &mShown; }
     const Handle* operator->() const override { return &mShown; }
     bool valid() const override { return false; }
+    StreamIteratorImpl& operator++() override { return ++mSteps, *this; }
+    StreamIteratorImpl* operator++(int) override { return clone(); }
+    StreamIteratorImpl* clone() const override { return new OtherIterator(*this); }
+    Index index() const override { return mSteps; }
+    const StreamImpl* myStream() const override { return nullptr; }
 
     Handle mShown;
+    unsigned int mSteps = 0;
 };
 
 TEST_F(StreamIteratorTest, AnIteratorOfAnotherClass_IsAskedForEverything)
 {
-    const Ref<StreamImplMapped> stream(new StreamImplMapped(*mRecord, "s"));
-    for (unsigned int i = 0; i < 4; ++i)
-        stream->setElement(i, Handle(*mRecord));
-    auto* const other = new OtherIterator(*stream, kIterBegin);
-    StreamIterator position(other);
-    const StreamIterator& constPosition = position;
-    for (int i = 0; i < 2; ++i)
+    Stream stream(*mRecord, "s");
+    stream.setElement(0, Handle(*mRecord));
+    for (const bool isDense : {false, true})
     {
+        stream.useDenseStorage(isDense);
+        const StreamIterator first = stream.begin();
+        auto* const other = new OtherIterator(*first.impl());
+        StreamIterator position(other);
+        const StreamIterator& constPosition = position;
         EXPECT_FALSE(position.valid());
         EXPECT_EQ(&*position, &other->mShown);
         EXPECT_EQ(position.operator->(), &other->mShown);
         EXPECT_EQ(&*constPosition, &other->mShown);
         EXPECT_EQ(constPosition.operator->(), &other->mShown);
         ++position;
+        EXPECT_EQ(position.index().index(), 1U);
     }
 }
 } // namespace

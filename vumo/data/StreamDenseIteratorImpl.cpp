@@ -11,7 +11,7 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, 
       mStream(&stream),
       mPosition(location == kIterBegin ? 0 : stream.elementCount())
 {
-    mIsInBlock = typeid(stream) == typeid(StreamImplDense);
+    mShortWay = typeid(stream) == typeid(StreamImplDense) ? eShortWay::kBlock : eShortWay::kHandle;
     if (mPosition < stream.elementCount()) // else there is no handle, and whoever asks for it is told so
     {
         mHandle = mOwnHandle.get();
@@ -26,7 +26,7 @@ StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamDenseIteratorImpl& 
       mPosition(other.mPosition)
 {
     mHandle = other.mHandle ? mOwnHandle.get() : nullptr;
-    mIsInBlock = other.mIsInBlock;
+    mShortWay = other.mShortWay;
 }
 
 StreamDenseIteratorImpl::~StreamDenseIteratorImpl() = default;

@@ -55,9 +55,18 @@ protected:
     bool mInvalid = true;
 
 private:
-    friend class StreamDenseIteratorImpl; // sets mIsInBlock
-    friend class StreamIterator;          // steps without a virtual call where it is set
+    // What `StreamIterator` may do without a virtual call. A derived class says so about itself, if it is final.
+    enum class eShortWay : unsigned char
+    {
+        kNone,
+        kHandle, // take mHandle, while not mInvalid
+        kBlock   // that, and step in the block of a storage that is exactly a StreamImplDense
+    };
 
-    bool mIsInBlock = false; // this is a StreamDenseIteratorImpl over exactly a StreamImplDense
+    friend class StreamDenseIteratorImpl;
+    friend class StreamIterator;
+    friend class StreamMappedIteratorImpl;
+
+    eShortWay mShortWay = eShortWay::kNone; // not copied here, where the copy may be a part of any class
 };
 } // namespace vumo::Data

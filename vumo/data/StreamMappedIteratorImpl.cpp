@@ -11,6 +11,15 @@ StreamMappedIteratorImpl::StreamMappedIteratorImpl(const StreamImplMapped& strea
 {
     mInvalid = mPosition == mStream->mElements.end();
     mHandle = mInvalid ? nullptr : &mPosition->second;
+    mShortWay = eShortWay::kHandle;
+}
+
+StreamMappedIteratorImpl::StreamMappedIteratorImpl(const StreamMappedIteratorImpl& other)
+    : StreamIteratorImpl(other),
+      mStream(other.mStream),
+      mPosition(other.mPosition)
+{
+    mShortWay = other.mShortWay;
 }
 
 StreamIteratorImpl& StreamMappedIteratorImpl::operator++()

@@ -9,10 +9,11 @@
 namespace vumo::Data
 {
 /// Walks a mapped storage in index order. Removing the element at its position invalidates it.
-class VUMO_EXPORT StreamMappedIteratorImpl : public StreamIteratorImpl
+class VUMO_EXPORT StreamMappedIteratorImpl final : public StreamIteratorImpl
 {
 public:
     StreamMappedIteratorImpl(const StreamImplMapped& stream, IterLocation location);
+    StreamMappedIteratorImpl(const StreamMappedIteratorImpl& other);
 
     StreamIteratorImpl& operator++() override;
     StreamIteratorImpl* operator++(int) override;
