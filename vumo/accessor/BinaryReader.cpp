@@ -4,11 +4,12 @@
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
+#include "vumo/accessor/detail/LocaleEncoding.h"
 #include "vumo/accessor/detail/MetadataRead.h"
 #include "vumo/accessor/detail/Refusal.h"
-#include "vumo/accessor/detail/TextConversion.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
+#include <istream>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -24,7 +25,7 @@ using Binary = AccessorOvri::Binary;
 /// Reads exactly `size` bytes.
 bool readBytes(std::istream& in, std::uint64_t size, std::string& bytes)
 {
-    bytes.resize(size);
+    bytes.resize(size); // a few bytes: callers ask for heads only
     return static_cast<bool>(in.read(bytes.data(), static_cast<std::streamsize>(size)));
 }
 
@@ -83,24 +84,6 @@ bool takeLastText(std::string_view data, std::string_view& text)
     text = data;
     return text.find('\0') == std::string_view::npos;
 }
-
-/// A text of the file in the encoding of the locale.
-class LocaleText
-{
-public:
-    /// Borrows the text.
-    explicit LocaleText(std::string_view text) : mText(text)
-    {
-        if (convertString(text, eTextDirection::kFromUtf8, mConverted))
-            mText = mConverted;
-    }
-
-    std::string_view get() const { return mText; }
-
-private:
-    std::string_view mText;
-    std::string mConverted;
-};
 
 /// Reads the chunks of one trailer.
 class TrailerReader
@@ -166,7 +149,7 @@ private:
         if (isWhole && !mRead.wantsStructures())
             mRead.skip(number);
         else if (hasTexts)
-            mRead.readStructure(number, LocaleText(text).get(), false);
+            mRead.readStructure(number, inLocale(text), false);
         else
             mRead.refuseBlock(number, "Could not read data structure chunk.");
         return isWhole;
@@ -188,14 +171,22 @@ private:
         if (!hasTexts)
             mRead.refuseBlock(number, "Could not read apply metadata chunk.", hasName);
         else if (mRead.wantsAssociations(number))
-            mRead.readAssociations(number, LocaleText(text).get());
+            mRead.readAssociations(number, inLocale(text));
         return isWhole;
+    }
+
+    /// The text in the encoding of the locale, until the next call.
+    std::string_view inLocale(std::string_view text)
+    {
+        return mEncoding.fromUtf8(text, mConverted) ? mConverted : text;
     }
 
     ChunkCursor& mChunks;
     std::uint64_t mPosition; // of the chunk in the file
     bool mHasStructure = false;
     MetadataRead& mRead;
+    const LocaleEncoding mEncoding;
+    std::string mConverted;
 };
 } // namespace
 
@@ -216,7 +207,8 @@ bool BinaryReader::seekToTrailerStart(std::istream& in, std::uint64_t& mainSizeP
     if (!readBackwardOffset(in, offset, errors))
         return false;
 
-    // The chunks of the trailer lie between the main chunk's head and the chunk that was just read.
+    // The chunks of the trailer lie between the main chunk's head and the chunk that was just read. Everything is
+    // compared before it is subtracted: the numbers come from the file, and differences must not wrap around.
     const std::uint64_t end = mainSize - kEndBeforeSize;
     const std::uint64_t offsetEnd = end + kHeaderSize + kBackwardOffsetSize;
     if (offset < offsetEnd - end || offset > offsetEnd || offsetEnd - offset < kGroupHeadSize ||

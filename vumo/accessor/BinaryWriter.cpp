@@ -7,15 +7,17 @@
 #include "vumo/accessor/detail/BinaryLayout.h"
 #include "vumo/accessor/detail/ChunkCursor.h"
 #include "vumo/accessor/detail/FileInput.h"
+#include "vumo/accessor/detail/LocaleEncoding.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/MetadataWriter.h"
 #include "vumo/accessor/detail/Refusal.h"
 #include "vumo/accessor/detail/SceneUpdate.h"
-#include "vumo/accessor/detail/TextConversion.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <cstdint>
+#include <istream>
 #include <limits>
+#include <ostream>
 #include <string_view>
 #include <utility>
 
@@ -41,9 +43,10 @@ public:
         mBytes.append(kHeaderSize - kTagSize, '\0');
     }
 
+    /// The text has no zero byte itself: a reader would take it for the end.
     void appendZeroTerminated(const std::string& text) { mBytes.append(text.c_str(), text.size() + 1); }
 
-    /// Sets the size, now that the data stand behind the header, and appends the padding.
+    /// Sets the size, now that the data stand after the header, and appends the padding.
     void end()
     {
         const std::uint64_t size = mBytes.size() - mSizePosition - (kHeaderSize - kSizeOffset);
@@ -51,14 +54,14 @@ public:
         mBytes.replace(mSizePosition, number.size(), number).append(paddingOf(size), '\0');
     }
 
-    /// Turns what stands behind `begin` into UTF-8, and ends the data with its zero byte. False when a reader would not
-    /// turn that into the same text.
-    bool endWithText(std::size_t begin)
+    /// Turns what stands from `begin` on into UTF-8, and ends the data with its zero byte. False when a reader would
+    /// not turn that into the same text.
+    bool endWithText(std::size_t begin, const LocaleEncoding& encoding)
     {
         const std::string_view text = std::string_view(mBytes).substr(begin);
         std::string converted;
-        const bool isConverted = convertString(text, eTextDirection::kToUtf8, converted);
-        const bool isReadBack = isConvertedBack(text, isConverted ? converted : text);
+        const bool isConverted = encoding.toUtf8(text, converted);
+        const bool isReadBack = encoding.isReadBack(text, isConverted ? converted : text);
         if (isConverted)
             mBytes.replace(begin, std::string::npos, converted);
         mBytes += '\0';
@@ -74,14 +77,15 @@ private:
 /// What is wrong with a text that is not the same when a reader has converted it back.
 constexpr char kNotConverted[] = "the encoding of the locale cannot be converted to UTF-8 and back without a loss";
 
-bool appendStructureChunk(const Structure& structure, std::string& out, std::string& errors)
+bool appendStructureChunk(const Structure& structure, const LocaleEncoding& encoding, std::string& out,
+                          std::string& errors)
 {
     ChunkBuilder chunk(Binary::getMetaDataStructureChunkName(), out);
     chunk.appendZeroTerminated(kFormatWritten);
     const std::size_t text = out.size();
     if (!serializeStructure(structure, out, errors))
         return false;
-    if (chunk.endWithText(text))
+    if (chunk.endWithText(text, encoding))
         return true;
     return refuse(errors, structureMessage(structure, kNotConverted));
 }
@@ -97,7 +101,7 @@ bool hasStreams(const Associations& associations)
 }
 
 bool appendAssociationsChunk(const std::string& tag, const std::string& name, const Associations& associations,
-                             eNumbers numbers, std::string& out, std::string& errors)
+                             eNumbers numbers, const LocaleEncoding& encoding, std::string& out, std::string& errors)
 {
     // A chunk without streams would say nothing, and come without a structure. The next writer, which knows metadata by
     // its first structure, would keep the chunk for one of the host's and write another.
@@ -111,7 +115,7 @@ bool appendAssociationsChunk(const std::string& tag, const std::string& name, co
     const std::size_t text = out.size();
     if (!serializeAssociations(associations, numbers, out, errors))
         return false;
-    if (chunk.endWithText(text))
+    if (chunk.endWithText(text, encoding))
         return true;
     return refuse(errors, std::string("A text cannot be read back: ") + kNotConverted + ".\n");
 }
@@ -169,69 +173,77 @@ bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
 }
 
 /// Passes over a chunk of metadata, which is going to be replaced.
-bool skipMetadata(ChunkCursor& chunks, bool isBehindStructure, std::string& errors)
+bool skipMetadata(ChunkCursor& chunks, bool isAfterStructure, const LocaleEncoding& encoding, std::string& errors)
 {
-    const bool isToBeRead = canChangeByRewriting();
-    std::string_view data;
+    const bool isToBeRead = encoding.canChangeByRewriting();
+    std::string_view data; // stays empty when it is not looked at
     if (!(isToBeRead ? chunks.readData(data) : chunks.skipData()))
-        return refuse(errors, isBehindStructure ? "Error skipping existing metadata chunks."
-                                                : "Error skipping data structure chunk.");
+        return refuse(errors, isAfterStructure ? "Error skipping existing metadata chunks."
+                                               : "Error skipping data structure chunk.");
     if (!data.empty() && data.back() == '\0')
         data.remove_suffix(1);
-    const std::string_view text = data.substr(data.rfind('\0') + 1); // behind name and format, which are not converted
-    if (isChangedByRewriting(text))
+    const std::string_view text = data.substr(data.rfind('\0') + 1); // after name and format, which are not converted
+    if (encoding.changesByRewriting(text))
         return refuse(errors, "The file holds metadata with characters that the encoding of this locale does not "
                               "have. Write it in a locale that has them, such as one of UTF-8.\n");
     return true;
 }
 
-/// Copies all chunks of the old trailer but the metadata. That begins with the first structure; behind it the host may
+/// Copies all chunks of the old trailer but the metadata. That begins with the first structure; after it the host may
 /// have put chunks of its own, and even those between two runs of metadata stay.
-bool readKeptChunks(ChunkCursor& chunks, std::string& before, std::string& after, std::string& errors)
+bool readKeptChunks(ChunkCursor& chunks, const LocaleEncoding& encoding, std::string& before, std::string& after,
+                    std::string& errors)
 {
-    bool isBehindStructure = false;
+    bool isAfterStructure = false;
     while (!chunks.atEnd())
     {
-        if (!chunks.readHeader())
-            return refuse(errors, !isBehindStructure ? "Error reading chunk header before metadata."
-                                  : after.empty()    ? "Error skipping existing metadata chunks."
-                                                     : "Error skipping backward size chunk.");
+        if (!chunks.readHeader()) // in front of the old metadata, among it, or after it
+            return refuse(errors, !isAfterStructure ? "Error reading chunk header before metadata."
+                                  : after.empty()   ? "Error skipping existing metadata chunks."
+                                                    : "Error skipping backward size chunk.");
         const bool isStructure = chunks.header().mTag == Binary::getMetaDataStructureChunkName();
         const bool isMetadata =
-            isStructure || (isBehindStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
-        if (!isMetadata && !chunks.appendChunk(isBehindStructure ? after : before))
+            isStructure || (isAfterStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
+        if (!isMetadata && !chunks.appendChunk(isAfterStructure ? after : before))
             return refuse(errors, "Error reading chunk before metadata.");
-        if (isMetadata && !skipMetadata(chunks, isBehindStructure, errors))
+        if (isMetadata && !skipMetadata(chunks, isAfterStructure, encoding, errors))
             return false;
-        isBehindStructure = isBehindStructure || isStructure;
+        isAfterStructure = isAfterStructure || isStructure;
     }
     return true;
 }
 
-bool appendChunkOf(const std::string& nodeName, const Associations& associations, eNumbers numbers, std::string& out,
-                   std::string& errors)
+/// The form of chunks. Borrows the encoding.
+MetadataForm chunkForm(const LocaleEncoding& encoding)
 {
-    const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
-    const std::string& tag =
-        isScene ? Binary::getApplySceneMetaDataChunkName() : Binary::getApplyNodeMetaDataChunkName();
-    return appendAssociationsChunk(tag, nodeName, associations, numbers, out, errors);
+    const auto appendStructure = [&encoding](const Structure& structure, std::string& out, std::string& errors) {
+        return appendStructureChunk(structure, encoding, out, errors);
+    };
+    const auto appendAssociations = [&encoding](const std::string& nodeName, const Associations& associations,
+                                                eNumbers numbers, std::string& out, std::string& errors) {
+        const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
+        const std::string& tag =
+            isScene ? Binary::getApplySceneMetaDataChunkName() : Binary::getApplyNodeMetaDataChunkName();
+        return appendAssociationsChunk(tag, nodeName, associations, numbers, encoding, out, errors);
+    };
+    return {appendStructure,
+            appendAssociations,
+            true,
+            "Could not write structure chunk to in-memory trailer.",
+            "Could not write node associations chunk to in-memory trailer.",
+            "Could not write scene associations chunk to in-memory trailer."};
 }
-
-constexpr MetadataForm kChunks = {appendStructureChunk,
-                                  appendChunkOf,
-                                  true,
-                                  "Could not write structure chunk to in-memory trailer.",
-                                  "Could not write node associations chunk to in-memory trailer.",
-                                  "Could not write scene associations chunk to in-memory trailer."};
 
 /// Builds the chunks of the new trailer: the old ones that stay, around the new metadata.
 bool buildTrailer(std::istream& in, const Trailer& old, const AccessorState& metadata, std::string& content,
                   std::string& errors)
 {
     ChunkCursor chunks(in, old.length(), ChunkCursor::kWindowToSkip);
+    const LocaleEncoding encoding;
     std::string after;
-    content.reserve(old.length()); // it is seldom much longer
-    if (!readKeptChunks(chunks, content, after, errors) || !appendMetadata(kChunks, metadata, content, errors))
+    content.reserve(old.length()); // the new one is seldom much longer; growing in steps would take twice the memory
+    if (!readKeptChunks(chunks, encoding, content, after, errors) ||
+        !appendMetadata(chunkForm(encoding), metadata, content, errors))
         return false;
     content += after;
     if (content.size() > kLongestTrailer)
@@ -271,7 +283,7 @@ bool BinaryWriter::writeStructureChunk(std::ostream& out, const Structure& struc
 {
     std::string bytes;
     std::string ignored;
-    return appendStructureChunk(structure, bytes, ignored) && writeBytes(out, bytes);
+    return appendStructureChunk(structure, LocaleEncoding(), bytes, ignored) && writeBytes(out, bytes);
 }
 
 bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& tag, const std::string& name,
@@ -279,7 +291,7 @@ bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& 
 {
     std::string bytes;
     std::string faults;
-    const bool isBuilt = appendAssociationsChunk(tag, name, associations, kSixDigits, bytes, faults);
+    const bool isBuilt = appendAssociationsChunk(tag, name, associations, kSixDigits, LocaleEncoding(), bytes, faults);
     if (errors)
         *errors += messagesOf(name, faults);
     return isBuilt && (bytes.empty() || writeBytes(out, bytes));

@@ -9,6 +9,7 @@
 #include "vumo/accessor/detail/MetadataWriter.h"
 #include "vumo/accessor/detail/Refusal.h"
 #include "vumo/accessor/detail/SceneUpdate.h"
+#include "vumo/foundation/detail/Characters.h"
 
 #include <algorithm>
 #include <string_view>
@@ -19,14 +20,6 @@ namespace vumo::Data::detail
 namespace
 {
 using Ascii = AccessorOvri::Ascii;
-
-constexpr char kBlanks[] = " \t";
-
-bool isControl(char character)
-{
-    const auto code = static_cast<unsigned char>(character);
-    return code < 0x20 || code == 0x7F;
-}
 
 std::string inQuotes(const std::string& text)
 {
@@ -87,10 +80,7 @@ bool appendStructure(const Structure& structure, std::string& out, std::string& 
         if (character == '\n')
             value += "\\n";
         else if (const char* const fault = faultInQuotes(character))
-        {
-            errors += structureMessage(structure, std::string("a name has ") + fault);
-            return false;
-        }
+            return refuse(errors, structureMessage(structure, std::string("a name has ") + fault));
         else
             value += character;
     }
@@ -110,7 +100,7 @@ bool appendAssociations(const std::string& nodeName, const Associations& associa
         return true;
     const bool isScene = nodeName == AccessorOvri::getSceneAssociationsName();
     const char* const fault = isScene ? nullptr : faultAsTarget(nodeName);
-    if (fault)
+    if (fault) // the associations are looked at all the same: one write reports all that is wrong with a node
         errors += std::string("Its name has ") + fault + ", which a statement cannot carry.\n";
     std::string text;
     if (!serializeAssociations(associations, numbers, text, errors) || fault)
@@ -118,26 +108,27 @@ bool appendAssociations(const std::string& nodeName, const Associations& associa
     out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
            inQuotes(kFormatWritten) + " " + Ascii::getApplyMetadataCommandValueFlag() + " \"";
     if (!appendEscapedValue(text, out))
-    {
-        errors +=
-            "A name, an index or a value has bytes that are no character of the locale, and that would not be read "
-            "back.\n";
-        return false;
-    }
+        return refuse(errors,
+                      "A name, an index or a value has bytes that are no character of the locale, and that would "
+                      "not be read back.\n");
     out += "\" \n\t\t" + (isScene ? Ascii::getApplyMetadataCommandSceneFlag() : targetText(nodeName)) + ";\n";
     return true;
 }
-constexpr MetadataForm kStatements = {appendStructure,
-                                      appendAssociations,
-                                      false,
-                                      "Could not write structure chunk to file.",
-                                      "Could not write node associations statement to file.",
-                                      "Could not write scene associations statement to file."};
+
+MetadataForm statementForm()
+{
+    return {appendStructure,
+            appendAssociations,
+            false,
+            "Could not write structure chunk to file.",
+            "Could not write node associations statement to file.",
+            "Could not write scene associations statement to file."};
+}
 
 /// What a search for the metadata says that had found so much of the tail when it failed.
 const char* searchFault(const std::istream& file, const AsciiTail& tail)
 {
-    const bool isRead = file.eof(); // and a seek has failed otherwise
+    const bool isRead = file.eof(); // a read that failed; of a seek that failed there is no such sign
     if (tail.trailer < 0)
         return isRead ? "Could not read trailer." : "Could not seek to trailer start.";
     return isRead ? "Failed reading line while searching metadata start."
@@ -148,20 +139,16 @@ bool findTail(std::istream& file, AsciiTail& tail, std::string& errors)
 {
     std::string ignored;
     if (!tail.measure(file) || !findAsciiTail(file, tail, {}, ignored))
-    {
-        errors += searchFault(file, tail);
-        return false;
-    }
+        return refuse(errors, searchFault(file, tail));
     const bool allComplete = std::all_of(tail.statements.begin(), tail.statements.end(),
                                          [](const AsciiStatement& statement) { return statement.isComplete(); });
     if (!allComplete)
-        errors += "Failed reading line while searching metadata end.";
-    else if (tail.trailer < 0)
-        errors += "Could not find trailer prefix.";
-    return allComplete && tail.trailer >= 0;
+        return refuse(errors, "Failed reading line while searching metadata end.");
+    return tail.trailer >= 0 || refuse(errors, "Could not find trailer prefix.");
 }
 
-/// Where the part of the file begins that a write replaces.
+/// Where the part of the file begins that a write replaces. Metadata may stand after the trailer line, too; that moves
+/// up, so the part goes on to the end of the file.
 std::streamoff regionStart(const AsciiTail& tail)
 {
     return tail.statements.empty() ? tail.trailer : std::min(tail.trailer, tail.statements.back().begin);
@@ -208,7 +195,7 @@ bool AsciiWriter::writeMetadata(const AccessorState& metadata, std::string& erro
     std::string content;
     std::string trailer;
     if (!findTail(in, tail, errors) || !readKept(in, tail, content, trailer, errors) ||
-        !appendMetadata(kStatements, metadata, content, errors))
+        !appendMetadata(statementForm(), metadata, content, errors))
         return false;
     content += trailer;
     const auto start = static_cast<std::uint64_t>(regionStart(tail));

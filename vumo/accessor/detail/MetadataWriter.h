@@ -5,6 +5,7 @@
 #include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 
+#include <functional>
 #include <string>
 
 namespace vumo::Data::detail
@@ -13,13 +14,14 @@ namespace vumo::Data::detail
 /// append to `out`; they return false with the reasons appended to `errors`.
 struct MetadataForm
 {
-    bool (*appendStructure)(const Structure& structure, std::string& out, std::string& errors);
+    std::function<bool(const Structure& structure, std::string& out, std::string& errors)> appendStructure;
 
     /// Appends nothing for empty associations. Those of the scene have the scene associations name.
-    bool (*appendAssociations)(const std::string& nodeName, const Associations& associations, eNumbers numbers,
-                               std::string& out, std::string& errors);
+    std::function<bool(const std::string& nodeName, const Associations& associations, eNumbers numbers,
+                       std::string& out, std::string& errors)>
+        appendAssociations;
 
-    bool isSceneFirst; ///< ahead of the nodes, or behind them
+    bool isSceneFirst; ///< ahead of the nodes, or after them
     const char* structureFailed;
     const char* nodeFailed;
     const char* sceneFailed;

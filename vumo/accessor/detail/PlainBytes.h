@@ -8,7 +8,7 @@ constexpr char kShiftCharacters[] = {'\x0E', '\x0F', '\x1B'};
 constexpr unsigned char kLastAsciiCode = 0x7F;
 
 /// Not 0 for a byte that is not plain. Without a branch, so that compilers take many bytes of a loop at once.
-constexpr unsigned char oddBitsOf(char byte)
+constexpr unsigned char bitsBeyondPlain(char byte)
 {
     int bits = static_cast<unsigned char>(byte) & ~kLastAsciiCode;
     for (const char shift : kShiftCharacters)
@@ -20,6 +20,6 @@ constexpr unsigned char oddBitsOf(char byte)
 /// encoding that a locale can have.
 constexpr bool isPlainByte(char byte)
 {
-    return oddBitsOf(byte) == 0;
+    return bitsBeyondPlain(byte) == 0;
 }
 } // namespace vumo::Data::detail

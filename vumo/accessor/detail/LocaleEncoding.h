@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vumo::Data::detail
+{
+/// Passes the texts of binary scene files, which are UTF-8 there, to the encoding of the current locale and back.
+///
+/// Opens the two conversions once, for the locale that is current then; so make one for each read or write.
+class LocaleEncoding
+{
+public:
+    LocaleEncoding();
+    LocaleEncoding(const LocaleEncoding&) = delete;
+    LocaleEncoding& operator=(const LocaleEncoding&) = delete;
+    ~LocaleEncoding();
+
+    /// Gives the converted text. False when the text is to be used as it is: the two encodings are one, or write this
+    /// text alike, or the text cannot be converted as a whole.
+    bool toUtf8(std::string_view text, std::string& converted) const;
+    bool fromUtf8(std::string_view text, std::string& converted) const;
+
+    /// Says whether a reader gets the text again from what is written in its place: itself, or its conversion to UTF-8.
+    bool isReadBack(std::string_view text, std::string_view written) const;
+
+    /// Says whether a text of a file would become other characters when it is read and written again: UTF-8 that the
+    /// encoding cannot express is read as it is, and its bytes can mean something in that encoding, too.
+    bool changesByRewriting(std::string_view utf8) const;
+
+    /// Says whether that can happen to any text. If not, nobody needs to look.
+    bool canChangeByRewriting() const { return mCanChange; }
+
+private:
+    class Converter;
+
+    const std::unique_ptr<Converter> mToUtf8; // null: all texts are used as they are
+    const std::unique_ptr<Converter> mFromUtf8;
+    const bool mCanChange;
+};
+} // namespace vumo::Data::detail
