@@ -47,7 +47,7 @@ private:
         return all;
     }
 
-    std::set<Structure*> mSaved;
+    std::set<Structure*> mSaved;   // swapped, not copied: no reference of the program's structures changes
     detail::StructureNames mNames; // a file may declare very many
 };
 

@@ -8,6 +8,7 @@ namespace vumo::Data
 {
 AccessorFactoryBase::Registry& AccessorFactoryBase::registry()
 {
+    // Made by the first factory, in whatever order the statics of the library are made.
     static Registry theRegistry; // with the maximum load factor that it has by default, 1.0
     return theRegistry;
 }
@@ -27,6 +28,7 @@ AccessorFactoryBase::AccessorFactoryBase(const std::string& extension)
 
 AccessorFactoryBase::~AccessorFactoryBase()
 {
+    // By its value, as the extension may be another factory's that was there first.
     for (auto entry = registry().begin(); entry != registry().end();)
     {
         if (entry->second == this)

@@ -43,6 +43,7 @@ std::string unescapeRole(const std::string& text)
     std::string role;
     for (std::string::size_type i = 0; i < text.size(); ++i)
     {
+        // A "-" that begins no escape stays: packing makes none, but others may write the table.
         const char next = text[i] == '-' && i + 1 < text.size() ? text[i + 1] : '\0';
         const bool isEscape = next == '-' || next == '*';
         role += isEscape && next == '*' ? ';' : text[i];
@@ -87,7 +88,7 @@ bool storeFields(Handle& handle, const std::vector<Field>& fields)
 /// Writes all fields, or none of them when one cannot be written.
 bool writeFields(Handle& handle, const std::vector<Field>& fields)
 {
-    Handle trial(handle);
+    Handle trial(handle); // a copy of the element, on which a text that does not fit does no harm
     trial.makeUnique();
     return storeFields(trial, fields) && storeFields(handle, fields);
 }
@@ -162,7 +163,7 @@ bool AccessorOvri::ExternalContent::readTable(const std::string& fileName, Assoc
     }
     const std::set<std::string> structures = {getStructureName()};
     const std::set<std::string> associations = {getSceneAssociationsName()};
-    std::string ignored;
+    std::string ignored; // the second read says what is wrong with the file
     // Where the scene has other channels beside the table they need structures of their own to be read.
     if (!accessor->read(fileName, &structures, &associations, ignored) &&
         !accessor->read(fileName, nullptr, &associations, errors))

@@ -5,7 +5,7 @@
 #include "vumo/foundation/Export.h"
 
 #include <cstdint>
-#include <istream>
+#include <iosfwd>
 #include <string>
 
 namespace vumo::Data

@@ -5,7 +5,7 @@
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
-#include <ostream>
+#include <iosfwd>
 #include <string>
 
 namespace vumo::Data
@@ -39,7 +39,7 @@ public:
     ///
     /// A structure that a stream uses is written with the others also where it is not among `structures`; two different
     /// ones of a name are refused, as is all else that could not be read again. The whole tail is built and checked
-    /// before the first byte of the file changes; a file that has anything behind its main chunk is refused, because
+    /// before the first byte of the file changes; a file that has anything after its main chunk is refused, because
     /// that would be lost.
     static bool writeMetadata(const detail::AccessorState& metadata, std::string& errors);
 

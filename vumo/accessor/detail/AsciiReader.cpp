@@ -19,8 +19,6 @@ namespace
 {
 using Ascii = AccessorOvri::Ascii;
 
-constexpr char kBlanks[] = " \t";
-
 /// The first line without its end; of a long one only how it begins and ends. False for an empty file.
 bool readFirstLine(std::istream& in, std::string& line)
 {
@@ -35,35 +33,14 @@ bool readFirstLine(std::istream& in, std::string& line)
         isEmptyFile = isEmptyFile && block.empty();
         hasEnded = block.find('\n') != std::string::npos;
         line.append(block, 0, block.find('\n'));
+        // Only its start and its end are looked at, and a scene without newlines may be of any size.
         if (line.size() > 2 * kBlock)
             line.erase(kBlock, line.size() - 2 * kBlock);
     }
-    in.clear();
+    in.clear(); // a file may end within the block
     if (!line.empty() && line.back() == '\r')
         line.pop_back();
     return !isEmptyFile;
-}
-
-/// Empty, or what is wrong with the first line of the file.
-std::string headerFault(std::istream& in)
-{
-    constexpr int kLastUnsupportedYear = 2013;
-    constexpr std::string::size_type kYearDigits = 4;
-    const std::string start = Ascii::getHeaderPrefix() + " ";
-    const std::string end = " scene";
-
-    std::string line;
-    if (!readFirstLine(in, line))
-        return "Error reading header.";
-    if (line.size() < start.size() + kYearDigits + end.size())
-        return "Header too small.";
-    if (line.compare(0, start.size(), start) != 0)
-        return "Unexpected header start.";
-    if (line.compare(line.size() - end.size(), end.size(), end) != 0)
-        return "Unexpected header end.";
-    if (std::atoi(line.substr(start.size(), kYearDigits).c_str()) <= kLastUnsupportedYear)
-        return "Unsupported year.";
-    return "";
 }
 
 /// Takes the carriage returns off the ends of lines.
@@ -94,7 +71,7 @@ bool findValue(std::string_view statement, std::string& format, std::string_view
             return false;
         from = quote + 1;
     }
-    const std::size_t last = statement.rfind('"');
+    const std::size_t last = statement.rfind('"'); // those in between belong to the value
     if (last == quotes[2] || !trimmed(statement.substr(last + 1)).empty())
         return false;
     format = statement.substr(quotes[0] + 1, quotes[1] - quotes[0] - 1);
@@ -228,8 +205,23 @@ private:
 
 bool AsciiReader::checkHeader(std::istream& in, std::string& errors)
 {
-    const std::string fault = headerFault(in);
-    return fault.empty() || replaceErrors(errors, fault);
+    constexpr int kLastUnsupportedYear = 2013;
+    constexpr std::string::size_type kYearDigits = 4;
+    const std::string start = Ascii::getHeaderPrefix() + " ";
+    const std::string end = " scene";
+
+    std::string line;
+    if (!readFirstLine(in, line))
+        return replaceErrors(errors, "Error reading header.");
+    if (line.size() < start.size() + kYearDigits + end.size())
+        return replaceErrors(errors, "Header too small.");
+    if (line.compare(0, start.size(), start) != 0)
+        return replaceErrors(errors, "Unexpected header start.");
+    if (line.compare(line.size() - end.size(), end.size(), end) != 0)
+        return replaceErrors(errors, "Unexpected header end.");
+    if (std::atoi(line.substr(start.size(), kYearDigits).c_str()) <= kLastUnsupportedYear)
+        return replaceErrors(errors, "Unsupported year.");
+    return true;
 }
 
 bool AsciiReader::readMetadata(std::istream& in, MetadataRead& read, std::string& errors)

@@ -2,6 +2,7 @@
 
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/BackwardLines.h"
+#include "vumo/foundation/detail/Characters.h"
 
 #include <algorithm>
 #include <istream>
@@ -13,9 +14,8 @@ namespace
 {
 using Ascii = AccessorOvri::Ascii;
 
-constexpr char kBlanks[] = " \t";
-
-/// What is longer is read a second time when the text of a statement is wanted.
+/// What is longer is read a second time when the text of a statement is wanted: memory for the file, on top of that for
+/// the metadata, has a limit.
 constexpr std::size_t kLongestText = 128 << 20;
 
 enum eLine
@@ -57,7 +57,7 @@ eLine kindOf(std::string_view head)
         return kStructureLine;
     if (startsWithWord(head, Ascii::getApplyMetadataCommandName()))
         return kAssociationsLine;
-    if (isHostLine(head))
+    if (isHostLine(head)) // by its first letters alone: "selectMany" is the host's, too
         return kHostLine;
     const std::size_t text = std::min(head.find_first_not_of(kBlanks), head.size());
     if (startsWith(head, Ascii::getTrailerPrefix(), text))
@@ -65,6 +65,7 @@ eLine kindOf(std::string_view head)
     if (startsWith(head, "//", text))
         return kCommentLine;
     const bool isOneWord = head.find_first_of(" \t\"") == std::string_view::npos; // a node's name, not indented
+    // An empty line counts as a word, so that there is a first character where it is asked for.
     const bool isContinuation = text > 0 || isOneWord || head[0] == '"' || head[0] == '-';
     return isContinuation ? kContinuation : kOtherLine;
 }
@@ -127,7 +128,7 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, const AsciiStatementTaker&
             const AsciiStatement& statement = tail.statements.back();
             std::string_view text;
             if (take && !lines.readText(statement.begin, statement.end, text))
-                break;
+                break; // lines.error() says why
             if (take)
                 take(statement, text);
         }

@@ -19,7 +19,7 @@ struct AsciiStatement
 
     eCommand command = kDataStructure;
     std::streamoff begin = 0;
-    std::streamoff end = 0;  ///< behind its ";"; as `begin` when the statement has no end
+    std::streamoff end = 0;  ///< after its ";"; as `begin` when the statement has no end
     std::streamoff next = 0; ///< of the line that follows
 
     bool isComplete() const { return end > begin; }

@@ -1,6 +1,7 @@
 #include "vumo/accessor/detail/AsciiText.h"
 
 #include "vumo/accessor/detail/PlainBytes.h"
+#include "vumo/foundation/detail/Characters.h"
 
 #include <algorithm>
 #include <array>
@@ -23,11 +24,6 @@ constexpr Escape kEscapes[] = {{'\a', 'a'}, {'\b', 'b'}, {'\t', 't'},  {'\n', 'n
 
 constexpr std::size_t kOctalDigits = 3;
 
-constexpr bool isControl(unsigned char code)
-{
-    return code < 0x20 || code == 0x7F;
-}
-
 /// Says for each byte whether it stands for itself in a value, escaped or not, unless inside a longer character.
 constexpr std::array<bool, 256> bytesThatStay()
 {
@@ -35,7 +31,7 @@ constexpr std::array<bool, 256> bytesThatStay()
     for (std::size_t code = 0; code < result.size(); ++code)
     {
         const char byte = static_cast<char>(code);
-        result[code] = isPlainByte(byte) && !isControl(static_cast<unsigned char>(code)) && byte != '\\' && byte != '"';
+        result[code] = isPlainByte(byte) && !isControl(byte) && byte != '\\' && byte != '"';
     }
     return result;
 }
@@ -67,7 +63,7 @@ public:
     std::size_t step()
     {
         std::size_t length = isPlainByte(*mNext) ? 1 : std::mbrtowc(nullptr, mNext, left(), &mState);
-        constexpr auto kIncomplete = static_cast<std::size_t>(-2);
+        constexpr auto kIncomplete = static_cast<std::size_t>(-2); // -1, the one above it, means: no character
         if (length == 0 || length >= kIncomplete)
         {
             length = 1;
@@ -97,7 +93,7 @@ void appendEscaped(std::string& result, char character)
         result += '\\';
         result += known->letter;
     }
-    else if (isControl(code))
+    else if (isControl(character))
     {
         result += '\\';
         for (int shift = 6; shift >= 0; shift -= 3)
@@ -112,7 +108,7 @@ bool isOctalDigit(char character)
     return character >= '0' && character <= '7';
 }
 
-/// Finds what the escape that goes on at `next`, behind its backslash, stands for. Returns its length there in bytes;
+/// Finds what the escape that goes on at `next`, after its backslash, stands for. Returns its length there in bytes;
 /// 0 when there is no such escape.
 std::size_t unescape(const char* next, std::size_t left, char& character)
 {
@@ -125,6 +121,7 @@ std::size_t unescape(const char* next, std::size_t left, char& character)
         character = known->character;
         return 1;
     }
+    // More than \377 is no byte.
     if (left < kOctalDigits || *next > '3' || !std::all_of(next, next + kOctalDigits, isOctalDigit))
         return 0;
     character = static_cast<char>((next[0] - '0') << 6 | (next[1] - '0') << 3 | (next[2] - '0'));
@@ -150,6 +147,7 @@ bool appendEscapedValue(const std::string& text, std::string& out)
     }
     if (!characters.hasStrayBytes())
         return true;
+    // Only a stray byte can join the backslash of an escape to a longer character, so only then it is worth a look.
     std::string readBack = out.substr(begin);
     unescapeValue(readBack, 0, readBack.size());
     return readBack == text;
@@ -157,7 +155,7 @@ bool appendEscapedValue(const std::string& text, std::string& out)
 
 bool unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end)
 {
-    char* out = text.data(); // never after what is read
+    char* out = text.data(); // never past what is read: an escape is longer than its character
     bool isOutside = false;
     bool isOneStatement = true;
     for (Characters characters(out + begin, out + end); !characters.atEnd();)

@@ -2,15 +2,15 @@
 
 #include <algorithm>
 #include <cstring>
+#include <istream>
 
 namespace vumo::Data::detail
 {
 namespace
 {
-constexpr std::streamoff kFirstBlock = 4096;
-constexpr std::streamoff kUsualBlock = 40960;
-
-constexpr std::streamoff kLargestBlock = 4 << 20;
+constexpr std::streamoff kFirstBlock = 4096;      // a page: all that a scene without metadata costs
+constexpr std::streamoff kUsualBlock = 40960;     // so that a few calls read the metadata of most scenes
+constexpr std::streamoff kLargestBlock = 4 << 20; // larger ones are not read faster
 
 /// A block is at most this part of what was read before it, or kUsualBlock: reading too far, into the scene, stays
 /// cheap.
@@ -47,12 +47,12 @@ bool BackwardLines::previous(Line& line)
         continue;
     line.begin = mNewlines.empty() ? 0 : mNewlines.back() + 1;
     if (line.begin == line.end)
-        line.last = '\0';
+        line.last = '\0'; // what was looked at belongs to the line above
     if (!mError.empty())
         return false;
     line.head = held(line.begin, std::min(line.end, line.begin + std::streamoff{kHeadSize}));
 
-    mEnd = line.begin - 1;
+    mEnd = line.begin - 1; // the newline above; -1 after the first line
     if (!mNewlines.empty())
         mNewlines.pop_back();
     return true;
@@ -98,7 +98,7 @@ bool BackwardLines::load()
     if (!mError.empty())
         return false;
     if (mHeld > mLongestHeld)
-        mHeld = kHeadSize;
+        mHeld = kHeadSize; // the head of the line that goes on in the block to be read
     const auto size = static_cast<std::size_t>(std::min(mBegin, blockSize(mSize - mBegin)));
     if (mRoom < size)
         makeRoom(size);
@@ -125,7 +125,7 @@ bool BackwardLines::load()
 /// Makes room for `size` bytes and much more, so that a long statement is seldom moved.
 void BackwardLines::makeRoom(std::size_t size)
 {
-    const std::size_t room = std::max(size, 3 * mHeld);
+    const std::size_t room = std::max(size, 3 * mHeld); // so that all moves together cost less than one reading
     std::unique_ptr<char[]> larger(new char[room + mHeld]);
     if (mHeld > 0)
         std::memcpy(&larger[room], &mBytes[mRoom], mHeld);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <istream>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,7 +20,7 @@ public:
     struct Line
     {
         std::streamoff begin = 0; ///< of its first character
-        std::streamoff end = 0;   ///< behind its last character: at its newline, or at a carriage return before it
+        std::streamoff end = 0;   ///< after its last character: at its newline, or at a carriage return before it
         std::streamoff next = 0;  ///< of the line that follows
         std::string_view head;    ///< its first characters, up to kHeadSize of them; valid until the next call
         char last = '\0';         ///< its last character; zero when it has none
@@ -56,7 +56,7 @@ private:
     std::streamoff mSize;
     std::size_t mLongestHeld;
     std::streamoff mEnd;            // of the line to be found next: at its newline; below 0: none is left
-    std::streamoff mBegin;          // of the bytes that are held, which stand behind the room in mBytes
+    std::streamoff mBegin;          // of the bytes that are held, which stand after the room in mBytes
     std::unique_ptr<char[]> mBytes; // not filled: room that is not used yet costs nothing
     std::size_t mRoom = 0;
     std::size_t mHeld = 0;

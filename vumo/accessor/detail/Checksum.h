@@ -36,7 +36,7 @@ public:
 private:
     void addWord(std::uint64_t word)
     {
-        constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
+        constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15; // 2^64 by the golden ratio: it spreads all bits
         mState = (mState ^ word) * kMultiplier;
         mState ^= mState >> 32;
     }

@@ -4,6 +4,7 @@
 #include "vumo/accessor/detail/BinaryLayout.h"
 
 #include <algorithm>
+#include <istream>
 
 namespace vumo::Data::detail
 {
@@ -19,7 +20,7 @@ bool ChunkCursor::readHeader()
     std::string_view bytes;
     if (mLeft < kHeaderSize || !take(kHeaderSize, bytes))
         return false;
-    mHeaderBytes = bytes;
+    mHeaderBytes = bytes; // a copy: the next call of take() may move the window
     mHeader.mTag.assign(mHeaderBytes, 0, kTagSize);
     mHeader.mSize = readBigEndian<std::uint64_t>(mHeaderBytes.data() + kSizeOffset);
     return true;
@@ -55,7 +56,7 @@ bool ChunkCursor::appendChunk(std::string& bytes)
 
 bool ChunkCursor::holdsData() const
 {
-    return mHeader.mSize <= mLeft && paddingOf(mHeader.mSize) <= mLeft - mHeader.mSize;
+    return mHeader.mSize <= mLeft && paddingOf(mHeader.mSize) <= mLeft - mHeader.mSize; // no sum: it may overflow
 }
 
 bool ChunkCursor::take(std::uint64_t size, std::string_view& bytes)
@@ -71,7 +72,7 @@ bool ChunkCursor::take(std::uint64_t size, std::string_view& bytes)
 /// Moves the window to the position and reads on until it holds `size` bytes, or as much as there is room for.
 bool ChunkCursor::fillWindow(std::uint64_t size)
 {
-    mWindow.erase(0, mPosition);
+    mWindow.erase(0, mPosition); // what views of it were given out for is over
     mPosition = 0;
     const std::size_t held = mWindow.size();
     mWindow.resize(std::max(size, std::min(mLeft, mWindowSize)));
@@ -80,6 +81,7 @@ bool ChunkCursor::fillWindow(std::uint64_t size)
 
 bool ChunkCursor::skip(std::uint64_t size)
 {
+    // What lies beyond the window was not read yet, and is not read now.
     const std::uint64_t held = std::min<std::uint64_t>(size, mWindow.size() - mPosition);
     mPosition += held;
     mLeft -= size;

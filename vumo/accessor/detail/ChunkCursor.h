@@ -3,7 +3,7 @@
 #include "vumo/accessor/BinaryChunkHeader.h"
 
 #include <cstdint>
-#include <istream>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 
@@ -20,8 +20,8 @@ namespace vumo::Data::detail
 class ChunkCursor
 {
 public:
-    static constexpr std::uint64_t kWindowToRead = 4 << 20;
-    static constexpr std::uint64_t kWindowToSkip = 64 << 10;
+    static constexpr std::uint64_t kWindowToRead = 4 << 20;  ///< larger ones are not read faster
+    static constexpr std::uint64_t kWindowToSkip = 64 << 10; ///< many small chunks in one call, and little in vain
 
     /// The stream stands at the first chunk. As much as the window is read at once, unless a single chunk is longer.
     ChunkCursor(std::istream& in, std::uint64_t length, std::uint64_t windowSize);

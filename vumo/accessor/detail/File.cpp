@@ -60,7 +60,7 @@ File::File(const std::string& name, eMode mode)
     mDescriptor = uninterrupted([&] { return open(name.c_str(), flagsFor(mode), S_IRUSR | S_IWUSR); });
     if (!isOpen())
     {
-        mOpenError = errno;
+        mOpenError = errno; // before anything else sets it
         return;
     }
     const mode_t wanted = mode == eMode::kDirectory ? S_IFDIR : S_IFREG;
@@ -68,7 +68,7 @@ File::File(const std::string& name, eMode mode)
     {
         close(mDescriptor);
         mDescriptor = -1;
-        mOpenError = EINVAL;
+        mOpenError = EINVAL; // it is there, but no file to read or write
     }
 }
 
@@ -82,6 +82,7 @@ bool File::hasName(const std::string& name) const
 {
     struct stat named = {};
     const struct stat opened = statusOf(mDescriptor);
+    // Device and number tell files apart; names and contents do not.
     return stat(name.c_str(), &named) == 0 && named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
 }
 
@@ -92,6 +93,7 @@ std::uint64_t File::size() const
 
 bool File::allowsPosition(std::uint64_t position) const
 {
+    // The position of the file itself is used for nothing: reads and writes name their own.
     return lseek(mDescriptor, static_cast<off_t>(position), SEEK_SET) >= 0;
 }
 
@@ -117,7 +119,7 @@ bool File::write(std::uint64_t position, const char* bytes, std::size_t count) c
         const ssize_t written = uninterrupted(
             [&] { return pwrite(mDescriptor, bytes + done, count - done, static_cast<off_t>(position + done)); });
         if (written == 0)
-            errno = ENOSPC;
+            errno = ENOSPC; // nothing was taken, and no reason given: trying on could go on for ever
         if (written <= 0)
             return false;
         done += static_cast<std::size_t>(written);
@@ -138,12 +140,14 @@ bool File::sync() const
 
 bool File::tryLock() const
 {
+    // Any other error means that files here have no locks, as on some networks: that must not keep anybody from saving.
     return uninterrupted([&] { return flock(mDescriptor, LOCK_EX | LOCK_NB); }) == 0 || errno != EWOULDBLOCK;
 }
 
 void File::shareAs(const File& other) const
 {
     const struct stat theirs = statusOf(other.mDescriptor);
+    // Readers by group may read the record only if it belongs to their group; else its permissions mean another one.
     const bool hasItsGroup = statusOf(mDescriptor).st_gid == theirs.st_gid ||
                              fchown(mDescriptor, static_cast<uid_t>(-1), theirs.st_gid) == 0;
     constexpr mode_t kReadAndWrite = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;

@@ -8,7 +8,7 @@ namespace vumo::Data::detail
 {
 namespace
 {
-constexpr std::size_t kBlockSize = 65536;
+constexpr std::size_t kBlockSize = 65536; // a call for it costs little beside comparing it
 
 /// Holds one block of a file at a time, to compare it with.
 class Block
@@ -51,14 +51,14 @@ std::size_t sameAtStart(Block& block, std::uint64_t position, std::string_view b
 std::size_t sameAtEnd(Block& block, std::uint64_t position, std::string_view bytes)
 {
     std::size_t same = 0;
-    while (same < bytes.size())
+    while (same < bytes.size()) // in blocks that end where those before began
     {
         const std::size_t size = std::min(bytes.size() - same, kBlockSize);
         const std::size_t begin = bytes.size() - same - size;
         const std::string_view wanted = bytes.substr(begin, size);
         const std::string_view there = block.read(position + begin, size);
         if (there.size() < size)
-            return same;
+            return same; // past the end of the file nothing is the same
         if (there != wanted)
             return same + countSame(there.rbegin(), there.rend(), wanted.rbegin());
         same += size;
@@ -81,7 +81,7 @@ void FileChange::narrow(const File& file)
         const std::size_t atStart = sameAtStart(block, edit.position, edit.bytes);
         edit.position += atStart;
         edit.bytes.remove_prefix(atStart);
-        edit.bytes.remove_suffix(sameAtEnd(block, edit.position, edit.bytes));
+        edit.bytes.remove_suffix(sameAtEnd(block, edit.position, edit.bytes)); // of what is left, so not twice
     }
 }
 

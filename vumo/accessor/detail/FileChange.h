@@ -44,7 +44,7 @@ public:
 
 private:
     std::vector<FileEdit> mEdits;
-    std::deque<std::string> mBytes; // where the edits point to
+    std::deque<std::string> mBytes; // where the edits point to: a vector would move them
     std::uint64_t mLength;
     const char* mTruncateFailed;
 };

@@ -25,6 +25,7 @@ std::streamsize FileBuffer::xsgetn(char* bytes, std::streamsize count)
 
 FileBuffer::pos_type FileBuffer::seekoff(off_type offset, std::ios::seekdir way, std::ios::openmode /*which*/)
 {
+    // Nothing but this position moves. The file is asked whether it can have it, as any file's seek would.
     const std::uint64_t from = way == std::ios::cur ? mPosition : way == std::ios::end ? mFile.size() : 0;
     const off_type position = static_cast<off_type>(from) + offset;
     if (position < 0 || !mFile.allowsPosition(static_cast<std::uint64_t>(position)))

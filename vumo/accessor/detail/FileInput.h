@@ -7,7 +7,7 @@
 
 namespace vumo::Data::detail
 {
-/// Reads of a file exactly what is asked for, in one call of the system for each request.
+/// Reads from a file exactly what is asked for, with one call of the system for each request.
 class FileBuffer : public std::streambuf
 {
 public:

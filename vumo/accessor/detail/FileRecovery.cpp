@@ -9,7 +9,7 @@ namespace
 {
 constexpr char kRecordEnding[] = ".vumo-undo";
 
-/// In a directory where everybody may put files, a record of somebody else's is no reason to change a file.
+/// In a directory where everybody may put files, a record that another user made is no reason to change a file.
 bool isTrusted(const File& recordFile, const File& file, const UndoPlace& place)
 {
     const File directory(place.directory, File::eMode::kDirectory);
@@ -40,7 +40,7 @@ bool apply(const UndoRecord& record, const File& file, const UndoPlace& place, s
                       "The undo record " + place.record + " does not fit " + place.file +
                           " any more, which was changed since. Remove the record to go on with the file as it is.\n");
     const bool isKnown = fit != UndoRecord::eFit::kUnknown;
-    const bool isWhole = isKnown && (fit != UndoRecord::eFit::kBetween || record.restore(file));
+    const bool isWhole = isKnown && (fit != UndoRecord::eFit::kMixed || record.restore(file));
     // Also a file that needs nothing is synced: its record goes next, and what it shows may not be on the disk yet.
     return (isWhole && file.sync()) || failToRestore(place, errors);
 }
@@ -59,10 +59,12 @@ bool recoverLocked(const File& file, const UndoPlace& place, std::string& errors
         return failToRestore(place, errors);
     if (content == UndoRecord::eContent::kForeign || !isTrusted(recordFile, file, place))
         return refuseRecord(place, errors);
+    // One that is not complete says nothing about the file, which its writer had not touched yet.
     if (content == UndoRecord::eContent::kComplete && !apply(record, file, place, errors))
         return false;
     if (!File::remove(place.record))
         return refuse(errors, "Could not remove the undo record " + place.record + ".\n");
+    // Should that fail: a record that came back after a crash would find the file as it is now, and go again.
     File(place.directory, File::eMode::kDirectory).sync();
     return true;
 }
@@ -102,7 +104,7 @@ UndoPlace::UndoPlace(const std::string& fileName)
 
 bool recover(const UndoPlace& place, std::string& errors)
 {
-    if (File::isAbsent(place.record))
+    if (File::isAbsent(place.record)) // nearly always, and a file that may only be read is not opened for writing
         return true;
     const File file(place.file, File::eMode::kUpdate);
     return file.isOpen() ? lockAndRecover(file, place, errors) : recoverNothing(place, errors);
@@ -118,6 +120,7 @@ bool mayBeHalfWritten(const UndoPlace& place)
     if (File::isAbsent(place.record))
         return false;
     const File file(place.file, File::eMode::kRead);
+    // Whoever has the lock is writing now; without one a record that is whole was left by a crash.
     return !file.isOpen() || !file.tryLock() || !isIncomplete(place);
 }
 } // namespace vumo::Data::detail

@@ -43,6 +43,7 @@ bool serializeStructure(const Structure& structure, std::string& text, std::stri
     StringOutput out(text);
     if (!serializer || serializer->write(structure, out) != 0 || !out)
         return false;
+    // Names that the format cannot carry give no error when they are written, but another structure when they are read.
     MemoryInput in(std::string_view(text).substr(begin));
     std::string fault;
     const Ref<const Structure> readBack(serializer->read(in, fault));
@@ -91,6 +92,7 @@ Structure* deserializeStructure(std::string_view format, std::string_view text, 
 
 bool deserializeAssociations(std::string_view format, std::string_view text, Associations& result, std::string& errors)
 {
+    // Into a new object first: a text that is faulty at its end must not leave half of it in the result.
     const std::unique_ptr<Associations> associations(deserialize<AssociationsSerializer>(format, text, errors));
     if (!associations)
         return false;

@@ -95,7 +95,7 @@ private:
     /// The metadata of one node, or of the scene. Reports all that is wrong with it.
     bool writeEntry(const AssociationsMap::value_type& entry)
     {
-        std::string faults;
+        std::string faults; // collected first, as the heading with the node's name comes before them
         const bool isClear = usesOneStructureOfAName(entry.second, faults);
         const bool isWritten = mForm.appendAssociations(entry.first, entry.second, mNumbers, mOut, faults);
         mErrors += messagesOf(entry.first, faults);

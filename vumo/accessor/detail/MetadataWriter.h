@@ -28,7 +28,7 @@ struct MetadataForm
 };
 
 /// Appends all metadata of a file in that form: the structures, also those that streams use beyond the given ones, the
-/// nodes and the scene. False, with the reasons and
-/// the form's sentence appended to `errors`, at the first of them that cannot be written so that it can be read again.
+/// nodes and the scene. False, with the reasons and the form's sentence appended to `errors`, at the first of them that
+/// cannot be written so that it can be read again.
 bool appendMetadata(const MetadataForm& form, const AccessorState& metadata, std::string& out, std::string& errors);
 } // namespace vumo::Data::detail

@@ -12,10 +12,14 @@ namespace vumo::Data::detail
 class NameFilter
 {
 public:
-    explicit NameFilter(const std::set<std::string>* wanted);
+    explicit NameFilter(const std::set<std::string>* wanted) : mWantsAll(wanted == nullptr)
+    {
+        if (wanted)
+            mWanted = *wanted;
+    }
 
     /// Says whether `name` is wanted, and from then on no longer wants it.
-    bool accept(const std::string& name);
+    bool accept(const std::string& name) { return mWantsAll || mWanted.erase(name) > 0; }
 
     bool isExhausted() const { return !mWantsAll && mWanted.empty(); }
 

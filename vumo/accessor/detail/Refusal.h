@@ -4,7 +4,7 @@
 
 namespace vumo::Data::detail
 {
-// How a step ends that failed. What the texts of `errors` go through: some kinds of messages replace what was there.
+// The two ways in which a step fails: most messages are appended, those that say that a file is no scene replace all.
 
 /// False, with the message appended to `errors`.
 inline bool refuse(std::string& errors, const std::string& message)

@@ -13,6 +13,7 @@ namespace
 /// Says whether the error means that there can be no record here. A disk that is full or fails is another matter.
 bool admitsNoRecord(int error)
 {
+    // No permission, a read-only file system, a name that gets too long, a limit to the size of files.
     constexpr int kErrors[] = {EACCES, EPERM, EROFS, ENAMETOOLONG, EFBIG};
     return std::find(std::begin(kErrors), std::end(kErrors), error) != std::end(kErrors);
 }
@@ -43,11 +44,12 @@ bool SceneUpdate::run(FileChange& change, std::string& errors)
     mNeedsRecord = mNeedsRecord && !change.isDoneIn(mFile);
     if (!mRecord.take(mFile, change))
         return refuse(errors, "Could not read the old bytes of " + mPlace.file + ".\n");
+    // The name may have come to mean another file since this one was locked; a save would then be lost unseen.
     if (!mFile.hasName(mPlace.file))
         return refuse(errors, mPlace.file + " was replaced by somebody else meanwhile.\n");
     if (mNeedsRecord && !makeRecord(errors))
         return false;
-    // From here on nothing is allocated until the file is whole again.
+    // From here on nothing is allocated until the file is whole again: memory that runs out must not leave it halfway.
     const char* fault = apply(change);
     if (!fault)
         fault = commit();
@@ -84,7 +86,7 @@ int SceneUpdate::storeRecord() const
     record.shareAs(mFile);
     if (mRecord.store(record) && record.sync() && syncDirectory())
         return 0;
-    const int error = errno;
+    const int error = errno; // of the call that failed; removing may set another
     File::remove(mPlace.record);
     return error;
 }
@@ -98,7 +100,7 @@ const char* SceneUpdate::apply(const FileChange& change) const
     {
         syncFailed = edit.writeFailed;
         if (edit.bytes.empty())
-            continue;
+            continue; // the file has them already
         if (!mFile.allowsPosition(edit.position))
             return edit.seekFailed;
         if (!mFile.write(edit.position, edit.bytes.data(), edit.bytes.size()))

@@ -23,7 +23,8 @@ constexpr std::size_t kTableOffset = 40;
 constexpr std::size_t kEntrySize = 24;
 constexpr std::size_t kChecksumSize = 8;
 
-/// How many bytes at the start of the file, and in front of each range, have to be those that they were.
+/// How many bytes at the start of the file, and in front of each range, have to be those that they were: a block of
+/// most file systems, which takes one read.
 constexpr std::uint64_t kSurroundingsSize = 4096;
 
 /// How much of a file is held at once to compare it.
@@ -76,7 +77,7 @@ bool restoreBytes(const File& file, std::uint64_t position, std::string_view old
     std::array<char, kBlockSize> buffer;
     const std::string_view there(buffer.data(), file.read(position, buffer.data(), oldBytes.size()));
     const auto differs = std::mismatch(there.begin(), there.end(), oldBytes.begin()).second - oldBytes.begin();
-    std::size_t end = oldBytes.size();
+    std::size_t end = oldBytes.size(); // from the end only where the file has all of them
     while (end <= there.size() && end > static_cast<std::size_t>(differs) && there[end - 1] == oldBytes[end - 1])
         --end;
     const std::string_view wrong = oldBytes.substr(0, end).substr(static_cast<std::size_t>(differs));
@@ -117,7 +118,7 @@ bool UndoRecord::readOldBytes(const File& file)
     std::size_t total = 0;
     for (const Range& range : mRanges)
         total += oldSize(range);
-    mBytes.resize(total);
+    mBytes.resize(total); // once: the ranges point into it
     std::size_t place = 0;
     for (Range& range : mRanges)
     {
@@ -171,6 +172,7 @@ UndoRecord::eContent UndoRecord::load(const File& recordFile)
 UndoRecord::eContent UndoRecord::parse()
 {
     std::string_view bytes = mBytes;
+    // Zero bytes where the magic should be: the disk had the length of the record, but not yet what is in it.
     if (bytes.size() < kTableOffset + kChecksumSize || bytes.front() == '\0')
         return eContent::kIncomplete;
     if (readBigEndian<std::uint32_t>(bytes.data() + kVersionOffset) != kVersion)
@@ -179,6 +181,7 @@ UndoRecord::eContent UndoRecord::parse()
     const std::uint64_t sum = numberAt(bytes, bytes.size() - kChecksumSize);
     bytes.remove_suffix(kChecksumSize);
     const std::uint64_t count = readBigEndian<std::uint32_t>(bytes.data() + kCountOffset);
+    // Divided, not multiplied: the count is not to be trusted yet, and a product could overflow.
     if (count > (bytes.size() - kTableOffset) / kEntrySize)
         return eContent::kIncomplete;
     mOldLength = numberAt(bytes, kOldLengthOffset);
@@ -197,6 +200,7 @@ UndoRecord::eContent UndoRecord::parse()
     }
     if (checksum.value() != sum)
         return eContent::kIncomplete;
+    // A writer of this version makes no other: what is whole and contradicts itself comes from somewhere else.
     return isConsistent() ? eContent::kComplete : eContent::kForeign;
 }
 
@@ -216,7 +220,7 @@ bool UndoRecord::parseRanges(std::string_view table, std::string_view bytes)
     return bytes.empty();
 }
 
-/// Says whether the ranges lie one behind the other inside the file as it was and as it is to be.
+/// Says whether the ranges lie one after the other inside the file as it was and as it is to be.
 bool UndoRecord::isConsistent() const
 {
     std::uint64_t end = 0;
@@ -276,7 +280,8 @@ UndoRecord::eFit UndoRecord::fit(const File& file) const
         if (!all.isEither)
             return eFit::kNone;
     }
-    return all.isNew ? eFit::kChanged : all.isOld ? eFit::kUnchanged : eFit::kBetween;
+    // New before old: of a change that changes nothing both are true, and then there is nothing to restore.
+    return all.isNew ? eFit::kChanged : all.isOld ? eFit::kUnchanged : eFit::kMixed;
 }
 
 /// Takes from `result` what the bytes in a range speak against. False when they cannot be read.
@@ -298,8 +303,8 @@ bool UndoRecord::match(const Range& range, const File& file, std::uint64_t fileS
             const bool isOld = k < range.oldBytes.size() ? isThere && buffer[i] == range.oldBytes[k] : !isThere;
             const bool isNew = k < range.newBytes.size() ? isThere && buffer[i] == range.newBytes[k] : !isThere;
             // Where a file grows or is cut off there may be zero bytes until the disk has got all of that.
-            const bool isBehindOne = position + i >= std::min(mOldLength, mNewLength);
-            const bool isNotWritten = isThere && buffer[i] == '\0' && isBehindOne;
+            const bool isPastOneEnd = position + i >= std::min(mOldLength, mNewLength);
+            const bool isNotWritten = isThere && buffer[i] == '\0' && isPastOneEnd;
             result.isOld = result.isOld && isOld;
             result.isNew = result.isNew && isNew;
             result.isEither = result.isEither && (isOld || isNew || isNotWritten);

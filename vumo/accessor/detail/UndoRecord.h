@@ -30,7 +30,7 @@ public:
     {
         kUnchanged, ///< the file is as it was before the change
         kChanged,   ///< the file is as it is after the change
-        kBetween,   ///< each byte is one or the other, or zero behind the end of the shorter of the two
+        kMixed,     ///< each byte is one or the other, or zero after the end of the shorter of the two
         kNone,      ///< the file has other bytes: it is not the one, or was changed since
         kUnknown    ///< the file cannot be read
     };
