@@ -54,20 +54,27 @@ TEST(RefCountedTest, CopiesAndAssignments_NeverTakeACount)
     EXPECT_EQ(held.refCount(), 2);
 }
 
-/// Does it in four threads at once.
+/// Does it in four threads, none of which begins before all are there.
 template <class Action>
 void inThreads(const Action& action)
 {
+    std::atomic<int> missing = 4;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back(action);
+    for (int i = missing; i > 0; --i)
+    {
+        threads.emplace_back([&] {
+            for (--missing; missing > 0;)
+                std::this_thread::yield();
+            action();
+        });
+    }
     for (std::thread& thread : threads)
         thread.join();
 }
 
 TEST(RefCountedTest, ObjectsOfSeveralThreads_NeverShareACounter)
 {
-    constexpr int kObjects = 3000;
+    constexpr int kObjects = 100000;
     std::atomic<int> wrongCounts = 0;
     inThreads([&] {
         std::vector<Ref<RefCounted>> objects;

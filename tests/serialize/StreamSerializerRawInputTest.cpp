@@ -70,9 +70,10 @@ TEST_F(StreamSerializerRawInputTest, Read_IsTheSameHoweverMuchTheBufferHolds)
          "Text '2 3' on or about character 77 is left over behind the last value at record 11\n"
          "Value 'x' on or about character 81 is not a legal index (code 1) of type numeric\n"
          "4 errors found, Stream not created\n"},
-        {head + tooLong + "6\n1 \"\"\nendStream\nrest\n",
+        {head + tooLong + "x\n1 \"\"\nendStream\nrest\n",
          "Line at record 5 on or about character 39 is longer than 1023 characters\n"
-         "1 error found, Stream not created\n"},
+         "Value 'x' on or about character 1540 is not a legal index (code 1) of type numeric\n"
+         "2 errors found, Stream not created\n"},
     };
     for (const auto& row : cases)
     {
