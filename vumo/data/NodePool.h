@@ -12,8 +12,8 @@ namespace vumo::Data
 /// large as all before it, up to a limit. What is given back is used again; all of it is freed with the pool.
 ///
 /// `std::pmr::unsynchronized_pool_resource` in its place was measured to take 40 % more time for unique copies of many
-/// small streams (it makes a table of pools for each), 5 to 10 % for inserting and for reading text, and 9 % more memory
-/// for an element.
+/// small streams (it makes a table of pools for each), 5 to 10 % for inserting and for reading text, and 9 % more
+/// memory for an element.
 ///
 /// Where a search follows a pointer out of every node, `kApart` is faster: it takes each node from the heap, which puts
 /// it beside what was allocated just before.
