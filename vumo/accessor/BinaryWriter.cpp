@@ -92,12 +92,10 @@ bool appendStructureChunk(const Structure& structure, const LocaleEncoding& enco
 
 bool hasStreams(const Associations& associations)
 {
+    bool hasAny = false;
     for (const Channel& channel : associations)
-    {
-        if (!channel.empty())
-            return true;
-    }
-    return false;
+        hasAny = hasAny || !channel.empty();
+    return hasAny;
 }
 
 bool appendAssociationsChunk(const std::string& tag, const std::string& name, const Associations& associations,

@@ -97,6 +97,15 @@ AsciiStatement statementOf(eLine kind, const BackwardLines::Line& begin, const B
     statement.next = end ? end->next : begin.next;
     return statement;
 }
+
+bool giveText(BackwardLines& lines, const AsciiStatement& statement, const AsciiStatementTaker& take)
+{
+    std::string_view text;
+    if (!lines.readText(statement.begin, statement.end, text))
+        return false;
+    take(statement, text);
+    return true;
+}
 } // namespace
 
 bool AsciiTail::measure(std::istream& file)
@@ -125,12 +134,8 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, const AsciiStatementTaker&
         if (kind == kStructureLine || kind == kAssociationsLine)
         {
             tail.statements.push_back(statementOf(kind, line, end.closes(kind) ? &end.line : nullptr));
-            const AsciiStatement& statement = tail.statements.back();
-            std::string_view text;
-            if (take && !lines.readText(statement.begin, statement.end, text))
+            if (take && !giveText(lines, tail.statements.back(), take))
                 break; // lines.error() says why
-            if (take)
-                take(statement, text);
         }
         end.step(line, kind, mayBeName);
         if (!end.exists || !take)

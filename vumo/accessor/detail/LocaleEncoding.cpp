@@ -6,6 +6,7 @@
 #include <langinfo.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -72,7 +73,7 @@ public:
             iconv_close(mDescriptor);
     }
 
-    bool isOpen() const { return mDescriptor != reinterpret_cast<iconv_t>(-1); }
+    bool isOpen() const { return reinterpret_cast<std::intptr_t>(mDescriptor) != -1; } // as iconv_open() has it
 
     /// Finds out whether texts for which isPlain() holds stay as they are: that is much sooner known than done.
     void learnWhatIsPlain()
