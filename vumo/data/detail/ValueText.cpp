@@ -49,6 +49,20 @@ bool appendScalar(TextBuilder& text, const NumberFormat& format, T value)
     return true;
 }
 
+/// Returns whether all can be read back.
+template <class T>
+bool appendScalars(TextBuilder& text, const NumberFormat& format, const char* values, std::size_t count)
+{
+    bool readable = true;
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        if (i > 0)
+            text.append(' ');
+        readable = appendScalar(text, format, loadScalar<T>(values + i * sizeof(T))) && readable;
+    }
+    return readable;
+}
+
 bool extract(ValueInput& in, bool& value, std::string& word)
 {
     static constexpr struct
@@ -170,15 +184,7 @@ bool appendValues(TextBuilder& text, const NumberFormat& format, Member::eDataTy
     visitDataType(type, [&](auto layout) {
         using Scalar = typename decltype(layout)::Scalar;
         if constexpr (!std::is_pointer_v<Scalar>)
-        {
-            const std::size_t entries = std::size_t(count) * layout.kEntries;
-            for (std::size_t i = 0; i < entries; ++i)
-            {
-                if (i > 0)
-                    text.append(' ');
-                readable = appendScalar(text, format, loadScalar<Scalar>(values + i * sizeof(Scalar))) && readable;
-            }
-        }
+            readable = appendScalars<Scalar>(text, format, values, std::size_t(count) * layout.kEntries);
     });
     return readable;
 }
