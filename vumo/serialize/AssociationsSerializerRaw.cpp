@@ -59,7 +59,7 @@ bool readWord(std::istream& in, std::string& word)
 {
     detail::ValueInput input(in);
     input.stream() >> word;
-    input.handOnState(in);
+    input.handOnState(in); // the next question is whether the input is at its end
     return !in.fail();
 }
 
@@ -77,7 +77,7 @@ std::vector<std::string_view> channelNames(const Associations& associations)
 
 void readChannel(std::istream& in, Associations& associations, detail::Messages& messages)
 {
-    detail::LineReader restOfLine(in);
+    detail::LineReader restOfLine(in); // a name may follow "channel"; the one that counts is in the channel
     if (restOfLine.next() && restOfLine.isTooLong())
         messages.add(restOfLine.tooLongMessage());
     const std::unique_ptr<Channel> channel(ChannelSerializerRaw::theFormat()->read(in, messages.text()));

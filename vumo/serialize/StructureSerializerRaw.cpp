@@ -106,7 +106,7 @@ std::string splitType(const std::string& text, std::string& typeName, unsigned i
         return "has closing bracket ']' but no opening bracket '[' for dimension specification";
     if (!hasOpen)
         return "";
-    const bool isAtEnd = open < close && close + 1 == text.size();
+    const bool isAtEnd = open < close && close + 1 == text.size(); // not "]3[", and no text after the bracket
     length = isAtEnd ? parseDimension(text.substr(open + 1, close - open - 1)) : 0;
     return length == 0 ? "needs numeric value for dimension specifier" : "";
 }
@@ -166,6 +166,7 @@ std::vector<std::string> splitFields(std::string& text)
     std::vector<std::string> fields;
     SerializerRaw::collapseWhitespace(text);
     SerializerRaw::standardizeSeparators(text);
+    // A text of many members is split once; a list that grows would be in memory twice for a moment.
     fields.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1);
     return SerializerRaw::splitString(text, separator, fields);
 }
@@ -176,7 +177,7 @@ void readField(std::string field, Declaration& declaration, std::string& message
     std::vector<std::string> pieces;
     SerializerRaw::collapseWhitespace(field);
     SerializerRaw::splitString(field, *separator, pieces);
-    if (pieces.size() != 2 || field.back() == *separator)
+    if (pieces.size() != 2 || field.back() == *separator) // splitString() gives no piece for what follows the last one
     {
         addMessage(std::string("Member type and name must be separated by '") + separator + "'", messages);
         return;
@@ -198,6 +199,7 @@ Structure* newStructure(const Declaration& declaration)
     std::vector<Structure::NewMember> members;
     for (const Declaration::Member& member : declaration.members)
         members.push_back({member.type, member.length, member.name.c_str()});
+    // All members at once: the layout is computed with each call, and a text may declare very many.
     auto structure = std::make_unique<Structure>(declaration.name.c_str());
     structure->addMembers(members);
     return structure.release();

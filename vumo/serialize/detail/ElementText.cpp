@@ -22,7 +22,7 @@ using Traits = ValueInput::Traits;
 void appendString(TextBuilder& line, const char* text)
 {
     const std::size_t length = text ? std::strlen(text) : 0;
-    char* out = line.room(2 * length + 2);
+    char* out = line.room(2 * length + 2); // every character escaped, and two quotation marks
     *out++ = '"';
     for (std::size_t i = 0; i < length; ++i)
     {
@@ -197,6 +197,7 @@ RefusedNumber refusedNumber(const MemberValues& values, const NumberFormat& form
             constexpr Member::eDataType kType = std::is_same_v<Scalar, double> ? Member::kDouble : Member::kFloat;
             const char* number = values.data;
             TextBuilder text;
+            // Ends, because one of the values is refused.
             while (appendValues(text, format, kType, number, 1))
             {
                 text.clear();
@@ -255,7 +256,7 @@ bool readMember(const MemberValues& values, unsigned int record, ValueInput& in,
 
 ElementText::ElementText(const Structure& structure, std::size_t longestText)
 {
-    mMembers.reserve(std::min(structure.memberCount(), kMaxLineLength));
+    mMembers.reserve(std::min(structure.memberCount(), kMaxLineLength)); // more are not looked up for a line
     for (unsigned int i = 0; i < structure.memberCount() && fitsInto(longestText); ++i)
     {
         const Member* const member = structure.member(i);

@@ -25,7 +25,7 @@ void LineWriter::endLine()
 {
     mLine.append('\n');
     mOut.write(mLine.text().data(), static_cast<std::streamsize>(mLine.text().size()));
-    mOut.flush();
+    mOut.flush(); // whoever reads along gets whole lines
     mLine.clear();
     ++mRecord;
 }

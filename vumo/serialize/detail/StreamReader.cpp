@@ -22,7 +22,7 @@ std::unique_ptr<Stream> StreamReader::read(std::string& errors)
     while (mLines.nextFilled() && !isLastLine())
     {
         if (!mStorage && readHeaderLine())
-            continue;
+            continue; // with an element made, a line that reads as a header line is an index
         mHasIndexLine = true;
         if (!readIndexAndData())
             break;
@@ -32,7 +32,7 @@ std::unique_ptr<Stream> StreamReader::read(std::string& errors)
         mMessages.add("Error in stream while reading" + atRecord());
     if (mMessages.report("Stream not created", errors) > 0)
         return nullptr;
-    return std::make_unique<Stream>(&storage());
+    return std::make_unique<Stream>(&storage()); // made here, when there are no elements
 }
 
 bool StreamReader::readHeaderLine()
@@ -68,16 +68,16 @@ void StreamReader::acceptName(const std::string& name)
 void StreamReader::acceptIndexType(const std::string& name)
 {
     mIndexType = name;
-    mIndexCreator = nullptr;
+    mIndexCreator = nullptr; // that of the type before, when an index was refused in between
     mHasUsableIndexType = isLineUsable() && Index::creators().count(name) > 0;
-    if (!mHasUsableIndexType && !mLines.isTooLong())
+    if (!mHasUsableIndexType && !mLines.isTooLong()) // what is too long is told, and its name is cut
         mMessages.add("Creator for index type '" + name + "' not found");
 }
 
 void StreamReader::acceptStructure(const std::string& name)
 {
     mHasStructure = true;
-    mElementText.reset();
+    mElementText.reset(); // that of the structure before, likewise
     mStructure = isLineUsable() ? findStructure(name) : nullptr;
     if (!mStructure && !mLines.isTooLong())
         mMessages.add("Structure '" + name + "' not found");
@@ -97,7 +97,7 @@ bool StreamReader::readIndexAndData()
     }
     if (!mLines.nextFilled() || isLastLine())
     {
-        if (mStructure)
+        if (mStructure) // without one nobody knows whether its elements have data lines
             mMessages.add("Index '" + mIndexText + "'" + atRecord(record) + " has no data line");
         return false;
     }
@@ -115,7 +115,7 @@ std::optional<Index> StreamReader::parseIndex()
     if (!mHasStructure)
         mMessages.add("Index data encountered before Structure name specified" + atRecord());
     if (!mHasName || !mHasStructure || !mHasUsableIndexType)
-        return std::nullopt;
+        return std::nullopt; // the message says what is missing; those about its indices would only follow from it
     try
     {
         return createIndex();
@@ -126,7 +126,7 @@ std::optional<Index> StreamReader::parseIndex()
     }
     catch (const std::bad_alloc&)
     {
-        throw;
+        throw; // says nothing about the text
     }
     catch (...)
     {

@@ -70,7 +70,7 @@ void StreamWriter::writeElements()
     const StreamIterator last = mStream.end();
     for (StreamIterator position = mStream.begin(); position != last; ++position) // elements may have no size
     {
-        if (!mElements)
+        if (!mElements) // not before: a stream without elements does not pay for the members of its structure
             mElements.emplace(mStream.structure());
         Index index = position.index();
         if (isNumeric && !static_cast<IndexType*>(index))
@@ -120,7 +120,7 @@ bool StreamWriter::isRecreated(Index& index, const std::string& text) const
     }
     catch (const std::bad_alloc&)
     {
-        throw;
+        throw; // says nothing about the index
     }
     catch (...)
     {
@@ -136,7 +136,8 @@ void StreamWriter::writeData(const Index& index, char* block)
     mLines.endLine();
 }
 
-/// Goes through the line member by member once more.
+/// Goes through the line member by member once more, to name the member; lines are seldom refused, so that writing does
+/// not keep track of it.
 void StreamWriter::reportData(const Index& index, char* block)
 {
     const std::string element = " at index " + quoted(index.asString());
