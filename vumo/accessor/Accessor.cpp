@@ -128,6 +128,22 @@ eNumbers Accessor::numbers() const
     return mImpl->numbers;
 }
 
+void Accessor::setUnread(eUnread unread)
+{
+    mImpl->unread = unread;
+}
+
+std::vector<UnreadBlock> Accessor::unread() const
+{
+    std::vector<UnreadBlock> unread;
+    for (const detail::FileBlock& block : mImpl->found.blocks)
+    {
+        if (mImpl->found.areKept && block.state == detail::FileBlock::kUnread)
+            unread.push_back(block);
+    }
+    return unread;
+}
+
 bool Accessor::read(const std::string& fileName, std::string& errors)
 {
     return read(fileName, nullptr, nullptr, errors);
@@ -215,6 +231,7 @@ void Accessor::clear()
 {
     setStructures(StructureSet());
     mImpl->associations.clear();
+    mImpl->found = {};
 }
 
 std::set<std::string> Accessor::supportedExtensions()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/accessor/UnreadBlock.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
@@ -10,6 +11,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace vumo::Data
 {
@@ -35,7 +37,7 @@ struct AccessorState;
 /// BEWARE: write() stores what the accessor holds, nothing else, in place of all metadata in the file. A
 /// read that failed leaves nothing in the accessor, and a read with filters leaves less in it than the file
 /// has: writing after either removes the rest from the file. Only write after a read() without filters that
-/// returned true.
+/// returned true, or one for which setUnread(kKeep) was called: that keeps what it leaves out.
 ///
 /// write() changes the file in place: its inode, owner, mode and links stay, and so does every byte in front of the
 /// metadata. No crash harms the file unless setDurability() says otherwise.
@@ -72,6 +74,17 @@ public:
         kMemoryOnly
     };
 
+    /// What becomes of the metadata that a read() leaves in the file: of what a filter does not want, and of what
+    /// cannot be read.
+    enum eUnread
+    {
+        /// The read fails for what is wanted and cannot be read; write() removes what was not wanted.
+        kDrop,
+
+        /// The read goes on, unread() tells what was left, and write() leaves it in its place.
+        kKeep
+    };
+
     Accessor(const Accessor&) = delete;
     Accessor& operator=(const Accessor&) = delete;
 
@@ -102,6 +115,22 @@ public:
     /// to six digits by itself.
     void setNumbers(eNumbers numbers);
     eNumbers numbers() const;
+
+    /// Chooses what the following calls of read() do about metadata that they leave in the file; kDrop at first. What
+    /// was chosen for the last read() counts for the calls of write() after it.
+    ///
+    /// With kKeep, write() puts the metadata that the accessor holds in the place of what was read, and leaves what was
+    /// not read byte by byte where it stands, without holding it in memory. An entry of associations() removes what was
+    /// left under its name, and replaces it unless it is empty; likewise a structure. New structures come after the
+    /// last one in the file, and new entries after all else. Of two blocks for one name the one that a read() without
+    /// filters gives counts, and write() removes the other. While associations are left in the file, so are all
+    /// structures, and one of the same name with other members is refused, as is a file whose metadata somebody else
+    /// has changed since. A block without an end, a name, a format or a text is damage all the same: the read fails.
+    void setUnread(eUnread unread);
+
+    /// What the last read() left in the file, in the order of the file, if kKeep was chosen for it; as it stands there
+    /// after write().
+    std::vector<UnreadBlock> unread() const;
 
     /// Reads all metadata of the file: the next function without filters, which says what becomes of `errors`.
     bool read(const std::string& fileName, std::string& errors);
@@ -142,7 +171,8 @@ public:
     const std::map<std::string, Associations>& associations() const;
     std::map<std::string, Associations>& associations();
 
-    /// Removes and releases all structures, removes all associations; keeps the file name.
+    /// Removes and releases all structures, removes all associations, forgets what is left in the file; keeps the file
+    /// name.
     void clear();
 
     /// The file-name extensions, in lower case and without a dot, for which there is an accessor.

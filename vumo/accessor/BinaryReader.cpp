@@ -149,7 +149,7 @@ private:
         if (isWhole && !mRead.wantsStructures())
             mRead.skip(number);
         else if (hasTexts)
-            mRead.readStructure(number, inLocale(text), false);
+            mRead.readStructure(number, inLocale(text));
         else
             mRead.refuseBlock(number, "Could not read data structure chunk.");
         return isWhole;

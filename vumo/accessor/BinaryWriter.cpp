@@ -170,45 +170,70 @@ bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
     return true;
 }
 
-/// Passes over a chunk of metadata, which is going to be replaced.
-bool skipMetadata(ChunkCursor& chunks, bool isAfterStructure, const LocaleEncoding& encoding, std::string& errors)
+constexpr char kChangedByRewriting[] =
+    "The file holds metadata with characters that the encoding of this locale does not have. Write it in a locale that "
+    "has them, such as one of UTF-8.\n";
+
+/// Passes over a chunk of metadata; reads it if its checksum is wanted.
+bool takeBlock(ChunkCursor& chunks, const LocaleEncoding& encoding, bool hasChecksum, BlockPlace& place)
 {
-    const bool isToBeRead = encoding.canChangeByRewriting();
-    std::string_view data; // stays empty when it is not looked at
+    const bool isToBeRead = hasChecksum || encoding.canChangeByRewriting();
+    std::string_view data;
     if (!(isToBeRead ? chunks.readData(data) : chunks.skipData()))
-        return refuse(errors, isAfterStructure ? "Error skipping existing metadata chunks."
-                                               : "Error skipping data structure chunk.");
+        return false;
+    if (hasChecksum)
+        place.checksum = blockChecksum({chunks.headerBytes(), data});
+    if (!encoding.canChangeByRewriting())
+        return true;
     if (!data.empty() && data.back() == '\0')
         data.remove_suffix(1);
     const std::string_view text = data.substr(data.rfind('\0') + 1); // after name and format, which are not converted
     if (encoding.changesByRewriting(text))
-        return refuse(errors, "The file holds metadata with characters that the encoding of this locale does not "
-                              "have. Write it in a locale that has them, such as one of UTF-8.\n");
+        place.mustStay = kChangedByRewriting;
     return true;
 }
 
-/// Copies all chunks of the old trailer but the metadata. That begins with the first structure; after it the host may
-/// have put chunks of its own, and even those between two runs of metadata stay.
-bool readKeptChunks(ChunkCursor& chunks, const LocaleEncoding& encoding, std::string& before, std::string& after,
-                    std::string& errors)
+/// Finds the chunks of metadata, with their checksums if these are wanted. The first structure is the first one; after
+/// it the host may have put chunks of its own, between runs of metadata, too.
+bool findRegion(std::istream& in, const Trailer& trailer, const LocaleEncoding& encoding, bool hasChecksums,
+                FileRegion& region, std::string& errors)
 {
-    bool isAfterStructure = false;
+    ChunkCursor chunks(in, trailer.length(), ChunkCursor::kWindowToSkip);
+    std::uint64_t position = trailer.start();
+    bool isAfterHost = false; // and that after metadata
     while (!chunks.atEnd())
     {
-        if (!chunks.readHeader()) // in front of the old metadata, among it, or after it
+        const bool isAfterStructure = !region.blocks.empty();
+        if (!chunks.readHeader())
             return refuse(errors, !isAfterStructure ? "Error reading chunk header before metadata."
-                                  : after.empty()   ? "Error skipping existing metadata chunks."
+                                  : !isAfterHost    ? "Error skipping existing metadata chunks."
                                                     : "Error skipping backward size chunk.");
+        BlockPlace place;
+        place.begin = position;
+        position += kHeaderSize + chunks.paddedSize();
+        place.end = position;
         const bool isStructure = chunks.header().mTag == Binary::getMetaDataStructureChunkName();
         const bool isMetadata =
             isStructure || (isAfterStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
-        if (!isMetadata && !chunks.appendChunk(isAfterStructure ? after : before))
+        if (!isMetadata && !chunks.skipData())
             return refuse(errors, "Error reading chunk before metadata.");
-        if (isMetadata && !skipMetadata(chunks, isAfterStructure, encoding, errors))
-            return false;
-        isAfterStructure = isAfterStructure || isStructure;
+        if (isMetadata && !takeBlock(chunks, encoding, hasChecksums, place))
+            return refuse(errors, isAfterStructure ? "Error skipping existing metadata chunks."
+                                                   : "Error skipping data structure chunk.");
+        if (isMetadata)
+            region.blocks.push_back(place);
+        isAfterHost = isAfterHost || (isAfterStructure && !isMetadata);
     }
+    region.end = trailer.mEnd;
+    region.insertion = region.blocks.empty() ? region.end : region.blocks.front().begin;
     return true;
+}
+
+void measure(std::string_view written, FileBlock& block)
+{
+    const auto size = readBigEndian<std::uint64_t>(written.data() + kSizeOffset);
+    block.length = written.size();
+    block.checksum = blockChecksum({written.substr(0, kHeaderSize), written.substr(kHeaderSize, size)});
 }
 
 /// The form of chunks. Borrows the encoding.
@@ -226,27 +251,21 @@ MetadataForm chunkForm(const LocaleEncoding& encoding)
     };
     return {appendStructure,
             appendAssociations,
+            measure,
+            true,
             true,
             "Could not write structure chunk to in-memory trailer.",
             "Could not write node associations chunk to in-memory trailer.",
             "Could not write scene associations chunk to in-memory trailer."};
 }
 
-/// Builds the chunks of the new trailer: the old ones that stay, around the new metadata.
-bool buildTrailer(std::istream& in, const Trailer& old, const AccessorState& metadata, std::string& content,
-                  std::string& errors)
+/// Appends what stands between two positions.
+bool appendBytes(std::istream& in, std::uint64_t from, std::uint64_t to, std::string& bytes)
 {
-    ChunkCursor chunks(in, old.length(), ChunkCursor::kWindowToSkip);
-    const LocaleEncoding encoding;
-    std::string after;
-    content.reserve(old.length()); // the new one is seldom much longer; growing in steps would take twice the memory
-    if (!readKeptChunks(chunks, encoding, content, after, errors) ||
-        !appendMetadata(chunkForm(encoding), metadata, content, errors))
-        return false;
-    content += after;
-    if (content.size() > kLongestTrailer)
-        return refuse(errors, "Failed to write the backward chunk size.");
-    return true;
+    const std::size_t oldSize = bytes.size();
+    bytes.resize(oldSize + (to - from));
+    return in.seekg(static_cast<std::streamoff>(from)) &&
+           in.read(&bytes[oldSize], static_cast<std::streamsize>(to - from));
 }
 
 std::string backwardChunk(std::uint32_t offset)
@@ -258,16 +277,18 @@ std::string backwardChunk(std::uint32_t offset)
     return bytes;
 }
 
-/// Makes `content` the trailer's chunks.
-bool replaceTrailer(SceneUpdate& update, Trailer trailer, std::string content, std::string& errors)
+/// Changes the trailer's chunks, and all that depends on their length.
+bool replaceInTrailer(SceneUpdate& update, Trailer trailer, Replacement& replacement, std::string& errors)
 {
-    const std::uint64_t length = content.size();
+    trailer.mEnd = replacement.newPlaceOf(trailer.mEnd);
+    const std::uint64_t length = trailer.length();
+    if (length > kLongestTrailer)
+        return refuse(errors, "Failed to write the backward chunk size.");
     const auto offset = static_cast<std::uint32_t>(length + kHeaderSize + kBackwardOffsetSize);
-    trailer.mEnd = trailer.start() + length;
     FileChange change(trailer.mainChunkEnd(), "Could not truncate the file.");
     change.add(trailer.mSizePosition, bigEndian(Trailer::groupSize(length)),
                "Failed to seek to the trailer size position.", "Failed to write the new trailer size.");
-    change.add(trailer.start(), std::move(content), "Failed to seek to the trailer data start.",
+    change.add(replacement.from(), std::move(replacement.bytes()), "Failed to seek to the trailer data start.",
                "Failed to write the new trailer.");
     change.add(trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
                "Failed to write the backward chunk size.");
@@ -295,16 +316,27 @@ bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& 
     return isBuilt && (bytes.empty() || writeBytes(out, bytes));
 }
 
-bool BinaryWriter::writeMetadata(const AccessorState& metadata, std::string& errors)
+bool BinaryWriter::writeMetadata(AccessorState& metadata, std::string& errors)
 {
     SceneUpdate update(metadata.fileName, metadata.durability);
     if (!update.begin(errors))
         return false;
     FileInput in(update.file());
     Trailer trailer;
-    std::string content;
-    return findTrailer(in, trailer, errors) && buildTrailer(in, trailer, metadata, content, errors) &&
-           replaceTrailer(update, trailer, std::move(content), errors);
+    FileRegion region;
+    Replacement replacement([&](std::uint64_t from, std::uint64_t to, std::string& bytes) {
+        return appendBytes(in, from, to, bytes) || refuse(errors, "Error reading chunk before metadata.");
+    });
+    const LocaleEncoding encoding;
+    FileBlocks written;
+    if (!findTrailer(in, trailer, errors) ||
+        !findRegion(in, trailer, encoding, metadata.found.areKept, region, errors) ||
+        !replaceMetadata(chunkForm(encoding), metadata, region, replacement, written, errors) ||
+        !replaceInTrailer(update, trailer, replacement, errors))
+        return false;
+    if (metadata.found.areKept)
+        metadata.found = std::move(written);
+    return true;
 }
 
 bool BinaryWriter::Debug(const BinaryWriter* object, vumo::Debug::Print& request)

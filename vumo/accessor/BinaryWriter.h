@@ -41,7 +41,7 @@ public:
     /// ones of a name are refused, as is all else that could not be read again. The whole tail is built and checked
     /// before the first byte of the file changes; a file that has anything after its main chunk is refused, because
     /// that would be lost.
-    static bool writeMetadata(const detail::AccessorState& metadata, std::string& errors);
+    static bool writeMetadata(detail::AccessorState& metadata, std::string& errors);
 
     static bool Debug(const BinaryWriter* object, vumo::Debug::Print& request);
     static bool Debug(const BinaryWriter* object, vumo::Debug::Footprint& request);

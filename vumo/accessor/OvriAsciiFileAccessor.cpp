@@ -31,7 +31,7 @@ bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNa
     detail::FileInput in(file);
     if (!in)
         return detail::replaceErrors(errors, "Could not open " + fileName());
-    detail::MetadataRead read(state(), structureNames, associationNames);
+    detail::MetadataRead read(state(), detail::MetadataRead::eOrder::kBackward, structureNames, associationNames);
     return detail::AsciiReader::readMetadata(in, read, errors);
 }
 

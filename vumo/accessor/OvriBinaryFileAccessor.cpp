@@ -36,7 +36,7 @@ bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureN
     }
     const detail::File file(fileName(), detail::File::eMode::kRead);
     detail::FileInput in(file);
-    detail::MetadataRead read(state(), structureNames, associationNames);
+    detail::MetadataRead read(state(), detail::MetadataRead::eOrder::kForward, structureNames, associationNames);
     return BinaryReader::readMetadata(in, read, errors);
 }
 

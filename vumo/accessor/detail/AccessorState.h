@@ -18,6 +18,7 @@ struct AccessorState
     std::map<std::string, Associations> associations;
     Accessor::eDurability durability = Accessor::kJournal;
     eNumbers numbers = kSixDigits;
-    FileBlocks found; ///< by the last read
+    Accessor::eUnread unread = Accessor::kDrop; ///< for the next read
+    FileBlocks found;                           ///< by the last read
 };
 } // namespace vumo::Data::detail

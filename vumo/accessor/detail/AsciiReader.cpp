@@ -176,7 +176,7 @@ private:
         const bool hasValue = findValue(text, block.format, value) && unescape(value, unescaped);
         const std::size_t number = mRead.add(std::move(block));
         if (hasValue)
-            mRead.readStructure(number, std::move(unescaped), true);
+            mRead.readStructure(number, unescaped);
         else
             mRead.refuseBlock(number, "Error tokenizing format/value for structure.");
     }
@@ -188,14 +188,14 @@ private:
         const bool hasName = takeName(text, block.name);
         const bool hasValue = hasName && findValue(text, block.format, value);
         const std::size_t number = mRead.add(std::move(block));
+        const bool isWanted = hasName && mRead.wantsAssociations(number);
+        const bool isWhole = hasValue && (!isWanted || unescape(value, unescaped));
         if (!hasName)
             mRead.refuseBlock(number, "Could not find Associations name.");
-        else if (!mRead.wantsAssociations(number))
-            return;
-        else if (hasValue && unescape(value, unescaped))
-            mPending.push_back({number, std::move(unescaped)});
-        else
+        else if (!isWhole && (isWanted || mRead.keepsUnread()))
             mRead.refuseBlock(number, "Error tokenizing format/value for associations.", true);
+        else if (isWanted)
+            mPending.push_back({number, std::move(unescaped)});
     }
 
     MetadataRead& mRead;

@@ -115,10 +115,19 @@ bool appendAssociations(const std::string& nodeName, const Associations& associa
     return true;
 }
 
+void measure(std::string_view written, FileBlock& block)
+{
+    written.remove_suffix(1); // its newline
+    block.length = written.size();
+    block.checksum = blockChecksum({written});
+}
+
 MetadataForm statementForm()
 {
     return {appendStructure,
             appendAssociations,
+            measure,
+            false,
             false,
             "Could not write structure chunk to file.",
             "Could not write node associations statement to file.",
@@ -135,72 +144,70 @@ const char* searchFault(const std::istream& file, const AsciiTail& tail)
                   : "Could not seek to the first metadata block.";
 }
 
-bool findTail(std::istream& file, AsciiTail& tail, std::string& errors)
+/// Finds the statements, with their checksums if these are wanted, and the trailer line.
+bool findRegion(std::istream& file, bool hasChecksums, FileRegion& region, std::string& errors)
 {
+    AsciiTail tail;
+    const auto take = [&](const AsciiStatement&, std::string_view text) {
+        region.blocks.emplace_back().checksum = blockChecksum({text});
+    };
     std::string ignored;
-    if (!tail.measure(file) || !findAsciiTail(file, tail, {}, ignored))
+    if (!tail.measure(file) ||
+        !findAsciiTail(file, tail, hasChecksums ? AsciiStatementTaker(take) : AsciiStatementTaker(), ignored))
         return refuse(errors, searchFault(file, tail));
     const bool allComplete = std::all_of(tail.statements.begin(), tail.statements.end(),
                                          [](const AsciiStatement& statement) { return statement.isComplete(); });
     if (!allComplete)
         return refuse(errors, "Failed reading line while searching metadata end.");
-    return tail.trailer >= 0 || refuse(errors, "Could not find trailer prefix.");
-}
-
-/// Where the part of the file begins that a write replaces. Metadata may stand after the trailer line, too; that moves
-/// up, so the part goes on to the end of the file.
-std::streamoff regionStart(const AsciiTail& tail)
-{
-    return tail.statements.empty() ? tail.trailer : std::min(tail.trailer, tail.statements.back().begin);
+    if (tail.trailer < 0)
+        return refuse(errors, "Could not find trailer prefix.");
+    region.blocks.resize(tail.statements.size());
+    for (std::size_t i = 0; i < tail.statements.size(); ++i)
+    {
+        region.blocks[i].begin = static_cast<std::uint64_t>(tail.statements[i].begin);
+        region.blocks[i].end = static_cast<std::uint64_t>(tail.statements[i].next);
+    }
+    region.endsLine = tail.statements.empty() || tail.statements.front().next > tail.statements.front().end;
+    std::reverse(region.blocks.begin(), region.blocks.end()); // they were found from the end of the file on
+    region.insertion = static_cast<std::uint64_t>(tail.trailer);
+    region.end = static_cast<std::uint64_t>(tail.size);
+    return true;
 }
 
 /// Appends what stands between two positions.
-bool appendBytes(std::istream& file, std::streamoff from, std::streamoff to, std::string& bytes, std::string& errors)
+bool appendBytes(std::istream& file, std::uint64_t from, std::uint64_t to, std::string& bytes, std::string& errors)
 {
     const std::string::size_type oldSize = bytes.size();
-    bytes.resize(oldSize + static_cast<std::string::size_type>(to - from));
-    if (!file.seekg(from))
+    bytes.resize(oldSize + (to - from));
+    if (!file.seekg(static_cast<std::streamoff>(from)))
         errors += "Failed to seek to the trailer position.";
-    else if (!file.read(&bytes[oldSize], to - from))
+    else if (!file.read(&bytes[oldSize], static_cast<std::streamsize>(to - from)))
         errors += "Failed to read the file trailer.";
     return static_cast<bool>(file);
 }
-
-/// Reads what stays of that part: the lines above the trailer line, and those from it on.
-bool readKept(std::istream& file, const AsciiTail& tail, std::string& above, std::string& trailer, std::string& errors)
-{
-    const auto keep = [&](std::streamoff from, std::streamoff to) {
-        const std::streamoff split = std::clamp(tail.trailer, from, to);
-        return (from == split || appendBytes(file, from, split, above, errors)) &&
-               (split == to || appendBytes(file, split, to, trailer, errors));
-    };
-    std::streamoff position = regionStart(tail);
-    for (auto statement = tail.statements.rbegin(); statement != tail.statements.rend(); ++statement)
-    {
-        if (!keep(position, statement->begin))
-            return false;
-        position = statement->next;
-    }
-    return keep(position, tail.size);
-}
 } // namespace
 
-bool AsciiWriter::writeMetadata(const AccessorState& metadata, std::string& errors)
+bool AsciiWriter::writeMetadata(AccessorState& metadata, std::string& errors)
 {
     SceneUpdate update(metadata.fileName, metadata.durability);
     if (!update.begin(errors))
         return false;
     FileInput in(update.file());
-    AsciiTail tail;
-    std::string content;
-    std::string trailer;
-    if (!findTail(in, tail, errors) || !readKept(in, tail, content, trailer, errors) ||
-        !appendMetadata(statementForm(), metadata, content, errors))
+    FileRegion region;
+    Replacement replacement([&](std::uint64_t from, std::uint64_t to, std::string& bytes) {
+        return appendBytes(in, from, to, bytes, errors);
+    });
+    FileBlocks written;
+    if (!findRegion(in, metadata.found.areKept, region, errors) ||
+        !replaceMetadata(statementForm(), metadata, region, replacement, written, errors))
         return false;
-    content += trailer;
-    const auto start = static_cast<std::uint64_t>(regionStart(tail));
-    FileChange change(start + content.size(), "Could not truncate the file.");
-    change.add(start, std::move(content), "Could not seek to metadata start.", "Failed to append the file trailer.");
-    return update.run(change, errors);
+    FileChange change(replacement.newPlaceOf(region.end), "Could not truncate the file.");
+    change.add(replacement.from(), std::move(replacement.bytes()), "Could not seek to metadata start.",
+               "Failed to append the file trailer.");
+    if (!update.run(change, errors))
+        return false;
+    if (metadata.found.areKept)
+        metadata.found = std::move(written);
+    return true;
 }
 } // namespace vumo::Data::detail

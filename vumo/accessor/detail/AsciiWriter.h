@@ -17,6 +17,6 @@ public:
     ///
     /// The change is made as a whole or not at all, even if it is interrupted: see `Accessor::eDurability`. Everything
     /// is built and checked before the first byte of the file changes.
-    static bool writeMetadata(const AccessorState& metadata, std::string& errors);
+    static bool writeMetadata(AccessorState& metadata, std::string& errors);
 };
 } // namespace vumo::Data::detail

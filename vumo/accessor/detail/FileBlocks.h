@@ -1,7 +1,9 @@
 #pragma once
 
-#include "vumo/accessor/MetadataBlock.h"
+#include "vumo/accessor/UnreadBlock.h"
 #include "vumo/accessor/detail/Checksum.h"
+#include "vumo/data/Structure.h"
+#include "vumo/foundation/Ref.h"
 
 #include <cstdint>
 #include <initializer_list>
@@ -11,7 +13,7 @@
 namespace vumo::Data::detail
 {
 /// A piece of metadata in a scene file and what became of it when the file was read.
-struct FileBlock : MetadataBlock
+struct FileBlock : UnreadBlock
 {
     enum eState
     {
@@ -21,7 +23,8 @@ struct FileBlock : MetadataBlock
     };
 
     eState state = kRead;
-    std::uint64_t checksum = 0; ///< of its bytes
+    std::uint64_t checksum = 0;  ///< of its bytes
+    Ref<const Structure> layout; ///< of a structure that could be read, where unread blocks are kept
 };
 
 /// All metadata of a scene file, in the order of the file.
@@ -29,6 +32,7 @@ struct FileBlocks
 {
     std::vector<FileBlock> blocks;
     std::size_t ofHost = 0; ///< how many of the first ones are left to the host: those ahead of the first "DATS"
+    bool areKept = false;   ///< writing leaves those in the file that are unread
 };
 
 /// Of a statement's text up to its ";", or of a chunk's header and its data without the padding.

@@ -50,14 +50,16 @@ std::string nameIn(std::string_view structureText)
 }
 } // namespace
 
-MetadataRead::MetadataRead(AccessorState& state, const std::set<std::string>* structureNames,
+MetadataRead::MetadataRead(AccessorState& state, eOrder order, const std::set<std::string>* structureNames,
                            const std::set<std::string>* associationNames)
     : mState(state),
       mBlocks(state.found.blocks),
       mStructureFilter(structureNames),
-      mAssociationFilter(associationNames)
+      mAssociationFilter(associationNames),
+      mOrder(order)
 {
     state.found = {};
+    state.found.areKept = state.unread == Accessor::kKeep;
 }
 
 std::size_t MetadataRead::add(FileBlock&& block)
@@ -66,15 +68,40 @@ std::size_t MetadataRead::add(FileBlock&& block)
     return mBlocks.size() - 1;
 }
 
+bool MetadataRead::isWanted(NameFilter& filter, const std::string& name) const
+{
+    return keepsUnread() ? filter.wants(name) : filter.accept(name);
+}
+
 bool MetadataRead::wantsAssociations(std::size_t number)
 {
     FileBlock& block = mBlocks[number];
-    const bool isWanted = mAssociationFilter.accept(block.name);
-    block.state = isWanted ? FileBlock::kRead : FileBlock::kUnread;
-    return isWanted;
+    if (keepsUnread() && !countsSoFar(number))
+    {
+        block.state = FileBlock::kOutdone;
+        return false;
+    }
+    const bool isRead = isWanted(mAssociationFilter, block.name);
+    if (!isRead)
+        block.state = FileBlock::kUnread;
+    return isRead;
 }
 
-void MetadataRead::readStructure(std::size_t number, std::string_view text, bool mayDiffer)
+/// Says whether no associations that were found before go ahead of these; if not, those are forgotten.
+bool MetadataRead::countsSoFar(std::size_t number)
+{
+    const auto [other, isFirst] = mNumbers.try_emplace(mBlocks[number].name, number);
+    if (isFirst)
+        return true;
+    if (mOrder == eOrder::kBackward)
+        return false;
+    mBlocks[other->second].state = FileBlock::kOutdone;
+    mState.associations.erase(other->first);
+    other->second = number;
+    return true;
+}
+
+void MetadataRead::readStructure(std::size_t number, std::string_view text)
 {
     FileBlock& block = mBlocks[number];
     std::string messages;
@@ -83,32 +110,53 @@ void MetadataRead::readStructure(std::size_t number, std::string_view text, bool
     if (!structure)
         return refuseStructure(block, text, messages);
     block.name = structure->name();
-    if (!mStructureFilter.accept(block.name))
-    {
+    takeStructure(block, *structure);
+}
+
+void MetadataRead::takeStructure(FileBlock& block, Structure& structure)
+{
+    const bool isRead = isWanted(mStructureFilter, block.name);
+    if (!isRead)
         block.state = FileBlock::kUnread;
+    if (!isRead && !keepsUnread())
         return;
-    }
-    const Structure* const registered = Structure::structureByName(structure->name());
-    if (!registered)
-        Structure::registerStructure(*structure);
-    else if (mayDiffer || *registered == *structure)
+    const auto leftOut = mLeftOut.find(block.name);
+    const Structure* const earlier =
+        leftOut != mLeftOut.end() ? leftOut->second.get() : Structure::structureByName(block.name.c_str());
+    if (earlier)
         block.state = FileBlock::kOutdone;
-    else
+    if (earlier && mOrder == eOrder::kForward && *earlier != structure)
         addFault(block, "Structure \"" + block.name + "\" is declared twice, with different members.\n",
                  "structure " + vumo::detail::quoted(block.name));
+    if (earlier)
+        return;
+    if (keepsUnread())
+        block.layout = Ref<const Structure>(&structure);
+    if (isRead)
+        Structure::registerStructure(structure);
+    else
+        mLeftOut.emplace(block.name, &structure);
 }
 
 void MetadataRead::readAssociations(std::size_t number, std::string_view text)
 {
-    const FileBlock& block = mBlocks[number];
+    FileBlock& block = mBlocks[number];
     std::string messages;
     Associations associations;
     if (deserializeAssociations(block.format, text, associations, messages))
         mState.associations[block.name] = associations;
+    else if (keepsUnread())
+        leaveUnread(block, messages);
     else if (isLackOfStructures(messages))
         ++mMoreLacking;
     else
         refuseBlock(number, messages, true);
+}
+
+void MetadataRead::leaveUnread(FileBlock& block, const std::string& why)
+{
+    block.state = FileBlock::kUnread;
+    block.why = why;
 }
 
 void MetadataRead::refuseBlock(std::size_t number, const std::string& messages, bool hasName)
@@ -120,8 +168,10 @@ void MetadataRead::refuseBlock(std::size_t number, const std::string& messages, 
         addFault(block, messages, hasName ? "the metadata of " + nodeText(block.name) : "metadata without a name");
 }
 
-void MetadataRead::refuseStructure(const FileBlock& block, std::string_view text, const std::string& messages)
+void MetadataRead::refuseStructure(FileBlock& block, std::string_view text, const std::string& messages)
 {
+    if (keepsUnread())
+        return leaveUnread(block, messages);
     const std::string name = nameIn(text);
     addFault(block, messages, name.empty() ? "a structure" : "structure " + vumo::detail::quoted(name));
     if (!name.empty())
@@ -158,6 +208,8 @@ bool MetadataRead::isLackOfStructures(const std::string& messages)
 
 bool MetadataRead::finish(std::string& errors)
 {
+    if (mOrder == eOrder::kBackward)
+        std::reverse(mBlocks.begin(), mBlocks.end());
     std::sort(mFaults.begin(), mFaults.end(), [](const Fault& a, const Fault& b) { return a.position < b.position; });
     for (const Fault& fault : mFaults)
         errors += fault.messages;

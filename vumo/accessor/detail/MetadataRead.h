@@ -2,8 +2,11 @@
 
 #include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/accessor/detail/NameFilter.h"
+#include "vumo/data/Structure.h"
+#include "vumo/foundation/Ref.h"
 
 #include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -14,18 +17,28 @@ namespace vumo::Data::detail
 /// One read of the metadata of a scene file. A reader finds the blocks of its kind of file and adds them; this class
 /// reads those that are wanted, and goes on after a faulty one, so that all faults are told at once.
 ///
+/// Where unread blocks are kept, one that cannot be read is no fault, unless it has not all that makes a block.
+///
 /// Each fault is told by its messages and a line with its place. Nodes that fail for nothing but structures of which
 /// that was told already are only counted.
 class MetadataRead
 {
 public:
+    /// In which order blocks are added: either way the last one of a name in the file counts, but of structures the
+    /// first one where that comes first, and then the others must be equal.
+    enum class eOrder
+    {
+        kForward,
+        kBackward
+    };
+
     /// Null sets want every name. Structures are registered with `Structure::registerStructure`; associations and the
     /// blocks that are found go into the state, which is borrowed.
-    MetadataRead(AccessorState& state, const std::set<std::string>* structureNames,
+    MetadataRead(AccessorState& state, eOrder order, const std::set<std::string>* structureNames,
                  const std::set<std::string>* associationNames);
 
-    /// Which of two blocks of one name counts is for the reader to say.
-    ///
+    bool keepsUnread() const { return mState.found.areKept; }
+
     /// Adds a block that was found and gives its number.
     std::size_t add(FileBlock&& block);
 
@@ -33,14 +46,14 @@ public:
     void leaveToHost() { mState.found.ofHost = mBlocks.size(); }
 
     /// Says whether further structures can matter.
-    bool wantsStructures() const { return !mStructureFilter.isExhausted(); }
+    bool wantsStructures() const { return keepsUnread() || !mStructureFilter.isExhausted(); }
 
-    /// Says whether the associations of that number are wanted, and from then on no others of their name.
+    /// Says whether the associations of that number are wanted. With a filter the first ones of a name are that are
+    /// asked for, unless unread blocks are kept.
     bool wantsAssociations(std::size_t number);
 
-    /// Reads the text, in the encoding of the locale, of the structure of that number. One that is registered already
-    /// must not be declared again with other members where `mayDiffer` is false, and counts.
-    void readStructure(std::size_t number, std::string_view text, bool mayDiffer);
+    /// Reads the text, in the encoding of the locale, of the structure of that number.
+    void readStructure(std::size_t number, std::string_view text);
 
     /// Likewise of associations; those that are read last count. To be called in the order of the file.
     void readAssociations(std::size_t number, std::string_view text);
@@ -61,7 +74,11 @@ private:
         std::string messages;
     };
 
-    void refuseStructure(const FileBlock& block, std::string_view text, const std::string& messages);
+    bool isWanted(NameFilter& filter, const std::string& name) const;
+    bool countsSoFar(std::size_t number);
+    void takeStructure(FileBlock& block, Structure& structure);
+    void refuseStructure(FileBlock& block, std::string_view text, const std::string& messages);
+    static void leaveUnread(FileBlock& block, const std::string& why);
     void addFault(const FileBlock& block, const std::string& messages, const std::string& what);
     bool isLackOfStructures(const std::string& messages);
 
@@ -69,6 +86,9 @@ private:
     std::vector<FileBlock>& mBlocks;
     NameFilter mStructureFilter;
     NameFilter mAssociationFilter;
+    const eOrder mOrder;
+    std::map<std::string, std::size_t> mNumbers;    // of the associations that count, where unread blocks are kept
+    std::map<std::string, Ref<Structure>> mLeftOut; // structures that no filter wants, likewise
     std::vector<Fault> mFaults;
     std::set<std::string, std::less<>> mLacking; // structures that were told to be missing or faulty
     std::size_t mMoreLacking = 0;                // nodes that fail for those alone

@@ -3,7 +3,13 @@
 #include "vumo/accessor/AccessorOvri.h"
 #include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/Refusal.h"
+#include "vumo/foundation/Ref.h"
 #include "vumo/foundation/detail/Quoted.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
 
 namespace vumo::Data::detail
 {
@@ -16,8 +22,8 @@ std::string textOf(const Channel& channel, const Stream& stream)
     return "stream " + quoted(stream.name()) + " in channel " + quoted(channel.name());
 }
 
-/// Writes all metadata of a file. Structures that streams use though nobody named them are written after the others:
-/// without them their elements could not be read again.
+/// Writes the metadata of an accessor. Structures that streams use though nobody named them are written after the
+/// others: without them their elements could not be read again.
 class MetadataWriter
 {
 public:
@@ -30,15 +36,16 @@ public:
           mOut(out),
           mErrors(errors)
     {
+        findMoreStructures();
     }
 
-    bool write()
+    /// Everything, in the order of the form.
+    bool writeAll()
     {
-        findMoreStructures();
         return writeStructures() && (mForm.isSceneFirst ? writeScene() && writeNodes() : writeNodes() && writeScene());
     }
 
-private:
+protected:
     /// The first stream that uses a structure.
     struct User
     {
@@ -66,28 +73,38 @@ private:
     {
         for (const Structure* const structure : mStructures)
         {
-            if (!mForm.appendStructure(*structure, mOut, mErrors))
-                return fail(mForm.structureFailed);
+            if (!writeStructure(*structure))
+                return false;
         }
         for (const auto& [structure, user] : mMore)
         {
-            std::string faults;
-            if (mForm.appendStructure(*structure, mOut, faults))
-                continue;
-            mErrors += messagesOf(*user.node, faults + "It is the structure of " + user.text + ".\n");
-            return fail(mForm.structureFailed);
+            if (!writeStructure(*structure))
+                return false;
         }
         return true;
     }
 
-    bool writeScene() { return mScene == mAssociations.end() || writeEntry(*mScene) || fail(mForm.sceneFailed); }
+    /// A structure that nobody named is refused together with its first user.
+    bool writeStructure(const Structure& structure)
+    {
+        std::string faults;
+        if (mForm.appendStructure(structure, mOut, faults))
+            return true;
+        const auto more = mMore.find(&structure);
+        if (more != mMore.end())
+            faults = messagesOf(*more->second.node, faults + "It is the structure of " + more->second.text + ".\n");
+        mErrors += faults;
+        return fail(mForm.structureFailed);
+    }
+
+    bool writeScene() { return mScene == mAssociations.end() || writeEntry(*mScene); }
 
     bool writeNodes()
     {
         for (auto entry = mAssociations.begin(); entry != mAssociations.end(); ++entry)
         {
             if (entry != mScene && !writeEntry(*entry))
-                return fail(mForm.nodeFailed);
+                return false;
         }
         return true;
     }
@@ -99,7 +116,8 @@ private:
         const bool isClear = usesOneStructureOfAName(entry.second, faults);
         const bool isWritten = mForm.appendAssociations(entry.first, entry.second, mNumbers, mOut, faults);
         mErrors += messagesOf(entry.first, faults);
-        return isClear && isWritten;
+        const bool isScene = entry.first == AccessorOvri::getSceneAssociationsName();
+        return (isClear && isWritten) || fail(isScene ? mForm.sceneFailed : mForm.nodeFailed);
     }
 
     /// Says whether the structure that is written under the name of a stream's structure always is an equal one.
@@ -133,10 +151,250 @@ private:
     std::string& mOut;
     std::string& mErrors;
 };
+
+/// Puts the metadata of an accessor among blocks of a file that stay.
+class MetadataReplacer : private MetadataWriter
+{
+public:
+    MetadataReplacer(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
+                     Replacement& replacement, FileBlocks& written, std::string& errors)
+        : MetadataWriter(form, metadata, replacement.bytes(), errors),
+          mFileName(metadata.fileName),
+          mBlocks(metadata.found.blocks.begin() + static_cast<std::ptrdiff_t>(metadata.found.ofHost),
+                  metadata.found.blocks.end()),
+          mRegion(region),
+          mReplacement(replacement),
+          mWritten(written)
+    {
+        mWritten.ofHost = metadata.found.ofHost;
+        mWritten.areKept = true;
+        mWritten.blocks.assign(metadata.found.blocks.begin(),
+                               metadata.found.blocks.begin() + static_cast<std::ptrdiff_t>(mWritten.ofHost));
+        for (const Structure* const structure : mStructures)
+            mNewStructures[structure->name()] = structure;
+        for (const auto& [structure, user] : mMore)
+            mNewStructures[structure->name()] = structure;
+    }
+
+    bool run()
+    {
+        if (!isFileThatWasRead())
+            return refuse(mErrors,
+                          "The metadata of " + mFileName + " has been changed by somebody else since it was read.\n");
+        plan();
+        if (!keepsLayouts())
+            return false;
+        for (std::size_t i = 0; i < mBlocks.size(); ++i)
+        {
+            if ((i == mStructuresEnd && !writeNewStructures()) || !replaceBlock(i))
+                return false;
+        }
+        return (mBlocks.size() != mStructuresEnd || writeNewStructures()) && writeNewEntries();
+    }
+
+private:
+    /// Says whether every block is that of the read.
+    bool isFileThatWasRead() const
+    {
+        return std::equal(mBlocks.begin(), mBlocks.end(), mRegion.blocks.begin(), mRegion.blocks.end(),
+                          [](const FileBlock& read, const BlockPlace& now) { return read.checksum == now.checksum; });
+    }
+
+    const Structure* newStructure(const std::string& name) const
+    {
+        const auto found = mNewStructures.find(name);
+        return found == mNewStructures.end() ? nullptr : found->second;
+    }
+
+    void plan()
+    {
+        for (std::size_t i = 0; i < mBlocks.size(); ++i)
+        {
+            const FileBlock& block = mBlocks[i];
+            if (block.kind == FileBlock::kStructure)
+            {
+                mStructuresEnd = i + 1;
+                if (block.state != FileBlock::kOutdone)
+                    mStructurePlaces.emplace(block.name, i);
+            }
+            else if (block.state == FileBlock::kUnread && mAssociations.count(block.name) == 0)
+                mKeepsAssociations = true;
+        }
+    }
+
+    /// What is kept was written for the layouts that the file has.
+    bool keepsLayouts()
+    {
+        for (const FileBlock& block : mBlocks)
+        {
+            const Structure* const structure = block.layout ? newStructure(block.name) : nullptr;
+            if (!mKeepsAssociations || !structure || *structure == *block.layout)
+                continue;
+            mErrors +=
+                "Structure " + quoted(block.name) +
+                " differs from the structure of that name in the file, which metadata may use that was not read.\n";
+            return fail(mForm.structureFailed);
+        }
+        return true;
+    }
+
+    bool stays(const FileBlock& block) const
+    {
+        if (block.state == FileBlock::kOutdone)
+            return false;
+        const bool isUnread = block.state == FileBlock::kUnread;
+        if (block.kind == FileBlock::kStructure)
+            return !newStructure(block.name) && (isUnread || mKeepsAssociations);
+        return mAssociations.count(block.name) == 0 && isUnread;
+    }
+
+    bool replaceBlock(std::size_t i)
+    {
+        const FileBlock& block = mBlocks[i];
+        const BlockPlace& place = mRegion.blocks[i];
+        if (stays(block))
+        {
+            mWritten.blocks.push_back(block);
+            mWritten.blocks.back().position = mReplacement.newPlaceOf(place.begin);
+            return true;
+        }
+        if (place.mustStay)
+            return refuse(mErrors, place.mustStay);
+        if (!mReplacement.cut(place.begin, place.end))
+            return false;
+        if (block.state == FileBlock::kOutdone)
+            return true;
+        if (block.kind == FileBlock::kStructure)
+            return !newStructure(block.name) || writeStructureBlock(block.name);
+        const auto entry = mAssociations.find(block.name);
+        return entry == mAssociations.end() || !canStandAt(i, entry->second) || writeEntryBlock(*entry);
+    }
+
+    /// Says whether all structures that the associations use stand before the block of that number, if they have to.
+    bool canStandAt(std::size_t i, const Associations& associations) const
+    {
+        if (!mForm.isStructureBefore || i >= mStructuresEnd)
+            return true;
+        for (const Channel& channel : associations)
+        {
+            for (const Stream* const stream : channel)
+            {
+                const auto place = mStructurePlaces.find(stream->structure().name());
+                if (place == mStructurePlaces.end() || place->second >= i)
+                    return false;
+            }
+        }
+        return true;
+    }
+
+    bool writeStructureBlock(const std::string& name)
+    {
+        const Structure& structure = *newStructure(name);
+        const std::size_t begin = mOut.size();
+        if (!writeStructure(structure))
+            return false;
+        addWritten(FileBlock::kStructure, name, begin);
+        mWritten.blocks.back().layout = Ref<const Structure>(&structure);
+        return true;
+    }
+
+    bool writeEntryBlock(const AssociationsMap::value_type& entry)
+    {
+        const std::size_t begin = mOut.size();
+        mDoneEntries.insert(&entry.second);
+        if (!writeEntry(entry))
+            return false;
+        if (mOut.size() > begin)
+            addWritten(FileBlock::kAssociations, entry.first, begin);
+        return true;
+    }
+
+    void addWritten(FileBlock::eKind kind, const std::string& name, std::size_t begin)
+    {
+        FileBlock block;
+        block.kind = kind;
+        block.name = name;
+        block.format = kFormatWritten;
+        block.position = mReplacement.from() + begin;
+        mForm.measure(std::string_view(mOut).substr(begin), block);
+        mWritten.blocks.push_back(std::move(block));
+    }
+
+    /// Makes room behind so many blocks.
+    bool openBehind(std::size_t count)
+    {
+        const std::uint64_t place = count > 0                ? mRegion.blocks[count - 1].end
+                                    : mRegion.blocks.empty() ? mRegion.insertion
+                                                             : mRegion.blocks[0].begin;
+        if (!mReplacement.cut(place, place))
+            return false;
+        if (!mRegion.endsLine && count == mRegion.blocks.size() && (mOut.empty() || mOut.back() != '\n'))
+            mOut += '\n';
+        return true;
+    }
+
+    bool writeNewStructures()
+    {
+        for (const auto& [name, structure] : mNewStructures)
+        {
+            const bool hasPlace = mStructurePlaces.count(name) > 0;
+            if (!hasPlace && (!openBehind(mStructuresEnd) || !writeStructureBlock(name)))
+                return false;
+        }
+        return true;
+    }
+
+    bool writeNewEntries()
+    {
+        std::vector<AssociationsMap::const_iterator> entries;
+        for (auto entry = mAssociations.begin(); entry != mAssociations.end(); ++entry)
+        {
+            if (mDoneEntries.count(&entry->second) == 0 && !entry->second.empty())
+                entries.push_back(entry);
+        }
+        if (!entries.empty() && entries.front() == mScene && !mForm.isSceneFirst)
+            std::rotate(entries.begin(), entries.begin() + 1, entries.end());
+        for (const auto& entry : entries)
+        {
+            if (!openBehind(mBlocks.size()) || !writeEntryBlock(*entry))
+                return false;
+        }
+        return true;
+    }
+
+    const std::string& mFileName;
+    const std::vector<FileBlock> mBlocks; // that writing replaces
+    const FileRegion& mRegion;
+    Replacement& mReplacement;
+    FileBlocks& mWritten;
+    std::map<std::string, const Structure*> mNewStructures;
+    std::map<std::string, std::size_t> mStructurePlaces; // of the structures that have one in the file
+    std::size_t mStructuresEnd = 0;                      // how many blocks there are up to the last structure
+    bool mKeepsAssociations = false;
+    std::set<const Associations*> mDoneEntries;
+};
+
+/// Takes all blocks out and puts all metadata in.
+bool replaceAll(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
+                Replacement& replacement, std::string& errors)
+{
+    const auto isBefore = [&](const BlockPlace& place) { return place.begin < region.insertion; };
+    const auto behind = std::find_if_not(region.blocks.begin(), region.blocks.end(), isBefore);
+    const auto cut = [&](const BlockPlace& place) {
+        return place.mustStay ? refuse(errors, place.mustStay) : replacement.cut(place.begin, place.end);
+    };
+    return std::all_of(region.blocks.begin(), behind, cut) && replacement.cut(region.insertion, region.insertion) &&
+           MetadataWriter(form, metadata, replacement.bytes(), errors).writeAll() &&
+           std::all_of(behind, region.blocks.end(), cut);
+}
 } // namespace
 
-bool appendMetadata(const MetadataForm& form, const AccessorState& metadata, std::string& out, std::string& errors)
+bool replaceMetadata(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
+                     Replacement& replacement, FileBlocks& written, std::string& errors)
 {
-    return MetadataWriter(form, metadata, out, errors).write();
+    if (metadata.found.areKept)
+        return MetadataReplacer(form, metadata, region, replacement, written, errors).run() &&
+               replacement.finish(region.end);
+    return replaceAll(form, metadata, region, replacement, errors) && replacement.copyUntil(region.end);
 }
 } // namespace vumo::Data::detail

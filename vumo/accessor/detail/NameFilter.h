@@ -21,6 +21,9 @@ public:
     /// Says whether `name` is wanted, and from then on no longer wants it.
     bool accept(const std::string& name) { return mWantsAll || mWanted.erase(name) > 0; }
 
+    /// Says whether `name` is wanted.
+    bool wants(const std::string& name) const { return mWantsAll || mWanted.count(name) > 0; }
+
     bool isExhausted() const { return !mWantsAll && mWanted.empty(); }
 
 private:
