@@ -80,6 +80,49 @@ Metadata metadataOf(const Data::Accessor& accessor)
     }
     return metadata;
 }
+/// What is in a file: the metadata that can be read, and the bytes of the rest.
+using Contents = std::pair<Metadata, std::set<std::string>>;
+
+/// Reads the file so that it keeps what is not read; null when it is damaged.
+std::unique_ptr<Data::Accessor> keepingReader(const SceneFile& file, const std::set<std::string>* nodes)
+{
+    std::string errors;
+    std::unique_ptr<Data::Accessor> accessor = Data::Accessor::accessorByExtension(file.name());
+    accessor->setUnread(Data::Accessor::kKeep);
+    const bool isRead = accessor->read(file.name(), nullptr, nodes, errors);
+    require(isRead == errors.empty(), "what is only left unread is told as an error: " + errors);
+    return isRead ? std::move(accessor) : nullptr;
+}
+
+Contents contentsOf(const SceneFile& file)
+{
+    const std::unique_ptr<Data::Accessor> accessor = keepingReader(file, nullptr);
+    require(accessor != nullptr, "a file that was written is damaged");
+    const std::string bytes = file.bytes();
+    std::set<std::string> unread;
+    for (const Data::UnreadBlock& block : accessor->unread())
+        unread.insert(bytes.substr(block.position, block.length));
+    return {metadataOf(*accessor), unread};
+}
+
+/// Writes a file of which only some nodes were read: nothing of the others changes, nor what cannot be read.
+void rewriteInPart(const SceneFile& file, const std::string& before, const std::set<std::string>* nodes)
+{
+    file.setBytes(before);
+    const std::unique_ptr<Data::Accessor> accessor = keepingReader(file, nodes);
+    if (!accessor)
+        return;
+    const Contents contents = contentsOf(file);
+    std::string errors;
+    if (!accessor->write(errors))
+    {
+        require(file.bytes() == before, "a write that failed changed the file: " + errors);
+        return;
+    }
+    require(contentsOf(file) == contents, "what was kept changed when the file was written");
+    const std::string written = file.bytes();
+    require(accessor->write(errors) && file.bytes() == written, "writing again changes the file: " + errors);
+}
 } // namespace
 
 void readScene(const char* ending, const std::uint8_t* data, std::size_t size)
@@ -96,6 +139,10 @@ void rewriteScene(const char* ending, const std::uint8_t* data, std::size_t size
 {
     const std::string before = textOf(data, size);
     const SceneFile& file = fileOf(ending, before);
+    const std::set<std::string> some = {"Body", "a"};
+    rewriteInPart(file, before, &some);
+    rewriteInPart(file, before, nullptr);
+    file.setBytes(before);
     std::string errors;
     const std::unique_ptr<Data::Accessor> first = Data::Accessor::readFile(file.name(), errors);
     if (!first)

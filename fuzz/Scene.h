@@ -10,6 +10,7 @@ namespace vumo::fuzz
 void readScene(const char* ending, const std::uint8_t* data, std::size_t size);
 
 /// Reads a scene file, writes what was read, and does both twice more: a write that fails leaves the file
-/// as it was, one that succeeds can be read, with the same metadata, and writing goes on to give the same bytes.
+/// as it was, one that succeeds can be read, with the same metadata, and writing goes on to give the same bytes. Before
+/// that it does so while it keeps what it did not read, which has to stay byte by byte.
 void rewriteScene(const char* ending, const std::uint8_t* data, std::size_t size);
 } // namespace vumo::fuzz

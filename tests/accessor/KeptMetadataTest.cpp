@@ -26,7 +26,7 @@ struct Kind
 
     std::string structure(const std::string& text, const std::string& format = "raw") const
     {
-        return isAscii() ? "dataStructure  -fmt \"" + format + "\" -as \"" + text + "\";\n"
+        return isAscii() ? "dataStructure -fmt \"" + format + "\" -as \"" + text + "\";\n"
                          : chunk("DATS", format + kZero + text + kZero);
     }
 
@@ -64,6 +64,7 @@ protected:
         mFile->setBytes(kind.scene(metadata));
         auto accessor = Accessor::accessorByExtension(mFile->name());
         accessor->setUnread(Accessor::kKeep);
+        accessor->setDurability(Accessor::kMemoryOnly);
         mErrors.clear();
         EXPECT_TRUE(accessor->read(mFile->name(), structures, nodes, mErrors));
         EXPECT_EQ(mErrors, "");
@@ -88,6 +89,16 @@ protected:
         EXPECT_TRUE(other->read(mFile->name(), nullptr, &a, mErrors)) << mErrors;
         EXPECT_EQ(other->structures().size(), accessor.structures().size());
         return written(*other);
+    }
+
+    /// The metadata of the file as one accessor holds it that keeps the rest.
+    std::unique_ptr<Accessor> readKept()
+    {
+        auto accessor = Accessor::accessorByExtension(mFile->name());
+        accessor->setUnread(Accessor::kKeep);
+        accessor->setDurability(Accessor::kMemoryOnly);
+        EXPECT_TRUE(accessor->read(mFile->name(), mErrors)) << mErrors;
+        return accessor;
     }
 
     /// What is told about unread blocks goes for the file.
@@ -179,6 +190,214 @@ TEST_F(KeptMetadataTest, WhatWasNotRead_StandsWhereItStood)
         EXPECT_TRUE(accessor->unread().empty());
         bytes = written(*accessor);
         EXPECT_EQ(bytes, kind.scene(host + more + host));
+    }
+}
+
+/// The bytes of the blocks of that name, one after the other.
+std::string bytesOf(const std::string& file, const std::vector<UnreadBlock>& blocks, const std::string& name)
+{
+    std::string bytes;
+    for (const UnreadBlock& block : blocks)
+        bytes += block.name == name ? file.substr(block.position, block.length) : "";
+    return bytes;
+}
+
+TEST_F(KeptMetadataTest, RandomScenesWithRandomFilters_LoseNothing)
+{
+    std::mt19937 random(20261122);
+    const auto pick = [&](std::size_t count) {
+        return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
+    };
+    const char* const formats[] = {"raw", "raw", "raw", "odd"};
+    const char* const values[] = {"1", "2", "0.5", "nonsense"};
+    for (int round = 0; round < 400 && !HasFailure(); ++round)
+    {
+        SCOPED_TRACE(round);
+        const Kind& kind = kKinds[round % 2];
+        std::string metadata = kind.structure(kWeight);
+        std::set<std::string> wanted;
+        for (std::size_t left = pick(12); left > 0; --left)
+        {
+            const std::string name(pick(6), 'n'); // the scene and five nodes, so some of them twice
+            if (pick(2) == 0)
+                wanted.insert(name);
+            if (pick(4) == 0)
+                metadata += kind.foreign("foreign" + std::to_string(left));
+            metadata +=
+                kind.node(name, textWith(pick(9) == 0 ? "Absent" : "Weight", values[pick(4)]), formats[pick(4)]);
+        }
+        const std::set<std::string> none;
+        const auto all = read(kind, metadata);
+        const auto nothing = read(kind, metadata, pick(2) == 0 ? &none : nullptr, &none);
+        const std::string before = mFile->bytes();
+        const std::vector<UnreadBlock> blocks = nothing->unread();
+        EXPECT_LE(written(*nothing).size(), before.size()) << "what is outdone goes, all else stays";
+
+        mFile->setBytes(before);
+        auto accessor = Accessor::accessorByExtension(mFile->name());
+        accessor->setUnread(Accessor::kKeep);
+        accessor->setDurability(Accessor::kMemoryOnly);
+        ASSERT_TRUE(accessor->read(mFile->name(), nullptr, &wanted, mErrors)) << mErrors;
+        accessor->associations()["new"] = weightOf("8");
+        const std::string after = written(*accessor);
+        auto again = Accessor::accessorByExtension(mFile->name());
+        again->setUnread(Accessor::kKeep);
+        ASSERT_TRUE(again->read(mFile->name(), nullptr, nullptr, mErrors)) << mErrors;
+        EXPECT_EQ(again->associations().size(), all->associations().size() + 1);
+        for (const auto& [name, associations] : all->associations())
+        {
+            EXPECT_EQ(valueAt(*again, name, "vertex", "weights", 0), valueAt(*all, name, "vertex", "weights", 0));
+            if (wanted.count(name) == 0)
+            {
+                EXPECT_EQ(bytesOf(after, accessor->unread(), name), bytesOf(before, blocks, name)) << name;
+            }
+        }
+        for (const UnreadBlock& block : all->unread())
+            EXPECT_EQ(bytesOf(after, again->unread(), block.name), bytesOf(before, blocks, block.name)) << block.name;
+    }
+}
+
+TEST_F(KeptMetadataTest, OfTwoBlocksForOneName_TheOneThatAReadGivesCounts)
+{
+    const std::set<std::string> none;
+    for (const Kind& kind : kKinds)
+    {
+        SCOPED_TRACE(kind.ending);
+        const std::string first = kind.node("Body", textWith("Weight", "1"));
+        const std::string second = kind.node("Body", textWith("Weight", "2"));
+        const std::string odd = kind.node("Body", "whatever", "odd");
+        const std::set<std::string> body = {"Body"};
+        for (const std::set<std::string>* const names : {static_cast<const std::set<std::string>*>(nullptr), &body})
+        {
+            const auto accessor = read(kind, kind.structure(kWeight) + first + second, nullptr, names);
+            EXPECT_EQ(valueAt(*accessor, "Body", "vertex", "weights", 0), "2");
+            const auto unreadable = read(kind, kind.structure(kWeight) + first + odd, nullptr, names);
+            EXPECT_TRUE(unreadable->associations().empty());
+            EXPECT_EQ(written(*unreadable), kind.scene(kind.structure(kWeight) + odd));
+        }
+        const auto accessor = read(kind, kind.structure(kWeight) + odd + second, &none, &none);
+        EXPECT_EQ(written(*accessor), kind.scene(kind.structure(kWeight) + second));
+        EXPECT_EQ(accessor->unread().size(), 2U);
+    }
+}
+
+TEST_F(KeptMetadataTest, WhileAssociationsAreKept_SoAreTheLayoutsThatTheyUse)
+{
+    const std::set<std::string> none;
+    for (const Kind& kind : kKinds)
+    {
+        SCOPED_TRACE(kind.ending);
+        const std::string a = kind.node("a", textWith("Weight", "1"));
+        const std::string all = kind.structure(kWeight) + kind.structure(kLabel) + a;
+        const auto accessor = read(kind, all, nullptr, &none);
+        EXPECT_EQ(accessor->structures().size(), 2U);
+        accessor->setStructures({});
+        EXPECT_EQ(written(*accessor), kind.scene(all));
+
+        const Ref<Structure> other = Structure::make("Weight", {{Member::kDouble, 1, "Value"}});
+        const Ref<Structure> fresh = valueStructure("Fresh");
+        accessor->associations()["b"] = associationsOf("vertex", "weights", *other, 0, "2");
+        mErrors.clear();
+        EXPECT_FALSE(accessor->write(mErrors));
+        EXPECT_THAT(mErrors, testing::StartsWith("Structure 'Weight' differs from the structure of that name in the "
+                                                 "file, which metadata may use that was not read.\n"));
+        EXPECT_EQ(mFile->bytes(), kind.scene(all));
+        accessor->associations()["a"]; // now nothing is kept that may use it
+        EXPECT_NE(written(*accessor).find("double"), std::string::npos);
+
+        const auto mixed = read(kind, all + kind.structure("name=Late:float=Value") + kind.foreign("host"));
+        mixed->associations()["a"] = associationsOf("vertex", "weights", *fresh, 0, "3");
+        const std::string bytes = written(*mixed);
+        EXPECT_TRUE(kind.isAscii() || bytes.find("Fresh:") < bytes.find("structure Fresh")) << "it could not be read";
+        EXPECT_EQ(valueAt(*readScene(mFile->name()), "a", "vertex", "weights", 0), "3");
+    }
+}
+
+TEST_F(KeptMetadataTest, AheadOfTheFirstStructure_TheHostKeepsItsChunks)
+{
+    const Kind& kind = kKinds[1];
+    const std::string ahead = kind.node("a", "endAssociations\n") + kind.node("b", "whatever", "odd");
+    const std::string rest = kind.structure(kWeight) + kind.node("c", textWith("Weight", "1"));
+    const std::set<std::string> none;
+    const auto accessor = read(kind, ahead + rest, nullptr, &none);
+    EXPECT_EQ(accessor->unread().size(), 3U);
+    EXPECT_EQ(written(*accessor), kind.scene(ahead + rest));
+    accessor->associations()["b"] = weightOf("4");
+    EXPECT_EQ(written(*accessor).find(ahead), kind.scene("").size() - 24) << "they are not carried twice, nor replaced";
+    EXPECT_EQ(valueAt(*readKept(), "b", "vertex", "weights", 0), "4");
+}
+
+TEST_F(KeptMetadataTest, AFileThatSomebodyElseHasChanged_IsNotWritten)
+{
+    const std::set<std::string> none;
+    for (const Kind& kind : kKinds)
+    {
+        SCOPED_TRACE(kind.ending);
+        const std::string a = kind.node("a", textWith("Weight", "1"));
+        const auto accessor = read(kind, kind.structure(kWeight) + a, nullptr, &none);
+        for (const std::string& metadata :
+             {kind.structure(kWeight) + kind.node("a", textWith("Weight", "2")), kind.structure(kWeight) + a + a,
+              kind.structure(kWeight), kind.node("b", textWith("Weight", "1")) + a})
+        {
+            mFile->setBytes(kind.scene(metadata));
+            mErrors.clear();
+            EXPECT_FALSE(accessor->write(mErrors));
+            EXPECT_THAT(mErrors, testing::HasSubstr("has been changed by somebody else since it was read."));
+            EXPECT_EQ(mFile->bytes(), kind.scene(metadata));
+        }
+        // What the host does to its own lines and chunks is no matter.
+        const std::string moved = kind.foreign("new") + kind.structure(kWeight) + kind.foreign("more") + a;
+        mFile->setBytes(kind.scene(moved));
+        EXPECT_EQ(written(*accessor), kind.scene(moved));
+    }
+}
+
+TEST_F(KeptMetadataTest, Damage_FailsTheReadAsItDoesOtherwise)
+{
+    const std::set<std::string> none;
+    for (const char* const statement :
+         {"applyMetadata -fmt \"raw\" -v \"x\" Body;\n", "applyMetadata -fmt \"raw\" -v \"x\" \n\t\tBody\n",
+          "applyMetadata -fmt \"raw\" -v \n\t\tBody;\n", "dataStructure -fmt \"raw\";\n"})
+    {
+        SCOPED_TRACE(statement);
+        mFile = std::make_unique<ScratchFile>(".oa");
+        mFile->setBytes(kKinds[0].scene(statement));
+        OvriAsciiFileAccessor accessor;
+        accessor.setUnread(Accessor::kKeep);
+        EXPECT_FALSE(accessor.read(mFile->name(), &none, &none, mErrors));
+        EXPECT_TRUE(accessor.unread().empty());
+    }
+    for (const std::string& trailer :
+         {chunk("MTDA", "Body"), chunk("MTDA", "Body" + kZero + "raw"), chunk("DATS", "raw"),
+          "MTDA" + bigEndian(0, 4) + bigEndian(64, 8) + std::string(56, 'x')})
+    {
+        mFile = std::make_unique<ScratchFile>(".ob");
+        mFile->setBytes(sceneWith(trailer));
+        OvriBinaryFileAccessor accessor;
+        accessor.setUnread(Accessor::kKeep);
+        EXPECT_FALSE(accessor.read(mFile->name(), &none, &none, mErrors));
+    }
+}
+
+TEST_F(KeptMetadataTest, RichScenesOfBothKinds_AreExactToTheByteWhateverIsKept)
+{
+    const std::set<std::string> body = {"body"};
+    for (const auto& [ending, before, after] : kRichScenes)
+    {
+        for (const std::set<std::string>* const names : {&body, static_cast<const std::set<std::string>*>(nullptr)})
+        {
+            SCOPED_TRACE(ending);
+            mFile = std::make_unique<ScratchFile>(ending);
+            mFile->setBytes(before);
+            const auto accessor = Accessor::accessorByExtension(mFile->name());
+            accessor->setUnread(Accessor::kKeep);
+            accessor->setDurability(Accessor::kMemoryOnly);
+            ASSERT_TRUE(accessor->read(mFile->name(), nullptr, names, mErrors)) << mErrors;
+            EXPECT_EQ(written(*accessor), before);
+            edit(*accessor);
+            EXPECT_EQ(written(*accessor), after);
+            EXPECT_EQ(accessor->unread().size(), names ? 2U : 0U);
+        }
     }
 }
 } // namespace
