@@ -70,7 +70,7 @@ int storeString(const std::string& text, char* value, std::string& messages)
     return 0;
 }
 
-static_assert(sizeof(Handle) == 24, "mapped streams keep one for each element");
+static_assert(sizeof(Handle) == 3 * sizeof(void*), "mapped streams keep one for each element");
 
 bool isFilterSet(const vumo::Debug::Print& request, const std::string& name)
 {

@@ -77,7 +77,11 @@ struct StatementEnd
     bool exists = false;
     bool isName = false; ///< it is no part of a statement, unless it is the name right below a node's command
 
-    bool closes(eLine command) const { return exists && (!isName || command == kAssociationsLine); }
+    /// The last line of a statement with that command; null where it has none.
+    const BackwardLines::Line* of(eLine command) const
+    {
+        return exists && (!isName || command == kAssociationsLine) ? &line : nullptr;
+    }
 
     /// Takes the next line upward into account.
     void step(const BackwardLines::Line& next, eLine kind, bool mayBeName)
@@ -133,7 +137,7 @@ bool findAsciiTail(std::istream& in, AsciiTail& tail, const AsciiStatementTaker&
             tail.trailer = line.begin;
         if (kind == kStructureLine || kind == kAssociationsLine)
         {
-            tail.statements.push_back(statementOf(kind, line, end.closes(kind) ? &end.line : nullptr));
+            tail.statements.push_back(statementOf(kind, line, end.of(kind)));
             if (take && !giveText(lines, tail.statements.back(), take))
                 break; // lines.error() says why
         }
