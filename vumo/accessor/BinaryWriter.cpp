@@ -222,7 +222,7 @@ bool findRegion(std::istream& in, const Trailer& trailer, const LocaleEncoding& 
                                                    : "Error skipping data structure chunk.");
         if (isMetadata)
             region.blocks.push_back(place);
-        isAfterHost = isAfterHost || (isAfterStructure && !isMetadata);
+        isAfterHost |= isAfterStructure && !isMetadata;
     }
     region.end = trailer.mEnd;
     region.insertion = region.blocks.empty() ? region.end : region.blocks.front().begin;
