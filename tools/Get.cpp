@@ -8,7 +8,7 @@ using namespace vumo::Data;
 
 void get(const std::string& fileName, const Address& address, const std::string* index, eNumbers numbers)
 {
-    SceneFile scene(fileName, SceneFile::kLook);
+    SceneFile scene(fileName, SceneFile::kLook, &address.node);
     const Stream& stream = scene.stream(address);
     if (index)
         memberTable(stream.structure(), elementAt(scene, stream, *index), numbers).print(std::cout, 0);

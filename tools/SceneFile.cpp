@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <set>
 
 using namespace vumo::Data;
 
@@ -38,19 +39,29 @@ std::string obstacle(const std::string& fileName, SceneFile::eUse use)
 }
 } // namespace
 
-SceneFile::SceneFile(const std::string& fileName, eUse use) : mFileName(fileName)
+SceneFile::SceneFile(const std::string& fileName, eUse use, const std::string* node) : mFileName(fileName)
 {
     std::string errors = obstacle(fileName, use);
     if (!errors.empty())
         throw failure(errors);
-    mAccessor = Accessor::readFile(fileName, errors);
-    if (!mAccessor)
+    mAccessor = Accessor::accessorByExtension(fileName);
+    mAccessor->setUnread(Accessor::kKeep);
+    const std::set<std::string> wanted = {node ? *node : ""};
+    if (!mAccessor->read(fileName, nullptr, node ? &wanted : nullptr, errors))
         throw failure(errors);
 }
 
 bool SceneFile::isEmpty() const
 {
-    return mAccessor->structures().empty() && mAccessor->associations().empty();
+    return mAccessor->structures().empty() && mAccessor->associations().empty() && mAccessor->unread().empty();
+}
+
+std::string SceneFile::unreadableText(const UnreadBlock& block)
+{
+    const bool isStructure = block.kind == UnreadBlock::kStructure;
+    const std::string title = isStructure ? "structure " + quoted(block.name) : nodeTitle(block.name);
+    return title + ", in the format " + quoted(block.format) + ", from byte " + std::to_string(block.position) +
+           ", cannot be read: " + message(block.why) + (block.why.back() == '\n' ? "" : "\n");
 }
 
 Stream& SceneFile::stream(const Address& address)
@@ -59,7 +70,14 @@ Stream& SceneFile::stream(const Address& address)
         throw failure(kNoMetadata);
     const auto entry = mAccessor->associations().find(address.node);
     if (entry == mAccessor->associations().end())
+    {
+        for (const UnreadBlock& block : mAccessor->unread())
+        {
+            if (block.kind == UnreadBlock::kAssociations && block.name == address.node && !block.why.empty())
+                throw failure(unreadableText(block));
+        }
         throw failure("no metadata for " + nodeTitle(address.node));
+    }
     Channel* const channel = entry->second.findChannel(address.channel);
     if (!channel)
         throw failure(nodeTitle(address.node) + " has no channel " + quoted(address.channel));

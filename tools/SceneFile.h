@@ -8,7 +8,8 @@
 #include <memory>
 #include <string>
 
-/// The metadata of a scene file that was read whole. Whatever fails throws a `Failure` that names the file once.
+/// The metadata of a scene file. What is not read stays in the file as it is. Whatever fails throws a `Failure` that
+/// names the file once.
 class SceneFile
 {
 public:
@@ -22,11 +23,15 @@ public:
     static constexpr const char* kNoMetadata =
         "there is no metadata yet; a program attaches it with the library, as examples/write_scene.cpp does";
 
-    SceneFile(const std::string& fileName, eUse use);
+    /// Reads the metadata of one node, or all for null.
+    SceneFile(const std::string& fileName, eUse use, const std::string* node = nullptr);
 
     const vumo::Data::Accessor& metadata() const { return *mAccessor; }
 
     bool isEmpty() const;
+
+    /// What a block is called that cannot be read, and why it cannot; ends with a newline.
+    static std::string unreadableText(const vumo::Data::UnreadBlock& block);
 
     /// The stream at that address, owned by the metadata.
     vumo::Data::Stream& stream(const Address& address);

@@ -111,7 +111,7 @@ void assign(const SceneFile& scene, const std::string& text, Handle& element)
 void set(const std::string& fileName, const Address& address, const std::string& index,
          const std::vector<std::string>& assignments, bool add, eNumbers numbers)
 {
-    SceneFile scene(fileName, SceneFile::kEdit);
+    SceneFile scene(fileName, SceneFile::kEdit, &address.node);
     Stream& stream = scene.stream(address);
     const Index where = indexFrom(scene, stream, index);
     if (add && !stream.hasElement(where))

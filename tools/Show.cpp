@@ -67,4 +67,6 @@ void show(const std::string& fileName, bool withValues, eNumbers numbers)
         for (const Channel& channel : entry.second)
             showChannel(channel, withValues, numbers);
     }
+    for (const UnreadBlock& block : scene.metadata().unread())
+        std::cout << SceneFile::unreadableText(block);
 }

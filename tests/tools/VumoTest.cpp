@@ -235,6 +235,35 @@ TEST_F(VumoTest, Mistakes_AreToldAndChangeNothing)
     EXPECT_EQ(mBinary.bytes(), goldenBytes("rich.ob.hex"));
 }
 
+/// A scene whose node "head" has a format that nobody knows.
+std::string withForeignHead(std::string scene)
+{
+    const std::size_t target = scene.find("\n\t\thead;");
+    const std::size_t head = target == std::string::npos ? scene.find(std::string("head\0raw", 8)) + 8 : target;
+    scene[scene.rfind("raw", head) + 1] = 'o';
+    return scene;
+}
+
+TEST_F(VumoTest, MetadataThatCannotBeRead_IsNamedAndKept)
+{
+    mAscii.setBytes(withForeignHead(goldenText("rich.oa")));
+    mBinary.setBytes(withForeignHead(goldenBytes("rich.ob.hex")));
+    const std::string reason = ", cannot be read: Could not find serializer for format row\n";
+    for (const ScratchFile* const file : {&mAscii, &mBinary})
+    {
+        const std::string shown = run(VUMO_TOOL_PATH, {"show", file->name()}).out;
+        EXPECT_NE(shown.find("\"edge\""), std::string::npos) << shown;
+        EXPECT_NE(shown.find("\nnode \"head\", in the format \"row\", from byte "), std::string::npos) << shown;
+        EXPECT_EQ(shown.substr(shown.size() - reason.size()), reason);
+        const Outcome got = run(VUMO_TOOL_PATH, {"get", file->name(), "head", "face", "marks"});
+        EXPECT_EQ(got.exitCode, 1);
+        EXPECT_EQ(got.out.find("vumo: " + file->name() + ": node \"head\", in the format \"row\""), 0U) << got.out;
+    }
+    EXPECT_EQ(onBoth("set, body, edge, creases, 0 2, weight=0.125").out, "");
+    EXPECT_EQ(mAscii.bytes(), withForeignHead(goldenText("rich_edited.oa")));
+    EXPECT_EQ(mBinary.bytes(), withForeignHead(goldenBytes("rich_edited.ob.hex")));
+}
+
 TEST_F(VumoTest, FilesThatCannotBeUsed_AreNamedOnceWithWhatToDo)
 {
     const ScratchFolder folder;
