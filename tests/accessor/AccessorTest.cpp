@@ -228,7 +228,34 @@ TEST_F(AccessorTest, Read_RefusesWhatSomebodyElseIsWriting)
         EXPECT_EQ(accessor.read(file.name(), errors), !row.isRefused);
         EXPECT_EQ(errors, row.isRefused ? file.name() + " is being written by somebody else.\n" : "");
         EXPECT_EQ(accessor.structures().empty(), row.isRefused);
+        EXPECT_EQ(accessor.checksum() == 0, row.isRefused);
         std::remove(file.recordName().c_str());
+    }
+}
+
+TEST_F(AccessorTest, Read_TriesAgainWhileSomebodyElseIsWriting)
+{
+    const ScratchFile file(".bin");
+    file.setBytes("0123");
+    for (const unsigned int wait : {0U, 60000U})
+    {
+        int tries = 0;
+        ScriptedAccessor accessor([&](Accessor& self, std::string& errors) {
+            registerAndStore(self);
+            if (++tries > 2)
+                return true;
+            self.associations()["Half"];
+            errors = "half";
+            std::ofstream(file.name(), std::ios::app) << "x";
+            return false;
+        });
+        accessor.setLockWait(wait);
+        std::string errors = "kept, ";
+        EXPECT_EQ(accessor.read(file.name(), errors), wait > 0);
+        EXPECT_EQ(tries, wait > 0 ? 3 : 1);
+        EXPECT_EQ(errors, wait > 0 ? "kept, " : "half" + file.name() + " is being written by somebody else.\n");
+        EXPECT_EQ(accessor.associations().count("Half"), 0U);
+        EXPECT_EQ(namesIn(accessor), wait > 0 ? "AB" : "");
     }
 }
 

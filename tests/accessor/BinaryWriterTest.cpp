@@ -41,6 +41,7 @@ protected:
         OvriBinaryFileAccessor accessor;
         std::string ignored;
         accessor.read(fileName, ignored);
+        accessor.setConflict(Accessor::kOverwrite);
         accessor.setStructures(structures);
         accessor.associations() = associations;
         return accessor.write(mErrors);

@@ -102,8 +102,10 @@ class FileTransactionTest : public testing::Test
 protected:
     bool run(FileChange& change)
     {
-        SceneUpdate update(mFile.name(), Accessor::kJournal);
-        return update.begin(mErrors) && update.run(change, mErrors);
+        AccessorState state;
+        state.fileName = mFile.name();
+        SceneUpdate update(state);
+        return update.begin(mErrors) && update.run(change, FileBlocks(), mErrors);
     }
 
     /// Leaves the file of the golden record with its first and its last edit made.
@@ -148,7 +150,7 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAt
         while (mFile.hasRecord() && !HasFailure()) // also when it is ended again
         {
             script.mTurn = 1 + static_cast<int>(random.below(6));
-            isEndedBy(script, [&] { return recover(UndoPlace(mFile.name()), mErrors); });
+            isEndedBy(script, [&] { return recover(UndoPlace(mFile.name()), LockWait(0), mErrors); });
         }
         const std::string bytes = mFile.bytes();
         EXPECT_TRUE(bytes == after || (isEnded && bytes == before));
@@ -180,7 +182,7 @@ TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRe
         {
             const std::string left = bytesOnDisk(random, before, after);
             mFile.setBytes(left);
-            EXPECT_TRUE(recover(UndoPlace(mFile.name()), mErrors)) << mErrors;
+            EXPECT_TRUE(recover(UndoPlace(mFile.name()), LockWait(0), mErrors)) << mErrors;
             EXPECT_TRUE(mFile.bytes() == (left == after ? after : before));
             restored += left != before && left != after;
             mFile.setRecord(undo);
@@ -194,7 +196,7 @@ TEST_F(FileTransactionGoldenTest, TheRecord_FollowsItsLayout)
 {
     leaveBetween();
     EXPECT_EQ(mFile.record(), goldenBytes("undo_record.hex"));
-    EXPECT_TRUE(recover(UndoPlace(mFile.name()), mErrors)) << mErrors;
+    EXPECT_TRUE(recover(UndoPlace(mFile.name()), LockWait(0), mErrors)) << mErrors;
     EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
 }
 
@@ -206,7 +208,7 @@ TEST_F(FileTransactionTest, ARecordThatIsDamaged_ChangesNothing)
     const auto expectNothing = [&](const std::string& bytes) {
         mFile.setRecord(bytes);
         mErrors.clear();
-        const bool isRecovered = recover(UndoPlace(mFile.name()), mErrors);
+        const bool isRecovered = recover(UndoPlace(mFile.name()), LockWait(0), mErrors);
         EXPECT_EQ(isRecovered, !mFile.hasRecord());
         EXPECT_EQ(mErrors.empty(), !mFile.hasRecord());
         EXPECT_EQ(mFile.bytes(), file);
@@ -237,12 +239,15 @@ TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
     mFile.setBytes("head, a scene, old tail");
     const ScratchFile other(".bin");
     other.setBytes("another scene");
-    SceneUpdate update(mFile.name(), Accessor::kMemoryOnly);
+    AccessorState state;
+    state.fileName = mFile.name();
+    state.durability = Accessor::kMemoryOnly;
+    SceneUpdate update(state);
     FileChange change(4, "");
     change.add(0, "HEAD", "", "");
     ASSERT_TRUE(update.begin(mErrors));
     std::filesystem::rename(other.name(), mFile.name());
-    EXPECT_FALSE(update.run(change, mErrors));
+    EXPECT_FALSE(update.run(change, FileBlocks(), mErrors));
     EXPECT_EQ(mErrors, mFile.name() + " was replaced by somebody else meanwhile.\n");
     EXPECT_EQ(mFile.bytes(), "another scene");
 }
@@ -265,7 +270,7 @@ TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
         script.mError = EIO;
         const FileCallScript::Use use(script);
         mErrors.clear();
-        if (recover(UndoPlace(mFile.name()), mErrors))
+        if (recover(UndoPlace(mFile.name()), LockWait(0), mErrors))
             continue;
         EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + mFile.recordName() + ".\n");
         EXPECT_EQ(mFile.bytes(), file);
@@ -319,7 +324,7 @@ TEST_F(FileTransactionTest, ARecordThatContradictsItself_IsRefused)
         bytes.replace(position, 8, bigEndian(checksum.value()));
         mFile.setRecord(bytes);
         mErrors.clear();
-        EXPECT_FALSE(recover(UndoPlace(mFile.name()), mErrors));
+        EXPECT_FALSE(recover(UndoPlace(mFile.name()), LockWait(0), mErrors));
         EXPECT_EQ(mFile.bytes(), file);
     }
     std::remove(mFile.recordName().c_str());

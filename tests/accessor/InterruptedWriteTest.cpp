@@ -83,6 +83,7 @@ protected:
         mNew = mFile->bytes();
         ASSERT_NE(mNew, mOld);
         mAccessor->setDurability(Accessor::kJournal);
+        mAccessor->setConflict(Accessor::kOverwrite); // tests put the old file back again and again
         mFile->setBytes(mOld);
     }
 

@@ -144,6 +144,31 @@ std::vector<UnreadBlock> Accessor::unread() const
     return unread;
 }
 
+void Accessor::setConflict(eConflict conflict)
+{
+    mImpl->conflict = conflict;
+}
+
+Accessor::eConflict Accessor::conflict() const
+{
+    return mImpl->conflict;
+}
+
+std::uint64_t Accessor::checksum() const
+{
+    return mImpl->checksum;
+}
+
+void Accessor::setLockWait(unsigned int milliseconds)
+{
+    mImpl->lockWait = milliseconds;
+}
+
+unsigned int Accessor::lockWait() const
+{
+    return mImpl->lockWait;
+}
+
 bool Accessor::read(const std::string& fileName, std::string& errors)
 {
     return read(fileName, nullptr, nullptr, errors);
@@ -158,26 +183,52 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         mImpl->fileName = fileName;
         mImpl->structures.clear(); // without releasing them: callers of an earlier read may use them still
         mImpl->associations.clear();
-        const detail::UndoPlace place(fileName);
-        bool isRead = detail::recover(place, errors);
-        if (isRead)
+        mImpl->found = {};
+        mImpl->checksum = 0;
+        const detail::LockWait wait(mImpl->lockWait);
+        const std::string given = errors;
+        bool isBusy = false;
+        bool isRead = readOnce(structureNames, associationNames, wait, isBusy, errors);
+        while (isBusy && wait.pause())
         {
-            const WriteWatch watch(place); // from here on only: recovering writes, too
-            isRead = performRead(structureNames, associationNames, errors);
-            if (watch.hasSeenWriting())
-                isRead = detail::refuse(errors, fileName + " is being written by somebody else.\n");
+            errors = given;
+            Structure::deleteAllStructures();
+            mImpl->associations.clear();
+            isRead = readOnce(structureNames, associationNames, wait, isBusy, errors);
         }
         if (isRead)
             keepRegisteredStructures();
         else
-            clear();
+            forget();
         return isRead;
     }
     catch (...)
     {
-        clear();
+        forget();
         throw;
     }
+}
+
+/// Tries to read. Says whether what was read is worth nothing because somebody else was writing meanwhile.
+bool Accessor::readOnce(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
+                        const detail::LockWait& wait, bool& isBusy, std::string& errors)
+{
+    isBusy = false;
+    const detail::UndoPlace place(fileName());
+    if (!detail::recover(place, wait, errors))
+        return false;
+    const WriteWatch watch(place); // from here on only: recovering writes, too
+    const bool isRead = performRead(structureNames, associationNames, errors);
+    mImpl->checksum = mImpl->found.checksum();
+    isBusy = watch.hasSeenWriting();
+    return !isBusy ? isRead : detail::refuse(errors, fileName() + " is being written by somebody else.\n");
+}
+
+/// Holds nothing, and knows nothing about the file.
+void Accessor::forget()
+{
+    clear();
+    mImpl->checksum = 0;
 }
 
 void Accessor::keepRegisteredStructures()
@@ -265,7 +316,7 @@ std::unique_ptr<Accessor> Accessor::readFile(const std::string& fileName, std::s
 
 bool Accessor::recover(const std::string& fileName, std::string& errors)
 {
-    return detail::recover(detail::UndoPlace(fileName), errors);
+    return detail::recover(detail::UndoPlace(fileName), detail::LockWait(0), errors);
 }
 
 bool Accessor::Debug(const Accessor* object, vumo::Debug::Print& request)

@@ -7,6 +7,7 @@
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
@@ -18,7 +19,8 @@ namespace vumo::Data
 namespace detail
 {
 struct AccessorState;
-}
+class LockWait;
+} // namespace detail
 
 /// Reads and rewrites the metadata of one scene file without loading the scene.
 ///
@@ -34,10 +36,9 @@ struct AccessorState;
 /// each node name and the scene's own under `AccessorOvri::getSceneAssociationsName()`. It references its
 /// structures, so they live on when the registry of structures does not know them.
 ///
-/// BEWARE: write() stores what the accessor holds, nothing else, in place of all metadata in the file. A
-/// read that failed leaves nothing in the accessor, and a read with filters leaves less in it than the file
-/// has: writing after either removes the rest from the file. Only write after a read() without filters that
-/// returned true, or one for which setUnread(kKeep) was called: that keeps what it leaves out.
+/// BEWARE: write() stores what the accessor holds, nothing else, in place of all metadata in the file. A read with
+/// filters leaves less in it than the file has, and writing removes the rest from the file, unless setUnread(kKeep) was
+/// called before the read.
 ///
 /// write() changes the file in place: its inode, owner, mode and links stay, and so does every byte in front of the
 /// metadata. No crash harms the file unless setDurability() says otherwise.
@@ -85,6 +86,13 @@ public:
         kKeep
     };
 
+    /// What write() does when somebody else has changed the metadata in the file.
+    enum eConflict
+    {
+        kRefuse,   ///< refuses: nothing that anybody has saved is lost
+        kOverwrite ///< puts what the accessor holds in the place of all that
+    };
+
     Accessor(const Accessor&) = delete;
     Accessor& operator=(const Accessor&) = delete;
 
@@ -99,7 +107,12 @@ public:
     /// A structure that a stream uses and that is not among structures() is written after those; two different ones of
     /// one name are refused.
     ///
-    /// Locks the file for other writers that use this library: the second one is refused.
+    /// Refused, unless setConflict() says otherwise, when the metadata in the file are not those that this accessor has
+    /// read or written last, or when its last read failed: somebody else's would be lost. What else is in the file does
+    /// not matter, nor whether it is another file of that name by now.
+    ///
+    /// Locks the file for other writers that use this library: the second one waits as long as setLockWait() says, and
+    /// is refused then.
     virtual bool write(std::string& errors) const;
 
     /// Says whether the file, going by its contents, is one that this accessor can read.
@@ -131,6 +144,20 @@ public:
     /// What the last read() left in the file, in the order of the file, if kKeep was chosen for it; as it stands there
     /// after write().
     std::vector<UnreadBlock> unread() const;
+
+    /// Chooses what the following calls of write() do when somebody else has changed the metadata in the file.
+    void setConflict(eConflict conflict);
+    eConflict conflict() const;
+
+    /// A number for the metadata that the accessor has read, or written since: for all of the file, also for what a
+    /// filter left out, each statement or chunk as it stands there. In a binary scene they begin with the first "DATS"
+    /// chunk. 0 before a read and after one that failed. The same metadata give the same number, on one machine.
+    std::uint64_t checksum() const;
+
+    /// Chooses how many milliseconds write() waits for another writer, and read() tries again while somebody else is
+    /// writing, before they refuse; at first 0.
+    void setLockWait(unsigned int milliseconds);
+    unsigned int lockWait() const;
 
     /// Reads all metadata of the file: the next function without filters, which says what becomes of `errors`.
     bool read(const std::string& fileName, std::string& errors);
@@ -212,6 +239,9 @@ protected:
 private:
     struct Impl;
 
+    bool readOnce(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
+                  const detail::LockWait& wait, bool& isBusy, std::string& errors);
+    void forget();
     void keepRegisteredStructures();
 
     std::unique_ptr<Impl> mImpl;

@@ -174,17 +174,15 @@ constexpr char kChangedByRewriting[] =
     "The file holds metadata with characters that the encoding of this locale does not have. Write it in a locale that "
     "has them, such as one of UTF-8.\n";
 
-/// Passes over a chunk of metadata; reads it if its checksum is wanted.
-bool takeBlock(ChunkCursor& chunks, const LocaleEncoding& encoding, bool hasChecksum, BlockPlace& place)
+/// Passes over a chunk of metadata.
+bool takeBlock(ChunkCursor& chunks, const LocaleEncoding& encoding, BlockPlace& place)
 {
-    const bool isToBeRead = hasChecksum || encoding.canChangeByRewriting();
-    std::string_view data;
-    if (!(isToBeRead ? chunks.readData(data) : chunks.skipData()))
-        return false;
-    if (hasChecksum)
-        place.checksum = blockChecksum({chunks.headerBytes(), data});
     if (!encoding.canChangeByRewriting())
-        return true;
+        return chunks.sumData(place.checksum);
+    std::string_view data;
+    if (!chunks.readData(data))
+        return false;
+    place.checksum = blockChecksum({chunks.headerBytes(), data});
     if (!data.empty() && data.back() == '\0')
         data.remove_suffix(1);
     const std::string_view text = data.substr(data.rfind('\0') + 1); // after name and format, which are not converted
@@ -193,10 +191,10 @@ bool takeBlock(ChunkCursor& chunks, const LocaleEncoding& encoding, bool hasChec
     return true;
 }
 
-/// Finds the chunks of metadata, with their checksums if these are wanted. The first structure is the first one; after
+/// Finds the chunks of metadata, with their checksums. The first structure is the first one; after
 /// it the host may have put chunks of its own, between runs of metadata, too.
-bool findRegion(std::istream& in, const Trailer& trailer, const LocaleEncoding& encoding, bool hasChecksums,
-                FileRegion& region, std::string& errors)
+bool findRegion(std::istream& in, const Trailer& trailer, const LocaleEncoding& encoding, FileRegion& region,
+                std::string& errors)
 {
     ChunkCursor chunks(in, trailer.length(), ChunkCursor::kWindowToSkip);
     std::uint64_t position = trailer.start();
@@ -217,7 +215,7 @@ bool findRegion(std::istream& in, const Trailer& trailer, const LocaleEncoding& 
             isStructure || (isAfterStructure && BinaryReader::isApplyMetadataChunk(chunks.header()));
         if (!isMetadata && !chunks.skipData())
             return refuse(errors, "Error reading chunk before metadata.");
-        if (isMetadata && !takeBlock(chunks, encoding, hasChecksums, place))
+        if (isMetadata && !takeBlock(chunks, encoding, place))
             return refuse(errors, isAfterStructure ? "Error skipping existing metadata chunks."
                                                    : "Error skipping data structure chunk.");
         if (isMetadata)
@@ -278,7 +276,8 @@ std::string backwardChunk(std::uint32_t offset)
 }
 
 /// Changes the trailer's chunks, and all that depends on their length.
-bool replaceInTrailer(SceneUpdate& update, Trailer trailer, Replacement& replacement, std::string& errors)
+bool replaceInTrailer(SceneUpdate& update, Trailer trailer, Replacement& replacement, FileBlocks&& written,
+                      std::string& errors)
 {
     trailer.mEnd = replacement.newPlaceOf(trailer.mEnd);
     const std::uint64_t length = trailer.length();
@@ -294,7 +293,7 @@ bool replaceInTrailer(SceneUpdate& update, Trailer trailer, Replacement& replace
                "Failed to write the backward chunk size.");
     change.add(trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
                "Failed to the main chunk size position.", "Failed to write the new main chunk size.");
-    return update.run(change, errors);
+    return update.run(change, std::move(written), errors);
 }
 } // namespace
 
@@ -318,7 +317,7 @@ bool BinaryWriter::writeAssociationsChunk(std::ostream& out, const std::string& 
 
 bool BinaryWriter::writeMetadata(AccessorState& metadata, std::string& errors)
 {
-    SceneUpdate update(metadata.fileName, metadata.durability);
+    SceneUpdate update(metadata);
     if (!update.begin(errors))
         return false;
     FileInput in(update.file());
@@ -329,14 +328,10 @@ bool BinaryWriter::writeMetadata(AccessorState& metadata, std::string& errors)
     });
     const LocaleEncoding encoding;
     FileBlocks written;
-    if (!findTrailer(in, trailer, errors) ||
-        !findRegion(in, trailer, encoding, metadata.found.areKept, region, errors) ||
-        !replaceMetadata(chunkForm(encoding), metadata, region, replacement, written, errors) ||
-        !replaceInTrailer(update, trailer, replacement, errors))
-        return false;
-    if (metadata.found.areKept)
-        metadata.found = std::move(written);
-    return true;
+    return findTrailer(in, trailer, errors) && findRegion(in, trailer, encoding, region, errors) &&
+           update.checkUnchanged(region.checksum(), errors) &&
+           replaceMetadata(chunkForm(encoding), metadata, region, replacement, written, errors) &&
+           replaceInTrailer(update, trailer, replacement, std::move(written), errors);
 }
 
 bool BinaryWriter::Debug(const BinaryWriter* object, vumo::Debug::Print& request)

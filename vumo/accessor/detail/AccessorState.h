@@ -5,12 +5,14 @@
 #include "vumo/data/Associations.h"
 #include "vumo/data/Numbers.h"
 
+#include <cstdint>
 #include <map>
 #include <string>
 
 namespace vumo::Data::detail
 {
-/// What an accessor holds, for those who read and write the files: the metadata, and how its caller wants them saved.
+/// What an accessor holds, for those who read and write the files: the metadata, how its caller wants them saved, and
+/// what it knows about the file.
 struct AccessorState
 {
     std::string fileName;
@@ -19,6 +21,9 @@ struct AccessorState
     Accessor::eDurability durability = Accessor::kJournal;
     eNumbers numbers = kSixDigits;
     Accessor::eUnread unread = Accessor::kDrop; ///< for the next read
-    FileBlocks found;                           ///< by the last read
+    Accessor::eConflict conflict = Accessor::kRefuse;
+    unsigned int lockWait = 0;  ///< in milliseconds
+    FileBlocks found;           ///< by the last read
+    std::uint64_t checksum = 0; ///< of the metadata in the file; 0: nothing is known about them
 };
 } // namespace vumo::Data::detail

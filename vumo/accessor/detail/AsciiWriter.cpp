@@ -144,16 +144,56 @@ const char* searchFault(const std::istream& file, const AsciiTail& tail)
                   : "Could not seek to the first metadata block.";
 }
 
-/// Finds the statements, with their checksums if these are wanted, and the trailer line.
-bool findRegion(std::istream& file, bool hasChecksums, FileRegion& region, std::string& errors)
+/// Reads a file from its start towards its end, in blocks however small the parts are that are asked for.
+class ForwardBlocks
+{
+public:
+    /// Borrows the stream.
+    explicit ForwardBlocks(std::istream& in) : mIn(in) {}
+
+    /// Gives the checksum of what stands between two positions. False when that cannot be read.
+    bool sum(std::streamoff from, std::streamoff to, std::uint64_t& checksum)
+    {
+        BlockChecksum sum;
+        while (from < to)
+        {
+            const std::streamoff held = mBegin + static_cast<std::streamoff>(mBytes.size()) - from;
+            if (held <= 0 && !load(from))
+                return false;
+            const auto piece = std::string_view(mBytes).substr(static_cast<std::size_t>(from - mBegin),
+                                                               static_cast<std::size_t>(to - from));
+            sum.add(piece);
+            from += static_cast<std::streamoff>(piece.size());
+        }
+        checksum = sum.value();
+        return true;
+    }
+
+private:
+    bool load(std::streamoff position)
+    {
+        constexpr std::size_t kBlockSize = 64 << 10;
+        mBytes.resize(kBlockSize);
+        mIn.seekg(position);
+        mIn.read(mBytes.data(), static_cast<std::streamsize>(mBytes.size()));
+        mBytes.resize(static_cast<std::size_t>(mIn.gcount()));
+        mIn.clear(); // the last block meets the end of the file
+        mBegin = position;
+        return !mBytes.empty();
+    }
+
+    std::istream& mIn;
+    std::streamoff mBegin = 0; // of the block that is held
+    std::string mBytes;
+};
+
+/// Finds the statements, with their checksums, and the trailer line. The checksums are made on a second way, as the
+/// search would have to hold a statement as a whole.
+bool findRegion(std::istream& file, FileRegion& region, std::string& errors)
 {
     AsciiTail tail;
-    const auto take = [&](const AsciiStatement&, std::string_view text) {
-        region.blocks.emplace_back().checksum = blockChecksum({text});
-    };
     std::string ignored;
-    if (!tail.measure(file) ||
-        !findAsciiTail(file, tail, hasChecksums ? AsciiStatementTaker(take) : AsciiStatementTaker(), ignored))
+    if (!tail.measure(file) || !findAsciiTail(file, tail, {}, ignored))
         return refuse(errors, searchFault(file, tail));
     const bool allComplete = std::all_of(tail.statements.begin(), tail.statements.end(),
                                          [](const AsciiStatement& statement) { return statement.isComplete(); });
@@ -161,14 +201,16 @@ bool findRegion(std::istream& file, bool hasChecksums, FileRegion& region, std::
         return refuse(errors, "Failed reading line while searching metadata end.");
     if (tail.trailer < 0)
         return refuse(errors, "Could not find trailer prefix.");
-    region.blocks.resize(tail.statements.size());
-    for (std::size_t i = 0; i < tail.statements.size(); ++i)
+    ForwardBlocks blocks(file);
+    for (auto statement = tail.statements.rbegin(); statement != tail.statements.rend(); ++statement)
     {
-        region.blocks[i].begin = static_cast<std::uint64_t>(tail.statements[i].begin);
-        region.blocks[i].end = static_cast<std::uint64_t>(tail.statements[i].next);
+        BlockPlace& place = region.blocks.emplace_back();
+        place.begin = static_cast<std::uint64_t>(statement->begin);
+        place.end = static_cast<std::uint64_t>(statement->next);
+        if (!blocks.sum(statement->begin, statement->end, place.checksum))
+            return refuse(errors, "Failed reading line while searching metadata end.");
     }
     region.endsLine = tail.statements.empty() || tail.statements.front().next > tail.statements.front().end;
-    std::reverse(region.blocks.begin(), region.blocks.end()); // they were found from the end of the file on
     region.insertion = static_cast<std::uint64_t>(tail.trailer);
     region.end = static_cast<std::uint64_t>(tail.size);
     return true;
@@ -189,7 +231,7 @@ bool appendBytes(std::istream& file, std::uint64_t from, std::uint64_t to, std::
 
 bool AsciiWriter::writeMetadata(AccessorState& metadata, std::string& errors)
 {
-    SceneUpdate update(metadata.fileName, metadata.durability);
+    SceneUpdate update(metadata);
     if (!update.begin(errors))
         return false;
     FileInput in(update.file());
@@ -198,16 +240,12 @@ bool AsciiWriter::writeMetadata(AccessorState& metadata, std::string& errors)
         return appendBytes(in, from, to, bytes, errors);
     });
     FileBlocks written;
-    if (!findRegion(in, metadata.found.areKept, region, errors) ||
+    if (!findRegion(in, region, errors) || !update.checkUnchanged(region.checksum(), errors) ||
         !replaceMetadata(statementForm(), metadata, region, replacement, written, errors))
         return false;
     FileChange change(replacement.newPlaceOf(region.end), "Could not truncate the file.");
     change.add(replacement.from(), std::move(replacement.bytes()), "Could not seek to metadata start.",
                "Failed to append the file trailer.");
-    if (!update.run(change, errors))
-        return false;
-    if (metadata.found.areKept)
-        metadata.found = std::move(written);
-    return true;
+    return update.run(change, std::move(written), errors);
 }
 } // namespace vumo::Data::detail

@@ -2,6 +2,7 @@
 
 #include "vumo/accessor/detail/BigEndian.h"
 #include "vumo/accessor/detail/BinaryLayout.h"
+#include "vumo/accessor/detail/BlockChecksum.h"
 
 #include <algorithm>
 #include <istream>
@@ -34,6 +35,24 @@ std::uint64_t ChunkCursor::paddedSize() const
 bool ChunkCursor::skipData()
 {
     return holdsData() && skip(paddedSize());
+}
+
+bool ChunkCursor::sumData(std::uint64_t& checksum)
+{
+    if (!holdsData())
+        return false;
+    BlockChecksum sum(mHeaderBytes);
+    for (std::uint64_t left = mHeader.mSize; left > 0;)
+    {
+        const std::uint64_t held = mWindow.size() - mPosition;
+        std::string_view piece;
+        if (!take(std::min(left, held > 0 ? held : mWindowSize), piece))
+            return false;
+        sum.add(piece);
+        left -= piece.size();
+    }
+    checksum = sum.value();
+    return skip(paddingOf(mHeader.mSize));
 }
 
 bool ChunkCursor::readData(std::string_view& data)

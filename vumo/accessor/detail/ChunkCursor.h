@@ -41,6 +41,9 @@ public:
 
     bool skipData();
 
+    /// Passes over the data, too, and gives the checksum of the header and them. A long chunk is not held.
+    bool sumData(std::uint64_t& checksum);
+
     /// Gives the data where they were read to, until the next call.
     bool readData(std::string_view& data);
 

@@ -26,9 +26,14 @@ bool failToRestore(const UndoPlace& place, std::string& errors)
     return refuse(errors, "Could not restore " + place.file + " from " + place.record + ".\n");
 }
 
-bool lock(const File& file, const UndoPlace& place, std::string& errors)
+bool lock(const File& file, const UndoPlace& place, const LockWait& wait, std::string& errors)
 {
-    return file.tryLock() || refuse(errors, place.file + " is being written by somebody else.\n");
+    while (!file.tryLock())
+    {
+        if (!wait.pause())
+            return refuse(errors, place.file + " is being written by somebody else.\n");
+    }
+    return true;
 }
 
 /// Makes the file what it was before the change, or leaves it what it is after all of it.
@@ -78,10 +83,10 @@ bool isIncomplete(const UndoPlace& place)
 }
 
 /// What can be said of a file that cannot be written to and has a record.
-bool recoverNothing(const UndoPlace& place, std::string& errors)
+bool recoverNothing(const UndoPlace& place, const LockWait& wait, std::string& errors)
 {
     const File file(place.file, File::eMode::kRead);
-    if (file.isOpen() && !lock(file, place, errors))
+    if (file.isOpen() && !lock(file, place, wait, errors))
         return false;
     return isIncomplete(place) ||
            refuse(errors, "Writing " + place.file + " was interrupted. Make it writable and read it again: " +
@@ -102,17 +107,17 @@ UndoPlace::UndoPlace(const std::string& fileName)
 {
 }
 
-bool recover(const UndoPlace& place, std::string& errors)
+bool recover(const UndoPlace& place, const LockWait& wait, std::string& errors)
 {
     if (File::isAbsent(place.record)) // nearly always, and a file that may only be read is not opened for writing
         return true;
     const File file(place.file, File::eMode::kUpdate);
-    return file.isOpen() ? lockAndRecover(file, place, errors) : recoverNothing(place, errors);
+    return file.isOpen() ? lockAndRecover(file, place, wait, errors) : recoverNothing(place, wait, errors);
 }
 
-bool lockAndRecover(const File& file, const UndoPlace& place, std::string& errors)
+bool lockAndRecover(const File& file, const UndoPlace& place, const LockWait& wait, std::string& errors)
 {
-    return lock(file, place, errors) && recoverLocked(file, place, errors);
+    return lock(file, place, wait, errors) && recoverLocked(file, place, errors);
 }
 
 bool mayBeHalfWritten(const UndoPlace& place)

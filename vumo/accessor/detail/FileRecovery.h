@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/accessor/detail/File.h"
+#include "vumo/accessor/detail/LockWait.h"
 
 #include <string>
 
@@ -22,11 +23,11 @@ struct UndoPlace
 ///
 /// False, with the reason appended to `errors`, when that failed or the record does not fit the file; such a record is
 /// never applied.
-bool recover(const UndoPlace& place, std::string& errors);
+bool recover(const UndoPlace& place, const LockWait& wait, std::string& errors);
 
 /// Locks a file that is open for update and makes it whole. False, with the reason appended to `errors`, when somebody
-/// else is writing to it, or when it cannot be made whole.
-bool lockAndRecover(const File& file, const UndoPlace& place, std::string& errors);
+/// else is still writing to it after the wait, or when it cannot be made whole.
+bool lockAndRecover(const File& file, const UndoPlace& place, const LockWait& wait, std::string& errors);
 
 /// Says whether the file has an undo record by which it may be neither the old one nor the new one now.
 bool mayBeHalfWritten(const UndoPlace& place);

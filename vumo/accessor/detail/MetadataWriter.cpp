@@ -27,13 +27,16 @@ std::string textOf(const Channel& channel, const Stream& stream)
 class MetadataWriter
 {
 public:
-    MetadataWriter(const MetadataForm& form, const AccessorState& metadata, std::string& out, std::string& errors)
+    MetadataWriter(const MetadataForm& form, const AccessorState& metadata, Replacement& replacement,
+                   FileBlocks& written, std::string& errors)
         : mForm(form),
           mStructures(metadata.structures),
           mAssociations(metadata.associations),
           mScene(mAssociations.find(AccessorOvri::getSceneAssociationsName())),
           mNumbers(metadata.numbers),
-          mOut(out),
+          mReplacement(replacement),
+          mOut(replacement.bytes()),
+          mWritten(written),
           mErrors(errors)
     {
         findMoreStructures();
@@ -88,8 +91,13 @@ protected:
     bool writeStructure(const Structure& structure)
     {
         std::string faults;
+        const std::size_t begin = mOut.size();
         if (mForm.appendStructure(structure, mOut, faults))
+        {
+            addWritten(FileBlock::kStructure, structure.name(), begin);
+            mWritten.blocks.back().layout = Ref<const Structure>(&structure);
             return true;
+        }
         const auto more = mMore.find(&structure);
         if (more != mMore.end())
             faults = messagesOf(*more->second.node, faults + "It is the structure of " + more->second.text + ".\n");
@@ -114,8 +122,11 @@ protected:
     {
         std::string faults; // collected first, as the heading with the node's name comes before them
         const bool isClear = usesOneStructureOfAName(entry.second, faults);
+        const std::size_t begin = mOut.size();
         const bool isWritten = mForm.appendAssociations(entry.first, entry.second, mNumbers, mOut, faults);
         mErrors += messagesOf(entry.first, faults);
+        if (isWritten && mOut.size() > begin)
+            addWritten(FileBlock::kAssociations, entry.first, begin);
         const bool isScene = entry.first == AccessorOvri::getSceneAssociationsName();
         return (isClear && isWritten) || fail(isScene ? mForm.sceneFailed : mForm.nodeFailed);
     }
@@ -140,6 +151,18 @@ protected:
         return isClear;
     }
 
+    /// Takes note of the block that was appended from there on.
+    void addWritten(FileBlock::eKind kind, const std::string& name, std::size_t begin)
+    {
+        FileBlock block;
+        block.kind = kind;
+        block.name = name;
+        block.format = kFormatWritten;
+        block.position = mReplacement.from() + begin;
+        mForm.measure(std::string_view(mOut).substr(begin), block);
+        mWritten.blocks.push_back(std::move(block));
+    }
+
     bool fail(const char* message) { return refuse(mErrors, message); }
 
     const MetadataForm& mForm;
@@ -148,7 +171,9 @@ protected:
     const AssociationsMap::const_iterator mScene;
     const eNumbers mNumbers;
     std::map<const Structure*, User, Accessor::StructureNameLessThan> mMore; // that no caller named
+    Replacement& mReplacement;
     std::string& mOut;
+    FileBlocks& mWritten;
     std::string& mErrors;
 };
 
@@ -158,13 +183,11 @@ class MetadataReplacer : private MetadataWriter
 public:
     MetadataReplacer(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
                      Replacement& replacement, FileBlocks& written, std::string& errors)
-        : MetadataWriter(form, metadata, replacement.bytes(), errors),
+        : MetadataWriter(form, metadata, replacement, written, errors),
           mFileName(metadata.fileName),
           mBlocks(metadata.found.blocks.begin() + static_cast<std::ptrdiff_t>(metadata.found.ofHost),
                   metadata.found.blocks.end()),
-          mRegion(region),
-          mReplacement(replacement),
-          mWritten(written)
+          mRegion(region)
     {
         mWritten.ofHost = metadata.found.ofHost;
         mWritten.areKept = true;
@@ -265,9 +288,9 @@ private:
         if (block.state == FileBlock::kOutdone)
             return true;
         if (block.kind == FileBlock::kStructure)
-            return !newStructure(block.name) || writeStructureBlock(block.name);
+            return !newStructure(block.name) || writeStructure(*newStructure(block.name));
         const auto entry = mAssociations.find(block.name);
-        return entry == mAssociations.end() || !canStandAt(i, entry->second) || writeEntryBlock(*entry);
+        return entry == mAssociations.end() || !canStandAt(i, entry->second) || writeEntryOnce(*entry);
     }
 
     /// Says whether all structures that the associations use stand before the block of that number, if they have to.
@@ -287,37 +310,10 @@ private:
         return true;
     }
 
-    bool writeStructureBlock(const std::string& name)
+    bool writeEntryOnce(const AssociationsMap::value_type& entry)
     {
-        const Structure& structure = *newStructure(name);
-        const std::size_t begin = mOut.size();
-        if (!writeStructure(structure))
-            return false;
-        addWritten(FileBlock::kStructure, name, begin);
-        mWritten.blocks.back().layout = Ref<const Structure>(&structure);
-        return true;
-    }
-
-    bool writeEntryBlock(const AssociationsMap::value_type& entry)
-    {
-        const std::size_t begin = mOut.size();
         mDoneEntries.insert(&entry.second);
-        if (!writeEntry(entry))
-            return false;
-        if (mOut.size() > begin)
-            addWritten(FileBlock::kAssociations, entry.first, begin);
-        return true;
-    }
-
-    void addWritten(FileBlock::eKind kind, const std::string& name, std::size_t begin)
-    {
-        FileBlock block;
-        block.kind = kind;
-        block.name = name;
-        block.format = kFormatWritten;
-        block.position = mReplacement.from() + begin;
-        mForm.measure(std::string_view(mOut).substr(begin), block);
-        mWritten.blocks.push_back(std::move(block));
+        return writeEntry(entry);
     }
 
     /// Makes room behind so many blocks.
@@ -338,7 +334,7 @@ private:
         for (const auto& [name, structure] : mNewStructures)
         {
             const bool hasPlace = mStructurePlaces.count(name) > 0;
-            if (!hasPlace && (!openBehind(mStructuresEnd) || !writeStructureBlock(name)))
+            if (!hasPlace && (!openBehind(mStructuresEnd) || !writeStructure(*structure)))
                 return false;
         }
         return true;
@@ -356,7 +352,7 @@ private:
             std::rotate(entries.begin(), entries.begin() + 1, entries.end());
         for (const auto& entry : entries)
         {
-            if (!openBehind(mBlocks.size()) || !writeEntryBlock(*entry))
+            if (!openBehind(mBlocks.size()) || !writeEntryOnce(*entry))
                 return false;
         }
         return true;
@@ -365,8 +361,6 @@ private:
     const std::string& mFileName;
     const std::vector<FileBlock> mBlocks; // that writing replaces
     const FileRegion& mRegion;
-    Replacement& mReplacement;
-    FileBlocks& mWritten;
     std::map<std::string, const Structure*> mNewStructures;
     std::map<std::string, std::size_t> mStructurePlaces; // of the structures that have one in the file
     std::size_t mStructuresEnd = 0;                      // how many blocks there are up to the last structure
@@ -376,7 +370,7 @@ private:
 
 /// Takes all blocks out and puts all metadata in.
 bool replaceAll(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
-                Replacement& replacement, std::string& errors)
+                Replacement& replacement, FileBlocks& written, std::string& errors)
 {
     const auto isBefore = [&](const BlockPlace& place) { return place.begin < region.insertion; };
     const auto behind = std::find_if_not(region.blocks.begin(), region.blocks.end(), isBefore);
@@ -384,7 +378,7 @@ bool replaceAll(const MetadataForm& form, const AccessorState& metadata, const F
         return place.mustStay ? refuse(errors, place.mustStay) : replacement.cut(place.begin, place.end);
     };
     return std::all_of(region.blocks.begin(), behind, cut) && replacement.cut(region.insertion, region.insertion) &&
-           MetadataWriter(form, metadata, replacement.bytes(), errors).writeAll() &&
+           MetadataWriter(form, metadata, replacement, written, errors).writeAll() &&
            std::all_of(behind, region.blocks.end(), cut);
 }
 } // namespace
@@ -395,6 +389,6 @@ bool replaceMetadata(const MetadataForm& form, const AccessorState& metadata, co
     if (metadata.found.areKept)
         return MetadataReplacer(form, metadata, region, replacement, written, errors).run() &&
                replacement.finish(region.end);
-    return replaceAll(form, metadata, region, replacement, errors) && replacement.copyUntil(region.end);
+    return replaceAll(form, metadata, region, replacement, written, errors) && replacement.copyUntil(region.end);
 }
 } // namespace vumo::Data::detail

@@ -51,13 +51,15 @@ struct FileRegion
     std::uint64_t insertion = 0;    ///< where metadata goes that takes no block's place
     std::uint64_t end = 0;
     bool endsLine = true; ///< or does the last block stand at the end of the file, without an end of line?
+
+    std::uint64_t checksum() const { return metadataChecksum(blocks.begin(), blocks.end()); }
 };
 
 /// Makes the new bytes of a region. All metadata of the accessor is written in that form, also the structures that
 /// streams use beyond those of the accessor. It goes to the insertion and all blocks go; or, where unread blocks are
 /// kept, it goes into the place of what was read.
 ///
-/// Gives in `written` which metadata the file will have then, where unread blocks are kept. False, with the reasons and
+/// Gives in `written` which metadata the file will have then. False, with the reasons and
 /// the form's sentence appended to `errors`, at the first piece that cannot be written so that it can be read again,
 /// or when it does not go with what is kept.
 bool replaceMetadata(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,

@@ -19,12 +19,13 @@ bool admitsNoRecord(int error)
 }
 } // namespace
 
-SceneUpdate::SceneUpdate(const std::string& fileName, Accessor::eDurability durability)
-    : mFile(fileName, File::eMode::kUpdate),
-      mPlace(fileName),
+SceneUpdate::SceneUpdate(AccessorState& state)
+    : mState(state),
+      mFile(state.fileName, File::eMode::kUpdate),
+      mPlace(state.fileName),
       mDirectory(mPlace.directory, File::eMode::kDirectory),
       mRemoveFailed("Could not remove the undo record " + mPlace.record + ".\n"),
-      mHasJournal(durability == Accessor::kJournal),
+      mHasJournal(state.durability == Accessor::kJournal),
       mNeedsRecord(mHasJournal && !mPlace.record.empty())
 {
 }
@@ -32,13 +33,29 @@ SceneUpdate::SceneUpdate(const std::string& fileName, Accessor::eDurability dura
 bool SceneUpdate::begin(std::string& errors)
 {
     if (mFile.isOpen())
-        return lockAndRecover(mFile, mPlace, errors);
+        return lockAndRecover(mFile, mPlace, LockWait(mState.lockWait), errors);
     if (mPlace.file.empty())
         refuse(errors, "The accessor has no file to write to: read one first.\n");
     return refuse(errors, "Could not open " + mPlace.file + " for writing.");
 }
 
-bool SceneUpdate::run(FileChange& change, std::string& errors)
+bool SceneUpdate::checkUnchanged(std::uint64_t inFile, std::string& errors) const
+{
+    return mState.conflict == Accessor::kOverwrite || inFile == mState.checksum ||
+           refuse(errors, "The metadata of " + mPlace.file + " has been changed by somebody else since it was read.\n");
+}
+
+bool SceneUpdate::run(FileChange& change, FileBlocks&& newMetadata, std::string& errors)
+{
+    if (!makeChange(change, errors))
+        return false;
+    mState.checksum = newMetadata.checksum();
+    if (mState.found.areKept)
+        mState.found = std::move(newMetadata);
+    return true;
+}
+
+bool SceneUpdate::makeChange(FileChange& change, std::string& errors)
 {
     change.narrow(mFile);
     mNeedsRecord = mNeedsRecord && !change.isDoneIn(mFile);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vumo/accessor/Accessor.h"
+#include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/accessor/detail/File.h"
 #include "vumo/accessor/detail/FileChange.h"
 #include "vumo/accessor/detail/FileRecovery.h"
@@ -19,8 +19,9 @@ namespace vumo::Data::detail
 class SceneUpdate
 {
 public:
-    /// Opens the file. It stays open, and from begin() on locked, as long as this object lives.
-    SceneUpdate(const std::string& fileName, Accessor::eDurability durability);
+    /// Opens the file of the state. It stays open, and from begin() on locked, as long as this object lives. Borrows
+    /// the state.
+    explicit SceneUpdate(AccessorState& state);
     SceneUpdate(const SceneUpdate&) = delete;
     SceneUpdate& operator=(const SceneUpdate&) = delete;
 
@@ -28,14 +29,20 @@ public:
     /// `errors`, when it is not open, when somebody else is writing to it, or when it cannot be made whole.
     bool begin(std::string& errors);
 
+    /// Says by their checksum whether the metadata that stand in the file, now that it is locked, are those that the
+    /// accessor knows. False, with the reason appended to `errors`, when somebody else has changed them and they are
+    /// not to be overwritten.
+    bool checkUnchanged(std::uint64_t inFile, std::string& errors) const;
+
     /// To read what the change is made of.
     const File& file() const { return mFile; }
 
-    /// Makes the change, once, or as much of it as changes anything. False, with the file as it was and the message of
-    /// the step that failed in `errors`.
-    bool run(FileChange& change, std::string& errors);
+    /// Makes the change, once, or as much of it as changes anything. From then on the accessor knows the new metadata.
+    /// False, with the file as it was and the message of the step that failed in `errors`.
+    bool run(FileChange& change, FileBlocks&& newMetadata, std::string& errors);
 
 private:
+    bool makeChange(FileChange& change, std::string& errors);
     bool makeRecord(std::string& errors);
     int storeRecord() const;
     const char* apply(const FileChange& change) const;
@@ -43,6 +50,7 @@ private:
     bool undo();
     bool syncDirectory() const { return !mDirectory.isOpen() || mDirectory.sync(); }
 
+    AccessorState& mState;
     const File mFile;
     const UndoPlace mPlace; // found when the file was open: the record is for that one
     const File mDirectory;
