@@ -270,7 +270,7 @@ HostileInput linesOfStructure(std::size_t lines)
     return textInput(repeated("a\n", lines), lines, [](std::istream& in) {
         std::string errors;
         StructureSerializerRaw::theFormat()->read(in, errors);
-        return lineCount(errors); // one behind each but the last, which says that there is no name
+        return lineCount(errors); // one after each but the last, which says that there is no name
     });
 }
 

@@ -22,7 +22,7 @@ unsigned int below(Random& random, unsigned int limit)
     return static_cast<unsigned int>(random() % limit);
 }
 
-/// What a reader makes of a decimal number of up to six digits, between 1 and 4 of them behind the point.
+/// What a reader makes of a decimal number of up to six digits, between 1 and 4 of them after the point.
 float makeCoordinate(Random& random)
 {
     const int digits = static_cast<int>(below(random, 1'999'999)) - 999'999;

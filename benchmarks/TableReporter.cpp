@@ -38,7 +38,7 @@ std::string wanted(double ratio)
     return ratio == 0 ? "" : format("%.2f", ratio);
 }
 
-/// Ratios are wanted to two digits behind the point, so they are judged to two digits, too.
+/// Ratios are wanted to two digits after the point, so they are judged to two digits, too.
 bool reaches(double ratio, double wantedRatio)
 {
     return std::round(ratio * 100) <= std::round(wantedRatio * 100);

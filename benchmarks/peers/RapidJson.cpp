@@ -83,7 +83,7 @@ std::uint64_t read(const std::string& text, Stopwatch& watch)
     return digestOf(records);
 }
 
-/// The writer cuts digits off behind the sixth place, it does not round.
+/// The writer cuts digits off after the sixth place, it does not round.
 bool isNear(double a, double b)
 {
     constexpr double kLastPlace = 1e-6;

@@ -96,7 +96,7 @@ public:
         mNext += word.size();
     }
 
-    /// A number and the blank or newline behind it.
+    /// A number and the blank or newline after it.
     template <class T>
     void read(T& number)
     {
@@ -112,7 +112,7 @@ public:
         skip(flag ? "true " : "false ");
     }
 
-    /// A text between double quotes and the blank behind it, which replaces the one in `text`.
+    /// A text between double quotes and the blank after it, which replaces the one in `text`.
     void read(std::string& text)
     {
         text.clear();

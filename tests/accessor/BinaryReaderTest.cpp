@@ -160,7 +160,7 @@ TEST_F(BinaryReaderTest, Read_RefusesChunksThatLie)
 
 TEST_F(BinaryReaderTest, Read_SkipsLargeChunksOfTheHostWithoutReadingThem)
 {
-    // Metadata in front of them, between them and behind them, of which one does not fit into what is read at once.
+    // Metadata in front of them, between them and after them, of which one does not fit into what is read at once.
     const std::string large(5 << 20, 'x');
     const std::string host = chunk("HOST", large + large + large);
     const std::string trailer = structureChunk(kWeight) + host + nodeChunk("Body", weightText("1")) +

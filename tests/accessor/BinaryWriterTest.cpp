@@ -173,7 +173,7 @@ TEST_F(BinaryWriterTest, Write_RefusesAFileWhoseEndsDoNotMeet)
          "kept, Could not find the trailer group before the trailer.\n"},
         {"an offset to another chunk", std::string(good).replace(496, 4, bigEndian(388, 4)),
          "kept, Could not find the trailer group before the trailer.\n"},
-        {"bytes behind the main chunk", good + "x", "kept, File does not end with its main chunk.\n"},
+        {"bytes after the main chunk", good + "x", "kept, File does not end with its main chunk.\n"},
         {"not a scene", "Some text, longer than an identification.", "Not a supported file type."},
     };
     for (const auto& sample : cases)

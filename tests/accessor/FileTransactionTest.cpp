@@ -29,7 +29,7 @@ struct Edit
     std::string bytes;
 };
 
-/// Edits of a file that has that length, in any order; some lie behind its end, without gaps.
+/// Edits of a file that has that length, in any order; some lie after its end, without gaps.
 std::vector<Edit> randomEdits(Random& random, std::size_t length)
 {
     std::vector<Edit> edits;

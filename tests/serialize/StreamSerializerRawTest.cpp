@@ -238,7 +238,7 @@ TEST_F(StreamSerializerRawTest, Read_TakesLooselyWrittenText)
         {"blanks and line ends", " \r\n\tstructure \t P \r\n\n name  S\r\n\n 0\t\r\n\n  7 \r\n1\n8\nendStream"},
         {"no endStream", "name S\nstructure P\n0\n7\n1\n8"},
         {"the last of two names counts", "name T\nname S\nstructure P\n1\n8\n0\n7\nendStream\nbogus"},
-        {"an index type behind the rest", "name S\nstructure P\nindexType numeric\n0\n9\n0\n7\n1\n8\n"},
+        {"an index type after the rest", "name S\nstructure P\nindexType numeric\n0\n9\n0\n7\n1\n8\n"},
     };
     for (const auto& row : cases)
         EXPECT_EQ(reread(row.text), canonical) << row.fault;

@@ -48,7 +48,7 @@ private:
     std::string mText;
 };
 
-/// The messages that the format gives for an input that breaks behind the text.
+/// The messages that the format gives for an input that breaks after the text.
 template <class Format>
 std::string errorsOfBrokenInput(const Format& format, const std::string& text)
 {

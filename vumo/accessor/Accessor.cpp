@@ -98,8 +98,7 @@ Accessor::~Accessor()
 bool Accessor::write(std::string& errors) const
 {
     errors += typeid(*this).name();
-    errors += " does not implement ";
-    errors += "write";
+    errors += " does not implement write";
     return false;
 }
 

@@ -191,6 +191,14 @@ bool takeBlock(ChunkCursor& chunks, const LocaleEncoding& encoding, BlockPlace& 
     return true;
 }
 
+/// What a header that cannot be read is called, by where it stands.
+const char* headerFault(bool isAfterStructure, bool isAfterHost)
+{
+    if (!isAfterStructure)
+        return "Error reading chunk header before metadata.";
+    return isAfterHost ? "Error skipping backward size chunk." : "Error skipping existing metadata chunks.";
+}
+
 /// Finds the chunks of metadata, with their checksums. The first structure is the first one; after
 /// it the host may have put chunks of its own, between runs of metadata, too.
 bool findRegion(std::istream& in, const Trailer& trailer, const LocaleEncoding& encoding, FileRegion& region,
@@ -203,9 +211,7 @@ bool findRegion(std::istream& in, const Trailer& trailer, const LocaleEncoding& 
     {
         const bool isAfterStructure = !region.blocks.empty();
         if (!chunks.readHeader())
-            return refuse(errors, !isAfterStructure ? "Error reading chunk header before metadata."
-                                  : !isAfterHost    ? "Error skipping existing metadata chunks."
-                                                    : "Error skipping backward size chunk.");
+            return refuse(errors, headerFault(isAfterStructure, isAfterHost));
         BlockPlace place;
         place.begin = position;
         position += kHeaderSize + chunks.paddedSize();
@@ -250,8 +256,8 @@ MetadataForm chunkForm(const LocaleEncoding& encoding)
     return {appendStructure,
             appendAssociations,
             measure,
-            true,
-            true,
+            true, // isSceneFirst
+            true, // isStructureBefore
             "Could not write structure chunk to in-memory trailer.",
             "Could not write node associations chunk to in-memory trailer.",
             "Could not write scene associations chunk to in-memory trailer."};

@@ -37,8 +37,9 @@ public:
     ///
     /// The change is made as a whole or not at all, even if it is interrupted: see `Accessor::eDurability`.
     ///
-    /// A structure that a stream uses is written with the others also where it is not among `structures`; two different
-    /// ones of a name are refused, as is all else that could not be read again. The whole tail is built and checked
+    /// A structure that a stream uses is written with the others also where it is not among those of the accessor; two
+    /// different ones of a name are refused, as is all else that could not be read again. Metadata that a read has kept
+    /// in the file stays. The whole tail is built and checked
     /// before the first byte of the file changes; a file that has anything after its main chunk is refused, because
     /// that would be lost.
     static bool writeMetadata(detail::AccessorState& metadata, std::string& errors);

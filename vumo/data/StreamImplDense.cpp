@@ -258,13 +258,12 @@ bool StreamImplDense::reallocate(unsigned long long slots)
     const unsigned long long mostSlots = std::numeric_limits<std::size_t>::max() / mStride;
     if (slots == 0 || slots < mAllocated || slots > mostSlots) // the rule gave no size, or less than there is
         return false;
-    const unsigned long long filled = mData ? mAllocated : 0;
     // Zero bits are the default of every type, and fresh memory that is wanted so need not be written.
     char* const data = static_cast<char*>(mData ? std::realloc(mData, slots * mStride) : std::calloc(slots, mStride));
     if (!data)
         return false;
     if (mData)
-        structure().fillWithDefaultChunks(data + filled * mStride, slots - filled);
+        structure().fillWithDefaultChunks(data + mAllocated * mStride, slots - mAllocated);
     mData = data;
     mAllocated = static_cast<unsigned int>(slots);
     return true;

@@ -205,7 +205,7 @@ private:
 
 bool AsciiReader::checkHeader(std::istream& in, std::string& errors)
 {
-    constexpr int kLastUnsupportedYear = 2013;
+    constexpr int kLastUnsupportedYear = 2013; // scenes carry metadata since the year after
     constexpr std::string::size_type kYearDigits = 4;
     const std::string start = Ascii::getHeaderPrefix() + " ";
     const std::string end = " scene";

@@ -127,14 +127,14 @@ MetadataForm statementForm()
     return {appendStructure,
             appendAssociations,
             measure,
-            false,
-            false,
+            false, // isSceneFirst
+            false, // isStructureBefore
             "Could not write structure chunk to file.",
             "Could not write node associations statement to file.",
             "Could not write scene associations statement to file."};
 }
 
-/// What a search for the metadata says that had found so much of the tail when it failed.
+/// The message for a search for the metadata that failed, by what of the tail it had found.
 const char* searchFault(const std::istream& file, const AsciiTail& tail)
 {
     const bool isRead = file.eof(); // a read that failed; of a seek that failed there is no such sign

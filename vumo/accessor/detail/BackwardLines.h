@@ -15,7 +15,7 @@ namespace vumo::Data::detail
 class BackwardLines
 {
 public:
-    static constexpr std::size_t kHeadSize = 256;
+    static constexpr std::size_t kHeadSize = 256; // commands are far shorter
 
     struct Line
     {

@@ -63,16 +63,6 @@ bool ChunkCursor::readData(std::string_view& data)
     return true;
 }
 
-bool ChunkCursor::appendChunk(std::string& bytes)
-{
-    std::string_view data;
-    if (!holdsData() || !take(paddedSize(), data))
-        return false;
-    bytes += mHeaderBytes;
-    bytes += data;
-    return true;
-}
-
 bool ChunkCursor::holdsData() const
 {
     return mHeader.mSize <= mLeft && paddingOf(mHeader.mSize) <= mLeft - mHeader.mSize; // no sum: it may overflow

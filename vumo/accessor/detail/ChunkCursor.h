@@ -47,9 +47,6 @@ public:
     /// Gives the data where they were read to, until the next call.
     bool readData(std::string_view& data);
 
-    /// Appends the whole chunk as it stands in the stream, with reserved bytes and padding.
-    bool appendChunk(std::string& bytes);
-
 private:
     bool holdsData() const;
 

@@ -92,8 +92,8 @@ public:
         std::size_t written = 0;
         char* in = const_cast<char*>(text.data()); // iconv reads it only
         std::size_t inLeft = text.size();
-        iconv(mDescriptor, nullptr, nullptr, nullptr,
-              nullptr); // forgets a text before that was not converted to its end
+        // Forgets a text before that was not converted to its end.
+        iconv(mDescriptor, nullptr, nullptr, nullptr, nullptr);
         // The call without input writes what ends a text in an encoding that has states.
         if (!run(&in, &inLeft, result, written) || !run(nullptr, nullptr, result, written))
             return false;

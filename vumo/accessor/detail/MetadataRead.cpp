@@ -87,7 +87,8 @@ bool MetadataRead::wantsAssociations(std::size_t number)
     return isRead;
 }
 
-/// Says whether no associations that were found before go ahead of these; if not, those are forgotten.
+/// Says whether these count, going by what was found so far. They do not when others of their name do; where they take
+/// the place of others, those are forgotten.
 bool MetadataRead::countsSoFar(std::size_t number)
 {
     const auto [other, isFirst] = mNumbers.try_emplace(mBlocks[number].name, number);

@@ -17,7 +17,7 @@ namespace vumo::Data::detail
 /// One read of the metadata of a scene file. A reader finds the blocks of its kind of file and adds them; this class
 /// reads those that are wanted, and goes on after a faulty one, so that all faults are told at once.
 ///
-/// Where unread blocks are kept, one that cannot be read is no fault, unless it has not all that makes a block.
+/// Where unread blocks are kept, one that cannot be read is no fault, unless it is incomplete.
 ///
 /// Each fault is told by its messages and a line with its place. Nodes that fail for nothing but structures of which
 /// that was told already are only counted.
@@ -48,8 +48,8 @@ public:
     /// Says whether further structures can matter.
     bool wantsStructures() const { return keepsUnread() || !mStructureFilter.isExhausted(); }
 
-    /// Says whether the associations of that number are wanted. With a filter the first ones of a name are that are
-    /// asked for, unless unread blocks are kept.
+    /// Says whether the associations of that number are wanted. With a filter only the first ones of a name are, unless
+    /// unread blocks are kept.
     bool wantsAssociations(std::size_t number);
 
     /// Reads the text, in the encoding of the locale, of the structure of that number.
@@ -58,7 +58,7 @@ public:
     /// Likewise of associations; those that are read last count. To be called in the order of the file.
     void readAssociations(std::size_t number, std::string_view text);
 
-    /// Takes note of a block that has not all that makes one.
+    /// Takes note of a block that is incomplete.
     void refuseBlock(std::size_t number, const std::string& messages, bool hasName = false);
 
     /// Says that a structure of which nothing is known is not wanted.

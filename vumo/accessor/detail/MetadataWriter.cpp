@@ -74,17 +74,10 @@ protected:
 
     bool writeStructures()
     {
-        for (const Structure* const structure : mStructures)
-        {
-            if (!writeStructure(*structure))
-                return false;
-        }
-        for (const auto& [structure, user] : mMore)
-        {
-            if (!writeStructure(*structure))
-                return false;
-        }
-        return true;
+        return std::all_of(mStructures.begin(), mStructures.end(),
+                           [this](const Structure* structure) { return writeStructure(*structure); }) &&
+               std::all_of(mMore.begin(), mMore.end(),
+                           [this](const auto& used) { return writeStructure(*used.first); });
     }
 
     /// A structure that nobody named is refused together with its first user.
@@ -316,8 +309,8 @@ private:
         return writeEntry(entry);
     }
 
-    /// Makes room behind so many blocks.
-    bool openBehind(std::size_t count)
+    /// Makes room after so many blocks.
+    bool openAfter(std::size_t count)
     {
         const std::uint64_t place = count > 0                ? mRegion.blocks[count - 1].end
                                     : mRegion.blocks.empty() ? mRegion.insertion
@@ -331,13 +324,10 @@ private:
 
     bool writeNewStructures()
     {
-        for (const auto& [name, structure] : mNewStructures)
-        {
-            const bool hasPlace = mStructurePlaces.count(name) > 0;
-            if (!hasPlace && (!openBehind(mStructuresEnd) || !writeStructure(*structure)))
-                return false;
-        }
-        return true;
+        return std::all_of(mNewStructures.begin(), mNewStructures.end(), [this](const auto& added) {
+            const bool hasPlace = mStructurePlaces.count(added.first) > 0;
+            return hasPlace || (openAfter(mStructuresEnd) && writeStructure(*added.second));
+        });
     }
 
     bool writeNewEntries()
@@ -350,12 +340,8 @@ private:
         }
         if (!entries.empty() && entries.front() == mScene && !mForm.isSceneFirst)
             std::rotate(entries.begin(), entries.begin() + 1, entries.end());
-        for (const auto& entry : entries)
-        {
-            if (!openBehind(mBlocks.size()) || !writeEntryOnce(*entry))
-                return false;
-        }
-        return true;
+        return std::all_of(entries.begin(), entries.end(),
+                           [this](const auto& entry) { return openAfter(mBlocks.size()) && writeEntryOnce(*entry); });
     }
 
     const std::string& mFileName;
@@ -373,13 +359,13 @@ bool replaceAll(const MetadataForm& form, const AccessorState& metadata, const F
                 Replacement& replacement, FileBlocks& written, std::string& errors)
 {
     const auto isBefore = [&](const BlockPlace& place) { return place.begin < region.insertion; };
-    const auto behind = std::find_if_not(region.blocks.begin(), region.blocks.end(), isBefore);
+    const auto after = std::find_if_not(region.blocks.begin(), region.blocks.end(), isBefore);
     const auto cut = [&](const BlockPlace& place) {
         return place.mustStay ? refuse(errors, place.mustStay) : replacement.cut(place.begin, place.end);
     };
-    return std::all_of(region.blocks.begin(), behind, cut) && replacement.cut(region.insertion, region.insertion) &&
+    return std::all_of(region.blocks.begin(), after, cut) && replacement.cut(region.insertion, region.insertion) &&
            MetadataWriter(form, metadata, replacement, written, errors).writeAll() &&
-           std::all_of(behind, region.blocks.end(), cut);
+           std::all_of(after, region.blocks.end(), cut);
 }
 } // namespace
 

@@ -25,10 +25,10 @@ public:
     /// Where new bytes can be appended after a cut.
     std::string& bytes() { return mBytes; }
 
-    /// Where an old byte that stays gets, of those after the last cut.
+    /// Where an old byte that stays ends up, of those after the last cut.
     std::uint64_t newPlaceOf(std::uint64_t position) const;
 
-    /// Where the next new byte gets.
+    /// Where the next new byte ends up.
     std::uint64_t newPlace() const { return mFrom + mBytes.size(); }
 
     /// Takes in the old bytes up to there, after a cut. False when they cannot be read.
@@ -37,9 +37,8 @@ public:
     /// Ends the replaced part: takes in the old bytes up to `end` if they move. False when they cannot be read.
     bool finish(std::uint64_t end);
 
-    /// What is replaced, after finish().
+    /// Where what is replaced begins, after finish().
     std::uint64_t from() const { return mFrom; }
-    std::uint64_t to() const { return mTo; }
 
 private:
     Copy mCopy;

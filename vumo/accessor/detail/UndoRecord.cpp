@@ -28,7 +28,7 @@ constexpr std::size_t kChecksumSize = 8;
 constexpr std::uint64_t kSurroundingsSize = 4096;
 
 /// How much of a file is held at once to compare it.
-constexpr std::size_t kBlockSize = 65536;
+constexpr std::size_t kBlockSize = 65536; // a call for it costs little beside comparing it
 
 constexpr std::uint64_t kLongestFile = std::numeric_limits<std::int64_t>::max();
 

@@ -9,6 +9,7 @@ namespace
 {
 __extension__ using Wide = unsigned __int128;
 
+// A double as IEEE 754 lays it out.
 constexpr int kFractionBits = 52;
 constexpr int kExponentBias = 1023;
 constexpr std::uint64_t kHiddenBit = std::uint64_t(1) << kFractionBits;

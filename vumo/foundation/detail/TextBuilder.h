@@ -45,7 +45,7 @@ public:
 private:
     void grow(std::size_t count)
     {
-        constexpr std::size_t kLeastCapacity = 256;
+        constexpr std::size_t kLeastCapacity = 256; // most lines fit
         const std::size_t capacity = std::max({mSize + count, mCapacity * 2, kLeastCapacity});
         std::unique_ptr<char[]> chars(new char[capacity]);
         std::copy_n(mChars.get(), mSize, chars.get());
