@@ -97,7 +97,7 @@ std::string bytesOnDisk(Random& random, const std::string& before, const std::st
     return bytes;
 }
 
-class FileTransactionTest : public testing::Test
+class SceneUpdateTest : public testing::Test
 {
 protected:
     bool run(FileChange& change)
@@ -127,10 +127,10 @@ protected:
     std::string mErrors;
 };
 
-using FileTransactionGoldenTest = FileTransactionTest;
-using FileTransactionPropertyTest = FileTransactionTest;
+using SceneUpdateGoldenTest = SceneUpdateTest;
+using SceneUpdatePropertyTest = SceneUpdateTest;
 
-TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAtAll)
+TEST_F(SceneUpdatePropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAtAll)
 {
     Random random;
     SCOPED_TRACE(random.seedText());
@@ -161,7 +161,7 @@ TEST_F(FileTransactionPropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAt
     EXPECT_GT(restored, 20);
 }
 
-TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRestored)
+TEST_F(SceneUpdatePropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRestored)
 {
     Random random;
     SCOPED_TRACE(random.seedText());
@@ -192,7 +192,7 @@ TEST_F(FileTransactionPropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRe
     EXPECT_GT(restored, 40);
 }
 
-TEST_F(FileTransactionGoldenTest, TheRecord_FollowsItsLayout)
+TEST_F(SceneUpdateGoldenTest, TheRecord_FollowsItsLayout)
 {
     leaveBetween();
     EXPECT_EQ(mFile.record(), goldenBytes("undo_record.hex"));
@@ -200,7 +200,7 @@ TEST_F(FileTransactionGoldenTest, TheRecord_FollowsItsLayout)
     EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
 }
 
-TEST_F(FileTransactionTest, ARecordThatIsDamaged_ChangesNothing)
+TEST_F(SceneUpdateTest, ARecordThatIsDamaged_ChangesNothing)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
@@ -234,7 +234,7 @@ TEST_F(FileTransactionTest, ARecordThatIsDamaged_ChangesNothing)
     std::remove(mFile.recordName().c_str());
 }
 
-TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
+TEST_F(SceneUpdateTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
 {
     mFile.setBytes("head, a scene, old tail");
     const ScratchFile other(".bin");
@@ -252,7 +252,7 @@ TEST_F(FileTransactionTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
     EXPECT_EQ(mFile.bytes(), "another scene");
 }
 
-TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
+TEST_F(SceneUpdateTest, AReadThatFails_MakesNoRecordUnfit)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
@@ -291,7 +291,7 @@ TEST_F(FileTransactionTest, AReadThatFails_MakesNoRecordUnfit)
     }
 }
 
-TEST_F(FileTransactionTest, ARecordThatContradictsItself_IsRefused)
+TEST_F(SceneUpdateTest, ARecordThatContradictsItself_IsRefused)
 {
     leaveBetween();
     const std::string file = mFile.bytes();
