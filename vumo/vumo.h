@@ -9,6 +9,7 @@
 #include "vumo/accessor/BinaryChunkHeader.h"
 #include "vumo/accessor/BinaryReader.h"
 #include "vumo/accessor/BinaryWriter.h"
+#include "vumo/accessor/ListedBlock.h"
 #include "vumo/accessor/MetadataBlock.h"
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"

@@ -400,5 +400,70 @@ TEST_F(KeptMetadataTest, RichScenesOfBothKinds_AreExactToTheByteWhateverIsKept)
         }
     }
 }
+
+TEST_F(KeptMetadataTest, List_TellsWhatStandsInAFileWithoutReadingIt)
+{
+    for (const Kind& kind : kKinds)
+    {
+        SCOPED_TRACE(kind.ending);
+        const std::string metadata = kind.structure(kWeight) + kind.node("a", "whatever", "odd") +
+                                     kind.node("b", textWith("Absent", "nonsense\n1\n2", "triple")) +
+                                     kind.node("b", textWith("Weight", "1")) + kind.structure("x", "odd");
+        read(kind, metadata);
+        std::vector<ListedBlock> entries;
+        ASSERT_TRUE(Accessor::list(mFile->name(), entries, mErrors)) << mErrors;
+        std::string names;
+        std::uint64_t length = 0;
+        for (const ListedBlock& entry : entries)
+        {
+            names += entry.name + ":" + entry.format + ";";
+            length += entry.length + (kind.isAscii() ? 1 : 0);
+        }
+        EXPECT_EQ(names, "Weight:raw;a:odd;b:raw;b:raw;:odd;");
+        EXPECT_EQ(length, metadata.size());
+        EXPECT_EQ(entries[0].position, kind.scene("").size() - (kind.isAscii() ? 13 : 24));
+        ASSERT_EQ(entries[2].channels.size(), 1U);
+        ASSERT_EQ(entries[2].channels[0].streams.size(), 1U);
+        const ListedBlock::Stream& stream = entries[2].channels[0].streams[0];
+        EXPECT_EQ(entries[2].channels[0].name + ":" + stream.name, "vertex:weights");
+        EXPECT_EQ(stream.indexType + ":" + stream.structure, "triple:Absent");
+        EXPECT_EQ(stream.elements, 2U);
+        EXPECT_EQ(stream.bytes, std::string("0\nnonsense\n1\n2\n").size());
+        mFile->setBytes("nothing");
+        EXPECT_FALSE(Accessor::list(mFile->name(), entries, mErrors));
+        EXPECT_TRUE(entries.empty());
+    }
+}
+
+TEST_F(KeptMetadataTest, ReadMore_AddsWhatWasLeftOut)
+{
+    const std::set<std::string> none;
+    for (const Kind& kind : kKinds)
+    {
+        SCOPED_TRACE(kind.ending);
+        const std::string all = kind.structure(kWeight) + kind.node("a", textWith("Weight", "1")) +
+                                kind.node("b", textWith("Weight", "2")) + kind.node("c", "whatever", "odd");
+        const auto accessor = read(kind, all, &none, &none);
+        EXPECT_TRUE(accessor->readMore({"a", "absent"}, mErrors)) << mErrors;
+        EXPECT_EQ(valueAt(*accessor, "a", "vertex", "weights", 0), "1");
+        EXPECT_EQ(accessor->associations().size(), 1U);
+        EXPECT_EQ(accessor->structures().size(), 1U);
+        EXPECT_FALSE(accessor->readMore({"b", "c"}, mErrors));
+        EXPECT_THAT(mErrors, testing::HasSubstr("format odd\nin the metadata of node 'c', from byte "));
+        accessor->associations()["a"] = weightOf("7");
+        EXPECT_TRUE(accessor->readMore({"a", "b"}, mErrors));
+        EXPECT_EQ(valueAt(*accessor, "a", "vertex", "weights", 0), "7") << "an edit goes ahead";
+        accessor->associations().erase("b");
+        const std::string bytes = written(*accessor);
+        EXPECT_NE(bytes.find(kind.node("c", "whatever", "odd")), std::string::npos);
+        EXPECT_EQ(readKept()->associations().size(), 1U);
+        mFile->setBytes(kind.scene(all));
+        mErrors.clear();
+        EXPECT_FALSE(accessor->readMore({"b"}, mErrors));
+        EXPECT_THAT(mErrors, testing::HasSubstr("changed by somebody else"));
+        accessor->clear();
+        EXPECT_FALSE(accessor->readMore({"b"}, mErrors));
+    }
+}
 } // namespace
 } // namespace vumo::test

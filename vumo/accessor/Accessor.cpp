@@ -6,6 +6,7 @@
 #include "vumo/accessor/detail/AccessorState.h"
 #include "vumo/accessor/detail/File.h"
 #include "vumo/accessor/detail/FileRecovery.h"
+#include "vumo/accessor/detail/MetadataText.h"
 #include "vumo/accessor/detail/Refusal.h"
 #include "vumo/data/detail/StructureRegistry.h"
 #include "vumo/foundation/detail/DebugObject.h"
@@ -74,6 +75,15 @@ private:
     const detail::UndoPlace& mPlace;
     const detail::FileStamp mBefore;
 };
+
+/// An accessor for the file; null, with the reason appended to `errors`, when there is none for its extension.
+std::unique_ptr<Accessor> newAccessor(const std::string& fileName, std::string& errors)
+{
+    std::unique_ptr<Accessor> accessor = Accessor::accessorByExtension(fileName);
+    if (!accessor)
+        errors += "No factory registered for type of file \"" + fileName + "\"";
+    return accessor;
+}
 } // namespace
 
 struct Accessor::Impl : detail::AccessorState
@@ -230,6 +240,56 @@ void Accessor::forget()
     mImpl->checksum = 0;
 }
 
+bool Accessor::readMore(const std::set<std::string>& names, std::string& errors)
+{
+    std::vector<detail::FileBlock>& blocks = mImpl->found.blocks;
+    if (!mImpl->found.areKept)
+        return detail::refuse(errors, "No read has left metadata in " + fileName() + " to be kept.\n");
+    const std::unique_ptr<Accessor> more = newAccessor(fileName(), errors);
+    if (!more)
+        return false;
+    more->setUnread(kKeep);
+    if (!more->read(fileName(), nullptr, &names, errors))
+        return false;
+    const std::vector<detail::FileBlock>& now = more->mImpl->found.blocks;
+    const auto isSame = [](const detail::FileBlock& a, const detail::FileBlock& b) { return a.checksum == b.checksum; };
+    if (!std::equal(blocks.begin(), blocks.end(), now.begin(), now.end(), isSame))
+        return detail::refuse(errors, detail::changedMessage(fileName()));
+    std::string faults;
+    for (const UnreadBlock& block : more->unread())
+    {
+        if (block.kind == UnreadBlock::kAssociations && names.count(block.name) > 0)
+            faults += detail::placedMessages(block.why, "the metadata of " + detail::nodeText(block.name),
+                                             block.position, fileName());
+    }
+    if (!faults.empty())
+        return detail::refuse(errors, faults);
+    for (std::size_t i = 0; i < blocks.size(); ++i)
+    {
+        if (blocks[i].state == detail::FileBlock::kUnread && now[i].state == detail::FileBlock::kRead &&
+            blocks[i].kind == UnreadBlock::kAssociations)
+            takeOver(blocks[i], more->mImpl->associations[blocks[i].name]);
+    }
+    return true;
+}
+
+/// Adds associations that were left in the file, with the structures that they use. What the caller has put there goes
+/// ahead.
+void Accessor::takeOver(detail::FileBlock& block, const Associations& associations)
+{
+    block.state = detail::FileBlock::kRead;
+    block.why.clear();
+    if (!mImpl->associations.emplace(block.name, associations).second)
+        return;
+    StructureSet structures = mImpl->structures;
+    for (const Channel& channel : associations)
+    {
+        for (const Stream* const stream : channel)
+            structures.insert(&stream->structure());
+    }
+    setStructures(structures);
+}
+
 void Accessor::keepRegisteredStructures()
 {
     const std::set<Structure*>& registered = Structure::allStructures();
@@ -302,15 +362,25 @@ std::unique_ptr<Accessor> Accessor::accessorByExtension(const std::string& fileN
 
 std::unique_ptr<Accessor> Accessor::readFile(const std::string& fileName, std::string& errors)
 {
-    std::unique_ptr<Accessor> accessor = accessorByExtension(fileName);
-    if (!accessor)
-    {
-        errors += "No factory registered for type of file \"" + fileName + "\"";
-        return nullptr;
-    }
-    if (!accessor->read(fileName, errors))
+    std::unique_ptr<Accessor> accessor = newAccessor(fileName, errors);
+    if (!accessor || !accessor->read(fileName, errors))
         return nullptr;
     return accessor;
+}
+
+bool Accessor::list(const std::string& fileName, std::vector<ListedBlock>& entries, std::string& errors)
+{
+    entries.clear();
+    const std::unique_ptr<Accessor> accessor = newAccessor(fileName, errors);
+    if (!accessor)
+        return false;
+    accessor->mImpl->listing = &entries;
+    bool isListed = accessor->read(fileName, errors);
+    if (isListed && !(accessor->structures().empty() && accessor->associations().empty()))
+        isListed = detail::refuse(errors, "Files like " + fileName + " can be read, but not listed.\n");
+    if (!isListed)
+        entries.clear();
+    return isListed;
 }
 
 bool Accessor::recover(const std::string& fileName, std::string& errors)

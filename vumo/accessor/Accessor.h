@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/accessor/ListedBlock.h"
 #include "vumo/accessor/UnreadBlock.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Numbers.h"
@@ -20,6 +21,7 @@ namespace detail
 {
 struct AccessorState;
 class LockWait;
+struct FileBlock;
 } // namespace detail
 
 /// Reads and rewrites the metadata of one scene file without loading the scene.
@@ -159,6 +161,14 @@ public:
     void setLockWait(unsigned int milliseconds);
     unsigned int lockWait() const;
 
+    /// Reads more nodes of the file, by the names that `associationNames` has in read(), and adds them to
+    /// associations(), and the structures that they use to structures(). Leaves alone what is there already. The last
+    /// read() was done with kKeep and left them out, or could not read them.
+    ///
+    /// False, with the reason appended to `errors` and nothing added, when one of them cannot be read, or when somebody
+    /// else has changed the metadata since.
+    bool readMore(const std::set<std::string>& names, std::string& errors);
+
     /// Reads all metadata of the file: the next function without filters, which says what becomes of `errors`.
     bool read(const std::string& fileName, std::string& errors);
 
@@ -213,6 +223,12 @@ public:
     /// appended to `errors`, or when read() failed, with `errors` as that leaves it.
     static std::unique_ptr<Accessor> readFile(const std::string& fileName, std::string& errors);
 
+    /// Gives what metadata the file holds, in its order: each structure and each node, with two of one name both. No
+    /// value is parsed and no structure made, so what could not be read is listed, too. False, with the reason in
+    /// `errors` as read() leaves it, when a block has not all that makes one, or when the file is of another kind than
+    /// the two that the library knows.
+    static bool list(const std::string& fileName, std::vector<ListedBlock>& entries, std::string& errors);
+
     /// Restores the file from its undo record if writing it was interrupted, and removes the record. A record that its
     /// writer did not complete is only removed, as the file was not touched yet, and so is that of a change which was
     /// complete. True also when there is no record.
@@ -243,6 +259,7 @@ private:
                   const detail::LockWait& wait, bool& isBusy, std::string& errors);
     void forget();
     void keepRegisteredStructures();
+    void takeOver(detail::FileBlock& block, const Associations& associations);
 
     std::unique_ptr<Impl> mImpl;
 };

@@ -1,6 +1,7 @@
 #include "vumo/accessor/detail/MetadataRead.h"
 
 #include "vumo/accessor/detail/MetadataText.h"
+#include "vumo/accessor/detail/RawListing.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/Ref.h"
 #include "vumo/foundation/detail/Quoted.h"
@@ -76,6 +77,8 @@ bool MetadataRead::isWanted(NameFilter& filter, const std::string& name) const
 bool MetadataRead::wantsAssociations(std::size_t number)
 {
     FileBlock& block = mBlocks[number];
+    if (isListing())
+        return true;
     if (keepsUnread() && !countsSoFar(number))
     {
         block.state = FileBlock::kOutdone;
@@ -102,9 +105,24 @@ bool MetadataRead::countsSoFar(std::size_t number)
     return true;
 }
 
+/// The format of the texts that can be listed is the one that is written.
+void MetadataRead::list(const FileBlock& block, std::string_view text)
+{
+    ListedBlock listed;
+    static_cast<MetadataBlock&>(listed) = block;
+    const bool isKnown = block.format == kFormatWritten;
+    if (isKnown && block.kind == FileBlock::kStructure)
+        listed.name = nameIn(text);
+    else if (isKnown)
+        listed.channels = listChannels(text);
+    mState.listing->push_back(std::move(listed));
+}
+
 void MetadataRead::readStructure(std::size_t number, std::string_view text)
 {
     FileBlock& block = mBlocks[number];
+    if (isListing())
+        return list(block, text);
     std::string messages;
     // Nobody else knows the new structure yet; what is not registered is freed with the reference.
     const Ref<Structure> structure(deserializeStructure(block.format, text, messages));
@@ -142,6 +160,8 @@ void MetadataRead::takeStructure(FileBlock& block, Structure& structure)
 void MetadataRead::readAssociations(std::size_t number, std::string_view text)
 {
     FileBlock& block = mBlocks[number];
+    if (isListing())
+        return list(block, text);
     std::string messages;
     Associations associations;
     if (deserializeAssociations(block.format, text, associations, messages))
@@ -181,9 +201,7 @@ void MetadataRead::refuseStructure(FileBlock& block, std::string_view text, cons
 
 void MetadataRead::addFault(const FileBlock& block, const std::string& messages, const std::string& what)
 {
-    const bool endsLine = !messages.empty() && messages.back() == '\n';
-    mFaults.push_back({block.position, messages + (endsLine ? "" : "\n") + "in " + what + ", from byte " +
-                                           std::to_string(block.position) + " of " + mState.fileName + "\n"});
+    mFaults.push_back({block.position, placedMessages(messages, what, block.position, mState.fileName)});
 }
 
 /// Says whether nothing is wrong but that structures are missing of which that was told already. Takes note of those of
@@ -211,6 +229,8 @@ bool MetadataRead::finish(std::string& errors)
 {
     if (mOrder == eOrder::kBackward)
         std::reverse(mBlocks.begin(), mBlocks.end());
+    if (mOrder == eOrder::kBackward && isListing())
+        std::reverse(mState.listing->begin(), mState.listing->end());
     std::sort(mFaults.begin(), mFaults.end(), [](const Fault& a, const Fault& b) { return a.position < b.position; });
     for (const Fault& fault : mFaults)
         errors += fault.messages;

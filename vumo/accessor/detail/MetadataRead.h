@@ -39,6 +39,9 @@ public:
 
     bool keepsUnread() const { return mState.found.areKept; }
 
+    /// Says whether nothing is read but what blocks there are, so that all are wanted, in any order.
+    bool isListing() const { return mState.listing != nullptr; }
+
     /// Adds a block that was found and gives its number.
     std::size_t add(FileBlock&& block);
 
@@ -78,6 +81,7 @@ private:
     bool countsSoFar(std::size_t number);
     void takeStructure(FileBlock& block, Structure& structure);
     void refuseStructure(FileBlock& block, std::string_view text, const std::string& messages);
+    void list(const FileBlock& block, std::string_view text);
     static void leaveUnread(FileBlock& block, const std::string& why);
     void addFault(const FileBlock& block, const std::string& messages, const std::string& what);
     bool isLackOfStructures(const std::string& messages);

@@ -78,6 +78,14 @@ std::string nodeText(const std::string& nodeName)
     return nodeName == AccessorOvri::getSceneAssociationsName() ? "the scene" : "node " + quoted(nodeName);
 }
 
+std::string placedMessages(const std::string& messages, const std::string& what, std::uint64_t position,
+                           const std::string& fileName)
+{
+    const bool endsLine = !messages.empty() && messages.back() == '\n';
+    return messages + (endsLine ? "" : "\n") + "in " + what + ", from byte " + std::to_string(position) + " of " +
+           fileName + "\n";
+}
+
 std::string messagesOf(const std::string& nodeName, const std::string& messages)
 {
     if (messages.empty())

@@ -4,6 +4,7 @@
 #include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,10 @@ std::string structureMessage(const Structure& structure, const std::string& faul
 
 /// What a message calls the node of that name, or the scene.
 std::string nodeText(const std::string& nodeName);
+
+/// The messages about a piece of a file, each on a line of its own, with a line that says where it stands.
+std::string placedMessages(const std::string& messages, const std::string& what, std::uint64_t position,
+                           const std::string& fileName);
 
 /// The messages about the metadata of a node, or of the scene, headed by its name; empty when there are none.
 std::string messagesOf(const std::string& nodeName, const std::string& messages);

@@ -195,8 +195,7 @@ public:
     bool run()
     {
         if (!isFileThatWasRead())
-            return refuse(mErrors,
-                          "The metadata of " + mFileName + " has been changed by somebody else since it was read.\n");
+            return refuse(mErrors, changedMessage(mFileName));
         plan();
         if (!keepsLayouts())
             return false;

@@ -19,4 +19,10 @@ inline bool replaceErrors(std::string& errors, const std::string& message)
     errors = message;
     return false;
 }
+
+/// What is said where other metadata stands in the file than was read.
+inline std::string changedMessage(const std::string& fileName)
+{
+    return "The metadata of " + fileName + " has been changed by somebody else since it was read.\n";
+}
 } // namespace vumo::Data::detail

@@ -42,7 +42,7 @@ bool SceneUpdate::begin(std::string& errors)
 bool SceneUpdate::checkUnchanged(std::uint64_t inFile, std::string& errors) const
 {
     return mState.conflict == Accessor::kOverwrite || inFile == mState.checksum ||
-           refuse(errors, "The metadata of " + mPlace.file + " has been changed by somebody else since it was read.\n");
+           refuse(errors, changedMessage(mPlace.file));
 }
 
 bool SceneUpdate::run(FileChange& change, FileBlocks&& newMetadata, std::string& errors)

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "vumo/accessor/MetadataBlock.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vumo::Data
+{
+/// A piece of metadata in a scene file, and what the lines of its text say where its format is "raw".
+struct ListedBlock : MetadataBlock
+{
+    struct Stream
+    {
+        std::string name;
+        std::string structure;
+        std::string indexType;
+        std::uint64_t elements = 0;
+        std::uint64_t bytes = 0; ///< of the lines of its elements, with their ends
+    };
+
+    struct Channel
+    {
+        std::string name;
+        std::vector<Stream> streams;
+    };
+
+    std::vector<Channel> channels; ///< of associations
+};
+} // namespace vumo::Data

@@ -1,0 +1,102 @@
+#include "vumo/accessor/detail/RawListing.h"
+
+#include "vumo/serialize/SerializerRaw.h"
+
+#include <algorithm>
+
+namespace vumo::Data::detail
+{
+namespace
+{
+constexpr std::string_view kBlanks = " \t\r";
+
+std::string_view trimmed(std::string_view text)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+/// Takes lines one by one, and adds to the channels what they say.
+class Lister
+{
+public:
+    /// Borrows the channels.
+    explicit Lister(std::vector<ListedBlock::Channel>& channels) : mChannels(channels) {}
+
+    /// The line comes with its end. False after the last one.
+    bool take(std::string_view line)
+    {
+        const std::string_view text = trimmed(line.substr(0, line.find('\n')));
+        if (text.empty())
+            return true;
+        if (mIsInStream)
+        {
+            takeStreamLine(text, line.size());
+            return true;
+        }
+        const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
+        if (word == SerializerRaw::keyword(SerializerRaw::kEndAssociations))
+            return false;
+        if (word == SerializerRaw::keyword(SerializerRaw::kChannel))
+            mChannels.emplace_back();
+        if (mChannels.empty())
+            return true;
+        if (word == SerializerRaw::keyword(SerializerRaw::kChannelName))
+            mChannels.back().name = trimmed(text.substr(word.size()));
+        mIsInStream = text == SerializerRaw::keyword(SerializerRaw::kStream);
+        if (mIsInStream)
+            mChannels.back().streams.emplace_back().indexType = "numeric"; // unless it says something else
+        mElementLines = 0;
+        return true;
+    }
+
+private:
+    /// Of a stream the lines in front of its first element say what it is.
+    void takeStreamLine(std::string_view text, std::size_t size)
+    {
+        ListedBlock::Stream& stream = mChannels.back().streams.back();
+        if (text == SerializerRaw::keyword(SerializerRaw::kEndStream))
+        {
+            mIsInStream = false;
+            return;
+        }
+        if (mElementLines == 0 && takeHeaderLine(text, stream))
+            return;
+        stream.bytes += size;
+        ++mElementLines;
+        stream.elements = (mElementLines + 1) / 2; // a line with the index, and one with the values
+    }
+
+    static bool takeHeaderLine(std::string_view text, ListedBlock::Stream& stream)
+    {
+        const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
+        const std::string_view value = trimmed(text.substr(word.size()));
+        std::string* const field = word == SerializerRaw::keyword(SerializerRaw::kStreamName)  ? &stream.name
+                                   : word == SerializerRaw::keyword(SerializerRaw::kIndexType) ? &stream.indexType
+                                   : word == SerializerRaw::keyword(SerializerRaw::kStructure) ? &stream.structure
+                                                                                               : nullptr;
+        if (field)
+            *field = value;
+        return field != nullptr;
+    }
+
+    std::vector<ListedBlock::Channel>& mChannels;
+    bool mIsInStream = false;
+    std::uint64_t mElementLines = 0;
+};
+} // namespace
+
+std::vector<ListedBlock::Channel> listChannels(std::string_view text)
+{
+    std::vector<ListedBlock::Channel> channels;
+    Lister lister(channels);
+    bool hasMore = true;
+    while (hasMore && !text.empty())
+    {
+        const std::string_view line = text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1);
+        text.remove_prefix(line.size());
+        hasMore = lister.take(line);
+    }
+    return channels;
+}
+} // namespace vumo::Data::detail
