@@ -8,6 +8,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <set>
+
 using namespace vumo::Data;
 
 namespace bench
@@ -23,6 +25,55 @@ FileReads readsOfLibrary(const SceneFile& file, const std::vector<Record>& expec
     if (digestOf(streamIn(*accessor)) != digestOf(expected))
         throw WrongResult("the library reads other records");
     return reads;
+}
+
+constexpr std::size_t kNodes = 20'000;
+constexpr std::size_t kElements = 10;
+
+std::string nodeName(std::size_t i)
+{
+    return "node" + std::to_string(i);
+}
+
+/// A scene in which each of many nodes has the records.
+std::shared_ptr<const SceneFile> sceneOfNodes(const std::string& extension, std::size_t nodes)
+{
+    constexpr std::uint64_t kSmallGeometry = 1 << 20;
+    const std::vector<Record> records = makeRecords(kElements);
+    const auto file = std::make_shared<const SceneFile>(extension, records, kSmallGeometry);
+    const std::unique_ptr<Accessor> accessor = writerOf(*file, records);
+    for (std::size_t i = 0; i < nodes; ++i)
+        accessor->associations()[nodeName(i)] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
+    write(*accessor);
+    return file;
+}
+
+/// Edits the label of one element there and back; reads nothing but its node, or all.
+Side labelEditing(const std::shared_ptr<const SceneFile>& file, const std::string& node, bool readsAll)
+{
+    const auto edit = [file, node, readsAll](const std::string& text) {
+        const std::unique_ptr<Accessor> accessor = accessorFor(*file);
+        accessor->setDurability(Accessor::kMemoryOnly);
+        accessor->setUnread(Accessor::kKeep);
+        const std::set<std::string> names = {node};
+        std::string errors;
+        if (!accessor->read(file->name(), nullptr, readsAll ? nullptr : &names, errors))
+            throw WrongResult("the library does not read the file: " + errors);
+        Handle record = streamIn(accessor->associations()[node]).element(kElements / 2);
+        record.setPositionByMemberName("Label");
+        const std::string before = record.str(0);
+        record.fromStr(text, 0, errors);
+        write(*accessor);
+        return before;
+    };
+    const std::string label = makeRecords(kElements)[kElements / 2].label;
+    const auto round = [edit, label](Stopwatch& watch) {
+        std::string edited;
+        watch.time([&] { edit(label + " or so"); });
+        watch.time([&] { edited = edit(label); });
+        return digestOf(std::vector<std::string>{edited, edit(label)});
+    };
+    return {round, digestOf(std::vector<std::string>{label + " or so", label})};
 }
 
 FileReads readsOfPread(const SceneFile& file)
@@ -105,6 +156,15 @@ void compareJournalAtScale(Comparison& comparison)
     const auto small = std::make_shared<const SceneFile>("ob", records, kSmallGeometry);
     comparison.run(records.size(), fileWriting(large, records, Accessor::kJournal),
                    fileWriting(small, records, Accessor::kJournal));
+}
+
+void compareNodeEdit(Comparison& comparison, const std::string& extension)
+{
+    const std::size_t nodes = comparison.scaled(kNodes);
+    const auto file = sceneOfNodes(extension, nodes);
+    const std::string node = nodeName(nodes / 2);
+    constexpr std::size_t kEdits = 2;
+    comparison.run(kEdits, labelEditing(file, node, false), labelEditing(file, node, true));
 }
 
 void compareBytesRead(Comparison& comparison, const std::string& extension)

@@ -31,4 +31,7 @@ std::vector<Record> recordsOfTextSize(std::size_t bytes);
 Side fileReading(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& expected);
 Side fileWriting(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& records,
                  vumo::Data::Accessor::eDurability durability);
+
+/// One label edited among many nodes: with a read of that node alone, which keeps the rest, against one of all.
+void compareNodeEdit(Comparison& comparison, const std::string& extension);
 } // namespace bench

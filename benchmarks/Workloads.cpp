@@ -120,6 +120,11 @@ const std::vector<Workload> kWorkloads = {
     {"file/ob/edit", ".ob: one label edited in place", "TagLib, a tag of a WAV file", kTime, 0, 0, kManyRounds,
      compareEditInPlace},
 
+    {"file/ob/node", ".ob: one label among 20k nodes, rest kept", "all nodes read and written", kTime, 0.05, 0.05,
+     kRounds, [](Comparison& c) { compareNodeEdit(c, "ob"); }},
+    {"file/oa/node", ".oa: one label among 20k nodes, rest kept", "all nodes read and written", kTime, 0.15, 0.15,
+     kRounds, [](Comparison& c) { compareNodeEdit(c, "oa"); }},
+
     {"scale/text/write", "text written, 1M elements", "itself, 10k", kTime, 1.3, 1.1, kRounds,
      compareTextWritingAtScale},
     {"scale/text/read", "text read, 1M elements", "itself, 10k", kTime, 1.3, 1.1, kRounds, compareTextReadingAtScale},
