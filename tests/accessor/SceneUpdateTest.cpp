@@ -1,9 +1,10 @@
+#include "vumo/accessor/detail/SceneUpdate.h"
+
 #include "tests/accessor/FileCallScript.h"
 #include "tests/support/Golden.h"
 #include "tests/support/Random.h"
 #include "tests/support/ScratchFile.h"
 #include "vumo/accessor/detail/Checksum.h"
-#include "vumo/accessor/detail/SceneUpdate.h"
 
 #include <algorithm>
 #include <filesystem>
