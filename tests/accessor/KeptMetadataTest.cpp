@@ -340,10 +340,14 @@ TEST_F(KeptMetadataTest, AFileThatSomebodyElseHasChanged_IsNotWritten)
               kind.structure(kWeight), kind.node("b", textWith("Weight", "1")) + a})
         {
             mFile->setBytes(kind.scene(metadata));
-            mErrors.clear();
-            EXPECT_FALSE(accessor->write(mErrors));
-            EXPECT_THAT(mErrors, testing::HasSubstr("has been changed by somebody else since it was read."));
-            EXPECT_EQ(mFile->bytes(), kind.scene(metadata));
+            for (const Accessor::eConflict conflict : {Accessor::kRefuse, Accessor::kOverwrite})
+            {
+                accessor->setConflict(conflict);
+                mErrors.clear();
+                EXPECT_FALSE(accessor->write(mErrors));
+                EXPECT_THAT(mErrors, testing::HasSubstr("has been changed by somebody else since it was read."));
+                EXPECT_EQ(mFile->bytes(), kind.scene(metadata));
+            }
         }
         // What the host does to its own lines and chunks is no matter.
         const std::string moved = kind.foreign("new") + kind.structure(kWeight) + kind.foreign("more") + a;

@@ -180,6 +180,30 @@ protected:
         EXPECT_TRUE(Structure::allStructures().empty());
     }
 
+    /// What a read leaves in the file is there after a write, byte by byte.
+    void expectRefusedOrKept(const std::string& damaged)
+    {
+        mFile.setBytes(damaged);
+        OvriBinaryFileAccessor accessor;
+        accessor.setUnread(Accessor::kKeep);
+        accessor.setDurability(Accessor::kMemoryOnly);
+        std::string errors;
+        const bool isRead = accessor.read(mFile.name(), errors);
+        EXPECT_EQ(isRead, errors.empty()) << errors;
+        if (!isRead)
+            return;
+        const std::vector<UnreadBlock> before = accessor.unread();
+        const bool isWritten = accessor.write(errors);
+        EXPECT_EQ(isWritten, errors.empty()) << errors;
+        const std::string bytes = mFile.bytes();
+        EXPECT_TRUE(isWritten || bytes == damaged);
+        const std::vector<UnreadBlock> after = accessor.unread();
+        ASSERT_EQ(after.size(), before.size());
+        for (std::size_t i = 0; i < after.size(); ++i)
+            EXPECT_EQ(bytes.substr(after[i].position, after[i].length),
+                      damaged.substr(before[i].position, before[i].length));
+    }
+
     void expectRefusedOrWritten(const std::string& damaged)
     {
         mFile.setBytes(damaged);
@@ -202,6 +226,7 @@ protected:
     void damage(const std::string& damaged)
     {
         expectRefusedOrRead(damaged);
+        expectRefusedOrKept(damaged);
         expectRefusedOrWritten(damaged);
     }
 
