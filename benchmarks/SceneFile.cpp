@@ -51,6 +51,7 @@ std::unique_ptr<Accessor> writerOf(const SceneFile& file, const std::vector<Reco
 {
     std::unique_ptr<Accessor> accessor = accessorFor(file);
     read(*accessor, file);
+    accessor->setConflict(Accessor::kOverwrite); // others write to the file, too
     accessor->setStructures({&recordStructure()});
     accessor->associations()[kNode] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
     return accessor;
