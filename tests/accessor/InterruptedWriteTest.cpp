@@ -300,17 +300,20 @@ TEST_F(InterruptedWriteTest, ACallThatFails_LeavesTheFileAsItWas)
                 EXPECT_EQ(mFile->bytes(), isWritten ? mNew : mOld);
                 EXPECT_FALSE(mFile->hasRecord());
                 EXPECT_EQ(isWritten, mErrors.empty());
+                EXPECT_EQ(mAccessor->failure().kind, isWritten ? Accessor::Failure::kNone : Accessor::Failure::kSystem);
+                EXPECT_EQ(mAccessor->failure().systemError, isWritten ? 0 : error);
                 if (!isWritten && (messages.empty() || messages.back() != mErrors))
                     messages.push_back(mErrors);
             }
-            std::vector<std::string> expected = {"Could not write the undo record " + mFile->recordName() + ".\n"};
+            const std::string reason = std::string(": ") + std::strerror(error) + ".\n";
+            std::vector<std::string> expected = {"Could not write the undo record " + mFile->recordName() + reason};
             const std::vector<std::string> steps = ofThisChange(kind, kind.writeMessages);
             expected.insert(expected.end(), steps.begin(), steps.end());
             if (expected.back() != kind.writeMessages.back())
                 expected.push_back(kind.writeMessages.back()); // also that of a sync
             if (mNew.size() < mOld.size())
                 expected.push_back("Could not truncate the file.");
-            expected.push_back("Could not remove the undo record " + mFile->recordName() + ".\n");
+            expected.push_back("Could not remove the undo record " + mFile->recordName() + reason);
             EXPECT_EQ(messages, expected);
         }
     });
@@ -339,6 +342,7 @@ TEST_F(InterruptedWriteTest, ASeekOrAReadThatFails_LeavesTheFileAsItWas)
                 EXPECT_FALSE(mFile->hasRecord());
                 if (!isWritten)
                     messages.push_back(mErrors);
+                EXPECT_TRUE(isWritten || calls == Script::kSeeks || mAccessor->failure().systemError == EIO);
             }
             all.insert(all.end(), messages.begin(), messages.end());
             const std::vector<std::string> last = ofThisChange(kind, kind.seekMessages);
@@ -350,7 +354,7 @@ TEST_F(InterruptedWriteTest, ASeekOrAReadThatFails_LeavesTheFileAsItWas)
             else
             {
                 EXPECT_NE(std::find(messages.begin(), messages.end(),
-                                    "Could not read the old bytes of " + mFile->name() + ".\n"),
+                                    "Could not read the old bytes of " + mFile->name() + ": Input/output error.\n"),
                           messages.end());
             }
         }

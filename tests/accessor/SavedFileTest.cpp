@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <functional>
 
 namespace vumo::test
 {
@@ -230,6 +232,128 @@ TEST_F(SavedFileTest, Writing_IsDoneByOneAtATime)
     close(writer);
     EXPECT_TRUE(readScene(mName));
     EXPECT_EQ(bytesOf(mName), mScene);
+}
+
+TEST_F(SavedFileTest, Failures_HaveAKindAndTheSystemsNumber)
+{
+    using Failure = Accessor::Failure;
+    const std::string bare = "//Ovri ASCII 2014 scene\nselect -ne :a;\n// End of it\n";
+    const struct
+    {
+        const char* ending;
+        std::string scene;
+        std::string faulty; // in its metadata
+    } kinds[] = {{".oa", bare, "//Ovri ASCII 2014 scene\napplyMetadata x;\n// End of it\n"},
+                 {".ob", mScene, sceneWith(chunk("DATS", "x"))}};
+    for (const auto& kind : kinds)
+    {
+        const std::string name = mFolder / (std::string("kinds") + kind.ending);
+        std::unique_ptr<Accessor> accessor = Accessor::accessorByExtension(name);
+        std::string errors;
+        const auto reads = [&](const std::string& file) { return accessor->read(file, errors); };
+        const auto writes = [&] { return accessor->write(errors); };
+        const struct
+        {
+            const char* what;
+            std::function<bool()> call;
+            Failure::eKind kind;
+            int systemError;
+        } cases[] = {
+            {"write without a name", writes, Failure::kNoFile, ENOENT},
+            {"read without a name", [&] { return reads(""); }, Failure::kNoFile, 0},
+            {"no file", [&] { return reads(mFolder / "none"); }, Failure::kNoFile, ENOENT},
+            {"no folder", [&] { return reads(name + "/none"); }, Failure::kNoFile, ENOTDIR},
+            {"write to no file", writes, Failure::kNoFile, ENOTDIR},
+            {"a folder", [&] { return reads(mFolder.name()); }, Failure::kNotScene, EINVAL},
+            {"read", [&] { return reads(name); }, Failure::kNone, 0},
+            {"write", writes, Failure::kNone, 0},
+            {"refused",
+             [&] {
+                 accessor->associations()[std::string(1, '\0')] =
+                     associationsOf("vertex", "weights", *mWeight, 0, "0.75");
+                 return writes();
+             },
+             Failure::kRefused, 0},
+            {"changed",
+             [&] {
+                 accessor->clear();
+                 attach(name, "Body", associationsOf("vertex", "weights", *mWeight, 0, "0.75"));
+                 return writes();
+             },
+             Failure::kChanged, 0},
+            {"locked",
+             [&] {
+                 const int writer = open(name.c_str(), O_RDONLY);
+                 EXPECT_EQ(flock(writer, LOCK_EX), 0);
+                 const bool isWritten = writes();
+                 close(writer);
+                 return isWritten;
+             },
+             Failure::kLocked, 0},
+            {"written to",
+             [&] {
+                 setBytes(name + kEnding, "x");
+                 const int writer = open(name.c_str(), O_RDONLY);
+                 EXPECT_EQ(flock(writer, LOCK_EX), 0);
+                 const bool isRead = reads(name);
+                 close(writer);
+                 return isRead;
+             },
+             Failure::kLocked, 0},
+            {"a foreign record", [&] { return reads(name); }, Failure::kNotRestored, 0},
+            {"a record that is a folder",
+             [&] {
+                 fs::remove(name + kEnding);
+                 fs::create_directory(name + kEnding);
+                 const bool isRead = reads(name);
+                 fs::remove(name + kEnding);
+                 return isRead;
+             },
+             Failure::kNotRestored, EINVAL},
+            {"not a scene",
+             [&] {
+                 setBytes(name, "some text that is no scene at all");
+                 return reads(name);
+             },
+             Failure::kNotScene, 0},
+            {"malformed",
+             [&] {
+                 setBytes(name, kind.faulty);
+                 return reads(name);
+             },
+             Failure::kMalformed, 0},
+            {"a bad disk",
+             [&] {
+                 FileCallScript script;
+                 script.mCalls = FileCallScript::kReads;
+                 script.mTurn = 1;
+                 script.mAction = FileCallScript::kFail;
+                 script.mError = EIO;
+                 const FileCallScript::Use use(script);
+                 return reads(name);
+             },
+             Failure::kSystem, EIO},
+        };
+        setBytes(name, kind.scene);
+        EXPECT_EQ(accessor->failure().kind, Failure::kNone);
+        for (const auto& row : cases)
+        {
+            SCOPED_TRACE(kind.ending + std::string(" ") + row.what);
+            errors.clear();
+            EXPECT_EQ(row.call(), row.kind == Failure::kNone) << errors;
+            EXPECT_EQ(accessor->failure().kind, row.kind) << errors;
+            EXPECT_EQ(accessor->failure().systemError, row.systemError) << errors;
+            EXPECT_EQ(accessor->failure().systemReason(), row.systemError == 0 ? "" : std::strerror(row.systemError));
+        }
+        setBytes(name, kind.scene);
+        ASSERT_EQ(chmod(name.c_str(), 0), 0);
+        EXPECT_EQ(asAnyUser([&] {
+                      return std::to_string(!reads(name) && accessor->failure().kind == Failure::kNoAccess &&
+                                            accessor->failure().systemError == EACCES);
+                  }),
+                  "1");
+        ASSERT_EQ(chmod(name.c_str(), 0644), 0);
+    }
 }
 
 TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFile_IsNotApplied)

@@ -125,6 +125,7 @@ protected:
     }
 
     const ScratchFile mFile{".bin"};
+    Accessor::Failure mFailure;
     std::string mErrors;
 };
 
@@ -151,7 +152,7 @@ TEST_F(SceneUpdatePropertyTest, AnyChangeEndedAnywhere_IsMadeAsAWholeOrNotAtAll)
         while (mFile.hasRecord() && !HasFailure()) // also when it is ended again
         {
             script.mTurn = 1 + static_cast<int>(random.below(6));
-            isEndedBy(script, [&] { return recover(UndoPlace(mFile.name()), LockWait(0), mErrors); });
+            isEndedBy(script, [&] { return recover(UndoPlace(mFile.name()), LockWait(0), mFailure, mErrors); });
         }
         const std::string bytes = mFile.bytes();
         EXPECT_TRUE(bytes == after || (isEnded && bytes == before));
@@ -183,7 +184,7 @@ TEST_F(SceneUpdatePropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRestor
         {
             const std::string left = bytesOnDisk(random, before, after);
             mFile.setBytes(left);
-            EXPECT_TRUE(recover(UndoPlace(mFile.name()), LockWait(0), mErrors)) << mErrors;
+            EXPECT_TRUE(recover(UndoPlace(mFile.name()), LockWait(0), mFailure, mErrors)) << mErrors;
             EXPECT_TRUE(mFile.bytes() == (left == after ? after : before));
             restored += left != before && left != after;
             mFile.setRecord(undo);
@@ -197,7 +198,7 @@ TEST_F(SceneUpdateGoldenTest, TheRecord_FollowsItsLayout)
 {
     leaveBetween();
     EXPECT_EQ(mFile.record(), goldenBytes("undo_record.hex"));
-    EXPECT_TRUE(recover(UndoPlace(mFile.name()), LockWait(0), mErrors)) << mErrors;
+    EXPECT_TRUE(recover(UndoPlace(mFile.name()), LockWait(0), mFailure, mErrors)) << mErrors;
     EXPECT_EQ(mFile.bytes(), "head, a scene, old tail");
 }
 
@@ -209,7 +210,7 @@ TEST_F(SceneUpdateTest, ARecordThatIsDamaged_ChangesNothing)
     const auto expectNothing = [&](const std::string& bytes) {
         mFile.setRecord(bytes);
         mErrors.clear();
-        const bool isRecovered = recover(UndoPlace(mFile.name()), LockWait(0), mErrors);
+        const bool isRecovered = recover(UndoPlace(mFile.name()), LockWait(0), mFailure, mErrors);
         EXPECT_EQ(isRecovered, !mFile.hasRecord());
         EXPECT_EQ(mErrors.empty(), !mFile.hasRecord());
         EXPECT_EQ(mFile.bytes(), file);
@@ -271,9 +272,10 @@ TEST_F(SceneUpdateTest, AReadThatFails_MakesNoRecordUnfit)
         script.mError = EIO;
         const FileCallScript::Use use(script);
         mErrors.clear();
-        if (recover(UndoPlace(mFile.name()), LockWait(0), mErrors))
+        if (recover(UndoPlace(mFile.name()), LockWait(0), mFailure, mErrors))
             continue;
-        EXPECT_EQ(mErrors, "Could not restore " + mFile.name() + " from " + mFile.recordName() + ".\n");
+        EXPECT_EQ(mErrors,
+                  "Could not restore " + mFile.name() + " from " + mFile.recordName() + ": Input/output error.\n");
         EXPECT_EQ(mFile.bytes(), file);
         EXPECT_TRUE(mFile.hasRecord());
     }
@@ -325,7 +327,7 @@ TEST_F(SceneUpdateTest, ARecordThatContradictsItself_IsRefused)
         bytes.replace(position, 8, bigEndian(checksum.value()));
         mFile.setRecord(bytes);
         mErrors.clear();
-        EXPECT_FALSE(recover(UndoPlace(mFile.name()), LockWait(0), mErrors));
+        EXPECT_FALSE(recover(UndoPlace(mFile.name()), LockWait(0), mFailure, mErrors));
         EXPECT_EQ(mFile.bytes(), file);
     }
     std::remove(mFile.recordName().c_str());

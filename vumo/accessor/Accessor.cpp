@@ -97,6 +97,11 @@ bool Accessor::StructureNameLessThan::operator()(const Structure* a, const Struc
     return std::strcmp(a->name(), b->name()) < 0;
 }
 
+std::string Accessor::Failure::systemReason() const
+{
+    return detail::systemReason(systemError);
+}
+
 Accessor::Accessor() : mImpl(std::make_unique<Impl>()) {}
 
 Accessor::~Accessor()
@@ -168,6 +173,11 @@ std::uint64_t Accessor::checksum() const
     return mImpl->checksum;
 }
 
+const Accessor::Failure& Accessor::failure() const
+{
+    return mImpl->failure;
+}
+
 void Accessor::setLockWait(unsigned int milliseconds)
 {
     mImpl->lockWait = milliseconds;
@@ -194,16 +204,17 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         mImpl->associations.clear();
         mImpl->found = {};
         mImpl->checksum = 0;
+        mImpl->failure = {};
         const detail::LockWait wait(mImpl->lockWait);
         const std::string given = errors;
-        bool isBusy = false;
-        bool isRead = readOnce(structureNames, associationNames, wait, isBusy, errors);
-        while (isBusy && wait.pause())
+        bool isRead = readOnce(structureNames, associationNames, wait, errors);
+        while (mImpl->failure.kind == Failure::kLocked && wait.pause())
         {
             errors = given;
             Structure::deleteAllStructures();
             mImpl->associations.clear();
-            isRead = readOnce(structureNames, associationNames, wait, isBusy, errors);
+            mImpl->failure = {};
+            isRead = readOnce(structureNames, associationNames, wait, errors);
         }
         if (isRead)
             keepRegisteredStructures();
@@ -218,19 +229,22 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
     }
 }
 
-/// Tries to read. Says whether what was read is worth nothing because somebody else was writing meanwhile.
+/// Tries to read. What is read while somebody else is writing is worth nothing.
 bool Accessor::readOnce(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
-                        const detail::LockWait& wait, bool& isBusy, std::string& errors)
+                        const detail::LockWait& wait, std::string& errors)
 {
-    isBusy = false;
     const detail::UndoPlace place(fileName());
-    if (!detail::recover(place, wait, errors))
+    if (!detail::recover(place, wait, mImpl->failure, errors))
         return false;
     const WriteWatch watch(place); // from here on only: recovering writes, too
     const bool isRead = performRead(structureNames, associationNames, errors);
     mImpl->checksum = mImpl->found.checksum();
-    isBusy = watch.hasSeenWriting();
-    return !isBusy ? isRead : detail::refuse(errors, fileName() + " is being written by somebody else.\n");
+    if (watch.hasSeenWriting())
+    {
+        mImpl->failure = {Failure::kLocked};
+        return detail::refuse(errors, fileName() + " is being written by somebody else.\n");
+    }
+    return isRead || mImpl->fail(Failure::kMalformed);
 }
 
 /// Holds nothing, and knows nothing about the file.
@@ -249,12 +263,17 @@ bool Accessor::readMore(const std::set<std::string>& names, std::string& errors)
     if (!more)
         return false;
     more->setUnread(kKeep);
-    if (!more->read(fileName(), nullptr, &names, errors))
+    const bool isRead = more->read(fileName(), nullptr, &names, errors);
+    mImpl->failure = more->failure();
+    if (!isRead)
         return false;
     const std::vector<detail::FileBlock>& now = more->mImpl->found.blocks;
     const auto isSame = [](const detail::FileBlock& a, const detail::FileBlock& b) { return a.checksum == b.checksum; };
     if (!std::equal(blocks.begin(), blocks.end(), now.begin(), now.end(), isSame))
+    {
+        mImpl->failure = {Failure::kChanged};
         return detail::refuse(errors, detail::changedMessage(fileName()));
+    }
     std::string faults;
     for (const UnreadBlock& block : more->unread())
     {
@@ -263,7 +282,10 @@ bool Accessor::readMore(const std::set<std::string>& names, std::string& errors)
                                              block.position, fileName());
     }
     if (!faults.empty())
+    {
+        mImpl->failure = {Failure::kMalformed};
         return detail::refuse(errors, faults);
+    }
     for (std::size_t i = 0; i < blocks.size(); ++i)
     {
         if (blocks[i].state == detail::FileBlock::kUnread && now[i].state == detail::FileBlock::kRead &&
@@ -385,7 +407,8 @@ bool Accessor::list(const std::string& fileName, std::vector<ListedBlock>& entri
 
 bool Accessor::recover(const std::string& fileName, std::string& errors)
 {
-    return detail::recover(detail::UndoPlace(fileName), detail::LockWait(0), errors);
+    Failure ignored;
+    return detail::recover(detail::UndoPlace(fileName), detail::LockWait(0), ignored, errors);
 }
 
 bool Accessor::Debug(const Accessor* object, vumo::Debug::Print& request)

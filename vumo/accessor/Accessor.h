@@ -88,6 +88,30 @@ public:
         kKeep
     };
 
+    /// Why a read() or a write() failed.
+    struct VUMO_EXPORT Failure
+    {
+        enum eKind
+        {
+            kNone,        ///< it did not fail
+            kNoFile,      ///< there is no such file, or none was named
+            kNoAccess,    ///< the file must not be read, or must not be written to
+            kNotScene,    ///< it is no scene of the accessor's kind, as isFileSupported() tells
+            kMalformed,   ///< the scene's end or its metadata are damaged, or cannot be read here
+            kRefused,     ///< what is to be written could not be read again
+            kLocked,      ///< somebody else is writing to the file
+            kChanged,     ///< somebody else has changed the metadata since they were read, or replaced the file
+            kNotRestored, ///< an earlier write() was interrupted, and the file cannot be restored
+            kSystem       ///< another call of the system failed
+        };
+
+        /// What the system says about it, in English; empty when it says nothing.
+        std::string systemReason() const;
+
+        eKind kind = kNone;
+        int systemError = 0; ///< `errno` of the call that failed; 0 when none did
+    };
+
     /// What write() does when somebody else has changed the metadata in the file.
     enum eConflict
     {
@@ -160,6 +184,9 @@ public:
     /// writing, before they refuse; at first 0.
     void setLockWait(unsigned int milliseconds);
     unsigned int lockWait() const;
+
+    /// Why the last read(), readMore() or write() failed. The messages in `errors` say what failed, and where.
+    const Failure& failure() const;
 
     /// Reads more nodes of the file, by the names that `associationNames` has in read(), and adds them to
     /// associations(), and the structures that they use to structures(). Leaves alone what is there already. The last
@@ -256,7 +283,7 @@ private:
     struct Impl;
 
     bool readOnce(const std::set<std::string>* structureNames, const std::set<std::string>* associationNames,
-                  const detail::LockWait& wait, bool& isBusy, std::string& errors);
+                  const detail::LockWait& wait, std::string& errors);
     void forget();
     void keepRegisteredStructures();
     void takeOver(detail::FileBlock& block, const Associations& associations);

@@ -156,11 +156,9 @@ bool endsWithMainChunk(std::istream& in, const Trailer& trailer)
     return in && static_cast<std::uint64_t>(in.tellg()) <= trailer.mainChunkEnd();
 }
 
-/// Finds the trailer and leaves the stream at its start, once nothing speaks against rewriting it.
-bool findTrailer(std::istream& in, Trailer& trailer, std::string& errors)
+/// Says whether nothing speaks against rewriting the trailer. Leaves the stream at its start.
+bool canRewrite(std::istream& in, const Trailer& trailer, std::string& errors)
 {
-    if (!BinaryReader::seekToTrailerStart(in, trailer.mMainSizePosition, trailer.mSizePosition, trailer.mEnd, errors))
-        return false;
     if (!hasGroupHeader(in, trailer))
         return refuse(errors, "Could not find the trailer group before the trailer.\n");
     if (!endsWithMainChunk(in, trailer))
@@ -334,10 +332,15 @@ bool BinaryWriter::writeMetadata(AccessorState& metadata, std::string& errors)
     });
     const LocaleEncoding encoding;
     FileBlocks written;
-    return findTrailer(in, trailer, errors) && findRegion(in, trailer, encoding, region, errors) &&
-           update.checkUnchanged(region.checksum(), errors) &&
-           replaceMetadata(chunkForm(encoding), metadata, region, replacement, written, errors) &&
-           replaceInTrailer(update, trailer, replacement, std::move(written), errors);
+    if (!BinaryReader::seekToTrailerStart(in, trailer.mMainSizePosition, trailer.mSizePosition, trailer.mEnd, errors))
+        return update.failAs(Accessor::Failure::kNotScene);
+    if (!canRewrite(in, trailer, errors) || !findRegion(in, trailer, encoding, region, errors))
+        return update.failAs(Accessor::Failure::kMalformed);
+    if (!update.checkUnchanged(region.checksum(), errors))
+        return false;
+    return (replaceMetadata(chunkForm(encoding), metadata, region, replacement, written, errors) &&
+            replaceInTrailer(update, trailer, replacement, std::move(written), errors)) ||
+           update.failAs(Accessor::Failure::kRefused);
 }
 
 bool BinaryWriter::Debug(const BinaryWriter* object, vumo::Debug::Print& request)

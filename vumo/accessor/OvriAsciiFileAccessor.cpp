@@ -9,6 +9,15 @@
 
 namespace vumo::Data
 {
+namespace
+{
+bool isScene(std::istream& in)
+{
+    std::string ignored;
+    return detail::AsciiReader::checkHeader(in, ignored);
+}
+} // namespace
+
 bool OvriAsciiFileAccessor::write(std::string& errors) const
 {
     return detail::AsciiWriter::writeMetadata(state(), errors);
@@ -18,21 +27,30 @@ bool OvriAsciiFileAccessor::isFileSupported(const std::string& fileName) const
 {
     const detail::File file(fileName, detail::File::eMode::kRead);
     detail::FileInput in(file);
-    std::string errors;
-    return detail::AsciiReader::checkHeader(in, errors);
+    return isScene(in);
 }
 
 bool OvriAsciiFileAccessor::performRead(const std::set<std::string>* structureNames,
                                         const std::set<std::string>* associationNames, std::string& errors)
 {
     if (fileName().empty())
+    {
+        state().fail(Failure::kNoFile);
         return detail::replaceErrors(errors, "Empty file name.");
+    }
     const detail::File file(fileName(), detail::File::eMode::kRead);
     detail::FileInput in(file);
     if (!in)
+    {
+        state().failure = detail::openFailure(file);
         return detail::replaceErrors(errors, "Could not open " + fileName());
+    }
     detail::MetadataRead read(state(), detail::MetadataRead::eOrder::kBackward, structureNames, associationNames);
-    return detail::AsciiReader::readMetadata(in, read, errors);
+    if (detail::AsciiReader::readMetadata(in, read, errors))
+        return true;
+    in.clear();
+    in.seekg(0);
+    return state().fail(isScene(in) ? Failure::kMalformed : Failure::kNotScene, file.error());
 }
 
 bool OvriAsciiFileAccessor::Debug(const OvriAsciiFileAccessor* object, vumo::Debug::Print& request)

@@ -4,12 +4,25 @@
 #include "vumo/accessor/BinaryWriter.h"
 #include "vumo/accessor/detail/FileInput.h"
 #include "vumo/accessor/detail/MetadataRead.h"
+#include "vumo/accessor/detail/Refusal.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <cstdint>
 
 namespace vumo::Data
 {
+namespace
+{
+bool isScene(std::istream& in)
+{
+    std::uint64_t mainSizePosition = 0;
+    std::uint64_t trailerSizePosition = 0;
+    std::uint64_t trailerEnd = 0;
+    std::string ignored;
+    return BinaryReader::seekToTrailerStart(in, mainSizePosition, trailerSizePosition, trailerEnd, ignored);
+}
+} // namespace
+
 bool OvriBinaryFileAccessor::write(std::string& errors) const
 {
     return BinaryWriter::writeMetadata(state(), errors);
@@ -19,11 +32,7 @@ bool OvriBinaryFileAccessor::isFileSupported(const std::string& fileName) const
 {
     const detail::File file(fileName, detail::File::eMode::kRead);
     detail::FileInput in(file);
-    std::uint64_t mainSizePosition = 0;
-    std::uint64_t trailerSizePosition = 0;
-    std::uint64_t trailerEnd = 0;
-    std::string errors;
-    return BinaryReader::seekToTrailerStart(in, mainSizePosition, trailerSizePosition, trailerEnd, errors);
+    return isScene(in);
 }
 
 bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureNames,
@@ -31,13 +40,19 @@ bool OvriBinaryFileAccessor::performRead(const std::set<std::string>* structureN
 {
     if (fileName().empty())
     {
-        errors += "Empty file name.";
-        return false;
+        state().fail(Failure::kNoFile);
+        return detail::refuse(errors, "Empty file name.");
     }
     const detail::File file(fileName(), detail::File::eMode::kRead);
     detail::FileInput in(file);
     detail::MetadataRead read(state(), detail::MetadataRead::eOrder::kForward, structureNames, associationNames);
-    return BinaryReader::readMetadata(in, read, errors);
+    if (BinaryReader::readMetadata(in, read, errors))
+        return true;
+    if (!file.isOpen())
+        state().failure = detail::openFailure(file);
+    in.clear();
+    in.seekg(0);
+    return state().fail(isScene(in) ? Failure::kMalformed : Failure::kNotScene, file.error());
 }
 
 bool OvriBinaryFileAccessor::Debug(const OvriBinaryFileAccessor* object, vumo::Debug::Print& request)

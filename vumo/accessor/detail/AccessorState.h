@@ -2,10 +2,12 @@
 
 #include "vumo/accessor/Accessor.h"
 #include "vumo/accessor/ListedBlock.h"
+#include "vumo/accessor/detail/File.h"
 #include "vumo/accessor/detail/FileBlocks.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Numbers.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -28,5 +30,36 @@ struct AccessorState
     FileBlocks found;                            ///< by the last read
     std::uint64_t checksum = 0;                  ///< of the metadata in the file; 0: nothing is known about them
     std::vector<ListedBlock>* listing = nullptr; ///< the next read gives this and no metadata
+    Accessor::Failure failure;                   ///< of the last read or write
+
+    /// Takes note of why a step failed, unless that is known already: of the system's error, if there is one. False.
+    bool fail(Accessor::Failure::eKind kind, int systemError = 0)
+    {
+        if (failure.kind == Accessor::Failure::kNone)
+            failure = {systemError == 0 ? kind : Accessor::Failure::kSystem, systemError};
+        return false;
+    }
 };
+
+/// Why the file could not be opened.
+inline Accessor::Failure openFailure(const File& file)
+{
+    using Failure = Accessor::Failure;
+    switch (file.error())
+    {
+    case ENOENT:
+    case ENOTDIR:
+        return {Failure::kNoFile, file.error()};
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return {Failure::kNoAccess, file.error()};
+    case EINVAL: // it is no regular file
+    case EISDIR:
+    case ENXIO: // it is a pipe or a socket
+        return {Failure::kNotScene, file.error()};
+    default:
+        return {Failure::kSystem, file.error()};
+    }
+}
 } // namespace vumo::Data::detail

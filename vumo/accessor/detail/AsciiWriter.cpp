@@ -240,9 +240,12 @@ bool AsciiWriter::writeMetadata(AccessorState& metadata, std::string& errors)
         return appendBytes(in, from, to, bytes, errors);
     });
     FileBlocks written;
-    if (!findRegion(in, region, errors) || !update.checkUnchanged(region.checksum(), errors) ||
-        !replaceMetadata(statementForm(), metadata, region, replacement, written, errors))
+    if (!findRegion(in, region, errors))
+        return update.failAs(Accessor::Failure::kMalformed);
+    if (!update.checkUnchanged(region.checksum(), errors))
         return false;
+    if (!replaceMetadata(statementForm(), metadata, region, replacement, written, errors))
+        return update.failAs(Accessor::Failure::kRefused);
     FileChange change(replacement.newPlaceOf(region.end), "Could not truncate the file.");
     change.add(replacement.from(), std::move(replacement.bytes()), "Could not seek to metadata start.",
                "Failed to append the file trailer.");

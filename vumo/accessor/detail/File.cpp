@@ -1,12 +1,14 @@
 #include "vumo/accessor/detail/File.h"
 
 #include <fcntl.h>
+#include <locale.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 
@@ -60,7 +62,7 @@ File::File(const std::string& name, eMode mode)
     mDescriptor = uninterrupted([&] { return open(name.c_str(), flagsFor(mode), S_IRUSR | S_IWUSR); });
     if (!isOpen())
     {
-        mOpenError = errno; // before anything else sets it
+        mError = errno; // before anything else sets it
         return;
     }
     const mode_t wanted = mode == eMode::kDirectory ? S_IFDIR : S_IFREG;
@@ -68,7 +70,7 @@ File::File(const std::string& name, eMode mode)
     {
         close(mDescriptor);
         mDescriptor = -1;
-        mOpenError = EINVAL; // it is there, but no file to read or write
+        mError = EINVAL; // it is there, but no file to read or write
     }
 }
 
@@ -104,6 +106,8 @@ std::size_t File::read(std::uint64_t position, char* bytes, std::size_t count) c
     {
         const ssize_t got = uninterrupted(
             [&] { return pread(mDescriptor, bytes + done, count - done, static_cast<off_t>(position + done)); });
+        if (got < 0)
+            mError = errno;
         if (got <= 0)
             break;
         done += static_cast<std::size_t>(got);
@@ -129,13 +133,17 @@ bool File::write(std::uint64_t position, const char* bytes, std::size_t count) c
 
 bool File::truncate(std::uint64_t size) const
 {
-    return uninterrupted([&] { return ftruncate(mDescriptor, static_cast<off_t>(size)); }) == 0;
+    const bool isDone = uninterrupted([&] { return ftruncate(mDescriptor, static_cast<off_t>(size)); }) == 0;
+    mError = isDone ? mError : errno;
+    return isDone;
 }
 
 bool File::sync() const
 {
     // Some file systems cannot sync a directory and say so.
-    return uninterrupted([&] { return fsync(mDescriptor); }) == 0 || errno == EINVAL;
+    const bool isDone = uninterrupted([&] { return fsync(mDescriptor); }) == 0 || errno == EINVAL;
+    mError = isDone ? mError : errno;
+    return isDone;
 }
 
 bool File::tryLock() const
@@ -189,6 +197,12 @@ std::string File::realName(const std::string& name)
     if (!path && errno == ENOMEM)
         throw std::bad_alloc(); // there can be such a file, and a record of it, all the same
     return path ? path.get() : "";
+}
+
+std::string systemReason(int error)
+{
+    static const locale_t theEnglish = newlocale(LC_ALL_MASK, "C", nullptr);
+    return error == 0 ? "" : strerror_l(error, theEnglish);
 }
 
 FileStamp::FileStamp(const std::string& name)

@@ -31,8 +31,9 @@ public:
 
     bool isOpen() const { return mDescriptor >= 0; }
 
-    /// Why the file could not be opened, as `errno` has it.
-    int openError() const { return mOpenError; }
+    /// `errno` of the last call on this file that failed, opening it among them; 0 when none did. Does not tell of
+    /// positions that are not allowed.
+    int error() const { return mError; }
 
     /// Says whether the name leads to this file still.
     bool hasName(const std::string& name) const;
@@ -78,8 +79,11 @@ public:
 
 private:
     int mDescriptor;
-    int mOpenError = 0;
+    mutable int mError = 0;
 };
+
+/// What the system says about that value of `errno`, in English whatever the locale is; empty for 0.
+std::string systemReason(int error);
 
 /// What shows that a file was written to, or that a name leads to another file. All zero when there is none.
 struct FileStamp

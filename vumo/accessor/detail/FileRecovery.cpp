@@ -3,6 +3,8 @@
 #include "vumo/accessor/detail/Refusal.h"
 #include "vumo/accessor/detail/UndoRecord.h"
 
+#include <cerrno>
+
 namespace vumo::Data::detail
 {
 namespace
@@ -16,28 +18,34 @@ bool isTrusted(const File& recordFile, const File& file, const UndoPlace& place)
     return recordFile.hasOwnerOf(file) || (directory.isOpen() && !directory.isSticky());
 }
 
-bool refuseRecord(const UndoPlace& place, std::string& errors)
+bool refuseRecord(const UndoPlace& place, const File& recordFile, Accessor::Failure& failure, std::string& errors)
 {
+    failure.systemError = recordFile.error();
     return refuse(errors, place.record + " is not an undo record that can be used. Move it away to go on.\n");
 }
 
-bool failToRestore(const UndoPlace& place, std::string& errors)
+bool failToRestore(const UndoPlace& place, int error, Accessor::Failure& failure, std::string& errors)
 {
-    return refuse(errors, "Could not restore " + place.file + " from " + place.record + ".\n");
+    failure.systemError = error;
+    return refuse(errors, withReason("Could not restore " + place.file + " from " + place.record, error));
 }
 
-bool lock(const File& file, const UndoPlace& place, const LockWait& wait, std::string& errors)
+bool lock(const File& file, const UndoPlace& place, const LockWait& wait, Accessor::Failure& failure,
+          std::string& errors)
 {
     while (!file.tryLock())
     {
-        if (!wait.pause())
-            return refuse(errors, place.file + " is being written by somebody else.\n");
+        if (wait.pause())
+            continue;
+        failure = {Accessor::Failure::kLocked};
+        return refuse(errors, place.file + " is being written by somebody else.\n");
     }
     return true;
 }
 
 /// Makes the file what it was before the change, or leaves it what it is after all of it.
-bool apply(const UndoRecord& record, const File& file, const UndoPlace& place, std::string& errors)
+bool apply(const UndoRecord& record, const File& file, const UndoPlace& place, Accessor::Failure& failure,
+           std::string& errors)
 {
     const UndoRecord::eFit fit = record.fit(file);
     if (fit == UndoRecord::eFit::kNone)
@@ -47,28 +55,33 @@ bool apply(const UndoRecord& record, const File& file, const UndoPlace& place, s
     const bool isKnown = fit != UndoRecord::eFit::kUnknown;
     const bool isWhole = isKnown && (fit != UndoRecord::eFit::kMixed || record.restore(file));
     // Also a file that needs nothing is synced: its record goes next, and what it shows may not be on the disk yet.
-    return (isWhole && file.sync()) || failToRestore(place, errors);
+    return (isWhole && file.sync()) || failToRestore(place, file.error(), failure, errors);
 }
 
 /// The file is open for update and locked.
-bool recoverLocked(const File& file, const UndoPlace& place, std::string& errors)
+bool recoverLocked(const File& file, const UndoPlace& place, Accessor::Failure& failure, std::string& errors)
 {
     if (File::isAbsent(place.record))
         return true;
+    failure = {Accessor::Failure::kNotRestored};
     const File recordFile(place.record, File::eMode::kReadRecord);
     if (!recordFile.isOpen())
-        return refuseRecord(place, errors);
+        return refuseRecord(place, recordFile, failure, errors);
     UndoRecord record;
     const UndoRecord::eContent content = record.load(recordFile);
     if (content == UndoRecord::eContent::kUnreadable)
-        return failToRestore(place, errors);
+        return failToRestore(place, recordFile.error(), failure, errors);
     if (content == UndoRecord::eContent::kForeign || !isTrusted(recordFile, file, place))
-        return refuseRecord(place, errors);
+        return refuseRecord(place, recordFile, failure, errors);
     // One that is not complete says nothing about the file, which its writer had not touched yet.
-    if (content == UndoRecord::eContent::kComplete && !apply(record, file, place, errors))
+    if (content == UndoRecord::eContent::kComplete && !apply(record, file, place, failure, errors))
         return false;
     if (!File::remove(place.record))
-        return refuse(errors, "Could not remove the undo record " + place.record + ".\n");
+    {
+        failure.systemError = errno;
+        return refuse(errors, withReason("Could not remove the undo record " + place.record, errno));
+    }
+    failure = {};
     // Should that fail: a record that came back after a crash would find the file as it is now, and go again.
     File(place.directory, File::eMode::kDirectory).sync();
     return true;
@@ -82,14 +95,17 @@ bool isIncomplete(const UndoPlace& place)
     return recordFile.isOpen() && record.load(recordFile) == UndoRecord::eContent::kIncomplete;
 }
 
-/// What can be said of a file that cannot be written to and has a record.
-bool recoverNothing(const UndoPlace& place, const LockWait& wait, std::string& errors)
+/// What can be said of a file that cannot be written to, for that error, and has a record.
+bool recoverNothing(const UndoPlace& place, int error, const LockWait& wait, Accessor::Failure& failure,
+                    std::string& errors)
 {
     const File file(place.file, File::eMode::kRead);
-    if (file.isOpen() && !lock(file, place, wait, errors))
+    if (file.isOpen() && !lock(file, place, wait, failure, errors))
         return false;
-    return isIncomplete(place) ||
-           refuse(errors, "Writing " + place.file + " was interrupted. Make it writable and read it again: " +
+    if (isIncomplete(place))
+        return true;
+    failure = {Accessor::Failure::kNotRestored, error};
+    return refuse(errors, "Writing " + place.file + " was interrupted. Make it writable and read it again: " +
                               place.record + " holds what restores it.\n");
 }
 
@@ -107,17 +123,19 @@ UndoPlace::UndoPlace(const std::string& fileName)
 {
 }
 
-bool recover(const UndoPlace& place, const LockWait& wait, std::string& errors)
+bool recover(const UndoPlace& place, const LockWait& wait, Accessor::Failure& failure, std::string& errors)
 {
     if (File::isAbsent(place.record)) // nearly always, and a file that may only be read is not opened for writing
         return true;
     const File file(place.file, File::eMode::kUpdate);
-    return file.isOpen() ? lockAndRecover(file, place, wait, errors) : recoverNothing(place, wait, errors);
+    return file.isOpen() ? lockAndRecover(file, place, wait, failure, errors)
+                         : recoverNothing(place, file.error(), wait, failure, errors);
 }
 
-bool lockAndRecover(const File& file, const UndoPlace& place, const LockWait& wait, std::string& errors)
+bool lockAndRecover(const File& file, const UndoPlace& place, const LockWait& wait, Accessor::Failure& failure,
+                    std::string& errors)
 {
-    return lock(file, place, wait, errors) && recoverLocked(file, place, errors);
+    return lock(file, place, wait, failure, errors) && recoverLocked(file, place, failure, errors);
 }
 
 bool mayBeHalfWritten(const UndoPlace& place)

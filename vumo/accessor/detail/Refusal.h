@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vumo/accessor/detail/File.h"
+
 #include <string>
 
 namespace vumo::Data::detail
@@ -24,5 +26,12 @@ inline bool replaceErrors(std::string& errors, const std::string& message)
 inline std::string changedMessage(const std::string& fileName)
 {
     return "The metadata of " + fileName + " has been changed by somebody else since it was read.\n";
+}
+
+/// A sentence of the library's own about a call of the system that failed, with what the system says about it.
+inline std::string withReason(const std::string& sentence, int systemError)
+{
+    const std::string reason = systemReason(systemError);
+    return sentence + (reason.empty() ? "" : ": ") + reason + ".\n";
 }
 } // namespace vumo::Data::detail

@@ -24,16 +24,18 @@ SceneUpdate::SceneUpdate(AccessorState& state)
       mFile(state.fileName, File::eMode::kUpdate),
       mPlace(state.fileName),
       mDirectory(mPlace.directory, File::eMode::kDirectory),
-      mRemoveFailed("Could not remove the undo record " + mPlace.record + ".\n"),
+      mRemoveFailed("Could not remove the undo record " + mPlace.record),
       mHasJournal(state.durability == Accessor::kJournal),
       mNeedsRecord(mHasJournal && !mPlace.record.empty())
 {
+    mState.failure = {};
 }
 
 bool SceneUpdate::begin(std::string& errors)
 {
     if (mFile.isOpen())
-        return lockAndRecover(mFile, mPlace, LockWait(mState.lockWait), errors);
+        return lockAndRecover(mFile, mPlace, LockWait(mState.lockWait), mState.failure, errors);
+    mState.failure = openFailure(mFile);
     if (mPlace.file.empty())
         refuse(errors, "The accessor has no file to write to: read one first.\n");
     return refuse(errors, "Could not open " + mPlace.file + " for writing.");
@@ -41,8 +43,11 @@ bool SceneUpdate::begin(std::string& errors)
 
 bool SceneUpdate::checkUnchanged(std::uint64_t inFile, std::string& errors) const
 {
-    return mState.conflict == Accessor::kOverwrite || inFile == mState.checksum ||
-           refuse(errors, changedMessage(mPlace.file));
+    const bool mayOverwrite = mState.conflict == Accessor::kOverwrite && !mState.found.areKept;
+    if (mayOverwrite || inFile == mState.checksum)
+        return true;
+    mState.fail(Accessor::Failure::kChanged);
+    return refuse(errors, changedMessage(mPlace.file));
 }
 
 bool SceneUpdate::run(FileChange& change, FileBlocks&& newMetadata, std::string& errors)
@@ -60,9 +65,10 @@ bool SceneUpdate::makeChange(FileChange& change, std::string& errors)
     change.narrow(mFile);
     mNeedsRecord = mNeedsRecord && !change.isDoneIn(mFile);
     if (!mRecord.take(mFile, change))
-        return refuse(errors, "Could not read the old bytes of " + mPlace.file + ".\n");
+        return failBySystem(mFile.error(), withReason("Could not read the old bytes of " + mPlace.file, mFile.error()),
+                            errors);
     // The name may have come to mean another file since this one was locked; a save would then be lost unseen.
-    if (!mFile.hasName(mPlace.file))
+    if (!mFile.hasName(mPlace.file) && !mState.fail(Accessor::Failure::kChanged))
         return refuse(errors, mPlace.file + " was replaced by somebody else meanwhile.\n");
     if (mNeedsRecord && !makeRecord(errors))
         return false;
@@ -72,8 +78,9 @@ bool SceneUpdate::makeChange(FileChange& change, std::string& errors)
         fault = commit();
     if (!fault)
         return true;
+    const int error = errno;
     const bool isWhole = undo();
-    errors += fault;
+    failBySystem(error, fault == mRemoveFailed.c_str() ? withReason(mRemoveFailed, error) : fault, errors);
     if (isWhole)
         return false;
     if (errors.back() != '\n')
@@ -91,7 +98,14 @@ bool SceneUpdate::makeRecord(std::string& errors)
     if (mHasRecord)
         return true;
     mNeedsRecord = !admitsNoRecord(error);
-    return !mNeedsRecord || refuse(errors, "Could not write the undo record " + mPlace.record + ".\n");
+    return !mNeedsRecord ||
+           failBySystem(error, withReason("Could not write the undo record " + mPlace.record, error), errors);
+}
+
+bool SceneUpdate::failBySystem(int error, const std::string& message, std::string& errors)
+{
+    mState.failure = {Accessor::Failure::kSystem, error};
+    return refuse(errors, message);
 }
 
 /// 0, or why there is no record.
@@ -99,7 +113,7 @@ int SceneUpdate::storeRecord() const
 {
     const File record(mPlace.record, File::eMode::kCreateRecord);
     if (!record.isOpen())
-        return record.openError();
+        return record.error();
     record.shareAs(mFile);
     if (mRecord.store(record) && record.sync() && syncDirectory())
         return 0;

@@ -34,6 +34,9 @@ public:
     /// not to be overwritten.
     bool checkUnchanged(std::uint64_t inFile, std::string& errors) const;
 
+    /// Takes note of why a step failed that the change is made in: for the system's reason if there is one. False.
+    bool failAs(Accessor::Failure::eKind kind) const { return mState.fail(kind, mFile.error()); }
+
     /// To read what the change is made of.
     const File& file() const { return mFile; }
 
@@ -44,6 +47,7 @@ public:
 private:
     bool makeChange(FileChange& change, std::string& errors);
     bool makeRecord(std::string& errors);
+    bool failBySystem(int error, const std::string& message, std::string& errors);
     int storeRecord() const;
     const char* apply(const FileChange& change) const;
     const char* commit();
