@@ -361,7 +361,8 @@ TEST_F(KeptMetadataTest, Damage_FailsTheReadAsItDoesOtherwise)
     const std::set<std::string> none;
     for (const char* const statement :
          {"applyMetadata -fmt \"raw\" -v \"x\" Body;\n", "applyMetadata -fmt \"raw\" -v \"x\" \n\t\tBody\n",
-          "applyMetadata -fmt \"raw\" -v \n\t\tBody;\n", "dataStructure -fmt \"raw\";\n"})
+          "applyMetadata -fmt \"raw\" -v \n\t\tBody;\n",
+          "applyMetadata -fmt \"raw\" -v \"x\"; undo \"y\" \n\t\tBody;\n", "dataStructure -fmt \"raw\";\n"})
     {
         SCOPED_TRACE(statement);
         mFile = std::make_unique<ScratchFile>(".oa");

@@ -189,7 +189,9 @@ private:
         const bool hasValue = hasName && findValue(text, block.format, value);
         const std::size_t number = mRead.add(std::move(block));
         const bool isWanted = hasName && mRead.wantsAssociations(number);
-        const bool isWhole = hasValue && (!isWanted || unescape(value, unescaped));
+        // Without a ";" nothing can begin another statement; that is sooner seen than the escapes are undone.
+        const bool isPlain = !isWanted && (!mRead.keepsUnread() || value.find(';') == std::string_view::npos);
+        const bool isWhole = hasValue && (isPlain || unescape(value, unescaped));
         if (!hasName)
             mRead.refuseBlock(number, "Could not find Associations name.");
         else if (!isWhole && (isWanted || mRead.keepsUnread()))
