@@ -106,10 +106,10 @@ bool MetadataRead::countsSoFar(std::size_t number)
 }
 
 /// The format of the texts that can be listed is the one that is written.
-void MetadataRead::list(const FileBlock& block, std::string_view text)
+void MetadataRead::list(const FileBlock& block, std::string_view text) const
 {
     ListedBlock listed;
-    static_cast<MetadataBlock&>(listed) = block;
+    static_cast<MetadataBlock&>(listed) = static_cast<const MetadataBlock&>(block);
     const bool isKnown = block.format == kFormatWritten;
     if (isKnown && block.kind == FileBlock::kStructure)
         listed.name = nameIn(text);

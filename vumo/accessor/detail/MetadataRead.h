@@ -81,7 +81,7 @@ private:
     bool countsSoFar(std::size_t number);
     void takeStructure(FileBlock& block, Structure& structure);
     void refuseStructure(FileBlock& block, std::string_view text, const std::string& messages);
-    void list(const FileBlock& block, std::string_view text);
+    void list(const FileBlock& block, std::string_view text) const;
     static void leaveUnread(FileBlock& block, const std::string& why);
     void addFault(const FileBlock& block, const std::string& messages, const std::string& what);
     bool isLackOfStructures(const std::string& messages);
