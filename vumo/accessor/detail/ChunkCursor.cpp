@@ -81,9 +81,10 @@ bool ChunkCursor::take(std::uint64_t size, std::string_view& bytes)
 /// Moves the window to the position and reads on until it holds `size` bytes, or as much as there is room for.
 bool ChunkCursor::fillWindow(std::uint64_t size)
 {
-    mWindow.erase(0, mPosition); // what views of it were given out for is over
+    const std::size_t held = mWindow.size() - mPosition;
+    // What views of it were given out for is over. One that keeps its size is not filled with zero bytes again.
+    std::copy(mWindow.begin() + static_cast<std::ptrdiff_t>(mPosition), mWindow.end(), mWindow.begin());
     mPosition = 0;
-    const std::size_t held = mWindow.size();
     mWindow.resize(std::max(size, std::min(mLeft, mWindowSize)));
     return static_cast<bool>(mIn.read(&mWindow[held], static_cast<std::streamsize>(mWindow.size() - held)));
 }
