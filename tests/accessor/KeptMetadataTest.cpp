@@ -1,4 +1,5 @@
 #include "tests/accessor/AccessorFixture.h"
+#include "tests/support/ScratchLocale.h"
 
 #include <algorithm>
 #include <random>
@@ -468,6 +469,26 @@ TEST_F(KeptMetadataTest, ReadMore_AddsWhatWasLeftOut)
         EXPECT_THAT(mErrors, testing::HasSubstr("changed by somebody else"));
         accessor->clear();
         EXPECT_FALSE(accessor->readMore({"b"}, mErrors));
+    }
+}
+
+TEST_F(KeptMetadataTest, ACharacterOfAMessage_IsFoundInTheFile)
+{
+    const ScratchLocale locale("ISO-8859-1"); // in which texts of binary scenes are shorter, where it can be made
+    for (const Kind& kind : kKinds)
+    {
+        SCOPED_TRACE(kind.ending);
+        const auto accessor = read(kind, kind.structure(kLabel) + kind.foreign("x") +
+                                             kind.node("a", textWith("Label", "\"Zo\xC3\xAB\" \"left over\"")));
+        ASSERT_EQ(accessor->unread().size(), 1U);
+        const UnreadBlock block = accessor->unread().front();
+        const std::string_view told = "Text '\"left over\"' on or about character ";
+        ASSERT_EQ(block.why.find(told), 0U) << block.why;
+        const std::uint64_t byte = accessor->findCharacter(block, std::stoul(block.why.substr(told.size())));
+        EXPECT_EQ(mFile->bytes().substr(byte).find("left over"), kind.isAscii() ? 2U : 1U);
+        EXPECT_LE(accessor->findCharacter(block, 1000000), block.position + block.length);
+        mFile->setBytes("");
+        EXPECT_EQ(accessor->findCharacter(block, 5), block.position);
     }
 }
 } // namespace

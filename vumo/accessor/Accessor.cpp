@@ -1,9 +1,11 @@
 #include "vumo/accessor/Accessor.h"
 
 #include "vumo/accessor/AccessorFactory.h"
+#include "vumo/accessor/BinaryReader.h"
 #include "vumo/accessor/OvriAsciiFileAccessor.h"
 #include "vumo/accessor/OvriBinaryFileAccessor.h"
 #include "vumo/accessor/detail/AccessorState.h"
+#include "vumo/accessor/detail/AsciiReader.h"
 #include "vumo/accessor/detail/File.h"
 #include "vumo/accessor/detail/FileRecovery.h"
 #include "vumo/accessor/detail/MetadataText.h"
@@ -12,6 +14,7 @@
 #include "vumo/foundation/detail/DebugObject.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <stdexcept>
 #include <typeinfo>
@@ -252,6 +255,17 @@ void Accessor::forget()
 {
     clear();
     mImpl->checksum = 0;
+}
+
+std::uint64_t Accessor::findCharacter(const UnreadBlock& block, std::uint64_t character) const
+{
+    const detail::File file(fileName(), detail::File::eMode::kRead);
+    const bool isThere = file.isOpen() && block.position <= file.size() && block.length <= file.size() - block.position;
+    std::string bytes(isThere ? block.length : 0, '\0');
+    bytes.resize(isThere ? file.read(block.position, bytes.data(), bytes.size()) : 0);
+    const bool isChunk = !bytes.empty() && std::isupper(static_cast<unsigned char>(bytes.front())); // of its tag
+    return block.position + (isChunk ? BinaryReader::findCharacter(bytes, character)
+                                     : detail::AsciiReader::findCharacter(bytes, character));
 }
 
 bool Accessor::readMore(const std::set<std::string>& names, std::string& errors)

@@ -171,6 +171,11 @@ public:
     /// after write().
     std::vector<UnreadBlock> unread() const;
 
+    /// Where the byte stands in the file that gives a character of the text of such a block. The messages in `why`
+    /// count characters in the text alone, without the escapes of a statement and in the encoding of the locale. The
+    /// position of the block when the file does not hold that any more.
+    std::uint64_t findCharacter(const UnreadBlock& block, std::uint64_t character) const;
+
     /// Chooses what the following calls of write() do when somebody else has changed the metadata in the file.
     void setConflict(eConflict conflict);
     eConflict conflict() const;

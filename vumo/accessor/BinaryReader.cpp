@@ -9,6 +9,7 @@
 #include "vumo/accessor/detail/Refusal.h"
 #include "vumo/foundation/detail/DebugObject.h"
 
+#include <algorithm>
 #include <istream>
 #include <limits>
 #include <string_view>
@@ -241,6 +242,33 @@ bool BinaryReader::readMetadata(std::istream& in, MetadataRead& read, std::strin
     const bool isRead = read.finish(errors);
     errors += damage; // after the faults that stand before it in the file
     return isRead && isWhole;
+}
+
+std::size_t BinaryReader::findCharacter(std::string_view chunk, std::size_t character)
+{
+    const bool isStructure = chunk.substr(0, kTagSize) == Binary::getMetaDataStructureChunkName();
+    std::string_view text = chunk.substr(std::min<std::size_t>(kHeaderSize, chunk.size()));
+    std::string_view ignored;
+    if ((!isStructure && !takeText(text, ignored)) || !takeText(text, ignored))
+        return 0;
+    const LocaleEncoding encoding;
+    std::string converted;
+    const bool isConverted = encoding.fromUtf8(text.substr(0, text.find('\0')), converted);
+    std::size_t begin = 0;
+    while (isConverted && begin < text.size())
+    {
+        std::size_t end = begin + 1;
+        while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) // it goes on
+            ++end;
+        const std::string_view one = text.substr(begin, end - begin);
+        const std::size_t size = encoding.fromUtf8(one, converted) ? converted.size() : one.size();
+        if (character < size)
+            break;
+        character -= size;
+        begin = end;
+    }
+    const std::size_t place = isConverted ? begin : character;
+    return static_cast<std::size_t>(text.data() - chunk.data()) + std::min(place, text.size());
 }
 
 bool BinaryReader::Debug(const BinaryReader* object, vumo::Debug::Print& request)

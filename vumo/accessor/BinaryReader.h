@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 namespace vumo::Data
 {
@@ -43,6 +44,10 @@ public:
     /// Two structures of one name with different members are refused, because the elements that use that name
     /// could mean either.
     static bool readMetadata(std::istream& in, detail::MetadataRead& read, std::string& errors);
+
+    /// Where the byte stands in a chunk of metadata, from its header on, that begins the one at `character` in its text
+    /// in the encoding of the locale.
+    static std::size_t findCharacter(std::string_view chunk, std::size_t character);
 
     static bool Debug(const BinaryReader* object, vumo::Debug::Print& request);
     static bool Debug(const BinaryReader* object, vumo::Debug::Footprint& request);

@@ -243,4 +243,16 @@ bool AsciiReader::readMetadata(std::istream& in, MetadataRead& read, std::string
     reader.finish();
     return read.finish(errors);
 }
+
+std::size_t AsciiReader::findCharacter(std::string_view statement, std::size_t character)
+{
+    std::string_view head = statement.substr(0, statement.find_last_not_of(";") + 1);
+    std::string ignored;
+    if (head.substr(0, Ascii::getApplyMetadataCommandName().size()) == Ascii::getApplyMetadataCommandName())
+        takeName(head, ignored);
+    std::string_view value;
+    if (!findValue(head, ignored, value))
+        return 0;
+    return static_cast<std::size_t>(value.data() - statement.data()) + escapedPosition(value, character);
+}
 } // namespace vumo::Data::detail

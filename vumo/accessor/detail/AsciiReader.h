@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 namespace vumo::Data::detail
 {
@@ -20,5 +21,8 @@ public:
     /// Reads the metadata of a scene; of several associations or structures of one name the one nearest the end of the
     /// file counts. False, with the reason in `errors`, when that failed; what was read so far stays where it is.
     static bool readMetadata(std::istream& in, MetadataRead& read, std::string& errors);
+
+    /// Where the byte stands in a statement that gives the one at `character` in its text.
+    static std::size_t findCharacter(std::string_view statement, std::size_t character);
 };
 } // namespace vumo::Data::detail

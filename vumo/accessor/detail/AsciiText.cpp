@@ -180,4 +180,26 @@ bool unescapeValue(std::string& text, std::string::size_type begin, std::string:
     text.resize(static_cast<std::size_t>(out - text.data()));
     return isOneStatement;
 }
+
+std::size_t escapedPosition(std::string_view value, std::size_t position)
+{
+    const char* const begin = value.data();
+    Characters characters(begin, begin + value.size());
+    while (!characters.atEnd())
+    {
+        const char* const kept = characters.position();
+        characters.stepOverWhatStays();
+        const char* const next = characters.position();
+        const std::size_t length = characters.atEnd() ? 0 : characters.step();
+        char ignored = '\0';
+        const bool isEscape = length == 1 && *next == '\\';
+        const std::size_t escape = isEscape ? unescape(characters.position(), characters.left(), ignored) : 0;
+        const auto same = static_cast<std::size_t>(next - kept) + length; // an escape gives one byte, too
+        if (position < same)
+            return static_cast<std::size_t>(kept - begin) + position;
+        position -= same;
+        characters.skip(escape);
+    }
+    return value.size();
+}
 } // namespace vumo::Data::detail
