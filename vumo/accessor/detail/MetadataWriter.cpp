@@ -357,6 +357,9 @@ private:
 bool replaceAll(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
                 Replacement& replacement, FileBlocks& written, std::string& errors)
 {
+    // The new metadata is seldom much longer; growing in steps would take twice the memory.
+    if (!region.blocks.empty())
+        replacement.bytes().reserve(region.end - region.blocks.front().begin);
     const auto isBefore = [&](const BlockPlace& place) { return place.begin < region.insertion; };
     const auto after = std::find_if_not(region.blocks.begin(), region.blocks.end(), isBefore);
     const auto cut = [&](const BlockPlace& place) {
