@@ -37,6 +37,15 @@ std::string obstacle(const std::string& fileName, SceneFile::eUse use)
     const int rights = use == SceneFile::kEdit ? R_OK | W_OK : R_OK;
     return access(fileName.c_str(), rights) == 0 ? "" : systemFault();
 }
+/// The messages of a read or write that failed, with what the system says unless they have it.
+std::string withReason(std::string messages, const Accessor& accessor)
+{
+    const std::string reason = accessor.failure().systemReason();
+    if (reason.empty() || messages.find(reason) != std::string::npos)
+        return messages;
+    messages.erase(messages.find_last_not_of(".\n") + 1);
+    return messages + ": " + reason;
+}
 } // namespace
 
 SceneFile::SceneFile(const std::string& fileName, eUse use, const std::string* node) : mFileName(fileName)
@@ -48,7 +57,7 @@ SceneFile::SceneFile(const std::string& fileName, eUse use, const std::string* n
     mAccessor->setUnread(Accessor::kKeep);
     const std::set<std::string> wanted = {node ? *node : ""};
     if (!mAccessor->read(fileName, nullptr, node ? &wanted : nullptr, errors))
-        throw failure(errors);
+        throw failure(withReason(errors, *mAccessor));
 }
 
 bool SceneFile::isEmpty() const
@@ -92,7 +101,7 @@ void SceneFile::write(eNumbers numbers)
     mAccessor->setNumbers(numbers);
     std::string errors;
     if (!mAccessor->write(errors))
-        throw failure(errors);
+        throw failure(withReason(errors, *mAccessor));
 }
 
 Failure SceneFile::failure(const std::string& message) const

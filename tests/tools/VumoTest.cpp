@@ -184,6 +184,17 @@ TEST_F(VumoTest, Digits_AreAllOrSix)
     EXPECT_EQ(onBoth(get + ", --digits=exact").out, "weight  1.23457\n");
 }
 
+TEST_F(VumoTest, ASaveThatFails_IsToldWithWhatTheSystemSays)
+{
+    const std::string bytes = mAscii.bytes();
+    const std::string limit = "ulimit -f " + std::to_string(bytes.size() / 512 + 1) + "; trap '' XFSZ; exec \"$@\"";
+    const Outcome outcome = run("sh", {"-c", limit, "sh", VUMO_TOOL_PATH, "set", mAscii.name(), "head", "face", "marks",
+                                       "12", "text=" + std::string(800, 'x')});
+    EXPECT_EQ(outcome.out, "vumo: " + mAscii.name() + ": Failed to append the file trailer: File too large\n");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(mAscii.bytes(), bytes);
+}
+
 TEST_F(VumoTest, Set_AddsElementsOnRequest)
 {
     EXPECT_EQ(onBoth("set, --add, head, face, marks, 3, text=chin").out, "");
