@@ -72,7 +72,7 @@ private:
 
     void hold(std::string_view bytes)
     {
-        std::memcpy(mRest.data() + mHeld, bytes.data(), bytes.size());
+        bytes.copy(mRest.data() + mHeld, bytes.size());
         mHeld += bytes.size();
     }
 
