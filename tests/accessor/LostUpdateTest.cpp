@@ -15,17 +15,17 @@ namespace
 struct Kind
 {
     const char* ending;
-    std::function<std::string(const std::string& tail, int edition)> scene;
+    std::function<std::string(const std::string& tail, unsigned int edition)> scene;
     std::string tail; ///< of a scene without metadata
     std::string cut;  ///< what a write says of a scene that has lost its end
 };
 
-std::string asciiScene(const std::string& tail, int edition)
+std::string asciiScene(const std::string& tail, unsigned int edition)
 {
     return "//Ovri ASCII 2014 scene\n" + std::string(edition, '\n') + "select -ne :a;\n" + tail;
 }
 
-std::string binaryScene(const std::string& tail, int edition)
+std::string binaryScene(const std::string& tail, unsigned int edition)
 {
     example::Scene scene;
     scene.mNodes = {"Body"};
