@@ -246,7 +246,7 @@ bool AsciiReader::readMetadata(std::istream& in, MetadataRead& read, std::string
 
 std::size_t AsciiReader::findCharacter(std::string_view statement, std::size_t character)
 {
-    std::string_view head = statement.substr(0, statement.find_last_not_of(";") + 1);
+    std::string_view head = statement.substr(0, statement.find_last_not_of(';') + 1);
     std::string ignored;
     if (head.substr(0, Ascii::getApplyMetadataCommandName().size()) == Ascii::getApplyMetadataCommandName())
         takeName(head, ignored);

@@ -1,12 +1,12 @@
 #include "vumo/accessor/detail/File.h"
 
 #include <fcntl.h>
-#include <locale.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <clocale> // newlocale, which POSIX adds
 #include <cstdlib>
 #include <cstring>
 #include <memory>
