@@ -2,6 +2,8 @@
 #include "vumo/data/StreamImplDense.h"
 #include "vumo/data/StreamImplMapped.h"
 
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -294,6 +296,29 @@ TEST_F(StreamImplDenseTest, AStructureThatGrewWhileThereWereNoElements_GetsANewB
     setRecord(239); // in the last of the slots that there were
     EXPECT_EQ(at(239), "239 l239");
     EXPECT_EQ(at(0), "0 ");
+}
+
+// Gives the place of the first virtual function that a class derived from Storage adds.
+template <class Storage>
+std::uintptr_t firstFreeSlot()
+{
+    struct Derived : Storage
+    {
+        virtual void added() = 0;
+    };
+    // In the C++ ABI of g++ and clang a pointer to a virtual function begins with the offset of its slot, and one.
+    void (Derived::*const added)() = &Derived::added;
+    std::uintptr_t offset = 0;
+    std::memcpy(&offset, static_cast<const void*>(&added), sizeof offset);
+    return (offset - 1) / sizeof(void*);
+}
+
+// Storages of plug-ins are compiled against these tables. The destructor takes two slots.
+TEST(StreamImplSlotsTest, StoragesAddNoSlotsButTheDenseFour)
+{
+    EXPECT_EQ(firstFreeSlot<StreamImpl>(), 19U);
+    EXPECT_EQ(firstFreeSlot<StreamImplMapped>(), 19U);
+    EXPECT_EQ(firstFreeSlot<StreamImplDense>(), 23U);
 }
 } // namespace
 } // namespace vumo::Data
