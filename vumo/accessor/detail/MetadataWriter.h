@@ -1,16 +1,18 @@
 #pragma once
 
+#include "vumo/accessor/Accessor.h"
 #include "vumo/accessor/detail/AccessorState.h"
+#include "vumo/accessor/detail/FileBlocks.h"
 #include "vumo/accessor/detail/Replacement.h"
 #include "vumo/data/Associations.h"
 #include "vumo/data/Numbers.h"
 #include "vumo/data/Structure.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vumo::Data::detail
 {
@@ -35,33 +37,56 @@ struct MetadataForm
     const char* sceneFailed;
 };
 
-/// A piece of metadata where it stands in the file that is to be written.
-struct BlockPlace
+/// Writes the metadata of an accessor. Structures that streams use though nobody named them are written after the
+/// others: without them their elements could not be read again.
+class MetadataWriter
 {
-    std::uint64_t begin = 0;
-    std::uint64_t end = 0; ///< with the end of its line, or its padding
-    std::uint64_t checksum = 0;
-    const char* mustStay = nullptr; ///< why it can neither be removed nor replaced, if so
+public:
+    MetadataWriter(const MetadataForm& form, const AccessorState& metadata, Replacement& replacement,
+                   FileBlocks& written, std::string& errors);
+
+    /// Everything, in the order of the form.
+    bool writeAll();
+
+protected:
+    using AssociationsMap = std::map<std::string, Associations>;
+
+    /// The first stream that uses a structure.
+    struct User
+    {
+        const std::string* node;
+        std::string text;
+    };
+
+    void findMoreStructures();
+    bool writeStructures();
+
+    /// A structure that nobody named is refused together with its first user.
+    bool writeStructure(const Structure& structure);
+
+    bool writeScene();
+    bool writeNodes();
+
+    /// The metadata of one node, or of the scene. Reports all that is wrong with it.
+    bool writeEntry(const AssociationsMap::value_type& entry);
+
+    /// Says whether the structure that is written under the name of a stream's structure always is an equal one.
+    bool usesOneStructureOfAName(const Associations& associations, std::string& faults) const;
+
+    /// Takes note of the block that was appended from there on.
+    void addWritten(FileBlock::eKind kind, const std::string& name, std::size_t begin);
+
+    bool fail(const char* message);
+
+    const MetadataForm& mForm;
+    const Accessor::StructureSet& mStructures;
+    const AssociationsMap& mAssociations;
+    const AssociationsMap::const_iterator mScene;
+    const eNumbers mNumbers;
+    std::map<const Structure*, User, Accessor::StructureNameLessThan> mMore; // that no caller named
+    Replacement& mReplacement;
+    std::string& mOut;
+    FileBlocks& mWritten;
+    std::string& mErrors;
 };
-
-/// The part of a file where metadata stands.
-struct FileRegion
-{
-    std::vector<BlockPlace> blocks; ///< in the order of the file
-    std::uint64_t insertion = 0;    ///< where metadata goes that takes no block's place
-    std::uint64_t end = 0;
-    bool endsLine = true; ///< or does the last block stand at the end of the file, without an end of line?
-
-    std::uint64_t checksum() const { return metadataChecksum(blocks.begin(), blocks.end()); }
-};
-
-/// Makes the new bytes of a region. All metadata of the accessor is written in that form, also the structures that
-/// streams use beyond those of the accessor. It goes to the insertion and all blocks go; or, where unread blocks are
-/// kept, it goes into the place of what was read.
-///
-/// Gives in `written` which metadata the file will have then. False, with the reasons and
-/// the form's sentence appended to `errors`, at the first piece that cannot be written so that it can be read again,
-/// or when it does not go with what is kept.
-bool replaceMetadata(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
-                     Replacement& replacement, FileBlocks& written, std::string& errors);
 } // namespace vumo::Data::detail
