@@ -40,6 +40,9 @@ struct Side
     std::uint64_t expected;
 };
 
+/// The side's work several times in a round, for work that is too short for the clock.
+Side repeated(const Side& side, unsigned int passes);
+
 /// One workload while it runs: measures both sides alternately and hands the figures to Google Benchmark.
 class Comparison
 {

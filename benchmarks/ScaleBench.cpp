@@ -20,27 +20,12 @@ constexpr std::size_t kLargeFile = std::size_t(32) << 20;
 /// How often a round treats the few elements: long enough for the clock.
 constexpr unsigned int kPasses = 20;
 
-/// The side's work several times in a round.
-Side repeated(const Side& side)
-{
-    const auto round = [side](Stopwatch& watch) {
-        for (unsigned int i = 0; i < kPasses; ++i)
-        {
-            const std::uint64_t digest = side.round(watch);
-            if (digest != side.expected)
-                return digest;
-        }
-        return side.expected;
-    };
-    return {round, side.expected};
-}
-
 /// `makeSide` makes the library's side of records.
 template <class MakeSide>
 void compareAtScale(Comparison& comparison, const std::vector<Record>& many, const std::vector<Record>& few,
                     MakeSide makeSide)
 {
-    comparison.run(many.size(), makeSide(many), few.size() * kPasses, repeated(makeSide(few)));
+    comparison.run(many.size(), makeSide(many), few.size() * kPasses, repeated(makeSide(few), kPasses));
 }
 
 template <class MakeSide>

@@ -25,9 +25,13 @@ SceneFile::SceneFile(const std::string& extension, const std::vector<Record>& re
     : mFile(extension)
 {
     writeScene(geometrySize);
-    const std::uint64_t bareSize = std::filesystem::file_size(name());
+    mBareSize = std::filesystem::file_size(name());
     write(*writerOf(*this, records));
-    mMetadataSize = std::filesystem::file_size(name()) - bareSize;
+}
+
+std::uint64_t SceneFile::metadataSize() const
+{
+    return std::filesystem::file_size(name()) - mBareSize;
 }
 
 void SceneFile::writeScene(std::uint64_t geometrySize) const

@@ -24,14 +24,14 @@ public:
 
     const std::string& name() const { return mFile.name(); }
 
-    /// In bytes: by how much the file grew when the metadata came to the scene.
-    std::uint64_t metadataSize() const { return mMetadataSize; }
+    /// In bytes: by how much the file has grown since the metadata came to the scene.
+    std::uint64_t metadataSize() const;
 
 private:
     void writeScene(std::uint64_t geometrySize) const;
 
     ScratchFile mFile;
-    std::uint64_t mMetadataSize = 0;
+    std::uint64_t mBareSize = 0; // of the file without metadata
 };
 
 /// An accessor for the file that has not read it yet.

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <set>
+#include <sstream>
 
 using namespace vumo::Data;
 
@@ -27,8 +28,11 @@ FileReads readsOfLibrary(const SceneFile& file, const std::vector<Record>& expec
     return reads;
 }
 
+/// A large scene and a small one.
 constexpr std::size_t kNodes = 20'000;
 constexpr std::size_t kElements = 10;
+constexpr std::size_t kFewNodes = 20;
+constexpr std::size_t kFewElements = 50;
 
 std::string nodeName(std::size_t i)
 {
@@ -36,12 +40,13 @@ std::string nodeName(std::size_t i)
 }
 
 /// A scene in which each of many nodes has the records.
-std::shared_ptr<const SceneFile> sceneOfNodes(const std::string& extension, std::size_t nodes)
+std::shared_ptr<const SceneFile> sceneOfNodes(const std::string& extension, std::size_t nodes,
+                                              const std::vector<Record>& records)
 {
     constexpr std::uint64_t kSmallGeometry = 1 << 20;
-    const std::vector<Record> records = makeRecords(kElements);
     const auto file = std::make_shared<const SceneFile>(extension, records, kSmallGeometry);
     const std::unique_ptr<Accessor> accessor = writerOf(*file, records);
+    accessor->associations().clear();
     for (std::size_t i = 0; i < nodes; ++i)
         accessor->associations()[nodeName(i)] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
     write(*accessor);
@@ -76,17 +81,71 @@ Side labelEditing(const std::shared_ptr<const SceneFile>& file, const std::strin
     return {round, digestOf(std::vector<std::string>{label + " or so", label})};
 }
 
+/// As many bytes as the metadata have from the end of the file, into the text that has room for them.
+void readTail(int descriptor, std::string& bytes)
+{
+    const off_t end = lseek(descriptor, 0, SEEK_END);
+    if (pread(descriptor, bytes.data(), bytes.size(), end - static_cast<off_t>(bytes.size())) < 0)
+        throw WrongResult("cannot read a scene");
+}
+
 FileReads readsOfPread(const SceneFile& file)
 {
     std::string bytes(file.metadataSize(), '\0');
     const int descriptor = open(file.name().c_str(), O_RDONLY);
-    const off_t end = lseek(descriptor, 0, SEEK_END);
-    const FileReads reads = readsDuring([&] {
-        if (pread(descriptor, bytes.data(), bytes.size(), end - static_cast<off_t>(bytes.size())) < 0)
-            throw WrongResult("cannot read " + file.name());
-    });
+    const FileReads reads = readsDuring([&] { readTail(descriptor, bytes); });
     close(descriptor);
     return reads;
+}
+
+std::uint64_t digestOfNodes(const std::vector<std::uint64_t>& nodes)
+{
+    Digest digest;
+    for (const std::uint64_t node : nodes)
+        digest.add(node);
+    return digest.sum();
+}
+
+/// All nodes of a scene, by the library.
+Side nodesReading(const std::shared_ptr<const SceneFile>& file, std::uint64_t expected)
+{
+    const auto round = [file](Stopwatch& watch) {
+        const std::unique_ptr<Accessor> accessor = accessorFor(*file);
+        watch.time([&] { read(*accessor, *file); });
+        std::vector<std::uint64_t> nodes;
+        for (const auto& [name, associations] : accessor->associations())
+            nodes.push_back(digestOf(streamIn(associations)));
+        return digestOfNodes(nodes);
+    };
+    return {round, expected};
+}
+
+/// The bytes of the file, and beside them the texts of as many nodes and of their structure.
+Side partsReading(const std::shared_ptr<const SceneFile>& file, const std::string& text, std::size_t nodes,
+                  std::uint64_t expected)
+{
+    const auto round = [file, text, nodes](Stopwatch& watch) {
+        std::string bytes(file->metadataSize(), '\0');
+        std::istringstream structure(recordStructureText());
+        std::vector<std::istringstream> texts;
+        for (std::size_t i = 0; i < nodes; ++i)
+            texts.emplace_back(text);
+        std::vector<std::unique_ptr<Associations>> read;
+        read.reserve(nodes);
+        watch.time([&] {
+            const int descriptor = open(file->name().c_str(), O_RDONLY);
+            readTail(descriptor, bytes);
+            close(descriptor);
+            readRawStructure(structure);
+            for (std::istringstream& in : texts)
+                read.push_back(readRaw(in));
+        });
+        std::vector<std::uint64_t> digests;
+        for (const std::unique_ptr<Associations>& associations : read)
+            digests.push_back(digestOf(streamIn(*associations)));
+        return digestOfNodes(digests);
+    };
+    return {round, expected};
 }
 } // namespace
 
@@ -161,10 +220,20 @@ void compareJournalAtScale(Comparison& comparison)
 void compareNodeEdit(Comparison& comparison, const std::string& extension)
 {
     const std::size_t nodes = comparison.scaled(kNodes);
-    const auto file = sceneOfNodes(extension, nodes);
+    const auto file = sceneOfNodes(extension, nodes, makeRecords(kElements));
     const std::string node = nodeName(nodes / 2);
     constexpr std::size_t kEdits = 2;
     comparison.run(kEdits, labelEditing(file, node, false), labelEditing(file, node, true));
+}
+
+void compareSmallScene(Comparison& comparison, const std::string& extension)
+{
+    constexpr unsigned int kPasses = 20;
+    const std::vector<Record> records = makeRecords(kFewElements);
+    const auto file = sceneOfNodes(extension, kFewNodes, records);
+    const std::uint64_t expected = digestOfNodes(std::vector<std::uint64_t>(kFewNodes, digestOf(records)));
+    comparison.run(kFewNodes * kFewElements * kPasses, repeated(nodesReading(file, expected), kPasses),
+                   repeated(partsReading(file, rawText(records), kFewNodes, expected), kPasses));
 }
 
 void compareBytesRead(Comparison& comparison, const std::string& extension)

@@ -13,6 +13,9 @@ namespace bench
 {
 void compareFileReading(Comparison& comparison, const std::string& extension);
 
+/// A scene of a few nodes with a few records each, against one `pread` of the file and the parse of its texts.
+void compareSmallScene(Comparison& comparison, const std::string& extension);
+
 /// Without a journal; everything is replaced.
 void compareFileWriting(Comparison& comparison, const std::string& extension);
 

@@ -1,6 +1,8 @@
 #include "benchmarks/Streams.h"
 
+#include "vumo/foundation/Ref.h"
 #include "vumo/serialize/AssociationsSerializer.h"
+#include "vumo/serialize/StructureSerializer.h"
 
 #include <cstddef>
 #include <sstream>
@@ -112,5 +114,21 @@ std::unique_ptr<Associations> readRaw(std::istream& in)
     if (!associations || !errors.empty())
         throw WrongResult("the library does not read: " + errors);
     return associations;
+}
+
+std::string recordStructureText()
+{
+    std::ostringstream out;
+    if (StructureSerializer::formatByName("raw")->write(recordStructure(), out) != 0)
+        throw WrongResult("the library does not write the structure");
+    return out.str();
+}
+
+void readRawStructure(std::istream& in)
+{
+    std::string errors;
+    const vumo::Ref<const Structure> structure(StructureSerializer::formatByName("raw")->read(in, errors));
+    if (!structure || *structure != recordStructure())
+        throw WrongResult("the library does not read the structure: " + errors);
 }
 } // namespace bench

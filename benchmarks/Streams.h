@@ -38,4 +38,8 @@ std::uint64_t digestOf(const vumo::Data::Stream& stream);
 /// In the format "raw". Throws `WrongResult` when the library refuses.
 void writeRaw(const vumo::Data::Associations& associations, std::ostream& out);
 std::unique_ptr<vumo::Data::Associations> readRaw(std::istream& in);
+
+/// The text of recordStructure(), and a look at what a reader makes of it.
+std::string recordStructureText();
+void readRawStructure(std::istream& in);
 } // namespace bench

@@ -1,5 +1,6 @@
 #include "benchmarks/TextBench.h"
 
+#include "benchmarks/peers/LoopText.h"
 #include "benchmarks/peers/RawText.h"
 #include "vumo/data/Numbers.h"
 

@@ -1,7 +1,6 @@
 #include "benchmarks/peers/Nlohmann.h"
 
 #include "benchmarks/peers/JsonText.h"
-#include "benchmarks/peers/RapidJson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -57,11 +56,17 @@ std::uint64_t read(const std::string& text, Stopwatch& watch)
     watch.time([&] { parse(text, records); });
     return digestOf(records);
 }
+
+bool isRightText(const std::string& text, const std::vector<Record>& records)
+{
+    Stopwatch unused;
+    return read(text, unused) == digestOf(records);
+}
 } // namespace
 
 TextWriter nlohmannWriter()
 {
-    return {write, rapidJsonWriter().isRight};
+    return {write, isRightText};
 }
 
 TextReader nlohmannReader()

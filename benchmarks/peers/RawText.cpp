@@ -3,7 +3,6 @@
 #include "benchmarks/Blocks.h"
 #include "benchmarks/peers/QuotedText.h"
 
-#include <algorithm>
 #include <charconv>
 #include <ostream>
 #include <sstream>
@@ -13,12 +12,9 @@ namespace bench
 {
 namespace
 {
-constexpr char kHead[] = "channel\nname vertex\nstream\nname points\nindexType numeric\nstructure Record\n";
-constexpr char kTail[] = "endStream\nendChannel\nendAssociations\n";
-
 void writeRecords(const std::vector<Record>& records, std::ostream& out)
 {
-    out << kHead;
+    out << kRawHead;
     for (std::size_t i = 0; i < records.size(); ++i)
     {
         const Record& record = records[i];
@@ -28,7 +24,7 @@ void writeRecords(const std::vector<Record>& records, std::ostream& out)
         writeQuoted(record.label, out);
         out << (record.flag ? " true " : " false ") << record.weight << '\n';
     }
-    out << kTail;
+    out << kRawTail;
 }
 
 std::string write(const std::vector<Record>& records, Stopwatch& watch)
@@ -36,40 +32,6 @@ std::string write(const std::vector<Record>& records, Stopwatch& watch)
     std::ostringstream out;
     watch.time([&] { writeRecords(records, out); });
     return out.str();
-}
-
-template <class T>
-char* putNumber(char* out, T number, char separator)
-{
-    constexpr std::size_t kLongest = 32;
-    out = std::to_chars(out, out + kLongest, number).ptr;
-    *out = separator;
-    return out + 1;
-}
-
-/// Puts a record's line; the place is large enough.
-char* putRecord(char* out, const Record& record)
-{
-    out = putNumber(out, record.id, ' ');
-    for (const float coordinate : record.origin)
-        out = putNumber(out, coordinate, ' ');
-    *out++ = '"';
-    for (const char c : record.label)
-    {
-        if (c == '"' || c == '\\' || c == '\n')
-            *out++ = '\\';
-        *out++ = c == '\n' ? 'n' : c;
-    }
-    const std::string_view flag = record.flag ? "\" true " : "\" false ";
-    out = std::copy(flag.begin(), flag.end(), out);
-    return putNumber(out, record.weight, '\n');
-}
-
-/// Hands a line on, as far as those who read along are to see it.
-void writeLine(std::ostream& out, const char* line, const char* end)
-{
-    out.write(line, end - line);
-    out.flush();
 }
 
 bool isRawText(const std::string& text, const std::vector<Record>& records)
@@ -112,12 +74,14 @@ public:
         skip(flag ? "true " : "false ");
     }
 
-    /// A text between double quotes and the blank after it, which replaces the one in `text`.
-    void read(std::string& text)
+    /// A text between double quotes and the blank after it. The copy is the caller's to free.
+    char* readText()
     {
-        text.clear();
+        constexpr std::size_t kLongest = 64; // the records' labels are short
+        char text[kLongest];
+        char* out = text;
         skip("\"");
-        while (mNext != mEnd && *mNext != '"')
+        while (mNext != mEnd && *mNext != '"' && out != text + kLongest - 1)
         {
             char c = *mNext++;
             if (c == '\\' && mNext != mEnd)
@@ -126,9 +90,11 @@ public:
                 if (c == 'n')
                     c = '\n';
             }
-            text.push_back(c);
+            *out++ = c;
         }
+        *out = '\0';
         skip("\" ");
+        return strdup(text);
     }
 
 private:
@@ -136,35 +102,40 @@ private:
     const char* mEnd;
 };
 
-void readElement(Parser& parser, std::string& label, BlockMap<unsigned int>::Map& blocks)
+/// The blocks lie in the nodes of the map: one allocation less than the library can do with, which learns only from
+/// the structure how large they are.
+using Blocks = std::map<unsigned int, Block>;
+
+void readElement(Parser& parser, Blocks& blocks)
 {
     unsigned int index = 0;
-    Block block{};
     parser.read(index);
+    Block& block = blocks.try_emplace(blocks.end(), index)->second;
     parser.read(block.id);
     for (float& coordinate : block.origin)
         parser.read(coordinate);
-    parser.read(label);
+    block.label = parser.readText();
     parser.read(block.flag);
     parser.read(block.weight);
-
-    std::unique_ptr<char[]> data(new char[sizeof(Block)]);
-    block.label = strdup(label.c_str());
-    std::memcpy(data.get(), &block, sizeof(block));
-    blocks.emplace_hint(blocks.end(), index, std::move(data));
 }
 
 std::uint64_t read(const std::string& text, Stopwatch& watch)
 {
-    BlockMap<unsigned int> blocks;
+    Blocks blocks;
     watch.time([&] {
         Parser parser(text);
-        std::string label;
-        parser.skip(kHead);
-        while (!parser.startsWith(kTail))
-            readElement(parser, label, blocks.map());
+        parser.skip(kRawHead);
+        while (!parser.startsWith(kRawTail))
+            readElement(parser, blocks);
     });
-    return blocks.digest();
+    Digest digest;
+    for (const auto& [index, block] : blocks)
+    {
+        digest.add(index);
+        digest.addRecord(block);
+        std::free(block.label);
+    }
+    return digest.sum();
 }
 } // namespace
 
@@ -176,22 +147,6 @@ TextWriter ostreamWriter()
 TextReader fromCharsReader()
 {
     return {rawText, read};
-}
-
-std::string exactRawText(const std::vector<Record>& records, Stopwatch& watch)
-{
-    std::ostringstream text;
-    watch.time([&] {
-        char line[256]; // the records' labels are short
-        text << kHead;
-        for (std::size_t i = 0; i < records.size(); ++i)
-        {
-            writeLine(text, line, putNumber(line, i, '\n'));
-            writeLine(text, line, putRecord(line, records[i]));
-        }
-        text << kTail;
-    });
-    return text.str();
 }
 
 std::string rawText(const std::vector<Record>& records)

@@ -5,12 +5,12 @@
 /// The library's own text, written and read by hand.
 namespace bench
 {
+/// What stands before and after the records.
+constexpr char kRawHead[] = "channel\nname vertex\nstream\nname points\nindexType numeric\nstructure Record\n";
+constexpr char kRawTail[] = "endStream\nendChannel\nendAssociations\n";
+
 /// `operator<<` in a loop, with default formatting.
 TextWriter ostreamWriter();
-
-/// The same text by `std::to_chars`, each line flushed as the format wants it: each float has the fewest digits that
-/// read back to it.
-std::string exactRawText(const std::vector<Record>& records, Stopwatch& watch);
 
 /// `std::from_chars` in a loop, which fills a map of blocks.
 TextReader fromCharsReader();

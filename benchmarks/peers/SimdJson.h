@@ -4,7 +4,8 @@
 
 namespace bench
 {
-/// `simdjson::dom::parser`, from whose document a map of records is filled. The parser keeps its memory from one round
-/// to the next, as its documentation advises.
+/// `simdjson::dom::parser`, from whose document a map of records is filled, or `simdjson::ondemand::parser`, which
+/// makes none. The parsers keep their memory from one round to the next, as their documentation advises.
 TextReader simdJsonReader();
+TextReader simdJsonOnDemandReader();
 } // namespace bench
