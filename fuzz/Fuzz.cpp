@@ -74,9 +74,11 @@ void registerStructures()
     static const RegisteredStructures theStructures;
 }
 
-bool textOf(const Data::Associations& associations, std::string& text)
+bool textOf(const Data::Associations& associations, std::string& text, Data::eNumbers numbers)
 {
     std::ostringstream out;
+    if (numbers == Data::kExact)
+        out << Data::exactNumbers;
     std::string errors;
     const bool isGood = Data::AssociationsSerializer::formatByName("raw")->write(associations, out, errors) == 0;
     text = out.str();

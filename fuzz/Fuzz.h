@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Associations.h"
+#include "vumo/data/Numbers.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,5 +24,5 @@ void require(bool condition, const std::string& message);
 void registerStructures();
 
 /// The "raw" text of associations; false when the writer counted errors.
-bool textOf(const Data::Associations& associations, std::string& text);
+bool textOf(const Data::Associations& associations, std::string& text, Data::eNumbers numbers = Data::kSixDigits);
 } // namespace vumo::fuzz

@@ -13,6 +13,7 @@
 #include <memory>
 #include <set>
 #include <utility>
+#include <vector>
 
 namespace vumo::fuzz
 {
@@ -60,11 +61,14 @@ SceneFile& fileOf(const std::string& ending, const std::string& bytes)
     return file;
 }
 
+/// Nodes of the samples, for reads in part.
+const std::set<std::string> kSomeNodes = {"Body", "a"};
+
 using Metadata = std::pair<std::set<std::string>, std::map<std::string, std::string>>;
 
 /// The names of the structures, and the text of the associations of each node where it says anything: associations
 /// without channels are not written, nor are channels without streams.
-Metadata metadataOf(const Data::Accessor& accessor)
+Metadata metadataOf(const Data::Accessor& accessor, Data::eNumbers numbers)
 {
     std::string nothing;
     textOf(Data::Associations(), nothing);
@@ -74,12 +78,13 @@ Metadata metadataOf(const Data::Accessor& accessor)
     for (const auto& [node, associations] : accessor.associations())
     {
         std::string text;
-        textOf(associations, text);
+        textOf(associations, text, numbers);
         if (text != nothing)
             metadata.second[node] = text;
     }
     return metadata;
 }
+
 /// What is in a file: the metadata that can be read, and the bytes of the rest.
 using Contents = std::pair<Metadata, std::set<std::string>>;
 
@@ -94,7 +99,7 @@ std::unique_ptr<Data::Accessor> keepingReader(const SceneFile& file, const std::
     return isRead ? std::move(accessor) : nullptr;
 }
 
-Contents contentsOf(const SceneFile& file)
+Contents contentsOf(const SceneFile& file, Data::eNumbers numbers)
 {
     const std::unique_ptr<Data::Accessor> accessor = keepingReader(file, nullptr);
     require(accessor != nullptr, "a file that was written is damaged");
@@ -102,26 +107,81 @@ Contents contentsOf(const SceneFile& file)
     std::set<std::string> unread;
     for (const Data::UnreadBlock& block : accessor->unread())
         unread.insert(bytes.substr(block.position, block.length));
-    return {metadataOf(*accessor), unread};
+    return {metadataOf(*accessor, numbers), unread};
 }
 
 /// Writes a file of which only some nodes were read: nothing of the others changes, nor what cannot be read.
-void rewriteInPart(const SceneFile& file, const std::string& before, const std::set<std::string>* nodes)
+void rewriteInPart(const SceneFile& file, const std::string& before, const std::set<std::string>* nodes,
+                   Data::eNumbers numbers)
 {
     file.setBytes(before);
     const std::unique_ptr<Data::Accessor> accessor = keepingReader(file, nodes);
     if (!accessor)
         return;
-    const Contents contents = contentsOf(file);
+    accessor->setNumbers(numbers);
+    const Contents contents = contentsOf(file, numbers);
     std::string errors;
     if (!accessor->write(errors))
     {
         require(file.bytes() == before, "a write that failed changed the file: " + errors);
         return;
     }
-    require(contentsOf(file) == contents, "what was kept changed when the file was written");
+    require(contentsOf(file, numbers) == contents, "what was kept changed when the file was written");
     const std::string written = file.bytes();
     require(accessor->write(errors) && file.bytes() == written, "writing again changes the file: " + errors);
+}
+/// Writes a file of which everything was read.
+void rewriteAll(const SceneFile& file, const std::string& before, Data::eNumbers numbers)
+{
+    file.setBytes(before);
+    std::string errors;
+    const auto read = [&] {
+        std::unique_ptr<Data::Accessor> accessor = Data::Accessor::readFile(file.name(), errors);
+        if (accessor)
+            accessor->setNumbers(numbers);
+        return accessor;
+    };
+    const std::unique_ptr<Data::Accessor> first = read();
+    if (!first)
+        return;
+    if (!first->write(errors))
+    {
+        require(file.bytes() == before, "a write that failed changed the file: " + errors);
+        return;
+    }
+    const std::unique_ptr<Data::Accessor> second = read();
+    require(second != nullptr, "a file that was written cannot be read: " + errors);
+    require(metadataOf(*second, numbers) == metadataOf(*first, numbers), "the metadata changed when it was written");
+    // Channels without streams go with the first writing, the associations that held them with the second.
+    require(second->write(errors), "a file cannot be written twice: " + errors);
+    const std::string written = file.bytes();
+    const std::unique_ptr<Data::Accessor> third = read();
+    require(third && third->write(errors), "a file cannot be written three times: " + errors);
+    require(file.bytes() == written, "writing what is there changes the file");
+}
+
+/// Reads the file once more, so that it keeps what is not read, and once more in two parts: `all` is what a plain read
+/// gave, or null.
+void readInParts(const SceneFile& file, const Data::Accessor* all)
+{
+    const std::unique_ptr<Data::Accessor> kept = keepingReader(file, nullptr);
+    require(kept || !all, "a file can be read, but not so that the rest is kept");
+    const std::unique_ptr<Data::Accessor> part = keepingReader(file, &kSomeNodes);
+    require(static_cast<bool>(kept) == static_cast<bool>(part), "damage depends on what is wanted of a file");
+    std::string errors;
+    std::vector<Data::ListedBlock> blocks;
+    const bool isListed = Data::Accessor::list(file.name(), blocks, errors);
+    require(isListed || !kept, "a file can be read, but not listed: " + errors);
+    if (!kept)
+        return;
+    const Metadata metadata = metadataOf(*kept, Data::kExact);
+    require(!all || (kept->unread().empty() && metadata == metadataOf(*all, Data::kExact)),
+            "less is read when the rest is kept");
+    std::set<std::string> names;
+    for (const auto& [node, associations] : kept->associations())
+        names.insert(node);
+    require(part->readMore(names, errors) && metadataOf(*part, Data::kExact) == metadata,
+            "what is read in two parts is not the whole: " + errors);
 }
 } // namespace
 
@@ -133,33 +193,18 @@ void readScene(const char* ending, const std::uint8_t* data, std::size_t size)
     const bool isRead = accessor->read(file.name(), errors);
     require(isRead || !errors.empty(), "a scene is refused without a word");
     require(isRead || accessor->associations().empty(), "a read that failed leaves associations");
+    readInParts(file, isRead ? accessor.get() : nullptr);
 }
 
 void rewriteScene(const char* ending, const std::uint8_t* data, std::size_t size)
 {
     const std::string before = textOf(data, size);
     const SceneFile& file = fileOf(ending, before);
-    const std::set<std::string> some = {"Body", "a"};
-    rewriteInPart(file, before, &some);
-    rewriteInPart(file, before, nullptr);
-    file.setBytes(before);
-    std::string errors;
-    const std::unique_ptr<Data::Accessor> first = Data::Accessor::readFile(file.name(), errors);
-    if (!first)
-        return;
-    if (!first->write(errors))
+    for (const Data::eNumbers numbers : {Data::kSixDigits, Data::kExact})
     {
-        require(file.bytes() == before, "a write that failed changed the file: " + errors);
-        return;
+        rewriteInPart(file, before, &kSomeNodes, numbers);
+        rewriteInPart(file, before, nullptr, numbers);
+        rewriteAll(file, before, numbers);
     }
-    const std::unique_ptr<Data::Accessor> second = Data::Accessor::readFile(file.name(), errors);
-    require(second != nullptr, "a file that was written cannot be read: " + errors);
-    require(metadataOf(*second) == metadataOf(*first), "the metadata changed when it was written");
-    // Channels without streams go with the first writing, the associations that held them with the second.
-    require(second->write(errors), "a file cannot be written twice: " + errors);
-    const std::string written = file.bytes();
-    const std::unique_ptr<Data::Accessor> third = Data::Accessor::readFile(file.name(), errors);
-    require(third && third->write(errors), "a file cannot be written three times: " + errors);
-    require(file.bytes() == written, "writing what is there changes the file");
 }
 } // namespace vumo::fuzz
