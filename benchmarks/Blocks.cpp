@@ -8,15 +8,18 @@ BlockArray::BlockArray(const std::vector<Record>& records)
     for (const Record& record : records)
     {
         const float(&origin)[3] = record.origin;
-        mBlocks.push_back(
-            {record.id, {origin[0], origin[1], origin[2]}, strdup(record.label.c_str()), record.flag, record.weight});
+        mBlocks.push_back({record.id,
+                           {origin[0], origin[1], origin[2]},
+                           copyOfLabel(record.label.empty() ? nullptr : record.label.c_str()),
+                           record.flag,
+                           record.weight});
     }
 }
 
 BlockArray::BlockArray(const BlockArray& other) : mBlocks(other.mBlocks)
 {
     for (Block& block : mBlocks)
-        block.label = strdup(block.label);
+        block.label = copyOfLabel(block.label);
 }
 
 BlockArray::~BlockArray()
@@ -29,7 +32,7 @@ std::unique_ptr<char[]> duplicate(const Block& block)
 {
     std::unique_ptr<char[]> data(new char[sizeof(Block)]);
     Block copy = block;
-    copy.label = strdup(block.label);
+    copy.label = copyOfLabel(block.label);
     std::memcpy(data.get(), &copy, sizeof(copy));
     return data;
 }

@@ -17,9 +17,30 @@ struct Block
 {
     std::int32_t id;
     float origin[3];
-    char* label; ///< made by strdup
+    char* label; ///< made by strdup; null for a record without one
     bool flag;
     double weight;
+};
+
+/// By strdup, where there is one.
+inline char* copyOfLabel(const char* label)
+{
+    return label ? strdup(label) : nullptr;
+}
+
+/// A block with a label of its own, which lies outside of it.
+class OwnedBlock
+{
+public:
+    explicit OwnedBlock(const Block& block) : mBlock(block) { mBlock.label = copyOfLabel(block.label); }
+    OwnedBlock(const OwnedBlock& other) : OwnedBlock(other.mBlock) {}
+    OwnedBlock& operator=(const OwnedBlock&) = delete;
+    ~OwnedBlock() { std::free(mBlock.label); }
+
+    const Block& block() const { return mBlock; }
+
+private:
+    Block mBlock;
 };
 
 inline Block blockAt(const char* data)
@@ -38,6 +59,13 @@ public:
     BlockArray(const BlockArray& other);
     BlockArray& operator=(const BlockArray&) = delete;
     ~BlockArray();
+
+    /// Copies the block and its label.
+    void push_back(const Block& block)
+    {
+        mBlocks.push_back(block);
+        mBlocks.back().label = copyOfLabel(block.label);
+    }
 
     std::size_t size() const { return mBlocks.size(); }
     const Block& operator[](std::size_t i) const { return mBlocks[i]; }

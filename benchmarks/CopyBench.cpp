@@ -85,20 +85,32 @@ void compareCopy(Comparison& comparison, Storage storage)
     comparison.run(kStreams * records.size(), {makeUnique, expected}, {copyVector, expected});
 }
 
-class MapOfRecords : public RecordMap
+class MapOfBlocks : public std::map<unsigned int, OwnedBlock>
 {
 public:
-    explicit MapOfRecords(const std::vector<Record>& records)
+    explicit MapOfBlocks(const std::vector<Record>& records)
     {
-        for (std::size_t i = 0; i < records.size(); ++i)
-            emplace_hint(end(), static_cast<unsigned int>(i), records[i]);
+        const BlockArray blocks(records);
+        for (std::size_t i = 0; i < blocks.size(); ++i)
+            emplace_hint(end(), static_cast<unsigned int>(i), blocks[i]);
     }
 };
+
+std::uint64_t digestOf(const MapOfBlocks& blocks)
+{
+    Digest digest;
+    for (const auto& [index, owned] : blocks)
+    {
+        digest.add(index);
+        digest.addRecord(owned.block());
+    }
+    return digest.sum();
+}
 } // namespace
 
 void compareMappedCopy(Comparison& comparison)
 {
-    compareCopy<MapOfRecords>(comparison, Storage::kMapped);
+    compareCopy<MapOfBlocks>(comparison, Storage::kMapped);
 }
 
 void compareDenseCopy(Comparison& comparison)

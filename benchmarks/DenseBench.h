@@ -8,7 +8,13 @@
 /// Dense storage against vectors.
 namespace bench
 {
+/// Records without labels, against vectors of such records.
 void compareDenseSet(Comparison& comparison);
+
+/// With labels, against vectors of blocks with labels of their own.
+void compareDenseSetWithStrings(Comparison& comparison);
+
+void compareDenseSumByElement(Comparison& comparison);
 void compareDenseSumByIterator(Comparison& comparison);
 
 /// By `MemberView`, against a loop over the blocks themselves.

@@ -19,7 +19,7 @@ constexpr unsigned int kArrival = 1;
 constexpr unsigned int kLookup = 2;
 
 using NumericMap = BlockMap<unsigned int>;
-using TextMap = std::map<std::string, Record>;
+using TextMap = BlockMap<std::string>;
 
 /// Records as they arrive, and the numbers under which they are stored: the k-th record under the k-th number.
 struct Input
@@ -180,17 +180,6 @@ std::uint64_t textDigest(const std::vector<Record>& records)
     return digest.sum();
 }
 
-std::uint64_t textDigest(const TextMap& records)
-{
-    Digest digest;
-    for (const auto& [index, record] : records)
-    {
-        digest.add(std::string_view(index));
-        digest.addRecord(record);
-    }
-    return digest.sum();
-}
-
 Stream emptyTextStream()
 {
     Stream stream = emptyStream(Storage::kMapped);
@@ -302,9 +291,9 @@ void compareTextInsert(Comparison& comparison)
         TextMap map;
         watch.time([&] {
             for (std::size_t k = 0; k < texts.size(); ++k)
-                map.emplace(texts[k], input->records[k]);
+                map.map().emplace(texts[k], duplicate(input->blocks[k]));
         });
-        return textDigest(map);
+        return map.digest();
     };
     const std::uint64_t expected = textDigest(input->sorted());
     comparison.run(input->size(), {setAll, expected}, {emplaceAll, expected});
@@ -318,13 +307,13 @@ void compareTextLookup(Comparison& comparison)
     setElements(*input, arrived, stream);
     TextMap map;
     for (std::size_t k = 0; k < arrived.size(); ++k)
-        map.emplace(arrived[k], input->records[k]);
+        map.map().emplace(arrived[k], duplicate(input->blocks[k]));
 
     const auto idInStream = [&](const std::string& text) {
         Handle handle = stream.element(IndexString(text));
         return idOf(handle);
     };
-    const auto idInMap = [&](const std::string& text) { return map.find(text)->second.id; };
+    const auto idInMap = [&](const std::string& text) { return blockAt(map.map().find(text)->second.get()).id; };
     std::vector<std::string> texts;
     for (const unsigned int number : shuffledNumbers(input->size(), kLookup))
         texts.push_back(textIndex(number));

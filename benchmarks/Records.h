@@ -57,7 +57,7 @@ public:
     {
         add(static_cast<std::uint64_t>(record.id));
         add(record.origin);
-        add(std::string_view(record.label));
+        add(textOf(record.label));
         add(static_cast<std::uint64_t>(record.flag));
         add(record.weight);
     }
@@ -65,6 +65,9 @@ public:
     std::uint64_t sum() const { return mSum; }
 
 private:
+    static std::string_view textOf(const std::string& label) { return label; }
+    static std::string_view textOf(const char* label) { return label ? label : std::string_view(); }
+
     std::uint64_t mSum = 1;
 };
 
