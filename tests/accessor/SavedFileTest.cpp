@@ -118,6 +118,37 @@ TEST_F(SavedFileTest, TheFile_StaysTheOneThatItWas)
     EXPECT_TRUE(isSaved(other));
 }
 
+TEST_F(SavedFileTest, AnEstimate_IsWhatTheWriteDoesThen)
+{
+    for (const RichScene& kind : kRichScenes)
+    {
+        const std::string name = mFolder / (std::string("rich") + kind.ending);
+        setBytes(name, kind.bytes);
+        const auto accessor = readScene(name);
+        accessor->setNumbers(kExact);
+        Accessor::WriteCost cost;
+        EXPECT_TRUE(accessor->estimateWrite(cost, mErrors)) << mErrors;
+        EXPECT_EQ(cost.bytes, 0U);
+        edit(*accessor);
+        EXPECT_TRUE(accessor->estimateWrite(cost, mErrors)) << mErrors;
+        EXPECT_EQ(bytesOf(name), kind.bytes);
+        ASSERT_TRUE(accessor->write(mErrors)) << mErrors;
+        const std::string after = bytesOf(name);
+        const auto change = std::mismatch(kind.bytes.begin(), kind.bytes.end(), after.begin(), after.end());
+        EXPECT_EQ(cost.position, static_cast<std::uint64_t>(change.second - after.begin()));
+        EXPECT_EQ(cost.oldLength, kind.bytes.size());
+        EXPECT_EQ(cost.newLength, after.size());
+        EXPECT_GT(cost.bytes, 0U);
+        EXPECT_LE(cost.position + cost.bytes, after.size());
+
+        const Ref<Structure> other = Structure::make("Label", {{Member::kInt8, 1, "Value"}});
+        accessor->associations()["new"] = associationsOf("vertex", "labels", *other, 0, "1");
+        EXPECT_FALSE(accessor->estimateWrite(cost, mErrors));
+        EXPECT_EQ(accessor->failure().kind, Accessor::Failure::kRefused);
+        mErrors.clear();
+    }
+}
+
 TEST_F(SavedFileTest, TheRecord_IsForThoseWhoMayReadTheFile)
 {
     for (const mode_t mode : {0600U, 0640U, 0664U})

@@ -120,6 +120,15 @@ bool Accessor::write(std::string& errors) const
     return false;
 }
 
+bool Accessor::estimateWrite(WriteCost& cost, std::string& errors) const
+{
+    cost = {};
+    mImpl->cost = &cost;
+    const bool isGood = write(errors);
+    mImpl->cost = nullptr;
+    return isGood;
+}
+
 bool Accessor::isFileSupported(const std::string& /*fileName*/) const
 {
     return true;

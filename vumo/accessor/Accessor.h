@@ -112,6 +112,15 @@ public:
         int systemError = 0; ///< `errno` of the call that failed; 0 when none did
     };
 
+    /// What a write() does to the file.
+    struct WriteCost
+    {
+        std::uint64_t position = 0; ///< of the first byte that changes, from 0
+        std::uint64_t bytes = 0;    ///< written in the file; 0 when nothing has to be
+        std::uint64_t oldLength = 0;
+        std::uint64_t newLength = 0;
+    };
+
     /// What write() does when somebody else has changed the metadata in the file.
     enum eConflict
     {
@@ -140,6 +149,11 @@ public:
     /// Locks the file for other writers that use this library: the second one waits as long as setLockWait() says, and
     /// is refused then.
     virtual bool write(std::string& errors) const;
+
+    /// Gives what write() would do to the file as it is now, and leaves it alone, unless an earlier write() was
+    /// interrupted: then it is restored first. False, with the reason appended to `errors`, where write() would refuse;
+    /// what write() only meets on its way, such as a full disk, is not foreseen.
+    bool estimateWrite(WriteCost& cost, std::string& errors) const;
 
     /// Says whether the file, going by its contents, is one that this accessor can read.
     virtual bool isFileSupported(const std::string& fileName) const;

@@ -30,6 +30,7 @@ struct AccessorState
     FileBlocks found;                            ///< by the last read
     std::uint64_t checksum = 0;                  ///< of the metadata in the file; 0: nothing is known about them
     std::vector<ListedBlock>* listing = nullptr; ///< the next read gives this and no metadata
+    Accessor::WriteCost* cost = nullptr;         ///< the next write gives this and changes nothing
     Accessor::Failure failure;                   ///< of the last read or write
 
     /// Takes note of why a step failed, unless that is known already: of the system's error, if there is one. False.

@@ -85,6 +85,21 @@ void FileChange::narrow(const File& file)
     }
 }
 
+Accessor::WriteCost FileChange::cost(const File& file) const
+{
+    Accessor::WriteCost cost;
+    cost.oldLength = file.size();
+    cost.newLength = mLength;
+    cost.position = std::min(cost.oldLength, mLength);
+    for (const FileEdit& edit : mEdits)
+    {
+        cost.bytes += edit.bytes.size();
+        if (!edit.bytes.empty())
+            cost.position = std::min(cost.position, edit.position);
+    }
+    return cost;
+}
+
 bool FileChange::isDoneIn(const File& file) const
 {
     return file.size() == mLength &&

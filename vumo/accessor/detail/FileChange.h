@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vumo/accessor/Accessor.h"
 #include "vumo/accessor/detail/File.h"
 
 #include <cstdint>
@@ -34,6 +35,9 @@ public:
     /// Leaves out of the edits what the file begins and ends them with already: an edit that changes one node's
     /// metadata costs no more than that. An edit may get empty.
     void narrow(const File& file);
+
+    /// What it takes, once it is narrowed.
+    Accessor::WriteCost cost(const File& file) const;
 
     /// Says whether nothing is to become of the file.
     bool isDoneIn(const File& file) const;

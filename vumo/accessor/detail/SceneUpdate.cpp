@@ -52,6 +52,12 @@ bool SceneUpdate::checkUnchanged(std::uint64_t inFile, std::string& errors) cons
 
 bool SceneUpdate::run(FileChange& change, FileBlocks&& newMetadata, std::string& errors)
 {
+    change.narrow(mFile);
+    if (mState.cost)
+    {
+        *mState.cost = change.cost(mFile);
+        return true;
+    }
     if (!makeChange(change, errors))
         return false;
     mState.checksum = newMetadata.checksum();
@@ -60,9 +66,8 @@ bool SceneUpdate::run(FileChange& change, FileBlocks&& newMetadata, std::string&
     return true;
 }
 
-bool SceneUpdate::makeChange(FileChange& change, std::string& errors)
+bool SceneUpdate::makeChange(const FileChange& change, std::string& errors)
 {
-    change.narrow(mFile);
     mNeedsRecord = mNeedsRecord && !change.isDoneIn(mFile);
     if (!mRecord.take(mFile, change))
         return failBySystem(mFile.error(), withReason("Could not read the old bytes of " + mPlace.file, mFile.error()),

@@ -40,12 +40,13 @@ public:
     /// To read what the change is made of.
     const File& file() const { return mFile; }
 
-    /// Makes the change, once, or as much of it as changes anything. From then on the accessor knows the new metadata.
-    /// False, with the file as it was and the message of the step that failed in `errors`.
+    /// Makes the change, or only gives its cost if the state asks for that. Makes it once, or as much of it as changes
+    /// anything. From then on the accessor knows the new metadata. False, with the file as it was and the message of
+    /// the step that failed in `errors`.
     bool run(FileChange& change, FileBlocks&& newMetadata, std::string& errors);
 
 private:
-    bool makeChange(FileChange& change, std::string& errors);
+    bool makeChange(const FileChange& change, std::string& errors);
     bool makeRecord(std::string& errors);
     bool failBySystem(int error, const std::string& message, std::string& errors);
     int storeRecord() const;
