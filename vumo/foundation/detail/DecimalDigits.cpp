@@ -11,78 +11,84 @@ __extension__ using Wide = unsigned __int128;
 
 // A double as IEEE 754 lays it out.
 constexpr int kFractionBits = 52;
+constexpr int kExponentBits = 11;
 constexpr int kExponentBias = 1023;
-constexpr std::uint64_t kHiddenBit = std::uint64_t(1) << kFractionBits;
+constexpr std::uint64_t kHighestBit = std::uint64_t(1) << 63;
 
-template <int Count>
-constexpr std::array<std::uint64_t, Count> powersOf(std::uint64_t base)
+/// A power of five as integer / 2^shift, with the highest bit set.
+struct FivePower
 {
-    std::array<std::uint64_t, Count> powers{};
+    std::uint64_t integer;
+    int shift;
+};
+
+constexpr int kGreatestScale = 27; // 5^27 is the last that has 64 bits
+
+constexpr std::array<FivePower, kGreatestScale + 1> powersOfFive()
+{
+    std::array<FivePower, kGreatestScale + 1> powers{};
     std::uint64_t power = 1;
-    for (std::uint64_t& entry : powers)
+    for (FivePower& entry : powers)
     {
-        entry = power;
-        power *= base;
+        entry = {power, 0};
+        for (; entry.integer < kHighestBit; ++entry.shift)
+            entry.integer *= 2;
+        power *= 5;
     }
     return powers;
 }
 
-constexpr auto kPowersOfFive = powersOf<28>(5); // 5^27 is the last that has 64 bits
-constexpr auto kPowersOfTen = powersOf<20>(10);
+constexpr std::array<std::uint64_t, 20> powersOfTen()
+{
+    std::array<std::uint64_t, 20> powers{};
+    std::uint64_t power = 1;
+    for (std::uint64_t& entry : powers)
+    {
+        entry = power;
+        power *= 10;
+    }
+    return powers;
+}
 
-/// A positive double: integer * 2^exponent, its first bit being bit kFractionBits.
+constexpr auto kPowersOfFive = powersOfFive();
+constexpr auto kPowersOfTen = powersOfTen();
+
+/// A positive double: integer * 2^(magnitude - 63). The highest bit of the integer is set.
 struct BinaryNumber
 {
     std::uint64_t integer;
-    int exponent;
+    int magnitude;
 };
 
-/// A number as the integer below it, and how what is left compares with a half.
+/// A number as the integer below it, and what is left: compared with kHighestBit it is what that is compared with a
+/// half. The lowest bit of `rest` means no more than that there is something; so it may be set where the number is odd.
 struct Scaled
 {
     std::uint64_t whole;
-    bool isAboveHalf;
-    bool isHalf;
-    bool hasRest;
+    std::uint64_t rest;
 };
 
-/// `number` * 10^`scale`, for a scale of 0 to 27.
-Scaled scaleUp(const BinaryNumber& number, int scale)
+/// `number` * 10^`scale`, for a scale of 0 to kGreatestScale, where that is from 1 up to but not including 2^63.
+inline Scaled scaleUp(const BinaryNumber& number, int scale)
 {
-    const Wide product = static_cast<Wide>(number.integer) * kPowersOfFive[static_cast<unsigned int>(scale)];
-    const int shift = number.exponent + scale;
-    if (shift >= 0)
-        return {static_cast<std::uint64_t>(product << shift), false, false, false};
-    const auto whole = static_cast<std::uint64_t>(product >> -shift);
-    const Wide rest = product - (static_cast<Wide>(whole) << -shift);
-    const Wide half = static_cast<Wide>(1) << (-shift - 1);
-    return {whole, rest > half, rest == half, rest != 0};
+    const FivePower& power = kPowersOfFive[static_cast<unsigned int>(scale)];
+    const Wide product = static_cast<Wide>(number.integer) * power.integer;
+    const auto high = static_cast<std::uint64_t>(product >> 64);
+    const int fraction = power.shift - 1 - number.magnitude - scale; // bits of `high`: from 1 to 63
+    const std::uint64_t hasMore = static_cast<std::uint64_t>(product) != 0;
+    return {high >> fraction, high << (64 - fraction) | hasMore};
 }
 
 /// `number` / 10^`scale`, for a number from 10 up to but not including 2^63.
 Scaled scaleDown(const BinaryNumber& number, int scale)
 {
-    std::uint64_t integer = number.integer;
-    bool hasFraction = false;
-    if (number.exponent >= 0)
-        integer <<= number.exponent;
-    else
-    {
-        integer >>= -number.exponent;
-        hasFraction = integer << -number.exponent != number.integer;
-    }
+    const std::uint64_t integer = number.integer >> (63 - number.magnitude);
+    const bool hasFraction = integer << (63 - number.magnitude) != number.integer;
     const std::uint64_t divisor = kPowersOfTen[static_cast<unsigned int>(scale)];
-    const std::uint64_t whole = integer / divisor;
     const std::uint64_t twice = integer % divisor * 2;
-    return {whole, twice > divisor || (twice == divisor && hasFraction), twice == divisor && !hasFraction,
-            twice != 0 || hasFraction};
-}
-
-/// Divides by ten.
-Scaled withoutLastDigit(const Scaled& number)
-{
-    const std::uint64_t digit = number.whole % 10;
-    return {number.whole / 10, digit > 5 || (digit == 5 && number.hasRest), digit == 5 && !number.hasRest, true};
+    const bool isBelowHalf = twice < divisor;
+    const bool isHalf = twice == divisor && !hasFraction;
+    return {integer / divisor, isBelowHalf ? 0 : isHalf ? kHighestBit : kHighestBit | 1};
 }
 
 /// The exponent of ten of 2^`exponent`, rounded down; right for all exponents of a double.
@@ -98,27 +104,27 @@ std::optional<DecimalDigits> roundToDigits(double value, int count)
 {
     std::uint64_t bits;
     std::memcpy(&bits, &value, sizeof(bits));
-    const int magnitude = static_cast<int>(bits >> kFractionBits) - kExponentBias; // of the highest bit
     // Wrong for subnormal numbers, which have no hidden bit; but they are out of reach of the scaling below.
-    const BinaryNumber number = {(bits & (kHiddenBit - 1)) | kHiddenBit, magnitude - kFractionBits};
-    if (magnitude >= 63)
+    const BinaryNumber number = {bits << kExponentBits | kHighestBit,
+                                 static_cast<int>(bits >> kFractionBits) - kExponentBias};
+    if (number.magnitude >= 63)
         return std::nullopt; // scaleDown() has 64 bits, and doubles what is left
 
-    // The number is less than twice that power of two, so its exponent is this one or the next.
-    int exponent = decimalExponent(magnitude);
-    const int scale = count - 1 - exponent;
-    if (scale >= static_cast<int>(kPowersOfFive.size()))
+    // The number is less than twice its highest bit, so its exponent is that one's or the next.
+    int exponent = decimalExponent(number.magnitude);
+    int scale = count - 1 - exponent;
+    if (scale > kGreatestScale)
         return std::nullopt;
-    Scaled scaled = scale >= 0 ? scaleUp(number, scale) : scaleDown(number, -scale);
+    const auto scaledBy = [&](int power) { return power >= 0 ? scaleUp(number, power) : scaleDown(number, -power); };
     const std::uint64_t end = kPowersOfTen[static_cast<unsigned int>(count)];
+    Scaled scaled = scaledBy(scale);
     if (scaled.whole >= end)
     {
-        scaled = withoutLastDigit(scaled);
+        scaled = scaledBy(scale - 1);
         ++exponent;
     }
     std::uint64_t digits = scaled.whole;
-    if (scaled.isAboveHalf || (scaled.isHalf && digits % 2 == 1))
-        ++digits;
+    digits += (scaled.rest | (digits & 1)) > kHighestBit ? 1 : 0; // half of one goes to the even number
     if (digits == end)
     {
         digits /= 10;

@@ -1,5 +1,7 @@
 #include "vumo/foundation/detail/PlainNumber.h"
 
+#include "vumo/foundation/detail/ByteOrder.h"
+
 #include <cfloat>
 #include <cstddef>
 #include <cstdint>
@@ -22,12 +24,6 @@ constexpr auto kGreatestExactPower = static_cast<std::ptrdiff_t>(std::size(kPowe
 
 constexpr std::uint64_t kIntegerPowersOfTen[] = {1,       10,        100,        1'000,      10'000,
                                                  100'000, 1'000'000, 10'000'000, 100'000'000};
-
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-constexpr bool kIsLittleEndian = true;
-#else
-constexpr bool kIsLittleEndian = false;
-#endif
 
 /// The parts of a number's text: +-`integer` * 10^`exponent`.
 struct DecimalText
