@@ -15,10 +15,10 @@ function(vumo_part_option name description)
     set_property(CACHE ${name} PROPERTY STRINGS AUTO ON OFF)
 endfunction()
 
-# Finds the package, and in it the target, that a part needs. Ends the part's CMakeLists.txt where they are missing
-# and the part's option is AUTO.
+# Finds the package, and in it the target, that a part needs; what follows goes to find_package. Ends the part's
+# CMakeLists.txt where they are missing and the part's option is AUTO.
 macro(vumo_find_package option package target)
-    find_package(${package} QUIET)
+    find_package(${package} QUIET ${ARGN})
     if(NOT TARGET ${target})
         if(NOT ${option} STREQUAL "AUTO")
             message(FATAL_ERROR "${option}=${${option}} needs ${target} of the package ${package}, which was not found. "
@@ -32,6 +32,7 @@ endmacro()
 
 option(BUILD_SHARED_LIBS "Build vumo as a shared library" ON)
 vumo_part_option(VUMO_BUILD_TOOLS "Build the command-line tool")
+vumo_part_option(VUMO_BUILD_PYTHON "Build the package for Python")
 option(VUMO_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 vumo_part_option(VUMO_BUILD_TESTS "Build the tests")
 option(VUMO_BUILD_FUZZERS "Build the fuzz targets with libFuzzer (clang)" OFF)

@@ -12,7 +12,8 @@ file(REMOVE_RECURSE ${build})
 function(configure_with options result)
     execute_process(
         COMMAND ${CMAKE_COMMAND} -S ${root} -B ${build} -G ${generator} -D CMAKE_CXX_COMPILER=${compiler}
-            -D CMAKE_DISABLE_FIND_PACKAGE_CLI11=ON -D CMAKE_DISABLE_FIND_PACKAGE_GTest=ON ${options}
+            -D CMAKE_DISABLE_FIND_PACKAGE_CLI11=ON -D CMAKE_DISABLE_FIND_PACKAGE_GTest=ON
+            -D CMAKE_DISABLE_FIND_PACKAGE_pybind11=ON ${options}
         RESULT_VARIABLE actual OUTPUT_VARIABLE output ERROR_VARIABLE output)
     string(REGEX REPLACE "[ \n]+" " " output "${output}")
     foreach(text IN LISTS ARGN)
@@ -24,6 +25,7 @@ function(configure_with options result)
 endfunction()
 
 configure_with("" 0 "Leaving out tools: CLI11::CLI11 of the package CLI11 was not found"
+    "Leaving out python: pybind11::headers of the package pybind11 was not found"
     "Leaving out tests: GTest::gmock of the package GTest was not found")
 configure_with("-DVUMO_BUILD_TOOLS=ON" 1 "VUMO_BUILD_TOOLS=ON needs CLI11::CLI11 of the package CLI11")
 configure_with("-DVUMO_BUILD_TOOLS=OFF;-DVUMO_BUILD_TESTS=ON" 1 "VUMO_BUILD_TESTS=ON needs GTest::gmock of the package")

@@ -1,0 +1,55 @@
+"""Typed metadata beside the objects of 3D scenes, read and edited in place.
+
+    import vumo
+    with vumo.open("shot.ob", "r+") as scene:
+        weight = scene["Body"]["vertex"]["skin"]["Weight"]
+        weight *= 0.5
+"""
+
+from ._column import Column
+from ._layout import Member, Structure
+from ._scene import Channel, Fault, Node, Scene, open
+from ._stream import Element, Stream
+from .errors import (
+    BusyError,
+    ChangedError,
+    ClosedError,
+    Error,
+    LockedError,
+    MalformedError,
+    NoAccessError,
+    NoFileError,
+    NotFoundError,
+    NotRestoredError,
+    NotSceneError,
+    ReadOnlyError,
+    RefusedError,
+    SystemCallError,
+)
+
+__all__ = [
+    "BusyError",
+    "ChangedError",
+    "Channel",
+    "ClosedError",
+    "Column",
+    "Element",
+    "Error",
+    "Fault",
+    "LockedError",
+    "MalformedError",
+    "Member",
+    "NoAccessError",
+    "NoFileError",
+    "Node",
+    "NotFoundError",
+    "NotRestoredError",
+    "NotSceneError",
+    "ReadOnlyError",
+    "RefusedError",
+    "Scene",
+    "Stream",
+    "Structure",
+    "SystemCallError",
+    "open",
+]
