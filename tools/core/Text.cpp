@@ -1,4 +1,4 @@
-#include "Text.h"
+#include "core/Text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -22,9 +22,17 @@ std::string hexEscape(char character)
 std::string printable(const std::string& text)
 {
     std::string result;
+    for (const char character : escaped(text))
+        result += character == '"' ? "\\\"" : std::string(1, character);
+    return result;
+}
+
+std::string escaped(const std::string& text)
+{
+    std::string result;
     for (const char character : text)
     {
-        if (character == '"' || character == '\\')
+        if (character == '\\')
             result += '\\';
         if (character == '\n')
             result += "\\n";
@@ -44,25 +52,25 @@ std::string message(const std::string& text)
     return result;
 }
 
-std::string quoted(const std::string& text)
+std::string inQuotes(const std::string& text)
 {
     return '"' + printable(text) + '"';
 }
 
 std::string nodeTitle(const std::string& node)
 {
-    return node.empty() ? "scene" : "node " + quoted(node);
+    return node.empty() ? "scene" : "node " + inQuotes(node);
 }
 
-std::string memberText(const vumo::Data::Handle& handle, vumo::Data::eNumbers numbers)
+std::string memberText(const vumo::Data::Handle& handle)
 {
     std::string result;
     for (unsigned int i = 0; i < handle.dataLength(); ++i)
     {
         if (i > 0)
             result += ' ';
-        const std::string value = handle.str(i, numbers);
-        result += handle.dataType() == vumo::Data::Member::kString ? quoted(value) : value;
+        const std::string value = handle.str(i, vumo::Data::kExact);
+        result += handle.dataType() == vumo::Data::Member::kString ? inQuotes(value) : value;
     }
     return result;
 }

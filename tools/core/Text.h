@@ -8,17 +8,20 @@
 /// characters stay as they are.
 std::string printable(const std::string& text);
 
+/// The text as a cell of a line: backslashes and control characters are escaped, the bytes of others stay as they are.
+std::string escaped(const std::string& text);
+
 /// The text of a message, fit for a terminal: control characters are escaped, newlines stay.
 std::string message(const std::string& text);
 
 /// The printable text in double quotes.
-std::string quoted(const std::string& text);
+std::string inQuotes(const std::string& text);
 
 /// What the commands call a node: its quoted name, or "scene" for the scene itself.
 std::string nodeTitle(const std::string& node);
 
 /// All values of the handle's current member, separated by blanks; strings are quoted.
-std::string memberText(const vumo::Data::Handle& handle, vumo::Data::eNumbers numbers);
+std::string memberText(const vumo::Data::Handle& handle);
 
 /// The width of a UTF-8 text on a terminal, a column for each character.
 std::string::size_type columns(const std::string& text);

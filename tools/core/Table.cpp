@@ -1,6 +1,6 @@
-#include "Table.h"
+#include "core/Table.h"
 
-#include "Text.h"
+#include "core/Text.h"
 
 #include <algorithm>
 #include <ostream>

@@ -1,0 +1,9 @@
+#include "commands/Commands.h"
+
+#include <initializer_list>
+
+void addCommands(Session& session)
+{
+    for (const auto add : {addLs, addShow, addGet, addSet})
+        add(session);
+}

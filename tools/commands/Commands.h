@@ -1,0 +1,12 @@
+#pragma once
+
+class Session;
+
+/// Each command is a function in a file of its own, which adds it to the session's command line.
+void addLs(Session& session);
+void addShow(Session& session);
+void addGet(Session& session);
+void addSet(Session& session);
+
+/// Adds all of them: first those that look, then those that edit.
+void addCommands(Session& session);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "core/JsonObject.h"
+#include "core/Session.h"
+
+#include <functional>
+#include <ostream>
+#include <string>
+
+/// One file of a command's work.
+struct Job
+{
+    Session& session;
+    std::string file;
+    std::ostream& out; ///< for data as text; of several files, each line is led by the file's name and a tabulator
+    JsonObject* json;  ///< null unless JSON is asked for: the object that describes this file, for what was found
+};
+
+/// What a command does with one file: returns kDone or kNo, or throws a `Failure`.
+using FileWork = std::function<eExitCode(Job&)>;
+
+/// Does it with all files of the session, one after the other, and goes on after one that fails; tells of failures and
+/// shows progress. Returns the code for all of them. It throws a `Failure` only for wrong usage.
+eExitCode forEachFile(Session& session, const FileWork& work);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "tools/codec/Json.h"
+
+#include <string>
+#include <vector>
+
+/// The text of a JSON object, member by member.
+class JsonObject
+{
+public:
+    /// Adds a member of that value, which is JSON itself. The key is plain letters.
+    JsonObject& add(const std::string& key, const std::string& json);
+    JsonObject& add(const std::string& key, unsigned long long number);
+    JsonObject& addText(const std::string& key, const std::string& text);
+
+    std::string text() const { return "{" + mMembers + "}"; }
+
+private:
+    std::string mMembers;
+};
+
+/// The text of a JSON array of these values, which are JSON themselves.
+std::string jsonArray(const std::vector<std::string>& values);

@@ -1,0 +1,195 @@
+#include "core/SceneFile.h"
+
+#include "core/Nearest.h"
+#include "core/Text.h"
+#include "vumo/data/Associations.h"
+#include "vumo/data/Channel.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <set>
+
+using namespace vumo::Data;
+
+namespace
+{
+/// What the system says about the call that has just failed, and what can be done about it.
+std::string systemFault()
+{
+    const std::string reason = std::strerror(errno);
+    return errno == EACCES ? reason + "; ask its owner for access" : reason;
+}
+
+/// What keeps the file from being used as a scene; empty when nothing is known to. Opening would wait at a pipe.
+std::string obstacle(const std::string& fileName, SceneFile::eUse use)
+{
+    struct stat status = {};
+    if (stat(fileName.c_str(), &status) != 0)
+        return systemFault();
+    if (S_ISDIR(status.st_mode))
+        return "this is a folder; name a scene file in it";
+    if (!S_ISREG(status.st_mode))
+        return "this is not a regular file; copy what it delivers to one";
+    if (!Accessor::accessorByExtension(fileName))
+        return "its name is not that of a scene; give it the ending .oa if it is an ASCII scene, .ob if it is binary";
+    const int rights = use == SceneFile::kEdit ? R_OK | W_OK : R_OK;
+    return access(fileName.c_str(), rights) == 0 ? "" : systemFault();
+}
+
+/// The messages of a read or write that failed, with what the system says unless they have it.
+std::string withReason(std::string messages, const Accessor& accessor)
+{
+    const std::string reason = accessor.failure().systemReason();
+    if (reason.empty() || messages.find(reason) != std::string::npos)
+        return messages;
+    messages.erase(messages.find_last_not_of(".\n") + 1);
+    return messages + ": " + reason;
+}
+
+/// What a read or a write ends with that failed so; `otherwise` for what the kind does not decide.
+eExitCode codeOf(Accessor::Failure::eKind kind, eExitCode otherwise)
+{
+    switch (kind)
+    {
+    case Accessor::Failure::kLocked:
+    case Accessor::Failure::kChanged:
+        return kBusy;
+    case Accessor::Failure::kNotRestored:
+        return kNotRestored;
+    default:
+        return otherwise;
+    }
+}
+
+/// The names in a map, or of the parts of a node or a channel.
+template <class Parts, class NameOf>
+std::vector<std::string> namesOf(const Parts& parts, NameOf nameOf)
+{
+    std::vector<std::string> names;
+    for (const auto& part : parts)
+        names.push_back(nameOf(part));
+    return names;
+}
+} // namespace
+
+SceneFile::SceneFile(const Session& session, const std::string& fileName, eUse use)
+    : mFileName(fileName),
+      mAccessor(Accessor::accessorByExtension(fileName))
+{
+    const std::string fault = obstacle(fileName, use);
+    if (!fault.empty())
+        throw Failure(kBadInput, mFileName + ": " + fault);
+    mAccessor->setUnread(Accessor::kKeep);
+    mAccessor->setNumbers(kExact);
+    mAccessor->setLockWait(session.lockWait());
+}
+
+std::vector<ListedBlock> SceneFile::list() const
+{
+    std::vector<ListedBlock> blocks;
+    std::string errors;
+    if (!Accessor::list(mFileName, blocks, errors))
+        throw failure(kBadInput, errors);
+    return blocks;
+}
+
+void SceneFile::read(const std::set<std::string>* nodes)
+{
+    std::string errors;
+    if (!mAccessor->read(mFileName, nullptr, nodes, errors))
+        throw readFailure(errors);
+}
+
+void SceneFile::readNode(const std::string& node)
+{
+    const std::set<std::string> wanted = {node};
+    read(&wanted);
+}
+
+void SceneFile::readSelected(const std::vector<std::string>& patterns)
+{
+    if (patterns.empty())
+        return read();
+    const std::set<std::string> none;
+    read(&none);
+    std::set<std::string> wanted;
+    for (const UnreadBlock& block : mAccessor->unread())
+    {
+        if (block.kind == UnreadBlock::kAssociations && Selection::passes(patterns, block.name))
+            wanted.insert(block.name);
+    }
+    read(&wanted);
+}
+
+bool SceneFile::isEmpty() const
+{
+    return mAccessor->structures().empty() && mAccessor->associations().empty() && mAccessor->unread().empty();
+}
+
+std::string SceneFile::unreadableText(const UnreadBlock& block)
+{
+    const bool isStructure = block.kind == UnreadBlock::kStructure;
+    const std::string title = isStructure ? "structure " + inQuotes(block.name) : nodeTitle(block.name);
+    return title + ", in the format " + inQuotes(block.format) + ", from byte " + std::to_string(block.position) +
+           ", cannot be read: " + message(block.why) + (block.why.back() == '\n' ? "" : "\n");
+}
+
+Associations& SceneFile::node(const std::string& name)
+{
+    if (isEmpty())
+        throw failure(kNo, kNoMetadata);
+    const auto entry = mAccessor->associations().find(name);
+    if (entry != mAccessor->associations().end())
+        return entry->second;
+    std::vector<std::string> names = namesOf(mAccessor->associations(), [](const auto& node) { return node.first; });
+    for (const UnreadBlock& block : mAccessor->unread())
+    {
+        if (block.kind != UnreadBlock::kAssociations)
+            continue;
+        if (block.name == name && !block.why.empty())
+            throw failure(kBadInput, unreadableText(block));
+        names.push_back(block.name);
+    }
+    throw failure(kNo, "no metadata for " + nodeTitle(name) + didYouMean(name, names));
+}
+
+Channel& SceneFile::channel(const Address& address)
+{
+    const std::string& name = address.channel.value();
+    Associations& channels = node(address.node);
+    if (Channel* const channel = channels.findChannel(name))
+        return *channel;
+    throw failure(kNo, nodeTitle(address.node) + " has no channel " + inQuotes(name) +
+                           didYouMean(name, namesOf(channels, [](const Channel& channel) { return channel.name(); })));
+}
+
+Stream& SceneFile::stream(const Address& address)
+{
+    const std::string& name = address.stream.value();
+    Channel& streams = channel(address);
+    if (Stream* const stream = streams.findDataStream(name))
+        return *stream;
+    throw failure(kNo, "channel " + inQuotes(streams.name()) + " has no stream " + inQuotes(name) +
+                           didYouMean(name, namesOf(streams, [](const Stream* stream) { return stream->name(); })));
+}
+
+void SceneFile::write()
+{
+    std::string errors;
+    if (!mAccessor->write(errors))
+        throw failure(codeOf(mAccessor->failure().kind, kNotWritten), withReason(errors, *mAccessor));
+}
+
+Failure SceneFile::readFailure(const std::string& messages) const
+{
+    return failure(codeOf(mAccessor->failure().kind, kBadInput), withReason(messages, *mAccessor));
+}
+
+Failure SceneFile::failure(eExitCode code, const std::string& message) const
+{
+    const bool isNamed = message.find(mFileName) != std::string::npos;
+    return {code, isNamed ? message : mFileName + ": " + message};
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "core/Address.h"
+#include "core/Failure.h"
+#include "core/Session.h"
+#include "vumo/accessor/Accessor.h"
+#include "vumo/data/Stream.h"
+
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+/// A scene file and its metadata. What is not read stays in the file as it is, and numbers stay exact. Whatever fails
+/// throws a `Failure` that names the file once.
+class SceneFile
+{
+public:
+    enum eUse
+    {
+        kLook,
+        kEdit ///< the file must be writable, too
+    };
+
+    /// What is to be said about a scene that isEmpty().
+    static constexpr const char* kNoMetadata =
+        "there is no metadata yet; a program attaches it with the library, as examples/write_scene.cpp does";
+
+    /// Sees that the file can be used; reads nothing.
+    SceneFile(const Session& session, const std::string& fileName, eUse use = kLook);
+
+    /// What the file holds, block by block, without parsing values.
+    std::vector<vumo::Data::ListedBlock> list() const;
+
+    /// Reads the metadata of these nodes, or of all for null.
+    void read(const std::set<std::string>* nodes = nullptr);
+
+    /// Reads the metadata of one node.
+    void readNode(const std::string& node);
+
+    /// Reads the metadata of the nodes whose names pass.
+    void readSelected(const std::vector<std::string>& patterns);
+
+    vumo::Data::Accessor& metadata() { return *mAccessor; }
+    const vumo::Data::Accessor& metadata() const { return *mAccessor; }
+    const std::string& name() const { return mFileName; }
+
+    bool isEmpty() const;
+
+    /// What a block is called that cannot be read, and why it cannot; ends with a newline.
+    static std::string unreadableText(const vumo::Data::UnreadBlock& block);
+
+    /// What is at that address, owned by the metadata. A `Failure` names the nearest names of what there is.
+    vumo::Data::Associations& node(const std::string& name);
+    vumo::Data::Channel& channel(const Address& address);
+    vumo::Data::Stream& stream(const Address& address);
+
+    /// Writes the metadata back into the file.
+    void write();
+
+    /// A failure of this file.
+    Failure failure(eExitCode code, const std::string& message) const;
+
+private:
+    Failure readFailure(const std::string& messages) const;
+
+    std::string mFileName;
+    std::unique_ptr<vumo::Data::Accessor> mAccessor;
+};

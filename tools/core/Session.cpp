@@ -1,0 +1,257 @@
+#include "core/Session.h"
+
+#include "core/Nearest.h"
+#include "core/Text.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+const std::vector<Word> Session::kAddress = {{"NODE", "the node's name; \"\" for the scene itself"},
+                                             {"CHANNEL", "the channel's name"},
+                                             {"STREAM", "the stream's name"},
+                                             {"INDEX", "the element's index"},
+                                             {"MEMBER", "the member's name; MEMBER[i] for one of its values"}};
+
+namespace
+{
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done; 1 the answer is no: absent, different, findings; 2 wrong usage; 3 input missing, unreadable "
+    "or "
+    "malformed; 4 write refused or failed, the file is as it was; 5 locked, or changed by somebody else; 6 an "
+    "interrupted save that could not be repaired; 7 some of the files failed.";
+
+/// An option that may be given several times. Its values are taken as they stand: the parser would take a value in
+/// brackets for a list of values.
+void addList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const char* type,
+             const char* description)
+{
+    command.add_option(name, values, description)->expected(1)->take_all()->allow_extra_args(false)->type_name(type);
+}
+
+std::string readAll(std::istream& in)
+{
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+/// The parts of the text that end with `end`, without empty ones.
+std::vector<std::string> split(const std::string& text, char end)
+{
+    std::vector<std::string> parts;
+    for (std::size_t begin = 0; begin < text.size();)
+    {
+        const std::size_t at = std::min(text.find(end, begin), text.size());
+        if (at > begin)
+            parts.push_back(text.substr(begin, at - begin));
+        begin = at + 1;
+    }
+    return parts;
+}
+
+/// The parser itself would only miss a command, without a word about what stands in its place.
+void refuseUnknownCommand(const CLI::App& commandLine, const std::string& word)
+{
+    std::vector<std::string> names;
+    for (const CLI::App* const command : commandLine.get_subcommands(nullptr))
+        names.push_back(command->get_name());
+    if (std::find(names.begin(), names.end(), word) == names.end())
+        throw Failure(kWrongUsage, "there is no command " + inQuotes(word) + didYouMean(word, names) +
+                                       (didYouMean(word, names).empty() ? "; " : " ") + "vumo --help lists them");
+}
+} // namespace
+
+CLI::App& Session::addCommand(const std::string& name, const std::string& description)
+{
+    CLI::App& command = *mCommandLine.add_subcommand(name, description);
+    addList(command, "--plugin", mPlugins, "FILE.so", "load index types, formats or kinds of files");
+    command.add_flag("-q,--quiet", mIsQuiet, "no words on standard error, but for the names of files that failed");
+    return command;
+}
+
+CLI::Option* Session::addWord(CLI::App& command, const Word& word)
+{
+    std::string name = word.name;
+    CLI::Option* option = nullptr;
+    if (name.size() > 3 && name.compare(name.size() - 3, 3, "...") == 0)
+    {
+        // So many are expected, rather than extra ones allowed, so that no word is taken for a list.
+        constexpr int kMany = CLI::detail::expected_max_vector_size;
+        option = command.add_option(name.substr(0, name.size() - 3), word.description);
+        option->expected(kMany, kMany)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    }
+    else
+    {
+        option = command.add_option(name, word.description);
+    }
+    return option->allow_extra_args(false);
+}
+
+void Session::addFiles(CLI::App& command)
+{
+    addWord(command, {"FILE...", "the scene files"})->required();
+    addBatch(command);
+}
+
+void Session::addFileAndWords(CLI::App& command, const std::vector<Word>& words, std::size_t required)
+{
+    addWord(command, {"FILE", "the scene file; left out after --files-from"})->required();
+    for (std::size_t i = 0; i < words.size(); ++i)
+        addWord(command, words[i])->required(i < required);
+    addBatch(command);
+}
+
+void Session::addBatch(CLI::App& command)
+{
+    command
+        .add_option_function<std::string>(
+            "--files-from",
+            [this, &command](const std::string& name) {
+                mFilesFrom = name;
+                // The list stands for FILE, so there is one word less; what is required comes first.
+                CLI::Option* last = nullptr;
+                for (CLI::Option* const option : command.get_options())
+                    last = option->get_positional() && option->get_required() ? option : last;
+                last->required(false);
+            },
+            "work on the files whose names this file has, one a line; \"-\" for standard input")
+        ->type_name("FILE");
+    command.add_flag("-0,--null", mEndsWithZero, "such names, and values that are printed, end with a zero byte");
+    command.add_flag("--fail-fast", mIsFailFast, "stop at the first file that fails");
+    command.add_option("--lock-wait", mLockWait, "wait so long for others who write to a file")
+        ->check(CLI::Range(0.0, 4.0e6).description(""))
+        ->type_name("SECONDS");
+}
+
+void Session::addSelection(CLI::App& command)
+{
+    addList(command, "--node", mSelection.nodes, "PATTERN", "only nodes of such names, as fnmatch knows patterns");
+    addList(command, "--channel", mSelection.channels, "PATTERN", "only channels of such names");
+    addList(command, "--stream", mSelection.streams, "PATTERN", "only streams of such names");
+}
+
+void Session::addJson(CLI::App& command)
+{
+    command.add_flag("--json", mIsJson, "print one JSON document");
+}
+
+void Session::addSaving(CLI::App& command)
+{
+    command.add_flag("--dry-run", mSaving.isDryRun, "say what the save would cost, and write nothing");
+    command.add_option("-o,--output", mSaving.out, "leave the file as it is, and write the result to this one")
+        ->type_name("OUT");
+}
+
+void Session::setWork(CLI::App& command, std::function<eExitCode()> work)
+{
+    command.callback([this, &command, work = std::move(work)] {
+        mCommand = &command;
+        mWork = work;
+    });
+}
+
+int Session::run(int argc, char** argv)
+{
+    mCommandLine.require_subcommand(1);
+    mCommandLine.set_version_flag("--version", "vumo " VUMO_VERSION);
+    mCommandLine.footer(kExitCodes);
+    mCommandLine.failure_message([](const CLI::App* failed, const CLI::Error& error) {
+        return "vumo: " + message(CLI::FailureMessage::simple(failed, error));
+    });
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe must not end a save in its middle
+    try
+    {
+        if (argc > 1 && argv[1][0] != '-')
+            refuseUnknownCommand(mCommandLine, argv[1]);
+        mCommandLine.parse(argc, argv);
+        loadPlugins();
+        return finish(mWork());
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return mCommandLine.exit(error) == 0 ? kDone : kWrongUsage;
+    }
+    catch (const Failure& failure)
+    {
+        mIsQuiet = mIsQuiet && failure.code() != kWrongUsage;
+        say(failure.what());
+        return finish(failure.code());
+    }
+    catch (const std::exception& error)
+    {
+        say(error.what());
+        return finish(kBadInput);
+    }
+}
+
+std::vector<std::string> Session::files() const
+{
+    if (mFilesFrom.empty())
+    {
+        const CLI::Option* const file = mCommand->get_option("FILE");
+        return file->results();
+    }
+    std::string names;
+    if (mFilesFrom == "-")
+    {
+        names = readAll(std::cin);
+    }
+    else
+    {
+        std::ifstream in(mFilesFrom, std::ios::binary);
+        names = readAll(in);
+        if (!in)
+            throw Failure(kBadInput, mFilesFrom + ": " + std::strerror(errno));
+    }
+    return split(names, mEndsWithZero ? '\0' : '\n');
+}
+
+bool Session::isBatch() const
+{
+    return !mFilesFrom.empty() || mCommand->get_option("FILE")->count() > 1;
+}
+
+std::vector<std::string> Session::words() const
+{
+    std::vector<std::string> words;
+    for (const CLI::Option* const option : mCommand->get_options())
+    {
+        if (option->get_positional())
+            words.insert(words.end(), option->results().begin(), option->results().end());
+    }
+    if (mFilesFrom.empty())
+        words.erase(words.begin());
+    return words;
+}
+
+void Session::say(const std::string& text) const
+{
+    if (!mIsQuiet && !text.empty())
+        std::cerr << "vumo: " + message(text) + (text.back() == '\n' ? "" : "\n");
+}
+
+void Session::loadPlugins() const
+{
+    for (const std::string& plugin : mPlugins)
+    {
+        // A name without a slash would be looked for among the system's libraries.
+        const std::string path = plugin.find('/') == std::string::npos ? "./" + plugin : plugin;
+        if (!dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) // it stays: what it registers is used to the end
+            throw Failure(kBadInput, dlerror());
+    }
+}
+
+int Session::finish(eExitCode code)
+{
+    mOut.flush();
+    if (mBuffer.error() == 0 || mBuffer.error() == EPIPE)
+        return code;
+    say(std::string("could not write the output: ") + std::strerror(mBuffer.error()));
+    return kNotWritten;
+}

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "core/Address.h"
+#include "core/Failure.h"
+#include "core/Output.h"
+#include "core/Saving.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+/// A word of a command line that is no option.
+struct Word
+{
+    const char* name; ///< for several, it ends in "..."
+    const char* description;
+};
+
+/// One run of the tool: what its command line says, and where its data and its words go.
+///
+/// A command is a function that takes the session, adds itself with addCommand() and what else can be said about it,
+/// and leaves its work with setWork(). The options that commands share are defined and kept here, once.
+class Session
+{
+public:
+    /// NODE, CHANNEL, STREAM, INDEX and MEMBER.
+    static const std::vector<Word> kAddress;
+
+    /// Adds a command to commandLine(), with the options that all of them have.
+    CLI::App& addCommand(const std::string& name, const std::string& description);
+
+    /// FILE..., and the options about many files; files() has them.
+    void addFiles(CLI::App& command);
+
+    /// FILE, then words of which that many must be given, and the options about many files; with --files-from the
+    /// command line leaves out FILE. words() has what comes after it.
+    void addFileAndWords(CLI::App& command, const std::vector<Word>& words, std::size_t required);
+
+    void addSelection(CLI::App& command);
+    void addJson(CLI::App& command);
+    void addSaving(CLI::App& command);
+
+    /// Chooses what the command does once the command line is read. It returns kDone or kNo, or throws a `Failure`.
+    void setWork(CLI::App& command, std::function<eExitCode()> work);
+
+    /// The definitions of all commands that were added.
+    CLI::App& commandLine() { return mCommandLine; }
+
+    /// Reads the command line and does what it says; returns the exit code.
+    int run(int argc, char** argv);
+
+    /// The files to work on, by their names. Reads the list of them.
+    std::vector<std::string> files() const;
+
+    /// Whether there is a list of files, or several of them.
+    bool isBatch() const;
+    bool isFailFast() const { return mIsFailFast; }
+
+    std::vector<std::string> words() const;
+    Address address() const { return Address(words()); }
+    const Selection& selection() const { return mSelection; }
+    const Saving& saving() const { return mSaving; }
+    bool isJson() const { return mIsJson; }
+    bool isQuiet() const { return mIsQuiet; }
+
+    /// Whether names that are read and values that are written end with a zero byte.
+    bool endsWithZero() const { return mEndsWithZero; }
+    /// The byte that ends each line of data; a command may choose another one.
+    char lineEnd() const { return mLineEnd; }
+    void setLineEnd(char lineEnd) { mLineEnd = lineEnd; }
+
+    unsigned int lockWait() const { return static_cast<unsigned int>(mLockWait * 1000); } ///< in milliseconds
+
+    /// Standard output, for data. Whether somebody still reads it.
+    std::ostream& out() { return mOut; }
+    bool hasReader() const { return mBuffer.error() == 0; }
+
+    /// Writes words for people to standard error, on lines of their own, unless they are not wanted.
+    void say(const std::string& text) const;
+
+private:
+    CLI::Option* addWord(CLI::App& command, const Word& word);
+    void addBatch(CLI::App& command);
+    void loadPlugins() const;
+    int finish(eExitCode code);
+
+    CLI::App mCommandLine{"Reads and edits the metadata in scene files, without loading the scene.", "vumo"};
+    std::function<eExitCode()> mWork;
+
+    const CLI::App* mCommand = nullptr; // the one that was given
+    Selection mSelection;
+    Saving mSaving;
+    std::string mFilesFrom;
+    std::vector<std::string> mPlugins;
+    double mLockWait = 0; // in seconds
+    char mLineEnd = '\n';
+    bool mEndsWithZero = false;
+    bool mIsFailFast = false;
+    bool mIsJson = false;
+    bool mIsQuiet = false;
+
+    StandardOutput mBuffer;
+    std::ostream mOut{&mBuffer};
+};
