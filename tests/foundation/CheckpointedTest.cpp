@@ -1,6 +1,11 @@
 #include "vumo/foundation/Checkpointed.h"
 
 #include "tests/support/DataFixtures.h"
+#include "tests/support/Threads.h"
+
+#include <algorithm>
+#include <set>
+#include <vector>
 
 namespace vumo
 {
@@ -47,6 +52,28 @@ TEST(CheckpointedTest, ObjectChangedAndAssignment_GoThroughTheVirtualClassChange
     Separate other;
     static_cast<Checkpointed&>(other) = object;
     EXPECT_EQ(other.checkpoint(), 1000U);
+}
+
+TEST(CheckpointedTest, StampsOfSeveralThreads_AreUniqueAndEndAtTheLast)
+{
+    constexpr unsigned int kChanges = 10000;
+    const unsigned long long start = Checkpointed::globalCheckpoint();
+    std::vector<std::vector<unsigned long long>> stamps(4);
+    test::inThreads(4, [&](int i) {
+        auto& own = stamps[static_cast<std::size_t>(i)];
+        Checkpointed object;
+        for (unsigned int n = 0; n < kChanges; ++n)
+            own.push_back(n % 2 == 0 ? object.objectChanged() : Checkpointed(object).checkpoint());
+    });
+    std::set<unsigned long long> all;
+    for (const auto& own : stamps)
+    {
+        EXPECT_TRUE(std::is_sorted(own.begin(), own.end()));
+        all.insert(own.begin(), own.end());
+    }
+    EXPECT_EQ(all.size(), 4 * kChanges);
+    EXPECT_EQ(Checkpointed::globalCheckpoint(), start + 4 * (1 + 2 * kChanges + 1));
+    EXPECT_EQ(Checkpointed::sClassCheckpoint(), Checkpointed::globalCheckpoint());
 }
 
 TEST(CheckpointedGoldenTest, Debug_TellsObjectAndClass)

@@ -1,10 +1,10 @@
 #include "vumo/foundation/RefCounted.h"
 
 #include "tests/support/DataFixtures.h"
+#include "tests/support/Threads.h"
 #include "vumo/foundation/Ref.h"
 
 #include <atomic>
-#include <thread>
 #include <vector>
 
 namespace vumo
@@ -54,29 +54,11 @@ TEST(RefCountedTest, CopiesAndAssignments_NeverTakeACount)
     EXPECT_EQ(held.refCount(), 2);
 }
 
-/// Does it in four threads, none of which begins before all are there.
-template <class Action>
-void inThreads(const Action& action)
-{
-    std::atomic<int> missing = 4;
-    std::vector<std::thread> threads;
-    for (int i = missing; i > 0; --i)
-    {
-        threads.emplace_back([&] {
-            for (--missing; missing > 0;)
-                std::this_thread::yield();
-            action();
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-}
-
 TEST(RefCountedTest, ObjectsOfSeveralThreads_NeverShareACounter)
 {
     constexpr int kObjects = 100000;
     std::atomic<int> wrongCounts = 0;
-    inThreads([&] {
+    test::inThreads(4, [&](int) {
         std::vector<Ref<RefCounted>> objects;
         for (int n = 0; n < kObjects; ++n)
         {
@@ -94,7 +76,7 @@ TEST(RefCountedTest, Counting_LosesNothingAcrossThreads)
 {
     RefCounted object;
     object.ref();
-    inThreads([&] {
+    test::inThreads(4, [&](int) {
         for (int n = 0; n < 20000; ++n)
         {
             object.ref();

@@ -5,15 +5,14 @@
 
 namespace vumo
 {
-unsigned long long Checkpointed::sfGlobalCheckpoint = 0;
-unsigned long long Checkpointed::sfCheckpoint = 0;
+std::atomic<unsigned long long> Checkpointed::sfGlobalCheckpoint = 0;
+std::atomic<unsigned long long> Checkpointed::sfCheckpoint = 0;
 
 Checkpointed::Checkpointed() : mCheckpoint(sClassChanged()) {}
 
 Checkpointed::Checkpointed(const Checkpointed&)
-    : mCheckpoint(sfGlobalCheckpoint += 2) // for the construction and for the change
+    : mCheckpoint(classChangedAt(sfGlobalCheckpoint += 2)) // for the construction and for the change
 {
-    sfCheckpoint = mCheckpoint;
 }
 
 Checkpointed& Checkpointed::operator=(const Checkpointed&)
@@ -70,8 +69,15 @@ bool Checkpointed::sClassChangedSinceCheckpoint(const unsigned long long& stamp)
 
 unsigned long long Checkpointed::sClassChanged()
 {
-    sfCheckpoint = globalChange();
-    return sfCheckpoint;
+    return classChangedAt(globalChange());
+}
+
+unsigned long long Checkpointed::classChangedAt(unsigned long long stamp)
+{
+    unsigned long long last = sfCheckpoint;
+    while (last < stamp && !sfCheckpoint.compare_exchange_weak(last, stamp)) // another thread may have a later one
+        continue;
+    return stamp;
 }
 
 bool Checkpointed::Debug(const Checkpointed* object, vumo::Debug::Print& request)

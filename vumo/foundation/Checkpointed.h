@@ -3,13 +3,15 @@
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 
+#include <atomic>
+
 namespace vumo
 {
 /// An object that is stamped at each change from one process-wide counter.
 ///
 /// A client that remembers a stamp can ask later whether this object, or any object of its class, has
-/// changed since. Creating, copying, assigning and destroying an object are changes of its class. Not
-/// safe to use from several threads at once.
+/// changed since. Creating, copying, assigning and destroying an object are changes of its class. Objects may change
+/// on several threads at once, each on one: no two changes get the same stamp.
 class VUMO_EXPORT Checkpointed
 {
 public:
@@ -53,7 +55,10 @@ public:
 private:
     unsigned long long mCheckpoint;
 
-    static unsigned long long sfGlobalCheckpoint;
-    static unsigned long long sfCheckpoint;
+    /// Marks the class as changed at that stamp, unless it was later already; returns the stamp.
+    static unsigned long long classChangedAt(unsigned long long stamp);
+
+    static std::atomic<unsigned long long> sfGlobalCheckpoint;
+    static std::atomic<unsigned long long> sfCheckpoint;
 };
 } // namespace vumo
