@@ -55,6 +55,7 @@
 #include "vumo/foundation/DebugFwd.h"
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/Footprint.h"
+#include "vumo/foundation/ObjectCount.h"
 #include "vumo/foundation/OwnedText.h"
 #include "vumo/foundation/Print.h"
 #include "vumo/foundation/Ref.h"

@@ -1,5 +1,7 @@
 #include "tests/support/Allocations.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -9,17 +11,17 @@ namespace
 {
 constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 
-std::size_t theBytesAllocated = 0;
-std::size_t theLargestAllocation = 0;
+std::atomic<std::size_t> theBytesAllocated = 0;
+std::atomic<std::size_t> theLargestAllocation = 0; // by tests of one thread only
 
-/// How many allocations succeed before one fails.
-std::size_t theAllocationsLeft = kNever;
+/// How many allocations succeed before one fails. For tests of one thread only.
+std::atomic<std::size_t> theAllocationsLeft = kNever;
 
 /// Counts an allocation, and says whether it is to succeed.
 bool admit(std::size_t size)
 {
     theBytesAllocated += size;
-    theLargestAllocation = size > theLargestAllocation ? size : theLargestAllocation;
+    theLargestAllocation = std::max(size, theLargestAllocation.load());
     const bool fails = theAllocationsLeft == 0;
     if (theAllocationsLeft != kNever)
         --theAllocationsLeft; // beyond 0 that is kNever: only one fails
@@ -29,7 +31,7 @@ bool admit(std::size_t size)
 }
 } // namespace
 
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 // Not inlined: g++ would see malloc's block given to delete, and warn.
 [[gnu::noinline]] void* operator new(std::size_t size)
 {
@@ -53,9 +55,10 @@ bool admit(std::size_t size)
 #pragma GCC visibility push(default)
 extern "C"
 {
-    void* __libc_malloc(std::size_t size);                    // NOLINT(bugprone-reserved-identifier)
-    void* __libc_calloc(std::size_t count, std::size_t size); // NOLINT(bugprone-reserved-identifier)
-    void* __libc_realloc(void* block, std::size_t size);      // NOLINT(bugprone-reserved-identifier)
+    void* __libc_malloc(std::size_t size);                          // NOLINT(bugprone-reserved-identifier)
+    void* __libc_calloc(std::size_t count, std::size_t size);       // NOLINT(bugprone-reserved-identifier)
+    void* __libc_realloc(void* block, std::size_t size);            // NOLINT(bugprone-reserved-identifier)
+    void* __libc_memalign(std::size_t alignment, std::size_t size); // NOLINT(bugprone-reserved-identifier)
 
     void* malloc(std::size_t size) noexcept
     {
@@ -70,6 +73,11 @@ extern "C"
     void* realloc(void* block, std::size_t size) noexcept
     {
         return admit(size) ? __libc_realloc(block, size) : nullptr;
+    }
+
+    void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept
+    {
+        return admit(size) ? __libc_memalign(alignment, size) : nullptr;
     }
 } // extern "C"
 #pragma GCC visibility pop

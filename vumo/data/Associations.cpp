@@ -6,8 +6,8 @@
 
 namespace vumo::Data
 {
-unsigned long long Associations::_objectsCreated = 0;
-unsigned long long Associations::_objectsAlive = 0;
+const vumo::ObjectCount Associations::_objectsCreated = vumo::Counted<Associations>::objectsCreated();
+const vumo::ObjectCount Associations::_objectsAlive = vumo::Counted<Associations>::objectsAlive();
 
 Associations::Associations() : Associations(nullptr) {}
 

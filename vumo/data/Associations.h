@@ -74,8 +74,8 @@ public:
     static bool Debug(const Associations* object, vumo::Debug::Print& request);
     static bool Debug(const Associations* object, vumo::Debug::Footprint& request);
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     friend class AssociationsIterator;

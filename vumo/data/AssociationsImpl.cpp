@@ -15,16 +15,16 @@ Channel* editable(const Channel& channel)
 }
 } // namespace
 
-unsigned long long AssociationsImpl::_objectsCreated = 0;
-unsigned long long AssociationsImpl::_objectsAlive = 0;
+const vumo::ObjectCount AssociationsImpl::_objectsCreated = vumo::Counted<AssociationsImpl>::objectsCreated();
+const vumo::ObjectCount AssociationsImpl::_objectsAlive = vumo::Counted<AssociationsImpl>::objectsAlive();
 
-AssociationsImpl::AssociationsImpl() : mOrderedAt(detail::theRenameCount) {}
+AssociationsImpl::AssociationsImpl() : mOrderedAt(detail::theRenameCount.load()) {}
 
 AssociationsImpl::AssociationsImpl(const AssociationsImpl& other)
     : RefCounted(other),
       vumo::Counted<AssociationsImpl>(other),
       mChannels(other.mChannels.begin(), other.mChannels.end()),
-      mOrderedAt(detail::theRenameCount)
+      mOrderedAt(detail::theRenameCount.load())
 {
 }
 

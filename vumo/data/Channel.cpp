@@ -7,8 +7,8 @@
 
 namespace vumo::Data
 {
-unsigned long long Channel::_objectsCreated = 0;
-unsigned long long Channel::_objectsAlive = 0;
+const vumo::ObjectCount Channel::_objectsCreated = vumo::Counted<Channel>::objectsCreated();
+const vumo::ObjectCount Channel::_objectsAlive = vumo::Counted<Channel>::objectsAlive();
 
 Channel::Channel() : mImpl(new ChannelImpl()) {}
 

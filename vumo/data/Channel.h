@@ -85,8 +85,8 @@ public:
     static bool Debug(const Channel* object, vumo::Debug::Print& request);
     static bool Debug(const Channel* object, vumo::Debug::Footprint& request);
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     friend class AssociationsImpl; // renames the channels that it holds

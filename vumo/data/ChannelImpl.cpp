@@ -33,8 +33,8 @@ void deleteStreams(ChannelImpl::Set& streams)
 }
 } // namespace
 
-unsigned long long ChannelImpl::_objectsCreated = 0;
-unsigned long long ChannelImpl::_objectsAlive = 0;
+const vumo::ObjectCount ChannelImpl::_objectsCreated = vumo::Counted<ChannelImpl>::objectsCreated();
+const vumo::ObjectCount ChannelImpl::_objectsAlive = vumo::Counted<ChannelImpl>::objectsAlive();
 
 bool ChannelImpl::StreamCompare::operator()(const Stream* left, const Stream* right) const
 {
@@ -51,7 +51,7 @@ bool ChannelImpl::StreamCompare::operator()(const std::string& left, const Strea
     return left < nameOf(right);
 }
 
-ChannelImpl::ChannelImpl(const std::string& name) : mName(name), mOrderedAt(detail::theRenameCount) {}
+ChannelImpl::ChannelImpl(const std::string& name) : mName(name), mOrderedAt(detail::theRenameCount.load()) {}
 
 ChannelImpl::ChannelImpl(const ChannelImpl& other) : ChannelImpl(other.mName)
 {

@@ -6,6 +6,7 @@
 #include "vumo/foundation/Export.h"
 #include "vumo/foundation/RefCounted.h"
 
+#include <atomic>
 #include <set>
 #include <string>
 
@@ -57,12 +58,13 @@ public:
     static bool Debug(const ChannelImpl* object, vumo::Debug::Print& request);
     static bool Debug(const ChannelImpl* object, vumo::Debug::Footprint& request);
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     Set mStreams;
     std::string mName;
-    mutable unsigned long long mOrderedAt; // the rename count at which the order was last known to be right
+    mutable std::atomic<unsigned long long>
+        mOrderedAt; // the rename count at which the order was last known to be right
 };
 } // namespace vumo::Data

@@ -82,8 +82,8 @@ bool isFilterSet(const vumo::Debug::Print& request, const std::string& name)
 const std::string Handle::kDebugHex = "hex";
 const std::string Handle::kDebugType = "type";
 
-unsigned long long Handle::_objectsCreated = 0;
-unsigned long long Handle::_objectsAlive = 0;
+const vumo::ObjectCount Handle::_objectsCreated = vumo::Counted<Handle>::objectsCreated();
+const vumo::ObjectCount Handle::_objectsAlive = vumo::Counted<Handle>::objectsAlive();
 
 Handle::Handle() : Handle(Structure::create(), nullptr, kEndIndex, false) {}
 

@@ -198,8 +198,8 @@ public:
     static const std::string kDebugHex;
     static const std::string kDebugType;
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     static constexpr unsigned int kEndIndex = 0xFFFFFFFF;

@@ -24,8 +24,8 @@ Creators* newCreators()
 }
 } // namespace
 
-unsigned long long Index::_objectsCreated = 0;
-unsigned long long Index::_objectsAlive = 0;
+const vumo::ObjectCount Index::_objectsCreated = vumo::Counted<Index>::objectsCreated();
+const vumo::ObjectCount Index::_objectsAlive = vumo::Counted<Index>::objectsAlive();
 
 // The types that come with the library are registered here, beside the registry: in a static library
 // nothing may refer to their own files, and a linker leaves out what nothing refers to.

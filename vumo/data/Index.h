@@ -126,8 +126,8 @@ public:
     static bool Debug(const Index* object, vumo::Debug::Print& request);
     static bool Debug(const Index* object, vumo::Debug::Footprint& request);
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     explicit Index(Ref<IndexType> value) : mComplex(std::move(value)) {}

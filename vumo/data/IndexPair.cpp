@@ -10,8 +10,8 @@
 
 namespace vumo::Data
 {
-unsigned long long IndexPair::_objectsCreated = 0;
-unsigned long long IndexPair::_objectsAlive = 0;
+const vumo::ObjectCount IndexPair::_objectsCreated = vumo::Counted<IndexPair>::objectsCreated();
+const vumo::ObjectCount IndexPair::_objectsAlive = vumo::Counted<IndexPair>::objectsAlive();
 
 IndexPair::IndexPair(unsigned int first, unsigned int second) : mFirst(first), mSecond(second) {}
 

@@ -56,8 +56,8 @@ public:
 
     static const std::string myTypeName;
     static const bool myRegistration;
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     unsigned int mFirst;

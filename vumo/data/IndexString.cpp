@@ -22,8 +22,8 @@ bool compareTexts(const IndexString& left, const IndexType& right, Compare compa
 }
 } // namespace
 
-unsigned long long IndexString::_objectsCreated = 0;
-unsigned long long IndexString::_objectsAlive = 0;
+const vumo::ObjectCount IndexString::_objectsCreated = vumo::Counted<IndexString>::objectsCreated();
+const vumo::ObjectCount IndexString::_objectsAlive = vumo::Counted<IndexString>::objectsAlive();
 
 IndexString::IndexString(const std::string& text) : mText(text) {}
 

@@ -29,8 +29,8 @@ bool isZero(const char* scalar)
 }
 } // namespace
 
-unsigned long long Member::_objectsCreated = 0;
-unsigned long long Member::_objectsAlive = 0;
+const vumo::ObjectCount Member::_objectsCreated = vumo::Counted<Member>::objectsCreated();
+const vumo::ObjectCount Member::_objectsAlive = vumo::Counted<Member>::objectsAlive();
 
 Member::Member(const Member& other) : Member()
 {

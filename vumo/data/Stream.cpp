@@ -43,8 +43,8 @@ bool debugStorage(StreamImpl* impl, Request& request)
 
 const std::string Stream::kDebugHex = "hex";
 
-unsigned long long Stream::_objectsCreated = 0;
-unsigned long long Stream::_objectsAlive = 0;
+const vumo::ObjectCount Stream::_objectsCreated = vumo::Counted<Stream>::objectsCreated();
+const vumo::ObjectCount Stream::_objectsAlive = vumo::Counted<Stream>::objectsAlive();
 
 Stream::Stream() : mImpl(new StreamImplMapped()) {}
 

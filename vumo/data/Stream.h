@@ -159,8 +159,8 @@ public:
     /// The name of the filter that asks for the raw bytes of the elements, when not 0.
     static const std::string kDebugHex;
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     friend class ChannelImpl; // renames the streams that it holds

@@ -7,8 +7,8 @@
 
 namespace vumo::Data
 {
-unsigned long long StreamImpl::_objectsCreated = 0;
-unsigned long long StreamImpl::_objectsAlive = 0;
+const vumo::ObjectCount StreamImpl::_objectsCreated = vumo::Counted<StreamImpl>::objectsCreated();
+const vumo::ObjectCount StreamImpl::_objectsAlive = vumo::Counted<StreamImpl>::objectsAlive();
 
 StreamImpl::StreamImpl() : StreamImpl(*Structure::create(), "Stream") {}
 

@@ -88,8 +88,8 @@ public:
     static bool Debug(const StreamImpl* object, vumo::Debug::Print& request);
     static bool Debug(const StreamImpl* object, vumo::Debug::Footprint& request);
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     Ref<const Structure> mStructure; // never null

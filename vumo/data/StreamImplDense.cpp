@@ -41,8 +41,8 @@ unsigned long long grownSize(unsigned int allocated, unsigned long long elementS
 }
 } // namespace
 
-unsigned long long StreamImplDense::_objectsCreated = 0;
-unsigned long long StreamImplDense::_objectsAlive = 0;
+const vumo::ObjectCount StreamImplDense::_objectsCreated = vumo::Counted<StreamImplDense>::objectsCreated();
+const vumo::ObjectCount StreamImplDense::_objectsAlive = vumo::Counted<StreamImplDense>::objectsAlive();
 
 StreamImplDense::StreamImplDense() = default;
 

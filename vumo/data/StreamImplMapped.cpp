@@ -11,8 +11,8 @@
 
 namespace vumo::Data
 {
-unsigned long long StreamImplMapped::_objectsCreated = 0;
-unsigned long long StreamImplMapped::_objectsAlive = 0;
+const vumo::ObjectCount StreamImplMapped::_objectsCreated = vumo::Counted<StreamImplMapped>::objectsCreated();
+const vumo::ObjectCount StreamImplMapped::_objectsAlive = vumo::Counted<StreamImplMapped>::objectsAlive();
 
 StreamImplMapped::StreamImplMapped() : mStructureHandle(structure(), nullptr) {}
 

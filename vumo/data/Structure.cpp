@@ -100,8 +100,8 @@ void measureClass(vumo::Debug::Footprint& request)
 }
 } // namespace
 
-unsigned long long Structure::_objectsCreated = 0;
-unsigned long long Structure::_objectsAlive = 0;
+const vumo::ObjectCount Structure::_objectsCreated = vumo::Counted<Structure>::objectsCreated();
+const vumo::ObjectCount Structure::_objectsAlive = vumo::Counted<Structure>::objectsAlive();
 
 Structure* Structure::create()
 {
@@ -116,13 +116,15 @@ Ref<Structure> Structure::make(const char* name, const std::vector<NewMember>& m
 
 Structure::Structure() : Structure(nullptr) {}
 
-Structure::Structure(const char* name) : mName(detail::duplicateText(name ? name : kDefaultName))
+Structure::Structure(const char* name)
+    : RefCounted(kApart), // streams and handles of several threads count in it
+      mName(detail::duplicateText(name ? name : kDefaultName))
 {
     objectChanged(); // getting its name is a change of its own
 }
 
 Structure::Structure(const Structure& other)
-    : RefCounted(other),
+    : RefCounted(kApart),
       Checkpointed(other),
       vumo::Counted<Structure>(other),
       mName(detail::duplicateText(kDefaultName)) // a name is never null, not even while it is assigned

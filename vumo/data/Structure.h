@@ -154,8 +154,8 @@ public:
     static bool Debug(const Structure* object, vumo::Debug::Print& request);
     static bool Debug(const Structure* object, vumo::Debug::Footprint& request);
 
-    static unsigned long long _objectsCreated;
-    static unsigned long long _objectsAlive;
+    static const ObjectCount _objectsCreated;
+    static const ObjectCount _objectsAlive;
 
 private:
     // Hold a structure by the following two, which leave it alone while it is being destroyed.

@@ -6,7 +6,11 @@
 
 namespace vumo
 {
-RefCounted::RefCounted() : mCount(detail::takeCounter()) {}
+RefCounted::RefCounted() : RefCounted(kBesideOthers) {}
+
+RefCounted::RefCounted(eCountPlace place) : mCount(place == kApart ? detail::takeCounterApart() : detail::takeCounter())
+{
+}
 
 RefCounted::RefCounted(const RefCounted&) : RefCounted() {}
 

@@ -52,7 +52,17 @@ public:
     static bool Debug(const RefCounted* object, vumo::Debug::Print& request);
     static bool Debug(const RefCounted* object, vumo::Debug::Footprint& request);
 
+protected:
+    /// Where the count lies in memory.
+    enum eCountPlace : int
+    {
+        kBesideOthers,
+        kApart ///< in a cache line of its own: for objects in which threads count while each uses its own
+    };
+
+    explicit RefCounted(eCountPlace place);
+
 private:
-    std::atomic<std::int32_t>* const mCount; // owned, beside those of other objects
+    std::atomic<std::int32_t>* const mCount; // owned
 };
 } // namespace vumo

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 
 namespace vumo::Data::detail
 {
 /// How often a stream or channel was renamed in this process. A set of them that is ordered by name can
 /// rely on its order for as long as this number stays the same.
-inline unsigned long long theRenameCount = 0;
+inline std::atomic<unsigned long long> theRenameCount = 0;
 
 /// Finds the entry of that name in a set ordered by name, or its end.
 ///
@@ -15,12 +16,17 @@ inline unsigned long long theRenameCount = 0;
 /// notice; its order cannot be relied on then. `orderedAt` is the rename count at which the order was last known to
 /// be right; with a later one the set is searched from end to end, and checked.
 template <class Set>
-auto findNamed(Set& set, const std::string& name, unsigned long long& orderedAt)
+auto findNamed(Set& set, const std::string& name, std::atomic<unsigned long long>& orderedAt)
 {
     const auto compare = set.key_comp();
-    if (orderedAt != theRenameCount && std::is_sorted(set.begin(), set.end(), compare))
-        orderedAt = theRenameCount;
-    if (orderedAt == theRenameCount)
+    const unsigned long long now = theRenameCount; // before the check: what is renamed after it is not known
+    bool isOrdered = orderedAt == now;
+    if (!isOrdered && std::is_sorted(set.begin(), set.end(), compare))
+    {
+        isOrdered = true;
+        orderedAt = now;
+    }
+    if (isOrdered)
         return set.find(name);
     return std::find_if(set.begin(), set.end(),
                         [&](const auto& entry) { return !compare(entry, name) && !compare(name, entry); });

@@ -1,5 +1,7 @@
 #include "vumo/foundation/detail/CounterPool.h"
 
+#include "vumo/foundation/detail/ThreadShard.h"
+
 #include <mutex>
 #include <new>
 
@@ -7,56 +9,103 @@ namespace vumo::detail
 {
 namespace
 {
-constexpr unsigned int kSlotsPerSlab = 1020; // a slab is just short of two pages
-
-/// A counter in use, or a link of the list of those that are free.
-union Slot
+/// A counter in use. The counter stands first, so that its address is that of the whole.
+struct UsedCounter
 {
-    Slot() : next(nullptr) {}
-
-    Counter counter;
-    Slot* next;
+    Counter counter = 0;
+    bool isApart = false;
 };
+
+static_assert(sizeof(UsedCounter) == sizeof(FreeCounter), "either takes the place of the other");
 
 struct Slab
 {
     Slab* next;
-    Slot slots[kSlotsPerSlab];
+    FreeCounter counters[1020]; // a slab is just short of two pages
 };
+
+/// How many a thread with none at hand fetches, and how many it leaves to others when it has twice as many.
+constexpr std::size_t kBatch = 256;
 
 // Without constructors and destructors at run time, and never freed: static objects of any file use them.
 std::mutex theMutex;
 Slab* theSlabs = nullptr; // keeps them all reachable
-Slot* theFreeSlots = nullptr;
+FreeCounters theFreeCounters;
+
+void push(FreeCounters& counters, void* place)
+{
+    counters.first = new (place) FreeCounter{counters.first};
+    ++counters.size;
+}
+
+FreeCounter* pop(FreeCounters& counters)
+{
+    FreeCounter* const first = counters.first;
+    counters.first = first->next;
+    --counters.size;
+    return first;
+}
+
+void move(FreeCounters& from, FreeCounters& to, std::size_t atMost)
+{
+    while (atMost-- > 0 && from.size > 0)
+        push(to, pop(from));
+}
 
 void addSlab()
 {
     auto* const slab = new Slab;
     slab->next = theSlabs;
     theSlabs = slab;
-    for (unsigned int i = kSlotsPerSlab; i-- > 0;)
-    {
-        slab->slots[i].next = theFreeSlots;
-        theFreeSlots = &slab->slots[i];
-    }
+    for (FreeCounter& counter : slab->counters)
+        push(theFreeCounters, &counter);
+}
+
+void fetch(FreeCounters& counters, std::size_t atMost)
+{
+    const std::lock_guard<std::mutex> lock(theMutex);
+    if (theFreeCounters.size == 0)
+        addSlab();
+    move(theFreeCounters, counters, atMost);
+}
+
+void leave(FreeCounters& counters, std::size_t atMost)
+{
+    const std::lock_guard<std::mutex> lock(theMutex);
+    move(counters, theFreeCounters, atMost);
 }
 } // namespace
 
 Counter* takeCounter()
 {
-    const std::lock_guard<std::mutex> lock(theMutex);
-    if (!theFreeSlots)
-        addSlab();
-    Slot* const slot = theFreeSlots;
-    theFreeSlots = slot->next;
-    return new (&slot->counter) Counter(0);
+    ThreadShard* const own = ThreadShard::own();
+    FreeCounters single;
+    FreeCounters& counters = own ? own->counters : single;
+    if (counters.size == 0)
+        fetch(counters, own ? kBatch : 1);
+    return &(new (pop(counters)) UsedCounter)->counter;
+}
+
+Counter* takeCounterApart()
+{
+    void* const line = ::operator new(kCacheLine, std::align_val_t(kCacheLine));
+    return &(new (line) UsedCounter{0, true})->counter;
 }
 
 void returnCounter(Counter* counter) noexcept
 {
-    const std::lock_guard<std::mutex> lock(theMutex);
-    Slot* const slot = new (counter) Slot;
-    slot->next = theFreeSlots;
-    theFreeSlots = slot;
+    if (reinterpret_cast<UsedCounter*>(counter)->isApart)
+        return ::operator delete(counter, std::align_val_t(kCacheLine));
+    ThreadShard* const own = ThreadShard::own();
+    FreeCounters single;
+    FreeCounters& counters = own ? own->counters : single;
+    push(counters, counter);
+    if (!own || counters.size >= 2 * kBatch)
+        leave(counters, kBatch);
+}
+
+void returnFreeCounters(FreeCounters& counters) noexcept
+{
+    leave(counters, counters.size);
 }
 } // namespace vumo::detail

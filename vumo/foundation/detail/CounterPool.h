@@ -3,11 +3,14 @@
 #include "vumo/foundation/detail/Namespace.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 namespace vumo::detail
 {
 using Counter = std::atomic<std::int32_t>;
+
+constexpr std::size_t kCacheLine = 64;
 
 /// A counter that holds 0. Counters lie close together instead of taking an allocation of 32 bytes each. Throws
 /// `std::bad_alloc`.
@@ -15,6 +18,25 @@ using Counter = std::atomic<std::int32_t>;
 /// Safe to use from several threads at once, and at any time from the first static object to the last.
 Counter* takeCounter();
 
-/// Gives back what takeCounter() gave.
+/// The same with a cache line of its own: for one that threads count in while they use others.
+Counter* takeCounterApart();
+
+/// Gives back what either gave, in any thread.
 void returnCounter(Counter* counter) noexcept;
+
+/// Room for a counter that is not in use.
+struct FreeCounter
+{
+    FreeCounter* next;
+};
+
+/// The free counters that a thread has at hand, so that taking and returning one needs no lock.
+struct FreeCounters
+{
+    FreeCounter* first = nullptr;
+    std::size_t size = 0;
+};
+
+/// Returns them all, for other threads to use.
+void returnFreeCounters(FreeCounters& counters) noexcept;
 } // namespace vumo::detail
