@@ -18,10 +18,12 @@ struct UsedCounter
 
 static_assert(sizeof(UsedCounter) == sizeof(FreeCounter), "either takes the place of the other");
 
+constexpr std::size_t kPerSlab = 1020; // a slab is just short of two pages
+
 struct Slab
 {
     Slab* next;
-    FreeCounter counters[1020]; // a slab is just short of two pages
+    FreeCounter counters[kPerSlab];
 };
 
 /// How many a thread with none at hand fetches, and how many it leaves to others when it has twice as many.
