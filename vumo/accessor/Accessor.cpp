@@ -28,33 +28,6 @@ namespace
 const AccessorFactory<OvriAsciiFileAccessor> theAsciiFactory("oa");
 const AccessorFactory<OvriBinaryFileAccessor> theBinaryFactory("ob");
 
-/// Empties the registry of structures, and on the way out removes what was registered meanwhile and puts back
-/// what was there.
-class RegistryGuard
-{
-public:
-    RegistryGuard() : mSaved(emptyRegistry()) {}
-    RegistryGuard(const RegistryGuard&) = delete;
-    RegistryGuard& operator=(const RegistryGuard&) = delete;
-
-    ~RegistryGuard()
-    {
-        Structure::deleteAllStructures();
-        mSaved.swap(Structure::allStructures());
-    }
-
-private:
-    static std::set<Structure*> emptyRegistry()
-    {
-        std::set<Structure*> all;
-        all.swap(Structure::allStructures());
-        return all;
-    }
-
-    std::set<Structure*> mSaved;   // swapped, not copied: no reference of the program's structures changes
-    detail::StructureNames mNames; // a file may declare very many
-};
-
 /// Notices when somebody writes to a file while it is read, which takes no lock: what was read may then be neither the
 /// old file nor the new one.
 class WriteWatch
@@ -208,7 +181,9 @@ bool Accessor::read(const std::string& fileName, std::string& errors)
 bool Accessor::read(const std::string& fileName, const std::set<std::string>* structureNames,
                     const std::set<std::string>* associationNames, std::string& errors)
 {
-    const RegistryGuard guard;
+    // Empty, and gone on every way out: the structures of the program and those of the file do not meet, nor do those
+    // of files that other threads read.
+    const detail::OwnRegistry registry;
     try
     {
         mImpl->fileName = fileName;

@@ -11,13 +11,19 @@ namespace vumo::Data::detail
 {
 namespace
 {
-StructureNames* theCurrentNames = nullptr;
+thread_local OwnRegistry* theOwn = nullptr;
+
+/// The calling thread's, if it finds structures by name.
+const OwnRegistry* ownNames()
+{
+    return theOwn && theOwn->hasNames() ? theOwn : nullptr;
+}
 
 /// Says whether an equal structure is registered.
 bool isKnown(const Structure& structure)
 {
     const auto isEqual = [&](const Structure* other) { return other && *other == structure; };
-    if (const StructureNames* const names = StructureNames::current())
+    if (const OwnRegistry* const names = ownNames())
     {
         const std::vector<Structure*>* const found = names->find(structure.name());
         return found && std::any_of(found->begin(), found->end(), isEqual);
@@ -30,14 +36,15 @@ bool isKnown(const Structure& structure)
 std::set<Structure*>& StructureRegistry::structures()
 {
     static std::set<Structure*> registry;
-    return registry;
+    return theOwn ? theOwn->structures() : registry;
 }
 
 bool StructureRegistry::add(Structure& structure)
 {
     if (isKnown(structure))
         return false;
-    StructureNames::registered(structure); // may throw, so it comes first
+    if (theOwn)
+        theOwn->registered(structure); // may throw, so it comes first
     structures().insert(&structure);
     structure.ref();
     return true;
@@ -47,7 +54,8 @@ bool StructureRegistry::remove(Structure& structure)
 {
     if (structures().erase(&structure) == 0)
         return false;
-    StructureNames::changed();
+    if (theOwn)
+        theOwn->changed();
     structure.unref();
     return true;
 }
@@ -56,7 +64,7 @@ Structure* StructureRegistry::find(const char* name)
 {
     if (!name)
         return nullptr;
-    if (const StructureNames* const names = StructureNames::current())
+    if (const OwnRegistry* const names = ownNames())
     {
         const std::vector<Structure*>* const found = names->find(name);
         return found ? *std::min_element(found->begin(), found->end()) : nullptr; // the registry's first
@@ -71,7 +79,8 @@ Structure* StructureRegistry::find(const char* name)
 
 void StructureRegistry::clear()
 {
-    StructureNames::changed();
+    if (theOwn)
+        theOwn->changed();
     std::set<Structure*>& registry = structures();
     while (!registry.empty())
     {
@@ -84,8 +93,8 @@ void StructureRegistry::clear()
 
 void StructureRegistry::renaming(Structure& structure)
 {
-    if (StructureNames::current() && structures().count(&structure) > 0)
-        StructureNames::changed();
+    if (ownNames() && structures().count(&structure) > 0)
+        theOwn->changed();
 }
 
 void StructureRegistry::describe(vumo::Debug::Print& request)
@@ -106,40 +115,26 @@ void StructureRegistry::describe(vumo::Debug::Print& request)
     request.endSection();
 }
 
-StructureNames::StructureNames() : mIsTrusted(StructureRegistry::structures().empty()), mOuter(theCurrentNames)
+OwnRegistry::OwnRegistry() : mOuter(theOwn)
 {
-    theCurrentNames = this;
+    theOwn = this;
 }
 
-StructureNames::~StructureNames()
+OwnRegistry::~OwnRegistry()
 {
-    theCurrentNames = mOuter;
+    StructureRegistry::clear();
+    theOwn = mOuter;
 }
 
-StructureNames* StructureNames::current()
+const std::vector<Structure*>* OwnRegistry::find(const char* name) const
 {
-    const bool isUsable = theCurrentNames && theCurrentNames->mIsTrusted &&
-                          theCurrentNames->mCount == StructureRegistry::structures().size();
-    return isUsable ? theCurrentNames : nullptr;
+    const auto found = mByName.find(std::string_view(name));
+    return found == mByName.end() ? nullptr : &found->second;
 }
 
-const std::vector<Structure*>* StructureNames::find(const char* name) const
+void OwnRegistry::registered(Structure& structure)
 {
-    const auto found = mStructures.find(std::string_view(name));
-    return found == mStructures.end() ? nullptr : &found->second;
-}
-
-void StructureNames::registered(Structure& structure)
-{
-    if (!theCurrentNames)
-        return;
-    theCurrentNames->mStructures[structure.name()].push_back(&structure);
-    ++theCurrentNames->mCount;
-}
-
-void StructureNames::changed()
-{
-    if (theCurrentNames)
-        theCurrentNames->mIsTrusted = false;
+    mByName[structure.name()].push_back(&structure);
+    ++mCount;
 }
 } // namespace vumo::Data::detail

@@ -16,7 +16,8 @@ class Structure;
 
 namespace vumo::Data::detail
 {
-/// The registry behind the statics of `Structure`, which say what each does.
+/// The registry behind the statics of `Structure`, which say what each does: that of the process, or the calling
+/// thread's own one while it has one.
 class StructureRegistry
 {
 public:
@@ -34,35 +35,39 @@ public:
     static void describe(vumo::Debug::Print& request);
 };
 
-/// Finds registered structures by name without a walk over the registry, for as long as it lives: for those who
-/// register many, one after the other.
+/// A registry of the thread's own, empty at first, which that thread has in place of any other for as long as this
+/// object lives. In the end it releases what is registered in it.
 ///
-/// To be made while the registry is empty. Anybody can change the registry by `Structure::allStructures()`, so the
-/// names are only trusted while as many structures are registered as were registered through `Structure`; otherwise the
-/// registry is walked, as it is without them. One that is made while another lives takes its place until it ends.
-class StructureNames
+/// It is made for those who register many structures, one after the other: it finds them by name without a walk over
+/// the registry. Anybody can change the registry by `Structure::allStructures()`, so the names are only trusted while
+/// as many structures are registered as were registered through `Structure`.
+class OwnRegistry
 {
 public:
-    StructureNames();
-    StructureNames(const StructureNames&) = delete;
-    StructureNames& operator=(const StructureNames&) = delete;
-    ~StructureNames();
+    OwnRegistry();
+    OwnRegistry(const OwnRegistry&) = delete;
+    OwnRegistry& operator=(const OwnRegistry&) = delete;
+    ~OwnRegistry();
 
-    /// The one that lives, if it can be trusted; else null.
-    static StructureNames* current();
+    std::set<Structure*>& structures() { return mStructures; }
 
-    /// All registered structures of that name, or null.
+    /// Says whether the names can be trusted.
+    bool hasNames() const { return mIsTrusted && mCount == mStructures.size(); }
+
+    /// All structures of that name, or null. Only while hasNames().
     const std::vector<Structure*>* find(const char* name) const;
 
-    /// What the registry tells of itself; each does nothing when there is no names object.
-    static void registered(Structure& structure);
-    static void changed(); ///< otherwise than by a registration
+    /// What the registry tells of itself.
+    void registered(Structure& structure);
+    void changed() { mIsTrusted = false; } ///< otherwise than by a registration
 
 private:
+    std::set<Structure*> mStructures;
+
     // Not hashed: whoever writes a file could choose very many names of one hash.
-    std::map<std::string, std::vector<Structure*>, std::less<>> mStructures;
+    std::map<std::string, std::vector<Structure*>, std::less<>> mByName;
     std::size_t mCount = 0;
     bool mIsTrusted = true;
-    StructureNames* mOuter;
+    OwnRegistry* const mOuter; // of a read that made this one's caller read, too
 };
 } // namespace vumo::Data::detail
