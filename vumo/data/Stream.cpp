@@ -185,17 +185,29 @@ std::vector<unsigned int> Stream::numericIndices() const
 
 const Member* Stream::findMember(const char* name) const
 {
-    Handle handle(structure(), nullptr);
-    return handle.setPositionByMemberName(name) ? structure().member(handle.memberIndex()) : nullptr;
+    for (unsigned int i = 0; i < structure().memberCount(); ++i)
+    {
+        const Member* const member = structure().member(i);
+        if (name && detail::equalTexts(Member::name(member), name))
+            return member;
+    }
+    return nullptr;
 }
 
 std::vector<char*> Stream::elementBlocks(const unsigned int* indices, unsigned int count) const
 {
+    // A handle for each would reference the structure: the storages of the library can be asked without.
     std::vector<char*> blocks(count);
-    const StreamImplMapped* const mapped = Storage(mImpl.get()).mapped;
+    const Storage storage(mImpl.get());
     for (unsigned int i = 0; i < count; ++i)
-        // A handle for each would reference the structure: the map can be asked without.
-        blocks[i] = mapped ? mapped->elementBlock(indices[i]) : mImpl->element(indices[i]).data();
+    {
+        if (storage.mapped)
+            blocks[i] = storage.mapped->elementBlock(indices[i]);
+        else if (storage.dense)
+            blocks[i] = indices[i] < storage.dense->elementCount() ? storage.dense->elementAddr(indices[i]) : nullptr;
+        else
+            blocks[i] = mImpl->element(indices[i]).data();
+    }
     return blocks;
 }
 

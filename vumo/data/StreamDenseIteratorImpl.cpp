@@ -7,25 +7,25 @@
 namespace vumo::Data
 {
 StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamImplDense& stream, IterLocation location)
-    : mOwnHandle(std::make_unique<Handle>(stream.structure(), nullptr)),
-      mStream(&stream),
+    : mStream(&stream),
       mPosition(location == kIterBegin ? 0 : stream.elementCount())
 {
-    mShortWay = typeid(stream) == typeid(StreamImplDense) ? eShortWay::kBlock : eShortWay::kHandle;
     if (mPosition < stream.elementCount()) // else there is no handle, and whoever asks for it is told so
     {
+        mOwnHandle = std::make_unique<Handle>(stream.structure(), nullptr);
         mHandle = mOwnHandle.get();
+        mShortWay = typeid(stream) == typeid(StreamImplDense) ? eShortWay::kBlock : eShortWay::kHandle;
         pointTo(stream.elementAddr(0));
     }
 }
 
 StreamDenseIteratorImpl::StreamDenseIteratorImpl(const StreamDenseIteratorImpl& other)
     : StreamIteratorImpl(other),
-      mOwnHandle(std::make_unique<Handle>(*other.mOwnHandle)),
+      mOwnHandle(other.mOwnHandle ? std::make_unique<Handle>(*other.mOwnHandle) : nullptr),
       mStream(other.mStream),
       mPosition(other.mPosition)
 {
-    mHandle = other.mHandle ? mOwnHandle.get() : nullptr;
+    mHandle = mOwnHandle.get();
     mShortWay = other.mShortWay;
 }
 

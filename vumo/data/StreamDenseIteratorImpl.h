@@ -48,12 +48,13 @@ private:
     /// Points the handle at a slot; the iterator is invalid where that has no address.
     void pointTo(char* slot)
     {
-        mOwnHandle->pointToData(slot, false);
+        if (mOwnHandle)
+            mOwnHandle->pointToData(slot, false);
         mInvalid = !slot;
     }
 
-    std::unique_ptr<Handle> mOwnHandle;
-    const StreamImplDense* mStream; // borrowed
+    std::unique_ptr<Handle> mOwnHandle; // null where the walk began at the end
+    const StreamImplDense* mStream;     // borrowed
     unsigned int mPosition;
 };
 } // namespace vumo::Data

@@ -14,29 +14,27 @@ namespace vumo::Data
 const vumo::ObjectCount StreamImplMapped::_objectsCreated = vumo::Counted<StreamImplMapped>::objectsCreated();
 const vumo::ObjectCount StreamImplMapped::_objectsAlive = vumo::Counted<StreamImplMapped>::objectsAlive();
 
-StreamImplMapped::StreamImplMapped() : mStructureHandle(structure(), nullptr) {}
+StreamImplMapped::StreamImplMapped() : mEndHandle(structure(), nullptr) {}
 
 StreamImplMapped::StreamImplMapped(const Structure& structure, const std::string& name)
     : StreamImpl(structure, name),
-      mStructureHandle(structure, nullptr)
+      mEndHandle(structure, nullptr)
 {
 }
 
-StreamImplMapped::StreamImplMapped(const StreamImpl& other) : StreamImpl(other), mStructureHandle(structure(), nullptr)
-{
-}
+StreamImplMapped::StreamImplMapped(const StreamImpl& other) : StreamImpl(other), mEndHandle(structure(), nullptr) {}
 
 StreamImplMapped::StreamImplMapped(const StreamImplMapped& other)
     : StreamImpl(other),
       vumo::Counted<StreamImplMapped>(other),
-      mStructureHandle(structure(), nullptr),
+      mEndHandle(structure(), nullptr),
       mLowestValidIndex(other.mLowestValidIndex),
       mHighestValidIndex(other.mHighestValidIndex)
 {
     // In ascending order the new nodes lie in the order in which they are walked; the map's own copy follows its
     // branches.
     if (!other.mElements.empty())
-        placeElementsFor(other.mElements.begin()->first);
+        prepareElementsFor(other.mElements.begin()->first);
     for (const auto& [index, element] : other.mElements)
         mElements.emplace_hint(mElements.end(), index, element);
 }
@@ -48,6 +46,7 @@ StreamImplMapped& StreamImplMapped::operator=(const StreamImplMapped& other)
     StreamImplMapped copy(other);
     StreamImpl::operator=(other);
     mElements.swap(copy.mElements);
+    mEndHandle = copy.mEndHandle;
     mLowestValidIndex = other.mLowestValidIndex;
     mHighestValidIndex = other.mHighestValidIndex;
     return *this;
@@ -184,7 +183,7 @@ Handle& StreamImplMapped::storeBlock(Index&& index, char* block)
 Handle& StreamImplMapped::slot(Index&& index)
 {
     if (mElements.empty())
-        placeElementsFor(index);
+        prepareElementsFor(index);
     if (isBeyondLast(index)) // ascending indices need no search
         return mElements
             .emplace_hint(mElements.end(), std::piecewise_construct, std::forward_as_tuple(std::move(index)),
@@ -193,20 +192,15 @@ Handle& StreamImplMapped::slot(Index&& index)
     return mElements.try_emplace(std::move(index), structure(), nullptr).first->second;
 }
 
-void StreamImplMapped::placeElementsFor(Index first)
+void StreamImplMapped::prepareElementsFor(Index first)
 {
+    if (!mEndHandle.usesStructure(structure())) // which can be replaced while there are no elements
+        mEndHandle = Handle(structure(), nullptr);
     // A search reads the value of a complex index at every node on its way. Nodes from the heap lie beside their
     // values; those of numbers, which have no value elsewhere, lie beside each other.
     const bool isNumber = !static_cast<IndexType*>(first);
     mElements.get_allocator().pool().setPlacement(isNumber ? NodePool::ePlacement::kTogether
                                                            : NodePool::ePlacement::kApart);
-}
-
-Handle& StreamImplMapped::structureHandle()
-{
-    if (!mStructureHandle.usesStructure(structure())) // which can be replaced while there are no elements
-        mStructureHandle = Handle(structure(), nullptr);
-    return mStructureHandle;
 }
 
 bool StreamImplMapped::Debug(const StreamImplMapped* object, vumo::Debug::Print& request)

@@ -84,8 +84,9 @@ private:
 
     using Elements = std::map<Index, Element, std::less<>, NodeAllocator<std::pair<const Index, Element>>>;
 
-    /// Before the first element comes: says where elements with such indices are to lie.
-    void placeElementsFor(Index first);
+    /// Before the first element comes: says where elements with such indices are to lie, and sees to the structure of
+    /// the end.
+    void prepareElementsFor(Index first);
 
     /// Says whether no element comes at or after that index.
     bool isBeyondLast(const Index& index) const;
@@ -96,11 +97,8 @@ private:
     /// The entry of that index, made without data if there was none.
     Handle& slot(Index&& index);
 
-    /// A handle on the present structure, without data.
-    Handle& structureHandle();
-
     Elements mElements;
-    Handle mStructureHandle;
+    Handle mEndHandle; // without data: what a walk over the elements ends at
     Index mLowestValidIndex = 0U;
     Index mHighestValidIndex = 0U;
 };

@@ -28,7 +28,7 @@ StreamIteratorImpl& StreamMappedIteratorImpl::operator++()
         return *this;
     ++mPosition;
     mInvalid = mPosition == mStream->mElements.end();
-    mHandle = mInvalid ? &mStream->structureHandle() : &mPosition->second; // at the end one without data
+    mHandle = mInvalid ? &mStream->mEndHandle : &mPosition->second; // at the end one without data
     return *this;
 }
 

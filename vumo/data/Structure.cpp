@@ -140,13 +140,13 @@ Structure& Structure::operator=(const Structure& other)
     // All that can fail comes before the first change.
     auto members = std::make_unique<Member[]>(other.mMemberCount);
     std::copy_n(other.mMembers.get(), other.mMemberCount, members.get());
-    std::unique_ptr<char[]> defaults(other.mDefaultData ? other.duplicateChunk(other.mDefaultData.get()) : nullptr);
+    std::unique_ptr<char[]> defaults(other.mDefaultData ? other.duplicateChunk(other.mDefaultData) : nullptr);
     setName(other.name()); // a change of the object
 
     dropDefaultData();
     mMembers = std::move(members);
     mMemberCount = other.mMemberCount;
-    mDefaultData = std::move(defaults);
+    mDefaultData = defaults.release();
     computeLayout();
     return *this;
 }
@@ -252,7 +252,7 @@ StructureIterator Structure::end() const
 }
 
 /// Gives each member that has no offset yet the next aligned one; those that have one keep it.
-void Structure::computeLayout() const
+void Structure::computeLayout()
 {
     unsigned long long end = 0;
     mFirstString = mMemberCount;
@@ -276,18 +276,27 @@ void Structure::computeLayout() const
 void Structure::dropDefaultData()
 {
     if (mDefaultData)
-        destroyChunk(mDefaultData.get());
-    mDefaultData.reset();
+        destroyChunk(mDefaultData);
+    delete[] mDefaultData.exchange(nullptr);
+}
+
+char* Structure::newDefaultChunk() const
+{
+    char* const data = new char[totalSize()];
+    fillWithDefaultChunk(data);
+    return data;
 }
 
 const char* Structure::defaultData() const
 {
     if (!mDefaultData && totalSize() > 0)
     {
-        mDefaultData.reset(new char[totalSize()]);
-        fillWithDefaultChunk(mDefaultData.get());
+        char* present = nullptr;
+        std::unique_ptr<char[]> made(newDefaultChunk());
+        if (mDefaultData.compare_exchange_strong(present, made.get())) // else another thread was first
+            static_cast<void>(made.release());
     }
-    return mDefaultData.get();
+    return mDefaultData;
 }
 
 void Structure::fillWithDefaultChunks(char* data, unsigned long long count) const
@@ -300,9 +309,7 @@ char* Structure::allocateDefaultChunk() const
 {
     if (!defaultData()) // which is there from now on
         return nullptr;
-    char* const data = new char[totalSize()];
-    fillWithDefaultChunk(data);
-    return data;
+    return newDefaultChunk();
 }
 
 char* Structure::duplicateChunk(const char* src) const
@@ -409,7 +416,7 @@ bool Structure::Debug(const Structure* object, vumo::Debug::Print& request)
         Member::Debug(&object->mMembers[i], request);
     }
     request.endSection();
-    printDefaultData(object->mDefaultData.get(), object->totalSize(), request); // not made for the sake of a print
+    printDefaultData(object->mDefaultData, object->totalSize(), request); // not made for the sake of a print
     return true;
 }
 
@@ -431,7 +438,7 @@ bool Structure::Debug(const Structure* object, vumo::Debug::Footprint& request)
     }
     request.addMember(object->name(), std::strlen(object->name()) + 1);
     if (object->mDefaultData)
-        request.addMember(object->mDefaultData.get(), object->totalSize());
+        request.addMember(object->mDefaultData, object->totalSize());
     return true;
 }
 } // namespace vumo::Data

@@ -9,6 +9,7 @@
 #include "vumo/foundation/Ref.h"
 #include "vumo/foundation/RefCounted.h"
 
+#include <atomic>
 #include <memory>
 #include <set>
 #include <vector>
@@ -96,12 +97,7 @@ public:
 
     /// The size of an element's data block in bytes: the end of the last member, rounded up to the
     /// alignment of the first one's type.
-    unsigned long long totalSize() const
-    {
-        if (mTotalSize == 0)
-            computeLayout();
-        return mTotalSize;
-    }
+    unsigned long long totalSize() const { return mTotalSize; }
 
     /// The following make and treat element data blocks: totalSize() bytes each, from array new.
 
@@ -180,18 +176,19 @@ private:
 
     const Member* findMember(const char* name) const;
     void appendMembers(const std::vector<const NewMember*>& accepted);
-    void computeLayout() const;
+    void computeLayout();
+    char* newDefaultChunk() const;
     void dropDefaultData();
 
     std::unique_ptr<Member[]> mMembers;
-    mutable std::unique_ptr<char[]> mDefaultData; // null until asked for
-    OwnedText mName;                              // never null
-    mutable unsigned long long mTotalSize = 0;    // 0: not yet computed
+    mutable std::atomic<char*> mDefaultData = nullptr; // owned; null until asked for, by whatever thread
+    OwnedText mName;                                   // never null
+    unsigned long long mTotalSize = 0;
     unsigned int mMemberCount = 0;
 
-    // All string members lie among those from mFirstString to mStringsEnd - 1. Known with the layout.
-    mutable unsigned int mFirstString = 0;
-    mutable unsigned int mStringsEnd = 0;
+    // All string members lie among those from mFirstString to mStringsEnd - 1.
+    unsigned int mFirstString = 0;
+    unsigned int mStringsEnd = 0;
     bool mBeingDestroyed = false;
 };
 } // namespace vumo::Data

@@ -88,7 +88,7 @@ void readChannel(std::istream& in, Associations& associations, detail::Messages&
 }
 } // namespace
 
-AssociationsSerializerRaw* AssociationsSerializerRaw::theInstance = nullptr;
+std::atomic<AssociationsSerializerRaw*> AssociationsSerializerRaw::theInstance = nullptr;
 
 AssociationsSerializerRaw* AssociationsSerializerRaw::theFormat()
 {

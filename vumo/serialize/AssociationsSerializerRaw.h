@@ -6,6 +6,7 @@
 #include "vumo/serialize/AssociationsSerializer.h"
 #include "vumo/serialize/SerializerRaw.h"
 
+#include <atomic>
 #include <iosfwd>
 #include <string>
 
@@ -36,6 +37,6 @@ public:
     static bool Debug(const AssociationsSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
-    static AssociationsSerializerRaw* theInstance;
+    static std::atomic<AssociationsSerializerRaw*> theInstance;
 };
 } // namespace vumo::Data

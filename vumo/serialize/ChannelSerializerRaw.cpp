@@ -80,7 +80,7 @@ void readStream(std::istream& in, Channel& channel, detail::Messages& messages)
 }
 } // namespace
 
-ChannelSerializerRaw* ChannelSerializerRaw::theInstance = nullptr;
+std::atomic<ChannelSerializerRaw*> ChannelSerializerRaw::theInstance = nullptr;
 
 ChannelSerializerRaw* ChannelSerializerRaw::theFormat()
 {

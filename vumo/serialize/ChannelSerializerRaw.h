@@ -6,6 +6,7 @@
 #include "vumo/serialize/ChannelSerializer.h"
 #include "vumo/serialize/SerializerRaw.h"
 
+#include <atomic>
 #include <iosfwd>
 #include <string>
 
@@ -36,6 +37,6 @@ public:
     static bool Debug(const ChannelSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
-    static ChannelSerializerRaw* theInstance;
+    static std::atomic<ChannelSerializerRaw*> theInstance;
 };
 } // namespace vumo::Data

@@ -56,7 +56,7 @@ constexpr char kDescription[] = "The raw format consists of a structure name and
                                 "\tendStream\n";
 } // namespace
 
-StreamSerializerRaw* StreamSerializerRaw::theInstance = nullptr;
+std::atomic<StreamSerializerRaw*> StreamSerializerRaw::theInstance = nullptr;
 
 StreamSerializerRaw* StreamSerializerRaw::theFormat()
 {

@@ -8,6 +8,7 @@
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/StreamSerializer.h"
 
+#include <atomic>
 #include <iosfwd>
 #include <string>
 
@@ -68,6 +69,6 @@ public:
     static bool Debug(const StreamSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
-    static StreamSerializerRaw* theInstance;
+    static std::atomic<StreamSerializerRaw*> theInstance;
 };
 } // namespace vumo::Data

@@ -14,7 +14,7 @@ constexpr char kDescription[] = "\nThe Debug format will be self-explanatory"
 
 const char* const StructureSerializerDebug::structureFormatType = "debug";
 
-StructureSerializerDebug* StructureSerializerDebug::theInstance = nullptr;
+std::atomic<StructureSerializerDebug*> StructureSerializerDebug::theInstance = nullptr;
 
 StructureSerializerDebug* StructureSerializerDebug::theFormat()
 {

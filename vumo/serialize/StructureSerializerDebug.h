@@ -5,6 +5,7 @@
 #include "vumo/foundation/Export.h"
 #include "vumo/serialize/StructureSerializer.h"
 
+#include <atomic>
 #include <iosfwd>
 #include <string>
 
@@ -36,6 +37,6 @@ public:
     static bool Debug(const StructureSerializerDebug* object, vumo::Debug::Footprint& request);
 
 private:
-    static StructureSerializerDebug* theInstance;
+    static std::atomic<StructureSerializerDebug*> theInstance;
 };
 } // namespace vumo::Data

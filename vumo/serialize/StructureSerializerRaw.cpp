@@ -206,7 +206,7 @@ Structure* newStructure(const Declaration& declaration)
 }
 } // namespace
 
-StructureSerializerRaw* StructureSerializerRaw::theInstance = nullptr;
+std::atomic<StructureSerializerRaw*> StructureSerializerRaw::theInstance = nullptr;
 
 StructureSerializerRaw* StructureSerializerRaw::theFormat()
 {

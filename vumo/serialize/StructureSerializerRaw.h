@@ -6,6 +6,7 @@
 #include "vumo/serialize/SerializerRaw.h"
 #include "vumo/serialize/StructureSerializer.h"
 
+#include <atomic>
 #include <iosfwd>
 #include <string>
 
@@ -40,6 +41,6 @@ public:
     static bool Debug(const StructureSerializerRaw* object, vumo::Debug::Footprint& request);
 
 private:
-    static StructureSerializerRaw* theInstance;
+    static std::atomic<StructureSerializerRaw*> theInstance;
 };
 } // namespace vumo::Data

@@ -2,21 +2,23 @@
 
 #include "vumo/foundation/detail/DebugObject.h"
 
+#include <atomic>
+
 namespace vumo::Data::detail
 {
 /// The one object of the format, made with the first call and never destroyed: its kind's registry may know it until
-/// the program ends.
+/// the program ends. Threads may ask for it at once.
 template <class Format>
-Format* theOnly(Format*& theInstance)
+Format* theOnly(std::atomic<Format*>& theInstance)
 {
-    if (!theInstance)
-        theInstance = new Format();
-    return theInstance;
+    static Format* const theMade = theInstance = new Format();
+    return theMade;
 }
 
 /// Describes a format, or for null the one static of its class: whether there is the one object of it.
 template <class Format>
-bool debugFormat(const char* className, const Format* format, const Format* theInstance, vumo::Debug::Print& request)
+bool debugFormat(const char* className, const Format* format, const std::atomic<Format*>& theInstance,
+                 vumo::Debug::Print& request)
 {
     if (format)
         return vumo::detail::debugObject(className, format, request);
@@ -25,7 +27,7 @@ bool debugFormat(const char* className, const Format* format, const Format* theI
 }
 
 template <class Format>
-bool debugFormat(const Format* format, Format* const& theInstance, vumo::Debug::Footprint& request)
+bool debugFormat(const Format* format, const std::atomic<Format*>& theInstance, vumo::Debug::Footprint& request)
 {
     if (!format)
         request.addMember(&theInstance, sizeof(theInstance));
