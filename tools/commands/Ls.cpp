@@ -1,35 +1,124 @@
 #include "commands/Commands.h"
-#include "core/Lines.h"
+#include "core/Rows.h"
 #include "core/SceneFile.h"
 #include "core/Text.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
 
 using namespace vumo::Data;
 
 namespace
 {
-eExitCode ls(Job& job)
+struct LsOptions
 {
-    const Selection& selection = job.session.selection();
-    const SceneFile scene(job.session, job.file);
-    Lines lines(job);
-    lines.addTitles({"node", "channel", "stream", "structure", "index", "elements", "bytes"});
-    for (const ListedBlock& block : scene.list())
+    bool nodes = false;
+    bool structures = false;
+    bool isLong = false;
+};
+
+/// The layouts of the structures that can be read, by their names.
+using Layouts = std::map<std::string, std::string>;
+
+Layouts layoutsOf(const SceneFile& scene)
+{
+    Layouts layouts;
+    for (const Structure* const structure : scene.metadata().structures())
+        layouts[structure->name()] = layoutText(*structure);
+    return layouts;
+}
+
+void listStructures(const Job& job, const std::vector<ListedBlock>& blocks, bool isLong, const Layouts& layouts)
+{
+    std::vector<std::string> columns = {"structure"};
+    if (isLong)
+        columns.emplace_back("layout");
+    Rows rows(job, "structures", columns);
+    for (const ListedBlock& block : blocks)
     {
-        if (!Selection::passes(selection.nodes, block.name))
+        if (block.kind != ListedBlock::kStructure)
             continue;
+        std::vector<Rows::Cell> cells = {block.name};
+        const auto layout = layouts.find(block.name);
+        if (isLong)
+            cells.emplace_back(layout == layouts.end() ? "" : layout->second);
+        rows.add(cells);
+    }
+}
+
+void listNodes(const Job& job, const std::vector<ListedBlock>& blocks)
+{
+    Rows rows(job, "nodes", {"node", "channels", "streams", "elements", "bytes"});
+    for (const ListedBlock& block : blocks)
+    {
+        std::uint64_t streams = 0;
+        std::uint64_t elements = 0;
         for (const ListedBlock::Channel& channel : block.channels)
         {
-            if (!Selection::passes(selection.channels, channel.name))
-                continue;
+            streams += channel.streams.size();
+            for (const ListedBlock::Stream& stream : channel.streams)
+                elements += stream.elements;
+        }
+        if (block.kind == ListedBlock::kAssociations && Selection::passes(job.session.selection().nodes, block.name))
+            rows.add({block.name, block.channels.size(), streams, elements, block.length});
+    }
+}
+
+void listStreams(const Job& job, const std::vector<ListedBlock>& blocks, bool isLong, const Layouts& layouts)
+{
+    const Selection& selection = job.session.selection();
+    std::vector<std::string> columns = {"node", "channel", "stream", "structure", "indexType", "elements", "bytes"};
+    if (isLong)
+        columns.emplace_back("layout");
+    Rows rows(job, "streams", columns);
+    const auto addStream = [&](const std::string& node, const std::string& channel, const ListedBlock::Stream& stream) {
+        std::vector<Rows::Cell> cells = {
+            node, channel, stream.name, stream.structure, stream.indexType, stream.elements, stream.bytes};
+        const auto layout = layouts.find(stream.structure);
+        if (isLong)
+            cells.emplace_back(layout == layouts.end() ? "" : layout->second);
+        rows.add(cells);
+    };
+    for (const ListedBlock& block : blocks)
+    {
+        for (const ListedBlock::Channel& channel : block.channels)
+        {
             for (const ListedBlock::Stream& stream : channel.streams)
             {
-                if (!Selection::passes(selection.streams, stream.name))
-                    continue;
-                lines.add({escaped(block.name), escaped(channel.name), escaped(stream.name), escaped(stream.structure),
-                           escaped(stream.indexType), std::to_string(stream.elements), std::to_string(stream.bytes)});
+                if (selection.passes(block.name, channel.name, stream.name))
+                    addStream(block.name, channel.name, stream);
             }
         }
     }
+}
+
+void listUnreadable(const Job& job, const SceneFile& scene)
+{
+    Rows rows(job, "unreadable", {"block", "name", "format", "position", "length", "why"});
+    for (const UnreadBlock& block : scene.metadata().unread())
+    {
+        const char* const kind = block.kind == UnreadBlock::kStructure ? "structure" : "node";
+        if (!block.why.empty())
+            rows.add({kind, block.name, block.format, block.position, block.length, withoutLineEnd(block.why)});
+    }
+}
+
+eExitCode ls(Job& job, const LsOptions& options)
+{
+    SceneFile scene(job.session, job.file);
+    const std::vector<ListedBlock> blocks = scene.list();
+    if (options.isLong)
+        scene.read();
+    const Layouts layouts = options.isLong ? layoutsOf(scene) : Layouts();
+    if (options.structures)
+        listStructures(job, blocks, options.isLong, layouts);
+    else if (options.nodes)
+        listNodes(job, blocks);
+    else
+        listStreams(job, blocks, options.isLong, layouts);
+    if (options.isLong)
+        listUnreadable(job, scene);
     return kDone;
 }
 } // namespace
@@ -39,5 +128,12 @@ void addLs(Session& session)
     CLI::App& command = session.addCommand("ls", "List the streams of scenes, a line each, without reading values");
     session.addFiles(command);
     session.addSelection(command);
-    session.setWork(command, [&session] { return forEachFile(session, ls); });
+    const auto options = std::make_shared<LsOptions>();
+    CLI::Option* const nodes = command.add_flag("--nodes", options->nodes, "list the nodes in place of the streams");
+    command.add_flag("--structures", options->structures, "list the structures")->excludes(nodes);
+    command.add_flag("-l,--long", options->isLong, "layouts, too, and what cannot be read with the reason; reads all");
+    session.addJson(command);
+    session.setWork(command, [&session, options] {
+        return forEachFile(session, [options](Job& job) { return ls(job, *options); });
+    });
 }

@@ -13,6 +13,11 @@ Address::Address(const std::vector<std::string>& words)
         *parts[i - 1] = words[i];
 }
 
+bool Selection::passes(const std::string& node, const std::string& channel, const std::string& stream) const
+{
+    return passes(nodes, node) && passes(channels, channel) && passes(streams, stream);
+}
+
 bool Selection::passes(const std::vector<std::string>& patterns, const std::string& name)
 {
     const auto matches = [&](const std::string& pattern) { return fnmatch(pattern.c_str(), name.c_str(), 0) == 0; };

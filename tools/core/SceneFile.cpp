@@ -87,10 +87,14 @@ SceneFile::SceneFile(const Session& session, const std::string& fileName, eUse u
     mAccessor->setLockWait(session.lockWait());
 }
 
-std::vector<ListedBlock> SceneFile::list() const
+std::vector<ListedBlock> SceneFile::list()
 {
     std::vector<ListedBlock> blocks;
     std::string errors;
+    if (Accessor::list(mFileName, blocks, errors))
+        return blocks;
+    readNode(""); // waits for other writers, and knows what kind of failure it is
+    errors.clear();
     if (!Accessor::list(mFileName, blocks, errors))
         throw failure(kBadInput, errors);
     return blocks;

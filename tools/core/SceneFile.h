@@ -31,7 +31,7 @@ public:
     SceneFile(const Session& session, const std::string& fileName, eUse use = kLook);
 
     /// What the file holds, block by block, without parsing values.
-    std::vector<vumo::Data::ListedBlock> list() const;
+    std::vector<vumo::Data::ListedBlock> list();
 
     /// Reads the metadata of these nodes, or of all for null.
     void read(const std::set<std::string>* nodes = nullptr);

@@ -1,7 +1,10 @@
 #include "core/Text.h"
 
+#include "vumo/serialize/StructureSerializerRaw.h"
+
 #include <algorithm>
 #include <cstdio>
+#include <sstream>
 
 namespace
 {
@@ -57,6 +60,12 @@ std::string inQuotes(const std::string& text)
     return '"' + printable(text) + '"';
 }
 
+std::string withoutLineEnd(std::string text)
+{
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
 std::string nodeTitle(const std::string& node)
 {
     return node.empty() ? "scene" : "node " + inQuotes(node);
@@ -73,6 +82,13 @@ std::string memberText(const vumo::Data::Handle& handle)
         result += handle.dataType() == vumo::Data::Member::kString ? inQuotes(value) : value;
     }
     return result;
+}
+
+std::string layoutText(const vumo::Data::Structure& structure)
+{
+    std::ostringstream out;
+    vumo::Data::StructureSerializerRaw::theFormat()->write(structure, out);
+    return withoutLineEnd(out.str());
 }
 
 std::string::size_type columns(const std::string& text)
