@@ -91,6 +91,7 @@ public:
     /// Why a read() or a write() failed.
     struct VUMO_EXPORT Failure
     {
+        /// What kind of failure, for programs to act upon.
         enum eKind
         {
             kNone,        ///< it did not fail

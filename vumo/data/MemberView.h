@@ -14,6 +14,7 @@ template <class T>
 struct MemberTypes;
 
 // clang-format off
+/// The table's row of one C++ type.
 template <Member::eDataType Value, Member::eDataType Matrix = Member::kInvalidType>
 struct MemberTypesAre
 {

@@ -15,12 +15,14 @@ namespace vumo::Data
 class StreamElements
 {
 public:
+    /// A copy of the index, and a handle that is borrowed until the next step.
     struct Element
     {
         Index index;
         Handle& handle;
     };
 
+    /// What a loop over a range needs, and nothing else.
     class Iterator
     {
     public:
