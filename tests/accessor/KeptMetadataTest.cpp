@@ -354,6 +354,18 @@ TEST_F(KeptMetadataTest, AFileThatSomebodyElseHasChanged_IsNotWritten)
         const std::string moved = kind.foreign("new") + kind.structure(kWeight) + kind.foreign("more") + a;
         mFile->setBytes(kind.scene(moved));
         EXPECT_EQ(written(*accessor), kind.scene(moved));
+
+        // Where all of it was read, nothing is kept that could be lost.
+        const auto whole = read(kind, kind.structure(kWeight) + a);
+        mFile->setBytes(kind.scene(kind.structure(kWeight) + a + kind.node("b", textWith("Weight", "2"))));
+        mErrors.clear();
+        EXPECT_FALSE(whole->write(mErrors));
+        mErrors.clear();
+        whole->setConflict(Accessor::kOverwrite);
+        const std::string overwritten = written(*whole);
+        EXPECT_EQ(readKept()->associations().size(), 1U);
+        EXPECT_TRUE(whole->readMore({"a"}, mErrors)) << "it goes on from there: " << mErrors;
+        EXPECT_EQ(readAgain(*whole), overwritten);
     }
 }
 

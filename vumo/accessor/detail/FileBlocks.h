@@ -37,6 +37,9 @@ struct FileBlocks
     bool areKept = false;   ///< writing leaves those in the file that are unread
 
     std::uint64_t checksum() const;
+
+    /// Says whether writing has to leave any of them in the file.
+    bool hasKept() const;
 };
 
 /// Of a statement's text up to its ";", or of a chunk's header and its data without the padding.
@@ -62,5 +65,11 @@ std::uint64_t metadataChecksum(Iterator block, Iterator end)
 inline std::uint64_t FileBlocks::checksum() const
 {
     return metadataChecksum(blocks.begin() + static_cast<std::ptrdiff_t>(ofHost), blocks.end());
+}
+
+inline bool FileBlocks::hasKept() const
+{
+    return areKept && std::any_of(blocks.begin() + static_cast<std::ptrdiff_t>(ofHost), blocks.end(),
+                                  [](const FileBlock& block) { return block.state == FileBlock::kUnread; });
 }
 } // namespace vumo::Data::detail

@@ -20,15 +20,10 @@ public:
     MetadataReplacer(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
                      Replacement& replacement, FileBlocks& written, std::string& errors)
         : MetadataWriter(form, metadata, replacement, written, errors),
-          mFileName(metadata.fileName),
           mBlocks(metadata.found.blocks.begin() + static_cast<std::ptrdiff_t>(metadata.found.ofHost),
                   metadata.found.blocks.end()),
           mRegion(region)
     {
-        mWritten.ofHost = metadata.found.ofHost;
-        mWritten.areKept = true;
-        mWritten.blocks.assign(metadata.found.blocks.begin(),
-                               metadata.found.blocks.begin() + static_cast<std::ptrdiff_t>(mWritten.ofHost));
         for (const Structure* const structure : mStructures)
             mNewStructures[structure->name()] = structure;
         for (const auto& [structure, user] : mMore)
@@ -37,8 +32,6 @@ public:
 
     bool run()
     {
-        if (!isFileThatWasRead())
-            return refuse(mErrors, changedMessage(mFileName));
         plan();
         if (!keepsLayouts())
             return false;
@@ -51,13 +44,6 @@ public:
     }
 
 private:
-    /// Says whether every block is that of the read.
-    bool isFileThatWasRead() const
-    {
-        return std::equal(mBlocks.begin(), mBlocks.end(), mRegion.blocks.begin(), mRegion.blocks.end(),
-                          [](const FileBlock& read, const BlockPlace& now) { return read.checksum == now.checksum; });
-    }
-
     const Structure* newStructure(const std::string& name) const
     {
         const auto found = mNewStructures.find(name);
@@ -186,7 +172,6 @@ private:
                            [this](const auto& entry) { return openAfter(mBlocks.size()) && writeEntryOnce(*entry); });
     }
 
-    const std::string& mFileName;
     const std::vector<FileBlock> mBlocks; // that writing replaces
     const FileRegion& mRegion;
     std::map<std::string, const Structure*> mNewStructures;
@@ -195,6 +180,24 @@ private:
     bool mKeepsAssociations = false;
     std::set<const Associations*> mDoneEntries;
 };
+
+/// Says whether every block is that of the read, so that metadata can go into the places of what was read.
+bool isFileThatWasRead(const FileBlocks& found, const FileRegion& region)
+{
+    return std::equal(found.blocks.begin() + static_cast<std::ptrdiff_t>(found.ofHost), found.blocks.end(),
+                      region.blocks.begin(), region.blocks.end(),
+                      [](const FileBlock& read, const BlockPlace& now) { return read.checksum == now.checksum; });
+}
+
+/// The blocks that are left to the host, as the first of all that will be in the file.
+FileBlocks blocksOfHost(const FileBlocks& found)
+{
+    FileBlocks host;
+    host.areKept = found.areKept;
+    host.ofHost = found.ofHost;
+    host.blocks.assign(found.blocks.begin(), found.blocks.begin() + static_cast<std::ptrdiff_t>(found.ofHost));
+    return host;
+}
 
 /// Takes all blocks out and puts all metadata in.
 bool replaceAll(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
@@ -217,7 +220,11 @@ bool replaceAll(const MetadataForm& form, const AccessorState& metadata, const F
 bool replaceMetadata(const MetadataForm& form, const AccessorState& metadata, const FileRegion& region,
                      Replacement& replacement, FileBlocks& written, std::string& errors)
 {
-    if (metadata.found.areKept)
+    const bool isSame = metadata.found.areKept && isFileThatWasRead(metadata.found, region);
+    if (metadata.found.hasKept() && !isSame) // other metadata may have the same checksum
+        return refuse(errors, changedMessage(metadata.fileName));
+    written = blocksOfHost(metadata.found);
+    if (isSame)
         return MetadataReplacer(form, metadata, region, replacement, written, errors).run() &&
                replacement.finish(region.end);
     return replaceAll(form, metadata, region, replacement, written, errors) && replacement.copyUntil(region.end);

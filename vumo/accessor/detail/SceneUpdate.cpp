@@ -43,7 +43,7 @@ bool SceneUpdate::begin(std::string& errors)
 
 bool SceneUpdate::checkUnchanged(std::uint64_t inFile, std::string& errors) const
 {
-    const bool mayOverwrite = mState.conflict == Accessor::kOverwrite && !mState.found.areKept;
+    const bool mayOverwrite = mState.conflict == Accessor::kOverwrite && !mState.found.hasKept();
     if (mayOverwrite || inFile == mState.checksum)
         return true;
     mState.fail(Accessor::Failure::kChanged);
