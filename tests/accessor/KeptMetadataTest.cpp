@@ -466,6 +466,7 @@ TEST_F(KeptMetadataTest, ReadMore_AddsWhatWasLeftOut)
         EXPECT_EQ(valueAt(*accessor, "a", "vertex", "weights", 0), "1");
         EXPECT_EQ(accessor->associations().size(), 1U);
         EXPECT_EQ(accessor->structures().size(), 1U);
+        EXPECT_EQ(accessor->unread().size(), 2U) << "the structure was read, too";
         EXPECT_FALSE(accessor->readMore({"b", "c"}, mErrors));
         EXPECT_THAT(mErrors, testing::HasSubstr("format odd\nin the metadata of node 'c', from byte "));
         accessor->associations()["a"] = weightOf("7");

@@ -4,6 +4,7 @@
 #include <sys/file.h>
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -247,6 +248,28 @@ TEST_F(LostUpdateTest, WhoWaitsForAnotherWriter_ComparesAfterwards)
             EXPECT_EQ(errors, row.isChanged ? changed() : row.message.empty() ? "" : mFile->name() + row.message);
         }
     }
+}
+
+TEST_F(LostUpdateTest, ReadMore_WaitsForAnotherWriter)
+{
+    prepare(kKinds[0]);
+    const std::set<std::string> names = {"Body"};
+    std::string errors;
+    mAccessor->clear();
+    mAccessor->setUnread(Accessor::kKeep);
+    mAccessor->setLockWait(60000);
+    ASSERT_TRUE(mAccessor->read(mFile->name(), nullptr, &names, errors)) << errors;
+    std::ofstream(mFile->recordName()).close(); // as a writer begins
+    const int other = open(mFile->name().c_str(), O_RDWR);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    std::thread ending([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        std::filesystem::remove(mFile->recordName());
+        close(other);
+    });
+    EXPECT_TRUE(mAccessor->readMore({"Other"}, errors)) << errors;
+    ending.join();
+    EXPECT_EQ(valueAt(*mAccessor, "Other", "vertex", "weights", 0), "2");
 }
 } // namespace
 } // namespace vumo::test

@@ -52,6 +52,16 @@ private:
     const detail::FileStamp mBefore;
 };
 
+/// Takes note of those structures that are read by now, with the nodes that use them.
+void noteStructures(const Accessor::StructureSet& structures, std::vector<detail::FileBlock>& blocks)
+{
+    for (detail::FileBlock& block : blocks)
+    {
+        if (block.layout && block.state == detail::FileBlock::kUnread && structures.count(block.layout.get()) > 0)
+            block.state = detail::FileBlock::kRead;
+    }
+}
+
 /// An accessor for the file; null, with the reason appended to `errors`, when there is none for its extension.
 std::unique_ptr<Accessor> newAccessor(const std::string& fileName, std::string& errors)
 {
@@ -261,6 +271,7 @@ bool Accessor::readMore(const std::set<std::string>& names, std::string& errors)
     if (!more)
         return false;
     more->setUnread(kKeep);
+    more->setLockWait(lockWait());
     const bool isRead = more->read(fileName(), nullptr, &names, errors);
     mImpl->failure = more->failure();
     if (!isRead)
@@ -290,6 +301,7 @@ bool Accessor::readMore(const std::set<std::string>& names, std::string& errors)
             blocks[i].kind == UnreadBlock::kAssociations)
             takeOver(blocks[i], more->mImpl->associations[blocks[i].name]);
     }
+    noteStructures(structures(), blocks);
     return true;
 }
 
