@@ -503,6 +503,17 @@ TEST_F(KeptMetadataTest, ACharacterOfAMessage_IsFoundInTheFile)
         mFile->setBytes("");
         EXPECT_EQ(accessor->findCharacter(block, 5), block.position);
     }
+    // A value may go over lines, whose ends do not count carriage returns.
+    const auto accessor =
+        read(kKinds[0], "applyMetadata -fmt \"raw\" -v \"channel\r\n\tbad\\\\\r\n\tworse\r\n\" \r\n\ta;\r\n");
+    ASSERT_EQ(accessor->unread().size(), 1U);
+    const UnreadBlock block = accessor->unread().front();
+    EXPECT_EQ(block.why.find("Unrecognized keyword 'bad\\' on or about character 9\nUnrecognized keyword 'worse' on or "
+                             "about character 15\n"),
+              0U)
+        << block.why;
+    EXPECT_EQ(accessor->findCharacter(block, 9) + 8, mFile->bytes().find("worse"));
+    EXPECT_EQ(accessor->findCharacter(block, 15), mFile->bytes().find("worse"));
 }
 } // namespace
 } // namespace vumo::test

@@ -194,7 +194,9 @@ std::size_t escapedPosition(std::string_view value, std::size_t position)
         char ignored = '\0';
         const bool isEscape = length == 1 && *next == '\\';
         const std::size_t escape = isEscape ? unescape(characters.position(), characters.left(), ignored) : 0;
-        const auto same = static_cast<std::size_t>(next - kept) + length; // an escape gives one byte, too
+        const bool isInLineEnd = length == 1 && *next == '\r' && !characters.atEnd() && *characters.position() == '\n';
+        // An escape gives one byte, too.
+        const std::size_t same = static_cast<std::size_t>(next - kept) + (isInLineEnd ? 0 : length);
         if (position < same)
             return static_cast<std::size_t>(kept - begin) + position;
         position -= same;

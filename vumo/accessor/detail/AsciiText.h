@@ -19,6 +19,7 @@ bool appendEscapedValue(const std::string& text, std::string& out);
 /// False when such quotes end the value before a ";": what follows is another statement.
 bool unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end);
 
-/// Where the byte stands in a value, with its escapes, that gives the one at `position` in the text without them.
+/// Where the byte stands in a value, with its escapes, that gives the one at `position` in the text without them, and
+/// without the carriage returns at the ends of lines.
 std::size_t escapedPosition(std::string_view value, std::size_t position);
 } // namespace vumo::Data::detail
