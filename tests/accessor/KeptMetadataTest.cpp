@@ -425,7 +425,7 @@ TEST_F(KeptMetadataTest, List_TellsWhatStandsInAFileWithoutReadingIt)
     {
         SCOPED_TRACE(kind.ending);
         const std::string metadata = kind.structure(kWeight) + kind.node("a", "whatever", "odd") +
-                                     kind.node("b", textWith("Absent", "nonsense\n1\n2", "triple")) +
+                                     kind.node("b", textWith("Absent", "nonsense\n\v\n1\n2", "triple")) +
                                      kind.node("b", textWith("Weight", "1")) + kind.structure("x", "odd");
         read(kind, metadata);
         std::vector<ListedBlock> entries;

@@ -1,5 +1,6 @@
 #include "vumo/accessor/detail/RawListing.h"
 
+#include "vumo/foundation/detail/Characters.h"
 #include "vumo/serialize/SerializerRaw.h"
 
 #include <algorithm>
@@ -8,14 +9,6 @@ namespace vumo::Data::detail
 {
 namespace
 {
-constexpr std::string_view kBlanks = " \t\r";
-
-std::string_view trimmed(std::string_view text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
-
 /// Takes lines one by one, and adds to the channels what they say.
 class Lister
 {
