@@ -148,6 +148,7 @@ void defineScene(py::module_& module)
                                   const Text& channel) { scene.removeChannel(node.bytes, channel.bytes); })
         .def("remove_stream", [](SceneFile& scene, const Text& node, const Text& channel,
                                  const Text& stream) { scene.removeStream(node.bytes, channel.bytes, stream.bytes); })
+        .def("declare", [](SceneFile& scene, const Layout& layout) { scene.declare(*layout.structure); })
         .def("structures", [](const SceneFile& scene) {
             std::vector<Layout> layouts;
             for (const auto& [name, structure] : scene.structures())
@@ -174,7 +175,7 @@ void defineStream(py::module_& module)
         .def("resize", &StreamAddress::resize)
         .def("indices", &StreamAddress::indices)
         .def("has_element", &StreamAddress::hasElement)
-        .def("add_element", &StreamAddress::addElement)
+        .def("add_elements", &StreamAddress::addElements)
         .def("remove_element", &StreamAddress::removeElement)
         .def("view", &StreamAddress::view)
         .def("records", &StreamAddress::records)

@@ -24,10 +24,13 @@ std::unordered_map<const void*, std::size_t>& views()
 class SceneFile::View
 {
 public:
-    View(std::shared_ptr<SceneFile> scene, const void* block) : mScene(std::move(scene)), mBlock(block)
+    View(std::shared_ptr<SceneFile> scene, const std::string& node, const void* block)
+        : mScene(std::move(scene)),
+          mNode(node),
+          mBlock(block)
     {
         ++views()[mBlock];
-        ++mScene->mViews;
+        ++mScene->mViews[mNode];
     }
 
     View(const View&) = delete;
@@ -38,12 +41,15 @@ public:
         const auto count = views().find(mBlock);
         if (--count->second == 0)
             views().erase(count);
-        --mScene->mViews;
+        const auto ofNode = mScene->mViews.find(mNode);
+        if (--ofNode->second == 0)
+            mScene->mViews.erase(ofNode);
         mScene->releaseIfUnused();
     }
 
 private:
     const std::shared_ptr<SceneFile> mScene;
+    const std::string mNode;
     const void* const mBlock;
 };
 
@@ -106,12 +112,19 @@ void SceneFile::save()
                           mFileName};
         for (const std::string& name : mEdited)
             writer->associations()[name] = mReader->associations()[name];
+        Accessor::StructureSet structures = writer->structures();
+        for (const vumo::Ref<const Structure>& structure : mDeclared)
+            structures.insert(structure.get());
+        writer->setStructures(structures);
         std::string errors;
         if (!writer->write(errors))
             throw Failure::of(*writer, errors);
         mReader = std::move(writer);
     });
     mEdited.clear();
+    for (const auto& [node, count] : mViews)
+        mEdited.insert(node);
+    mDeclared.clear();
 }
 
 void SceneFile::close()
@@ -124,7 +137,7 @@ void SceneFile::close()
 
 void SceneFile::releaseIfUnused()
 {
-    if (mIsClosed && mViews == 0)
+    if (mIsClosed && mViews.empty())
         mReader.reset();
 }
 
@@ -278,6 +291,12 @@ const Structure& SceneFile::adopt(const Structure& structure)
     return *found->second;
 }
 
+void SceneFile::declare(const Structure& structure)
+{
+    requireWritable();
+    mDeclared.emplace_back(&adopt(structure));
+}
+
 bool SceneFile::isViewed(const Stream& stream)
 {
     return views().count(stream.elementView().data()) > 0;
@@ -290,9 +309,9 @@ void SceneFile::requireUnviewed(const Stream& stream)
                           "\": they cannot be moved or removed while one of them is in use."};
 }
 
-py::capsule SceneFile::viewOf(const Stream& stream)
+py::capsule SceneFile::viewOf(const std::string& node, const Stream& stream)
 {
-    return {new View(shared_from_this(), stream.elementView().data()),
+    return {new View(shared_from_this(), node, stream.elementView().data()),
             [](void* view) { delete static_cast<View*>(view); }};
 }
 

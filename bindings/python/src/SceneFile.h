@@ -49,8 +49,9 @@ public:
     bool isWritable() const { return mOptions.isWritable; }
     bool isClosed() const { return mIsClosed; }
 
-    /// Says whether a save would write something: arrays that can be written to count, as nobody sees when they are.
-    bool isEdited() const { return !mEdited.empty(); }
+    /// Says whether a save would write something. Nodes count at which arrays look that can be written to, as nobody
+    /// sees when they are.
+    bool isEdited() const { return !mEdited.empty() || !mDeclared.empty(); }
 
     /// Writes what was edited. What is in memory stays.
     void save();
@@ -87,6 +88,9 @@ public:
     /// Refuses one that differs from that of the same name.
     const vumo::Data::Structure& adopt(const vumo::Data::Structure& structure);
 
+    /// Adopts the structure and saves it even where no stream uses it.
+    void declare(const vumo::Data::Structure& structure);
+
     /// Whatever moves or frees the memory of a stream's elements has to ask first: throws `StillViewed` while arrays
     /// look at it.
     static void requireUnviewed(const vumo::Data::Stream& stream);
@@ -94,7 +98,7 @@ public:
 
     /// What an array is based on that looks at the elements of a dense stream: keeps their memory alive, and notes that
     /// it is looked at.
-    pybind11::capsule viewOf(const vumo::Data::Stream& stream);
+    pybind11::capsule viewOf(const std::string& node, const vumo::Data::Stream& stream);
 
     /// Throws where the scene is closed, or used by another thread.
     void requireOpen() const;
@@ -138,8 +142,9 @@ private:
     std::unordered_set<std::string> mNodeSet;
     std::set<std::string> mEdited; ///< nodes, also those that were removed
     std::map<std::string, vumo::Ref<const vumo::Data::Structure>> mAdded;
+    std::vector<vumo::Ref<const vumo::Data::Structure>> mDeclared;
     std::size_t mBatch = 1; ///< how many nodes the next one that is touched brings along
-    std::size_t mViews = 0;
+    std::map<std::string, std::size_t> mViews; ///< how many arrays look at each node
     bool mIsBusy = false;
     bool mIsClosed = false;
 };

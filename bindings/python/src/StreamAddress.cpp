@@ -219,9 +219,9 @@ bool StreamAddress::hasElement(const py::object& index) const
     return indices.size() == 1 && stream().hasElement(indices[0]);
 }
 
-void StreamAddress::addElement(const py::object& index)
+void StreamAddress::addElements(const py::object& places)
 {
-    const ElementIndices indices(stream(), index);
+    const ElementIndices indices(stream(), places);
     Stream& target = edit();
     makeRoom(target, indices);
     createMissing(target, indices);
@@ -261,7 +261,7 @@ py::array StreamAddress::arrayOver(const py::dtype& type, std::vector<py::ssize_
     for (std::size_t i = shape.size() - 1; i > 1; --i)
         strides[i - 1] = strides[i] * shape[i];
     strides[0] = static_cast<py::ssize_t>(elements.stride());
-    py::array array(type, std::move(shape), std::move(strides), elements.data() + offset, mScene->viewOf(viewed));
+    py::array array(type, std::move(shape), std::move(strides), elements.data() + offset, mScene->viewOf(mNode, viewed));
     if (!isWritable || !mScene->isWritable())
         array.attr("setflags")(py::arg("write") = false);
     return array;

@@ -48,7 +48,7 @@ public:
     bool hasElement(const pybind11::object& index) const;
 
     /// Makes these elements, with default values, where they are missing.
-    void addElement(const pybind11::object& index);
+    void addElements(const pybind11::object& places);
     void removeElement(const pybind11::object& index);
 
     /// An array that looks at the values of one member of a dense stream, and writes to them where the scene can be

@@ -51,6 +51,10 @@ class Column(np.ndarray[Any, Any]):
             self._views = source._views
             self._views.add(self)
 
+    # NumPy calls these two for what it has computed. Only where it was to write to a column are they given one.
+    def __array_prepare__(self, array: Any, context: Any = None) -> Any:
+        return array
+
     def __array_wrap__(self, array: Any, context: Any = None) -> Any:
         if isinstance(array, Column):
             return array

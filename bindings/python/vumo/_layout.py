@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from collections.abc import Mapping
+from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from typing import Any
 
@@ -64,7 +64,16 @@ class Structure:
     def __init__(self, name: str, members: Mapping[str, Any] | np.dtype[Any]) -> None:
         if isinstance(members, np.dtype):
             members = {field: members[field] for field in members.names or ()}
-        self._layout = _vumo.Layout(name, [(member, *_type_of(spec)) for member, spec in members.items()])
+        types = [(member, *_type_of(spec)) for member, spec in members.items()]
+        self._layout = _vumo.Layout(name, types)
+
+    @classmethod
+    def of_types(cls, name: str, members: Iterable[tuple[str, str, int]]) -> Structure:
+        """One of members of which each has a name, the name of its type in scenes, and a dimension.
+
+        Raises ValueError where one of them makes no member.
+        """
+        return cls._of(_vumo.Layout(name, list(members)))
 
     @classmethod
     def _of(cls, layout: _vumo.Layout) -> Structure:
@@ -79,7 +88,7 @@ class Structure:
     @property
     def members(self) -> dict[str, Member]:
         """The members by name, in their order."""
-        return {name: Member(name, *rest) for name, *rest in self._layout.members}
+        return {member[0]: Member(*member) for member in self._layout.members}
 
     @property
     def dtype(self) -> np.dtype[Any]:
@@ -143,7 +152,7 @@ def as_strings(values: Any, shape: tuple[int, ...]) -> list[str | None]:
         return [values] * int(np.prod(shape))
     array = np.empty(shape, dtype=object)
     array[...] = np.asarray(values, dtype=object)
-    return array.ravel().tolist()
+    return list(array.ravel().tolist())
 
 
 def as_indices(index_type: str, indices: Any) -> Any:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import json
 import os
 from collections.abc import Iterable, Iterator, Mapping, MutableMapping
 from dataclasses import dataclass
@@ -10,7 +11,7 @@ from typing import Any, Literal
 
 import numpy as np
 
-from . import _vumo
+from . import _json, _vumo
 from ._column import Views
 from ._layout import Structure
 from ._stream import Stream
@@ -69,6 +70,10 @@ class Channel(MutableMapping[str, Stream]):
         self._address(name).create(members._layout, index_type, size)
         return self[name]
 
+    def to_dict(self) -> dict[str, Any]:
+        """The channel in the form of docs/formats/json.md. Raises ValueError for numbers that are not finite."""
+        return _json.channel_out(self)
+
     def __getitem__(self, name: str) -> Stream:
         address = self._address(name)
         if not address.exists():
@@ -118,6 +123,10 @@ class Node(MutableMapping[str, Channel]):
         """The channel of that name, made if there is none."""
         self._scene._file.add_channel(self.name, channel)
         return Channel(self._scene, self.name, channel)
+
+    def to_dict(self) -> dict[str, Any]:
+        """The node in the form of docs/formats/json.md. Raises ValueError for numbers that are not finite."""
+        return _json.node_out(self)
 
     def __getitem__(self, channel: str) -> Channel:
         channels = self._scene._file.channels(self.name)
@@ -199,6 +208,32 @@ class Scene(MutableMapping[str, Node]):
         """The node of that name, made if there is none; one without streams is not saved."""
         self._file.add_node(node)
         return self[node]
+
+    def declare(self, structure: Structure) -> None:
+        """Adds a structure that is saved even where no stream uses it.
+
+        Raises RefusedError when the scene has another one of its name.
+        """
+        self._file.declare(structure._layout)
+
+    def to_dict(self) -> dict[str, Any]:
+        """All metadata in the form of docs/formats/json.md. Raises ValueError for numbers that are not finite."""
+        return _json.scene_out(self)
+
+    def from_dict(self, document: dict[str, Any]) -> None:
+        """Puts in what a document of that form holds, in place of the streams that are there.
+
+        Raises ValueError for what is no such document; the scene has then what came before the fault.
+        """
+        _json.scene_in(self, document)
+
+    def to_json(self) -> str:
+        """The text of `to_dict`."""
+        return json.dumps(self.to_dict(), ensure_ascii=False)
+
+    def from_json(self, text: str | bytes) -> None:
+        """`from_dict` with the document of that text, such as `vumo export` writes."""
+        self.from_dict(_json.load_json(text))
 
     def save(self) -> None:
         """Saves what was edited, all or nothing. The scene stays open.

@@ -10,6 +10,7 @@ import numpy.typing as npt
 
 from . import _vumo
 from ._column import Column
+from ._json import stream_out
 from ._layout import Member, Structure, as_indices, as_strings, as_values
 from .errors import not_found
 
@@ -112,10 +113,17 @@ class Stream:
         """Writes these members of the element at the index, which is made if there is none."""
         for member in values:
             self._member(member)
-        self._address.add_element(as_indices(self.index_type, [index]))
+        self._address.add_elements(as_indices(self.index_type, [index]))
         element = Element(self, index)
         element.update(values)
         return element
+
+    def add_elements(self, indices: Any) -> None:
+        """Makes the elements at the indices that are missing, with default values.
+
+        Raises BufferError where elements would have to move at which arrays look.
+        """
+        self._address.add_elements(as_indices(self.index_type, indices))
 
     def remove_element(self, index: Any) -> None:
         """Removes the element. Raises KeyError when there is none, and BufferError while arrays look at elements."""
@@ -147,8 +155,13 @@ class Stream:
             values = self._address.gather(member.name, None)
             for place in np.ndindex(*values.shape[1:]):
                 suffix = f"[{','.join(map(str, place))}]" if place else ""
-                columns[member.name + suffix] = values[(slice(None), *place)]
+                key: Any = (..., *place)
+                columns[member.name + suffix] = values[key]
         return pandas.DataFrame(columns, index=index)
+
+    def to_dict(self) -> dict[str, Any]:
+        """The stream in the form of docs/formats/json.md. Raises ValueError for numbers that are not finite."""
+        return stream_out(self)
 
     def keys(self) -> list[str]:
         """The names of the members."""
@@ -221,7 +234,7 @@ class Stream:
         return Column.over(array, self._scene._views) if array.flags.writeable else array
 
     def _texts_of_indices(self) -> list[str]:
-        return self.indices if self.index_type == "string" else []
+        return list(self.indices) if self.index_type == "string" else []
 
 
 class Element(MutableMapping[str, Any]):

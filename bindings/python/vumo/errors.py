@@ -95,9 +95,10 @@ def make(
         text = f"{file}: {text}"
     error: Error = globals()[kind](text, file, node, position)
     if isinstance(error, OSError):
-        error.errno = system_error or None
-        error.strerror = os.strerror(system_error) if system_error else None
         error.filename = file
+        if system_error:
+            error.errno = system_error
+            error.strerror = os.strerror(system_error)
     return error
 
 
