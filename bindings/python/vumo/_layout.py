@@ -136,11 +136,16 @@ def as_values(values: npt.ArrayLike, dtype: np.dtype[Any], shape: tuple[int, ...
     Only digits that a floating-point type has not are lost without a word.
     """
     given = np.asarray(values)
-    if given.dtype.kind not in "?biuf":
+    if dtype.kind in "iu" and given.dtype.kind in "fO" and not isinstance(values, np.ndarray):
+        given = np.asarray(values, dtype=object)  # NumPy takes a list of large whole numbers for one of doubles
+    elif given.dtype.kind not in "biuf":
         raise TypeError(f"numbers are expected, not {given.dtype}")
-    with np.errstate(all="ignore"):
-        converted = given.astype(dtype, copy=False)
-    is_kept = np.isinf(converted) <= np.isinf(given) if dtype.kind == "f" else converted == given
+    try:
+        with np.errstate(all="ignore"):
+            converted = given.astype(dtype, copy=False)
+        is_kept = np.isinf(converted) <= np.isinf(given) if dtype.kind == "f" else converted == given
+    except OverflowError:
+        is_kept = False
     if given.dtype != dtype and not np.all(is_kept):
         raise ValueError(f"a value does not fit into {dtype}")
     return np.ascontiguousarray(np.broadcast_to(converted, shape))

@@ -1,0 +1,30 @@
+"""Uses the package as it was installed, away from the sources:
+
+    check_installed.py SITE WRITE_SCENE
+
+SITE is the folder that packages are in.
+"""
+
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+site, write_scene = sys.argv[1:]
+sys.path.insert(0, site)
+
+import vumo  # noqa: E402
+
+assert Path(vumo.__file__).is_relative_to(site), vumo.__file__
+assert Path(vumo.__file__).with_name("py.typed").exists()
+with tempfile.TemporaryDirectory() as folder:
+    path = Path(folder, "scene.ob")
+    subprocess.run([write_scene, path], check=True)
+    with vumo.open(path, "r+") as scene:
+        scene["Body"]["vertex"]["weights"]["Weight"] *= 2
+    assert vumo.open(path)["Body"]["vertex"]["weights"]["Weight"].tolist() == [0, 0.5, 1, 2]
+
+# The library comes from the same tree: no path to the build leads there.
+libraries = {line.split()[-1] for line in Path("/proc/self/maps").read_text().splitlines() if "libvumo" in line}
+root = Path(site).parents[2] if libraries else None
+assert all(Path(library).is_relative_to(root) for library in libraries), libraries

@@ -1,0 +1,39 @@
+"""What the page of the package shows is run."""
+
+import re
+import subprocess
+import sys
+
+import numpy as np
+from conftest import ROOT, write_scene
+
+import vumo
+
+PAGE = (ROOT / "docs/python.md").read_text()
+EXAMPLE = ROOT / "examples/python/first_look.py"
+
+
+def test_the_example_runs_and_stands_on_the_page(path):
+    assert f"```python\n{EXAMPLE.read_text()}```" in PAGE
+    shown = subprocess.run([sys.executable, EXAMPLE, path], check=True, stdout=subprocess.PIPE, text=True).stdout
+    assert "mean weight 0.4375 of 4\n[[0, 3], [1, 2]] zig-zag" in shown
+    assert shown.endswith("[[0.0, 0.0, 1.0], [0.0, 0.0, 1.0], [0.0, 0.0, 1.0], [0.0, 0.0, 1.0]]\n[0.    0.125 0.25  0.5  ]\n")
+
+
+def test_the_code_of_the_page_runs(tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    write_scene(tmp_path / "shot.ob")
+    with vumo.open("shot.ob", "r+") as scene:
+        scene["Body"]["vertex"]["skin"] = scene["Body"]["vertex"]["weights"]
+    variables = {"locked": [1, 3], "baked": np.ones((4, 2)), "names": list("abcd")}
+    for code in re.findall(r"^```python\n(.*?)^```", PAGE, re.DOTALL | re.MULTILINE):
+        if not code.startswith("# A first look"):
+            exec(code, variables)
+    scene = vumo.open("shot.ob")
+    assert scene["Body"]["vertex"]["skin"]["Weight"].tolist() == [0, 0, 0.5, 0]
+    assert scene["Body"]["vertex"]["uv"]["label"].tolist() == list("abcd")
+    assert scene["Body"]["edge"]["seams"]["Stitch"].tolist() == ["plain", 'zig-zag, the "good" one', "plain"]
+
+
+def test_the_page_names_all_errors():
+    assert all(f"`{name}`" in PAGE for name in vumo.__all__ if name.endswith("Error") and name not in ("Error", "NotFoundError"))
