@@ -1,4 +1,5 @@
 #include "tests/accessor/AccessorFixture.h"
+#include "tests/accessor/FileCallScript.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -270,6 +271,34 @@ TEST_F(LostUpdateTest, ReadMore_WaitsForAnotherWriter)
     EXPECT_TRUE(mAccessor->readMore({"Other"}, errors)) << errors;
     ending.join();
     EXPECT_EQ(valueAt(*mAccessor, "Other", "vertex", "weights", 0), "2");
+}
+
+TEST_F(LostUpdateTest, AThreadThatSaves_LocksTheOthersOut)
+{
+    for (const Kind& kind : kKinds)
+    {
+        SCOPED_TRACE(kind.ending);
+        prepare(kind);
+        const auto other = readScene(mFile->name());
+        std::string errors;
+        FileCallScript script;
+        script.mPlace = "write scene";
+        script.mTurn = 1;
+        script.mMeanwhile = [&] {
+            std::thread([&] {
+                EXPECT_FALSE(other->write(errors));
+                EXPECT_EQ(Accessor::readFile(mFile->name(), errors), nullptr);
+            }).join();
+        };
+        {
+            const FileCallScript::Use use(script);
+            EXPECT_EQ(write(), "");
+        }
+        const std::string isBusy = mFile->name() + " is being written by somebody else.\n";
+        EXPECT_EQ(errors, isBusy + isBusy);
+        EXPECT_FALSE(other->write(errors));
+        EXPECT_EQ(other->failure().kind, Accessor::Failure::kChanged);
+    }
 }
 } // namespace
 } // namespace vumo::test
