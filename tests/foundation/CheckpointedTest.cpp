@@ -4,6 +4,7 @@
 #include "tests/support/Threads.h"
 
 #include <algorithm>
+#include <atomic>
 #include <set>
 #include <vector>
 
@@ -59,12 +60,17 @@ TEST(CheckpointedTest, StampsOfSeveralThreads_AreUniqueAndEndAtTheLast)
     constexpr unsigned int kChanges = 10000;
     const unsigned long long start = Checkpointed::globalCheckpoint();
     std::vector<std::vector<unsigned long long>> stamps(4);
+    std::atomic<int> unnoticed = 0;
     test::inThreads(4, [&](int i) {
         auto& own = stamps[static_cast<std::size_t>(i)];
         Checkpointed object;
         for (unsigned int n = 0; n < kChanges; ++n)
+        {
             own.push_back(n % 2 == 0 ? object.objectChanged() : Checkpointed(object).checkpoint());
+            unnoticed += Checkpointed::sClassChangedSinceCheckpoint(own.back() - 1) ? 0 : 1;
+        }
     });
+    EXPECT_EQ(unnoticed, 0);
     std::set<unsigned long long> all;
     for (const auto& own : stamps)
     {

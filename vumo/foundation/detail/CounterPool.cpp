@@ -71,10 +71,10 @@ void fetch(FreeCounters& counters, std::size_t atMost)
     move(theFreeCounters, counters, atMost);
 }
 
-void leave(FreeCounters& counters, std::size_t atMost)
+void leaveBatch(FreeCounters& counters)
 {
     const std::lock_guard<std::mutex> lock(theMutex);
-    move(counters, theFreeCounters, atMost);
+    move(counters, theFreeCounters, kBatch);
 }
 } // namespace
 
@@ -103,11 +103,6 @@ void returnCounter(Counter* counter) noexcept
     FreeCounters& counters = own ? own->counters : single;
     push(counters, counter);
     if (!own || counters.size >= 2 * kBatch)
-        leave(counters, kBatch);
-}
-
-void returnFreeCounters(FreeCounters& counters) noexcept
-{
-    leave(counters, counters.size);
+        leaveBatch(counters);
 }
 } // namespace vumo::detail

@@ -36,7 +36,4 @@ struct FreeCounters
     FreeCounter* first = nullptr;
     std::size_t size = 0;
 };
-
-/// Returns them all, for other threads to use.
-void returnFreeCounters(FreeCounters& counters) noexcept;
 } // namespace vumo::detail

@@ -27,7 +27,6 @@ struct ThreadShard::AtThreadEnd
         hasEnded = true; // what is destroyed later must not take another one, which nobody would set free
         auto* const ended = static_cast<ThreadShard*>(theOwn);
         theOwn = nullptr;
-        returnFreeCounters(ended->counters);
         const std::lock_guard<std::mutex> lock(theMutex);
         ended->mNextFree = theFreeShards;
         theFreeShards = ended;
