@@ -7,3 +7,15 @@ as_user()
     [ "$UID" != 0 ] || set -- setpriv --inh-caps=$rights --bounding-set=$rights "$@"
     "$@"
 }
+
+# Writes the ASCII scene $1 with metadata statements that are read from standard input.
+scene()
+{
+    { printf '%s\n' '//Ovri ASCII 2024 scene' 'select -ne :a;'; cat; echo "// End of $1"; } >"$1"
+}
+
+# Hides the numbers of a scan that are others each time.
+masked()
+{
+    sed -E 's/"(device|inode|mtime|ctime)": [0-9]+/"\1": 0/g; s/"tail": "[0-9a-f]{16}"/"tail": "0"/'
+}

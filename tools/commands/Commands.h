@@ -6,6 +6,7 @@ class Session;
 void addLs(Session& session);
 void addShow(Session& session);
 void addGet(Session& session);
+void addScan(Session& session);
 void addSet(Session& session);
 
 /// Adds all of them: first those that look, then those that edit.

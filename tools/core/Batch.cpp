@@ -3,90 +3,178 @@
 #include "core/Progress.h"
 #include "core/Text.h"
 
+#include <algorithm>
+#include <exception>
 #include <iostream>
-#include <vector>
+#include <map>
+#include <mutex>
+#include <sstream>
+#include <thread>
 
 namespace
 {
-/// Does the work with one file; its failures are told here.
-eExitCode workOn(Job& job, const FileWork& work, Progress& progress)
+/// What came of the work with one file.
+struct Outcome
 {
-    const auto fail = [&](eExitCode code, const std::string& text) {
-        progress.hide();
-        job.session.say(text);
-        if (job.json)
-            job.json->addText("error", text);
-        return code;
-    };
-    try
-    {
-        return work(job);
-    }
-    catch (const Failure& failure)
-    {
-        if (failure.code() == kWrongUsage)
-            throw;
-        return fail(failure.code(), failure.what());
-    }
-    catch (const std::exception& error)
-    {
-        return fail(kBadInput, job.file + ": " + error.what());
-    }
-}
+    eExitCode code = kDone;
+    std::string data;  // unless it was written at once
+    std::string words; // what went wrong
+};
 
-/// Writes the names in the form that --files-from reads.
-void tellFailed(const Session& session, const std::vector<std::string>& failed, std::size_t all)
+/// The work on a batch, shared by the threads that do it.
+class Work
 {
-    session.say(std::to_string(failed.size()) + " of " + std::to_string(all) + " files failed:");
-    for (const std::string& name : failed)
-        std::cerr << name << (session.endsWithZero() ? '\0' : '\n');
-}
-
-/// Does the work with one file and writes what comes of it.
-eExitCode workOn(Session& session, const std::string& file, const FileWork& work, Progress& progress)
-{
-    if (session.isJson())
+public:
+    Work(Session& session, const Batch& batch, const FileWork& work)
+        : mSession(session),
+          mBatch(batch),
+          mWork(work),
+          mProgress(!session.isQuiet())
     {
+    }
+
+    eExitCode run()
+    {
+        std::vector<std::thread> helpers;
+        for (std::size_t i = 1; i < std::min<std::size_t>(mBatch.jobs, mBatch.files.size()); ++i)
+            helpers.emplace_back([this] { workOff(); });
+        workOff();
+        for (std::thread& helper : helpers)
+            helper.join();
+        mProgress.hide();
+        if (mError)
+            std::rethrow_exception(mError);
+        return finish();
+    }
+
+private:
+    /// What one thread does: takes a file, works on it and delivers, until no file is left.
+    void workOff()
+    {
+        try
+        {
+            for (std::size_t i = take(); i < mBatch.files.size(); i = take())
+                deliver(i, workOn(mBatch.files[i]));
+        }
+        catch (...)
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            mError = std::current_exception();
+            mNext = mBatch.files.size();
+        }
+    }
+
+    std::size_t take()
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        return mNext < mBatch.files.size() ? mNext++ : mNext;
+    }
+
+    Outcome workOn(const std::string& file)
+    {
+        Outcome outcome;
+        std::ostringstream kept;
+        // One thread alone needs not keep what it finds until its turn comes.
+        std::ostream& out = mBatch.jobs == 1 && !mSession.isJson() ? mSession.out() : kept;
+        LeadingWords leading(out, printable(file) + "\t", mSession.lineEnd());
+        std::ostream led(&leading);
         JsonObject json;
         json.addText("file", file);
-        Job job{session, file, session.out(), &json};
-        const eExitCode code = workOn(job, work, progress);
-        session.out() << json.add("code", code).text();
-        return code;
+        Job job{mSession, file, mBatch.isSeveral && mBatch.areLinesLed ? led : out,
+                mSession.isJson() ? &json : nullptr};
+        tryWork(job, outcome);
+        if (mSession.isJson())
+        {
+            if (!outcome.words.empty())
+                json.addText("error", outcome.words);
+            kept << json.add("code", outcome.code).text();
+        }
+        outcome.data = kept.str();
+        return outcome;
     }
-    LeadingWords leading(session.out(), printable(file) + "\t", session.lineEnd());
-    std::ostream led(&leading);
-    Job job{session, file, session.isBatch() ? led : session.out(), nullptr};
-    return workOn(job, work, progress);
-}
+
+    void tryWork(Job& job, Outcome& outcome)
+    {
+        try
+        {
+            outcome.code = mWork(job);
+        }
+        catch (const Failure& failure)
+        {
+            if (failure.code() == kWrongUsage)
+                throw;
+            outcome.code = failure.code();
+            outcome.words = failure.what();
+        }
+        catch (const std::exception& error)
+        {
+            outcome.code = kBadInput;
+            outcome.words = job.file + ": " + error.what();
+        }
+    }
+
+    /// Writes what came of a file, and of those after it that are done already, once it is their turn.
+    void deliver(std::size_t i, Outcome outcome)
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mDone.emplace(i, std::move(outcome));
+        for (auto next = mDone.begin(); next != mDone.end() && next->first == mDelivered; next = mDone.erase(next))
+            write(mBatch.files[mDelivered++], next->second);
+        mProgress.show(mDelivered, mBatch.files.size());
+    }
+
+    void write(const std::string& file, const Outcome& outcome)
+    {
+        mProgress.hide();
+        if (mSession.isJson())
+            mSession.out() << (mDelivered == 1 ? "[\n" : ",\n");
+        mSession.out() << outcome.data;
+        mSession.flushToTerminal();
+        mSession.say(outcome.words);
+        if (outcome.code > kNo)
+            mFailed.push_back(file);
+        if (outcome.code > kNo || mCode == kDone)
+            mCode = outcome.code;
+        if ((outcome.code > kNo && mSession.isFailFast()) || !mSession.hasReader())
+            mNext = mBatch.files.size();
+    }
+
+    eExitCode finish()
+    {
+        if (mSession.isJson())
+            mSession.out() << (mDelivered == 0 ? "[]\n" : "\n]\n");
+        if (mFailed.empty() || !mBatch.isSeveral)
+            return mCode;
+        mSession.say(std::to_string(mFailed.size()) + " of " + std::to_string(mBatch.files.size()) + " files failed:");
+        for (const std::string& name : mFailed) // in the form that --files-from reads
+            std::cerr << name << (mSession.endsWithZero() ? '\0' : '\n');
+        return kSomeFailed;
+    }
+
+    Session& mSession;
+    const Batch& mBatch;
+    const FileWork& mWork;
+    Progress mProgress;
+
+    std::mutex mMutex; // of all that follows, and of the output
+    std::size_t mNext = 0;
+    std::size_t mDelivered = 0;
+    std::map<std::size_t, Outcome> mDone; // by the file's number; waits for its turn
+    std::vector<std::string> mFailed;
+    eExitCode mCode = kDone;
+    std::exception_ptr mError;
+};
 } // namespace
+
+eExitCode forEachFile(Session& session, const Batch& batch, const FileWork& work)
+{
+    return Work(session, batch, work).run();
+}
 
 eExitCode forEachFile(Session& session, const FileWork& work)
 {
-    const std::vector<std::string> files = session.files();
-    Progress progress(!session.isQuiet());
-    std::vector<std::string> failed;
-    eExitCode result = kDone;
-    std::size_t done = 0;
-    for (const std::string& file : files)
-    {
-        if (session.isJson())
-            session.out() << (done == 0 ? "[\n" : ",\n");
-        const eExitCode code = workOn(session, file, work, progress);
-        ++done;
-        progress.show(done, files.size());
-        if (code > kNo)
-            failed.push_back(file);
-        if (code > kNo || result == kDone)
-            result = code;
-        if ((code > kNo && session.isFailFast()) || !session.hasReader())
-            break;
-    }
-    if (session.isJson())
-        session.out() << (done == 0 ? "[]\n" : "\n]\n");
-    progress.hide();
-    if (failed.empty() || !session.isBatch())
-        return result;
-    tellFailed(session, failed, files.size());
-    return kSomeFailed;
+    Batch batch;
+    batch.files = session.files();
+    batch.isSeveral = session.isBatch();
+    return forEachFile(session, batch, work);
 }

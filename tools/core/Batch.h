@@ -6,6 +6,7 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 /// One file of a command's work.
 struct Job
@@ -19,6 +20,18 @@ struct Job
 /// What a command does with one file: returns kDone or kNo, or throws a `Failure`.
 using FileWork = std::function<eExitCode(Job&)>;
 
-/// Does it with all files of the session, one after the other, and goes on after one that fails; tells of failures and
-/// shows progress. Returns the code for all of them. It throws a `Failure` only for wrong usage.
+/// Files to work on, and how.
+struct Batch
+{
+    std::vector<std::string> files;
+    bool isSeveral = false;  ///< 7 is the code when some fail, and their names are told
+    bool areLinesLed = true; ///< by the file's name
+    unsigned int jobs = 1;   ///< threads
+};
+
+/// Does it with all files, and goes on after one that fails; tells of failures and shows progress. What comes of the
+/// files is written in their order. Returns the code for all of them. It throws a `Failure` only for wrong usage.
+eExitCode forEachFile(Session& session, const Batch& batch, const FileWork& work);
+
+/// The same for the files of the session, one after the other.
 eExitCode forEachFile(Session& session, const FileWork& work);

@@ -6,6 +6,12 @@ JsonObject& JsonObject::add(const std::string& key, const std::string& json)
     return *this;
 }
 
+JsonObject& JsonObject::add(const JsonObject& other)
+{
+    mMembers += (mMembers.empty() || other.mMembers.empty() ? "" : ", ") + other.mMembers;
+    return *this;
+}
+
 JsonObject& JsonObject::add(const std::string& key, unsigned long long number)
 {
     return add(key, std::to_string(number));

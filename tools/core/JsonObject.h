@@ -14,6 +14,9 @@ public:
     JsonObject& add(const std::string& key, unsigned long long number);
     JsonObject& addText(const std::string& key, const std::string& text);
 
+    /// Adds the members of the other object.
+    JsonObject& add(const JsonObject& other);
+
     std::string text() const { return "{" + mMembers + "}"; }
 
 private:

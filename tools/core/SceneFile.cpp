@@ -30,7 +30,7 @@ std::string obstacle(const std::string& fileName, SceneFile::eUse use)
     if (stat(fileName.c_str(), &status) != 0)
         return systemFault();
     if (S_ISDIR(status.st_mode))
-        return "this is a folder; name a scene file in it";
+        return access(fileName.c_str(), R_OK | X_OK) == 0 ? "this is a folder; name a scene file in it" : systemFault();
     if (!S_ISREG(status.st_mode))
         return "this is not a regular file; copy what it delivers to one";
     if (!Accessor::accessorByExtension(fileName))

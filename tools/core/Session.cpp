@@ -93,9 +93,9 @@ CLI::Option* Session::addWord(CLI::App& command, const Word& word)
     return option->allow_extra_args(false);
 }
 
-void Session::addFiles(CLI::App& command)
+void Session::addFiles(CLI::App& command, const char* description)
 {
-    addWord(command, {"FILE...", "the scene files"})->required();
+    addWord(command, {"FILE...", description})->required();
     addBatch(command);
 }
 
@@ -234,6 +234,12 @@ void Session::say(const std::string& text) const
 {
     if (!mIsQuiet && !text.empty())
         std::cerr << "vumo: " + message(text) + (text.back() == '\n' ? "" : "\n");
+}
+
+void Session::flushToTerminal()
+{
+    if (StandardOutput::isTerminal())
+        mOut.flush();
 }
 
 void Session::loadPlugins() const

@@ -33,7 +33,7 @@ public:
     CLI::App& addCommand(const std::string& name, const std::string& description);
 
     /// FILE..., and the options about many files; files() has them.
-    void addFiles(CLI::App& command);
+    void addFiles(CLI::App& command, const char* description = "the scene files");
 
     /// FILE, then words of which that many must be given, and the options about many files; with --files-from the
     /// command line leaves out FILE. words() has what comes after it.
@@ -77,6 +77,9 @@ public:
     /// Standard output, for data. Whether somebody still reads it.
     std::ostream& out() { return mOut; }
     bool hasReader() const { return mBuffer.error() == 0; }
+
+    /// Lets people see what there is so far.
+    void flushToTerminal();
 
     /// Writes words for people to standard error, on lines of their own, unless they are not wanted.
     void say(const std::string& text) const;

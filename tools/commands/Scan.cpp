@@ -1,0 +1,201 @@
+#include "commands/Commands.h"
+#include "core/Batch.h"
+#include "core/ExternalContent.h"
+#include "core/Extremes.h"
+#include "core/FileTree.h"
+#include "core/SceneFile.h"
+#include "core/Text.h"
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/data/Channel.h"
+
+#include <sys/stat.h>
+
+#include <iomanip>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <tuple>
+
+using namespace vumo::Data;
+
+namespace
+{
+/// Where the elements of a stream have their bytes, by node, channel and stream.
+using ByteCounts = std::map<std::tuple<std::string, std::string, std::string>, std::uint64_t>;
+
+std::uint64_t nanoseconds(const timespec& time)
+{
+    constexpr std::uint64_t kInSecond = 1000000000;
+    return static_cast<std::uint64_t>(time.tv_sec) * kInSecond + static_cast<std::uint64_t>(time.tv_nsec);
+}
+
+/// Adds what tells a file and its state from others, if it is there.
+bool addIdentity(JsonObject& identity, const std::string& fileName)
+{
+    struct stat status = {};
+    if (stat(fileName.c_str(), &status) != 0)
+        return false;
+    identity.add("device", status.st_dev).add("inode", status.st_ino);
+    identity.add("size", static_cast<std::uint64_t>(status.st_size));
+    identity.add("mtime", nanoseconds(status.st_mtim)).add("ctime", nanoseconds(status.st_ctim));
+    return !S_ISDIR(status.st_mode);
+}
+
+std::string tailText(const SceneFile& scene)
+{
+    std::ostringstream text;
+    text << std::hex << std::setfill('0') << std::setw(16) << scene.metadata().checksum();
+    return text.str();
+}
+
+/// The lines of one file.
+class FileLines
+{
+public:
+    /// Borrows the output. The file's identity stands in each line.
+    FileLines(std::ostream& out, const JsonObject& identity) : mOut(out), mIdentity(identity) {}
+
+    void add(const char* kind, const JsonObject& members)
+    {
+        mOut << JsonObject().addText("kind", kind).add(mIdentity).add(members).text() << '\n';
+    }
+
+private:
+    std::ostream& mOut;
+    const JsonObject& mIdentity;
+};
+
+JsonObject structureMembers(const Structure& structure)
+{
+    return JsonObject().addText("structure", structure.name()).addText("layout", layoutText(structure));
+}
+
+std::string membersOf(const Stream& stream)
+{
+    const std::vector<std::optional<Extremes>> extremes = extremesOf(stream);
+    std::vector<std::string> members;
+    for (const Member& member : stream.structure())
+    {
+        JsonObject object;
+        object.addText("name", Member::name(&member)).addText("type", Member::typeName(Member::type(&member)));
+        object.add("length", Member::length(&member));
+        if (const std::optional<Extremes>& found = extremes[members.size()])
+            object.add("least", found->least).add("greatest", found->greatest);
+        members.push_back(object.text());
+    }
+    return jsonArray(members);
+}
+
+void addNode(FileLines& lines, const std::string& node, const Associations& channels, const ByteCounts& bytes)
+{
+    std::vector<std::string> names;
+    for (const Channel& channel : channels)
+        names.push_back(vumo::codec::jsonText(channel.name()));
+    lines.add("node", JsonObject().addText("node", node).add("channels", jsonArray(names)));
+    for (const Channel& channel : channels)
+    {
+        for (const Stream* const stream : channel)
+        {
+            JsonObject members;
+            members.addText("node", node).addText("channel", channel.name()).addText("stream", stream->name());
+            members.add(structureMembers(stream->structure())).addText("indexType", stream->indexType());
+            members.add("elements", stream->elementCount());
+            members.add("bytes", bytes.at({node, channel.name(), stream->name()}));
+            lines.add("stream", members.add("members", membersOf(*stream)));
+        }
+    }
+}
+
+void addExternal(FileLines& lines, const SceneFile& scene)
+{
+    for (const ExternalEntry& entry : externalEntries(AccessorOvri::ExternalContent::getStream(scene.metadata())))
+    {
+        std::vector<std::string> roles;
+        for (const std::string& role : entry.roles)
+            roles.push_back(vumo::codec::jsonText(role));
+        JsonObject members;
+        members.addText("index", entry.index).addText("node", entry.node).addText("key", entry.key);
+        members.addText("unresolvedPath", entry.unresolvedPath).addText("resolvedPath", entry.resolvedPath);
+        members.add("roles", jsonArray(roles)).add("missing", entry.isMissing(scene.name()) ? "true" : "false");
+        lines.add("external", members);
+    }
+}
+
+void addFault(FileLines& lines, const UnreadBlock& block)
+{
+    JsonObject members;
+    members.addText("error", withoutLineEnd(block.why)).add("code", kBadInput);
+    members.addText("block", block.kind == UnreadBlock::kStructure ? "structure" : "node");
+    members.addText("name", block.name).addText("format", block.format);
+    lines.add("fault", members.add("position", block.position).add("length", block.length));
+}
+
+/// All lines of a file that could be read.
+void addAll(const Job& job, const SceneFile& scene, const ByteCounts& bytes, const JsonObject& identity)
+{
+    const std::vector<UnreadBlock> unread = scene.metadata().unread();
+    FileLines lines(job.out, identity);
+    lines.add("file", JsonObject().add("code", kDone).add("faults", unread.size()));
+    for (const Structure* const structure : scene.metadata().structures())
+        lines.add("structure", structureMembers(*structure));
+    for (const auto& [node, channels] : scene.metadata().associations())
+        addNode(lines, node, channels, bytes);
+    addExternal(lines, scene);
+    for (const UnreadBlock& block : unread)
+        addFault(lines, block);
+}
+
+ByteCounts byteCounts(SceneFile& scene)
+{
+    ByteCounts bytes;
+    for (const ListedBlock& block : scene.list())
+    {
+        for (const ListedBlock::Channel& channel : block.channels)
+        {
+            for (const ListedBlock::Stream& stream : channel.streams)
+                bytes[{block.name, channel.name, stream.name}] = stream.bytes;
+        }
+    }
+    return bytes;
+}
+
+eExitCode scan(Job& job)
+{
+    JsonObject identity;
+    identity.addText("file", job.file);
+    const bool isFile = addIdentity(identity, job.file);
+    try
+    {
+        SceneFile scene(job.session, job.file);
+        scene.read();
+        identity.addText("tail", tailText(scene));
+        addAll(job, scene, byteCounts(scene), identity);
+        return kDone;
+    }
+    catch (const Failure& failure)
+    {
+        FileLines lines(job.out, identity);
+        if (isFile)
+            lines.add("file", JsonObject().add("code", failure.code()).add("faults", 1));
+        lines.add("fault", JsonObject().addText("error", failure.what()).add("code", failure.code()));
+        throw;
+    }
+}
+} // namespace
+
+void addScan(Session& session)
+{
+    CLI::App& command = session.addCommand("scan", "Tell what whole productions hold, as lines of JSON");
+    session.addFiles(command, "scene files, and folders of them");
+    const auto jobs = std::make_shared<unsigned int>(1);
+    command.add_option("--jobs", *jobs, "work on so many files at once")->check(CLI::Range(1, 256))->type_name("N");
+    session.setWork(command, [&session, jobs] {
+        Batch batch;
+        const std::vector<std::string> names = session.files();
+        batch.files = withoutFolders(names);
+        batch.isSeveral = session.isBatch() || batch.files != names;
+        batch.areLinesLed = false;
+        batch.jobs = *jobs;
+        return forEachFile(session, batch, scan);
+    });
+}

@@ -1,0 +1,34 @@
+#include "core/ExternalContent.h"
+
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/data/StreamIterator.h"
+
+#include <unistd.h>
+
+using namespace vumo::Data;
+
+bool ExternalEntry::isMissing(const std::string& sceneFile) const
+{
+    std::string path = resolvedPath.empty() ? unresolvedPath : resolvedPath;
+    if (path.empty())
+        return true;
+    if (path.front() != '/')
+        path.insert(0, sceneFile, 0, sceneFile.rfind('/') + 1); // nothing of a scene file without a slash
+    return access(path.c_str(), F_OK) != 0;
+}
+
+std::vector<ExternalEntry> externalEntries(const Stream* table)
+{
+    std::vector<ExternalEntry> entries;
+    if (!table)
+        return entries;
+    for (StreamIterator element = table->cbegin(); element != table->cend(); ++element)
+    {
+        ExternalEntry entry;
+        entry.index = element.index().asString();
+        AccessorOvri::ExternalContent::getEntry(*element, entry.node, entry.key, entry.unresolvedPath,
+                                                entry.resolvedPath, entry.roles);
+        entries.push_back(entry);
+    }
+    return entries;
+}
