@@ -324,6 +324,10 @@ TEST_F(AccessorTest, Write_IsRefusedByAnAccessorThatCannotWrite)
     std::string errors = "kept, ";
     EXPECT_FALSE(accessor.write(errors));
     EXPECT_EQ(errors, std::string("kept, ") + typeid(ScriptedAccessor).name() + " does not implement write");
+    errors.clear();
+    Accessor::WriteCost cost;
+    EXPECT_FALSE(accessor.estimateWrite(cost, errors)) << "where a write() knows nothing of estimates it would write";
+    EXPECT_EQ(errors, "Files like  can be written, but no write can be estimated.\n");
     EXPECT_TRUE(accessor.isFileSupported("anything"));
 }
 

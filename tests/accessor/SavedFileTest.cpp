@@ -11,6 +11,8 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <new>
+#include <utility>
 
 namespace vumo::test
 {
@@ -147,6 +149,31 @@ TEST_F(SavedFileTest, AnEstimate_IsWhatTheWriteDoesThen)
         EXPECT_EQ(accessor->failure().kind, Accessor::Failure::kRefused);
         mErrors.clear();
     }
+}
+
+TEST_F(SavedFileTest, AnEstimateThatThrows_IsOver)
+{
+    class Throwing : public OvriBinaryFileAccessor
+    {
+    public:
+        bool write(std::string& errors) const override
+        {
+            if (std::exchange(mThrows, false))
+                throw std::bad_alloc();
+            return OvriBinaryFileAccessor::write(errors);
+        }
+
+    private:
+        mutable bool mThrows = true;
+    };
+    Throwing accessor;
+    Accessor::WriteCost cost;
+    ASSERT_TRUE(accessor.read(mName, mErrors)) << mErrors;
+    const Ref<Structure> weight = valueStructure("Weight");
+    accessor.associations()["new"] = associationsOf("vertex", "weights", *weight, 0, "1");
+    EXPECT_THROW(accessor.estimateWrite(cost, mErrors), std::bad_alloc);
+    EXPECT_TRUE(accessor.write(mErrors)) << mErrors;
+    EXPECT_NE(bytesOf(mName), mScene);
 }
 
 TEST_F(SavedFileTest, TheRecord_IsForThoseWhoMayReadTheFile)

@@ -52,6 +52,20 @@ private:
     const detail::FileStamp mBefore;
 };
 
+/// Asks for the cost of a write while it lives: whatever is thrown, the next write is one again.
+class CostRequest
+{
+public:
+    /// Borrows both.
+    CostRequest(Accessor::WriteCost*& place, Accessor::WriteCost& cost) : mPlace(place) { mPlace = &cost; }
+    CostRequest(const CostRequest&) = delete;
+    CostRequest& operator=(const CostRequest&) = delete;
+    ~CostRequest() { mPlace = nullptr; }
+
+private:
+    Accessor::WriteCost*& mPlace;
+};
+
 /// Takes note of those structures that are read by now, with the nodes that use them.
 void noteStructures(const Accessor::StructureSet& structures, std::vector<detail::FileBlock>& blocks)
 {
@@ -106,10 +120,12 @@ bool Accessor::write(std::string& errors) const
 bool Accessor::estimateWrite(WriteCost& cost, std::string& errors) const
 {
     cost = {};
-    mImpl->cost = &cost;
-    const bool isGood = write(errors);
-    mImpl->cost = nullptr;
-    return isGood;
+    const bool isKnown = dynamic_cast<const OvriAsciiFileAccessor*>(this) != nullptr ||
+                         dynamic_cast<const OvriBinaryFileAccessor*>(this) != nullptr;
+    if (!isKnown) // its write() would change the file
+        return detail::refuse(errors, "Files like " + fileName() + " can be written, but no write can be estimated.\n");
+    const CostRequest request(mImpl->cost, cost);
+    return write(errors);
 }
 
 bool Accessor::isFileSupported(const std::string& /*fileName*/) const

@@ -152,8 +152,9 @@ public:
     virtual bool write(std::string& errors) const;
 
     /// Gives what write() would do to the file as it is now, and leaves it alone, unless an earlier write() was
-    /// interrupted: then it is restored first. False, with the reason appended to `errors`, where write() would refuse;
-    /// what write() only meets on its way, such as a full disk, is not foreseen.
+    /// interrupted: then it is restored first. False, with the reason appended to `errors`, where write() would refuse,
+    /// and for files of another kind than the two that the library knows; what write() only meets on its way, such as a
+    /// full disk, is not foreseen.
     bool estimateWrite(WriteCost& cost, std::string& errors) const;
 
     /// Says whether the file, going by its contents, is one that this accessor can read.
