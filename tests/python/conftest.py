@@ -11,7 +11,7 @@ import vumo
 
 ROOT = Path(__file__).parents[2]
 
-settings.register_profile("vumo", deadline=None, max_examples=25, stateful_step_count=25, derandomize=True)
+settings.register_profile("vumo", deadline=None, max_examples=25, stateful_step_count=25, derandomize=True, database=None)
 settings.load_profile("vumo")
 
 

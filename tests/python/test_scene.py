@@ -106,7 +106,7 @@ FAILURES = {
     "too large": (lambda s: s[""]["scene"]["notes"].__setitem__("Revision", -1), ValueError, ValueError, "uint64"),
     "too many": (lambda s: s["Body"]["vertex"]["weights"].__setitem__("Weight", [1] * 5), ValueError, ValueError, ""),
     "zero byte": (lambda s: s[""]["scene"]["notes"].__setitem__("Text", "a\0"), ValueError, ValueError, "zero"),
-    "no string": (lambda s: s[""]["scene"]["notes"].__setitem__("Text", 7), Exception, Exception, ""),
+    "no string": (lambda s: s[""]["scene"]["notes"].__setitem__("Text", 7), TypeError, TypeError, "str or None"),
     "resized pairs": (lambda s: s["Body"]["edge"]["seams"].resize(9), ValueError, ValueError, "numbers from 0"),
 }  # fmt: skip
 

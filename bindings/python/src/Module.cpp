@@ -114,9 +114,16 @@ std::vector<Text> streamsOf(SceneFile& scene, const Text& node, const Text& chan
     return names;
 }
 
+/// The metaclass of classes in Python: pybind11's own only matters for static properties, of which there are none, and
+/// differs from what a stub says.
+py::metaclass plainType()
+{
+    return py::metaclass(reinterpret_cast<PyObject*>(&PyType_Type));
+}
+
 void defineScene(py::module_& module)
 {
-    py::class_<SceneFile, std::shared_ptr<SceneFile>>(module, "SceneFile")
+    py::class_<SceneFile, std::shared_ptr<SceneFile>>(module, "SceneFile", plainType())
         .def(py::init(&openScene), py::arg("path"), py::arg("nodes"), py::arg("writable"), py::arg("exact"),
              py::arg("overwrite"), py::arg("durable"), py::arg("lock_wait"))
         .def_property_readonly("writable", &SceneFile::isWritable)
@@ -159,7 +166,7 @@ void defineScene(py::module_& module)
 
 void defineStream(py::module_& module)
 {
-    py::class_<StreamAddress>(module, "StreamAddress")
+    py::class_<StreamAddress>(module, "StreamAddress", plainType())
         .def(py::init([](const std::shared_ptr<SceneFile>& scene, const Text& node, const Text& channel,
                          const Text& name) { return StreamAddress(scene, node.bytes, channel.bytes, name.bytes); }))
         .def("create", [](StreamAddress& stream, const Layout& layout, const std::string& indexType,
@@ -188,7 +195,7 @@ void defineStream(py::module_& module)
 PYBIND11_MODULE(_vumo, module)
 {
     registerFailures();
-    py::class_<Layout>(module, "Layout")
+    py::class_<Layout>(module, "Layout", plainType())
         .def(py::init(&makeLayout), py::arg("name"), py::arg("members"))
         .def_property_readonly("name", [](const Layout& layout) { return Text{layout.structure->name()}; })
         .def_property_readonly("members", &membersOf)

@@ -366,6 +366,8 @@ void StreamAddress::scatterStrings(const Text& memberName, const py::object& ind
     {
         if (values[i].is_none())
             continue;
+        if (!PyUnicode_Check(values[i].ptr()))
+            throw py::type_error("A string member takes str or None.");
         texts[i] = values[i].cast<Text>();
         if (texts[i].bytes.find('\0') != std::string::npos)
             throw py::value_error("A string with a zero character cannot be stored.");
