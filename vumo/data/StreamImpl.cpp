@@ -82,16 +82,6 @@ bool StreamImpl::setIndexType(const std::string& typeName)
     return true;
 }
 
-bool StreamImpl::copyElementFromHandle(void* dest, const Handle& handle) const
-{
-    if (structure().totalSize() == 0) // such an element has no block, and is copied all the same
-        return true;
-    if (!dest || !handle.hasData())
-        return false;
-    structure().fillWithDuplicateChunk(static_cast<char*>(dest), handle.data());
-    return true;
-}
-
 bool StreamImpl::Debug(const StreamImpl* object, vumo::Debug::Print& request)
 {
     if (!object)

@@ -79,7 +79,15 @@ public:
 
     /// Deep-copies the handle's element to `dest`, whose former contents are not released. False when
     /// either is null; an element of size 0 needs neither.
-    bool copyElementFromHandle(void* dest, const Handle& handle) const;
+    bool copyElementFromHandle(void* dest, const Handle& handle) const
+    {
+        if (structure().totalSize() == 0) // such an element has no block, and is copied all the same
+            return true;
+        if (!dest || !handle.hasData())
+            return false;
+        structure().fillWithDuplicateChunk(static_cast<char*>(dest), handle.data());
+        return true;
+    }
 
     using vumo::Debug::CRTP_Debug<StreamImpl, vumo::Debug::Print>::debug;
     using vumo::Debug::CRTP_Debug<StreamImpl, vumo::Debug::Footprint>::debug;

@@ -1,5 +1,6 @@
 #include "vumo/data/Structure.h"
 
+#include "vumo/data/ScalarAccess.h"
 #include "vumo/data/detail/StructureRegistry.h"
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -159,7 +161,7 @@ Structure::~Structure()
     mMembers.reset();
     mTotalSize = 0;
     mMemberCount = 0;
-    mStringsEnd = 0;
+    mStrings.clear();
 }
 
 bool Structure::operator==(const Structure& other) const
@@ -255,19 +257,15 @@ StructureIterator Structure::end() const
 void Structure::computeLayout()
 {
     unsigned long long end = 0;
-    mFirstString = mMemberCount;
-    mStringsEnd = 0;
+    mStrings.clear();
     for (unsigned int i = 0; i < mMemberCount; ++i)
     {
         Member& member = mMembers[i];
-        if (member.mType == Member::kString)
-        {
-            mFirstString = std::min(mFirstString, i);
-            mStringsEnd = i + 1;
-        }
         if (member.mOffset == kUnplaced)
             member.mOffset = roundUp(end, Member::typeAlignment(member.mType));
         end = member.mOffset + static_cast<unsigned long long>(Member::typeSize(member.mType)) * member.mDimension;
+        if (member.mType == Member::kString)
+            mStrings.push_back({member.mOffset, end});
     }
     // The first member decides, not the largest alignment: files written with one rule must read with it.
     mTotalSize = empty() ? 0 : roundUp(end, Member::typeAlignment(mMembers[0].mType));
@@ -321,30 +319,32 @@ char* Structure::duplicateChunk(const char* src) const
     return copy.release();
 }
 
-void Structure::fillWithDuplicateChunk(char* dest, const char* src) const
+template <class Visitor>
+void Structure::visitStrings(char* data, Visitor&& visit) const
 {
-    if (totalSize() == 0)
-        return;
-    std::memcpy(dest, src, totalSize());
-    if (hasStrings())
-        duplicateStrings(dest, src);
+    for (const StringRun& run : mStrings)
+    {
+        for (unsigned long long offset = run.begin; offset != run.end; offset += sizeof(char*))
+            visit(data + offset);
+    }
 }
 
 void Structure::duplicateStrings(char* dest, const char* src) const
 {
-    for (unsigned int i = mFirstString; i < mStringsEnd; ++i)
-    {
-        if (mMembers[i].mType == Member::kString)
-            mMembers[i].fillWithDefault(dest); // two blocks must never own one string
-    }
     try
     {
-        for (unsigned int i = mFirstString; i < mStringsEnd; ++i)
-            mMembers[i].constructDuplicate(dest, src);
+        visitStrings(dest, [](char* string) {
+            if (const char* const text = loadScalar<char*>(string))
+                storeScalar(string, detail::duplicateText(text));
+        });
     }
     catch (...)
     {
-        destroyStrings(dest);
+        visitStrings(dest, [&](char* string) {
+            char* const text = loadScalar<char*>(string);
+            if (text != loadScalar<char*>(src + (string - dest))) // the others are still those of `src`
+                std::free(text);
+        });
         fillWithDefaultChunk(dest);
         throw;
     }
@@ -352,8 +352,13 @@ void Structure::duplicateStrings(char* dest, const char* src) const
 
 void Structure::destroyStrings(char* data) const
 {
-    for (unsigned int i = mFirstString; i < mStringsEnd; ++i)
-        mMembers[i].destroy(data);
+    visitStrings(data, [](char* string) {
+        if (char* const text = loadScalar<char*>(string))
+        {
+            std::free(text);
+            storeScalar<char*>(string, nullptr);
+        }
+    });
 }
 
 bool Structure::chunkIsDefault(const char* data) const
