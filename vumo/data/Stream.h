@@ -49,11 +49,14 @@ public:
 
     /// Stores a copy of the handle's element, creating or replacing the one at that index. False, with
     /// nothing changed, when the handle is not on this stream's very structure() or has no data.
+    /// A number is handed to the storage as it is: an index that is moved on costs a tenth of all.
     bool setElement(Index index, const Handle& handle);
+    bool setElement(unsigned int index, const Handle& handle) { return mImpl->setElement(index, handle); }
 
     /// Borrows the stored element, to be read and written; a handle without data when there is none. Valid
     /// until the element is removed or replaced or, in dense storage, until the stream grows.
     Handle element(Index index) const;
+    Handle element(unsigned int index) const { return mImpl->element(index); }
     bool hasElement(Index index) const;
 
     /// True also when there was none. Dense storage resets the element to default values instead.
