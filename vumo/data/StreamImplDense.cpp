@@ -18,7 +18,7 @@ namespace vumo::Data
 {
 namespace
 {
-constexpr unsigned int kPageSize = 4096;
+constexpr unsigned long long kPageSize = 4096;
 constexpr unsigned int kNoSlot = StreamIteratorImpl::kEndIndex; // can be an index, but not be counted
 
 /// Three halves of `n`, or a number that no index exceeds where tripling `n` would wrap.
@@ -50,11 +50,9 @@ StreamImplDense::StreamImplDense(const Structure& structure, const std::string& 
 
 StreamImplDense::StreamImplDense(const StreamImpl& other) : StreamImpl(other) {}
 
-StreamImplDense::StreamImplDense(const StreamImplDense& other)
-    : StreamImpl(other),
-      vumo::Counted<StreamImplDense>(other)
+StreamImplDense::StreamImplDense(const StreamImplDense& other) : StreamImplDense(static_cast<const StreamImpl&>(other))
 {
-    copyBlock(other);
+    copyBlock(other); // when it fails half-way the destructor releases what there is
 }
 
 StreamImplDense& StreamImplDense::operator=(const StreamImplDense& other)
@@ -107,17 +105,16 @@ bool StreamImplDense::setElement(Index index, const Handle& handle)
     const unsigned int i = index.index();
     if (!handle.usesStructure(structure()) || i == kNoSlot)
         return false;
-    if (slot(i))
-        return storeElement(i, handle);
+    if (char* const dest = slot(i))
+        return storeElement(i, dest, handle);
     Handle kept(handle);
     kept.makeUnique(); // growing may move the element that the handle borrows
     ensureSpaceForElement(std::move(index));
-    return storeElement(i, kept);
+    return storeElement(i, slot(i), kept);
 }
 
-bool StreamImplDense::storeElement(unsigned int i, const Handle& handle)
+bool StreamImplDense::storeElement(unsigned int i, char* dest, const Handle& handle)
 {
-    char* const dest = slot(i);
     const bool isItself = dest && dest == handle.data(); // must not be destroyed before it is copied
     if (dest && handle.hasData() && !isItself)
         structure().destroyChunk(dest);
@@ -147,7 +144,7 @@ bool StreamImplDense::reindexElement(Index from, Index to)
     if (source != target) // an element that is moved onto itself is only reset
     {
         ensureSpaceForElement(to);
-        if (!storeElement(target, Handle(structure(), slot(source))))
+        if (!storeElement(target, slot(target), Handle(structure(), slot(source))))
             return false;
     }
     return resetElement(source);
@@ -288,29 +285,44 @@ bool StreamImplDense::fitsLayout() const
 void StreamImplDense::copyBlock(const StreamImplDense& other)
 {
     mCount = other.mCount;
-    mAllocated = other.hasStaleBlock() ? 0 : other.mAllocated;
     if (!other.mData || other.hasStaleBlock())
+    {
+        mAllocated = other.mData ? 0 : other.mAllocated;
         return;
+    }
     mStride = other.mStride;
     mBlockMembers = other.mBlockMembers;
-    mData = static_cast<char*>(std::malloc(mStride * mAllocated));
+    mData = static_cast<char*>(std::malloc(mStride * other.mAllocated));
     if (!mData)
         throw std::bad_alloc();
-    std::memcpy(mData, other.mData, mStride * mAllocated);
-    // No two blocks may own one string, not even when a copy fails half-way.
-    visitStrings(mData, [](char* string) { storeScalar<char*>(string, nullptr); });
+    // Piece by piece, so that what is copied is still at hand when its strings follow.
+    const auto slotsPerPiece = static_cast<unsigned int>(std::max(kPageSize / mStride, 1ULL));
+    while (mAllocated < other.mAllocated)
+        copySlots(other, std::min(slotsPerPiece, other.mAllocated - mAllocated));
+}
+
+/// Copies the slots after the last, which has room for them.
+void StreamImplDense::copySlots(const StreamImplDense& other, unsigned int count)
+{
+    const unsigned int first = mAllocated;
+    std::memcpy(mData + mStride * first, other.mData + mStride * first, mStride * count);
     try
     {
-        visitStrings(mData, [&](char* string) {
-            if (const char* const text = loadScalar<char*>(other.mData + (string - mData)))
+        visitStrings(first, count, [](char* string) {
+            if (const char* const text = loadScalar<char*>(string))
                 storeScalar(string, detail::duplicateText(text));
         });
     }
     catch (...)
     {
-        releaseBlock();
+        visitStrings(first, count, [&](char* string) {
+            char* const text = loadScalar<char*>(string);
+            if (text != loadScalar<char*>(other.mData + (string - mData))) // the rest are still the other's
+                std::free(text);
+        });
         throw;
     }
+    mAllocated += count;
 }
 
 void StreamImplDense::swapBlock(StreamImplDense& other)
@@ -326,22 +338,22 @@ void StreamImplDense::releaseBlock()
 {
     if (!mData)
         return;
-    visitStrings(mData, [](char* string) { std::free(loadScalar<char*>(string)); });
+    visitStrings(0, mAllocated, [](char* string) { std::free(loadScalar<char*>(string)); });
     std::free(mData);
     mData = nullptr;
 }
 
-/// Calls `visit` with the address of each string of a block of the size and layout of this one.
+/// Calls `visit` with the address of each string of so many slots.
 template <class Visitor>
-void StreamImplDense::visitStrings(char* block, Visitor&& visit) const
+void StreamImplDense::visitStrings(unsigned int firstSlot, unsigned int slotCount, Visitor&& visit) const
 {
     for (const Member& member : mBlockMembers)
     {
         const unsigned int count = Member::type(&member) == Member::kString ? Member::length(&member) : 0;
         for (unsigned int k = 0; k < count; ++k)
         {
-            char* const first = block + Member::offset(&member, k);
-            for (unsigned int i = 0; i < mAllocated; ++i)
+            char* const first = mData + mStride * firstSlot + Member::offset(&member, k);
+            for (unsigned int i = 0; i < slotCount; ++i)
                 visit(first + mStride * i);
         }
     }

@@ -100,11 +100,12 @@ private:
 
     bool reallocate(unsigned long long slots);
     bool resetElement(unsigned int i);
-    bool storeElement(unsigned int i, const Handle& handle);
+    bool storeElement(unsigned int i, char* dest, const Handle& handle);
     void copyBlock(const StreamImplDense& other);
+    void copySlots(const StreamImplDense& other, unsigned int count);
 
     template <class Visitor>
-    void visitStrings(char* block, Visitor&& visit) const;
+    void visitStrings(unsigned int firstSlot, unsigned int slotCount, Visitor&& visit) const;
     void swapBlock(StreamImplDense& other);
     void releaseBlock();
 

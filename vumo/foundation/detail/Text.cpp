@@ -7,16 +7,6 @@
 
 namespace vumo::detail
 {
-char* duplicateText(const char* text)
-{
-    if (!text)
-        return nullptr;
-    char* const copy = strdup(text);
-    if (!copy)
-        throw std::bad_alloc();
-    return copy;
-}
-
 char* duplicateText(std::string_view text)
 {
     char* const copy = static_cast<char*>(std::malloc(text.size() + 1));
