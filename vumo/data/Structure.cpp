@@ -143,6 +143,7 @@ Structure& Structure::operator=(const Structure& other)
     auto members = std::make_unique<Member[]>(other.mMemberCount);
     std::copy_n(other.mMembers.get(), other.mMemberCount, members.get());
     std::unique_ptr<char[]> defaults(other.mDefaultData ? other.duplicateChunk(other.mDefaultData) : nullptr);
+    mStrings.reserve(other.mStrings.size());
     setName(other.name()); // a change of the object
 
     dropDefaultData();
@@ -220,6 +221,7 @@ void Structure::appendMembers(const std::vector<const NewMember*>& accepted)
 {
     const auto addedCount = static_cast<unsigned int>(accepted.size());
     auto members = std::make_unique<Member[]>(mMemberCount + addedCount);
+    mStrings.reserve(mStrings.size() + addedCount);
     for (unsigned int i = 0; i < addedCount; ++i)
     {
         Member& added = members[mMemberCount + i];
