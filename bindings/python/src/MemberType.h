@@ -15,19 +15,19 @@ void visitNumbers(vumo::Data::Member::eDataType type, Visitor&& visit)
     // clang-format off
     switch (type)
     {
-    case Member::kBoolean: return visit(bool());
+    case Member::kBoolean: return visit(false);
     case Member::kDouble:
-    case Member::kDoubleMatrix4x4: return visit(double());
+    case Member::kDoubleMatrix4x4: return visit(0.0);
     case Member::kFloat:
-    case Member::kFloatMatrix4x4: return visit(float());
-    case Member::kInt8: return visit(std::int8_t());
-    case Member::kInt16: return visit(std::int16_t());
-    case Member::kInt32: return visit(std::int32_t());
-    case Member::kInt64: return visit(std::int64_t());
-    case Member::kUInt8: return visit(std::uint8_t());
-    case Member::kUInt16: return visit(std::uint16_t());
-    case Member::kUInt32: return visit(std::uint32_t());
-    case Member::kUInt64: return visit(std::uint64_t());
+    case Member::kFloatMatrix4x4: return visit(0.0F);
+    case Member::kInt8: return visit(std::int8_t{0});
+    case Member::kInt16: return visit(std::int16_t{0});
+    case Member::kInt32: return visit(std::int32_t{0});
+    case Member::kInt64: return visit(std::int64_t{0});
+    case Member::kUInt8: return visit(std::uint8_t{0});
+    case Member::kUInt16: return visit(std::uint16_t{0});
+    case Member::kUInt32: return visit(std::uint32_t{0});
+    case Member::kUInt64: return visit(std::uint64_t{0});
     case Member::kString:
     case Member::kInvalidType: break;
     }

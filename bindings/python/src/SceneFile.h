@@ -108,7 +108,7 @@ public:
     template <class Work>
     void workUnlocked(Work&& work)
     {
-        const Busy busy(mIsBusy);
+        const Busy busy(&mIsBusy);
         const pybind11::gil_scoped_release unlocked;
         work();
     }
@@ -120,13 +120,13 @@ private:
     class Busy
     {
     public:
-        explicit Busy(bool& isBusy) : mIsBusy(isBusy) { mIsBusy = true; }
+        explicit Busy(bool* isBusy) : mIsBusy(isBusy) { *mIsBusy = true; }
         Busy(const Busy&) = delete;
         Busy& operator=(const Busy&) = delete;
-        ~Busy() { mIsBusy = false; }
+        ~Busy() { *mIsBusy = false; }
 
     private:
-        bool& mIsBusy;
+        bool* const mIsBusy;
     };
 
     std::unique_ptr<vumo::Data::Accessor> read(const std::set<std::string>& nodes);
@@ -143,7 +143,7 @@ private:
     std::set<std::string> mEdited; ///< nodes, also those that were removed
     std::map<std::string, vumo::Ref<const vumo::Data::Structure>> mAdded;
     std::vector<vumo::Ref<const vumo::Data::Structure>> mDeclared;
-    std::size_t mBatch = 1; ///< how many nodes the next one that is touched brings along
+    std::size_t mBatch = 1;                    ///< how many nodes the next one that is touched brings along
     std::map<std::string, std::size_t> mViews; ///< how many arrays look at each node
     bool mIsBusy = false;
     bool mIsClosed = false;

@@ -261,7 +261,8 @@ py::array StreamAddress::arrayOver(const py::dtype& type, std::vector<py::ssize_
     for (std::size_t i = shape.size() - 1; i > 1; --i)
         strides[i - 1] = strides[i] * shape[i];
     strides[0] = static_cast<py::ssize_t>(elements.stride());
-    py::array array(type, std::move(shape), std::move(strides), elements.data() + offset, mScene->viewOf(mNode, viewed));
+    py::array array(type, std::move(shape), std::move(strides), elements.data() + offset,
+                    mScene->viewOf(mNode, viewed));
     if (!isWritable || !mScene->isWritable())
         array.attr("setflags")(py::arg("write") = false);
     return array;

@@ -34,7 +34,7 @@ struct type_caster<Text>
     {
         if (!source || !PyUnicode_Check(source.ptr()))
             return false;
-        const object encoded = reinterpret_steal<object>(PyUnicode_EncodeFSDefault(source.ptr()));
+        const auto encoded = reinterpret_steal<object>(PyUnicode_EncodeFSDefault(source.ptr()));
         if (!encoded)
             throw error_already_set();
         value.bytes.assign(PyBytes_AS_STRING(encoded.ptr()), static_cast<std::size_t>(PyBytes_GET_SIZE(encoded.ptr())));
