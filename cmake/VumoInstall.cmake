@@ -1,11 +1,15 @@
-# Installs the library, its public headers, the CMake package (find_package(vumo CONFIG)) and the pkg-config file.
+# Installs the library, its public headers, the CMake package (find_package(vumo CONFIG)), the pkg-config file, the
+# examples and the pages. Components are what scripts/package makes packages of; the tool and Python install themselves.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vumo)
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-install(TARGETS vumo EXPORT vumoTargets FILE_SET HEADERS)
-install(EXPORT vumoTargets NAMESPACE vumo:: DESTINATION ${package_dir})
+install(TARGETS vumo EXPORT vumoTargets
+    LIBRARY COMPONENT library NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development
+    FILE_SET HEADERS COMPONENT development)
+install(EXPORT vumoTargets NAMESPACE vumo:: DESTINATION ${package_dir} COMPONENT development)
 
 configure_package_config_file(
     ${CMAKE_CURRENT_LIST_DIR}/vumoConfig.cmake.in ${PROJECT_BINARY_DIR}/vumoConfig.cmake
@@ -13,7 +17,7 @@ configure_package_config_file(
     NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/vumoConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/vumoConfig.cmake ${PROJECT_BINARY_DIR}/vumoConfigVersion.cmake
-    DESTINATION ${package_dir})
+    DESTINATION ${package_dir} COMPONENT development)
 
 # The paths hang on the place of the .pc file, so that the installed tree can be moved; an absolute
 # CMAKE_INSTALL_LIBDIR or CMAKE_INSTALL_INCLUDEDIR stays absolute.
@@ -33,4 +37,11 @@ if(NOT BUILD_SHARED_LIBS)
     endif()
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/vumo.pc.in ${PROJECT_BINARY_DIR}/vumo.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/vumo.pc DESTINATION ${pkgconfig_dir})
+install(FILES ${PROJECT_BINARY_DIR}/vumo.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
+
+# As they lie in the repository, so that the links between them hold.
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
+    PATTERN Doxyfile EXCLUDE
+    PATTERN links.awk EXCLUDE
+    PATTERN .* EXCLUDE)
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)

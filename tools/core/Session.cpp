@@ -1,5 +1,6 @@
 #include "core/Session.h"
 
+#include "core/HelpPages.h"
 #include "core/Nearest.h"
 #include "core/Text.h"
 
@@ -160,6 +161,13 @@ int Session::run(int argc, char** argv)
 {
     mCommandLine.require_subcommand(1);
     mCommandLine.set_version_flag("--version", "vumo " VUMO_VERSION);
+    mCommandLine
+        .add_option_function<std::string>(
+            "--help-as",
+            [this](const std::string& form) { throw CLI::CallForVersion(helpAs(mCommandLine, form), kDone); },
+            "print this help, and that of all commands, as a page or a script: man, markdown or bash")
+        ->type_name("FORM")
+        ->trigger_on_parse();
     mCommandLine.footer(kExitCodes);
     mCommandLine.failure_message([](const CLI::App* failed, const CLI::Error& error) {
         return "vumo: " + message(CLI::FailureMessage::simple(failed, error));
