@@ -56,8 +56,7 @@ public:
             Data::Channel channel = node.channel(randomText(*this));
             if (structures.empty() || below(2) == 0)
                 addUnlessTaken(structures, structure());
-            if (below(5) > 0)
-                channel.setDataStream(stream(*structures[below(static_cast<unsigned int>(structures.size()))]));
+            channel.setDataStream(stream(*structures[below(static_cast<unsigned int>(structures.size()))]));
         }
         return result;
     }

@@ -63,9 +63,22 @@ void writeNode(const std::string& name, const Associations& associations, std::o
     out << "{\"node\": " << jsonText(name) << ", \"channels\": ";
     ArrayLines channels(out, "    ");
     for (const Channel& channel : associations)
-        at([&] { return "channel " + jsonText(channel.name()); }, [&] { writeChannel(channel, channels.next()); });
+    {
+        if (!channel.empty())
+            at([&] { return "channel " + jsonText(channel.name()); }, [&] { writeChannel(channel, channels.next()); });
+    }
     channels.close();
     out << "}";
+}
+
+bool hasStreams(const Associations& associations)
+{
+    for (const Channel& channel : associations)
+    {
+        if (!channel.empty())
+            return true;
+    }
+    return false;
 }
 
 /// Does something with each item of the array at the key.
@@ -129,7 +142,7 @@ void writeJson(Metadata metadata, std::ostream& out)
     ArrayLines nodes(out, "  ");
     for (const auto& node : metadata.nodes)
     {
-        if (!node.second.empty())
+        if (hasStreams(node.second))
             at([&] { return "node " + jsonText(node.first); },
                [&] { writeNode(node.first, node.second, nodes.next()); });
     }

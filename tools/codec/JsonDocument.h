@@ -8,8 +8,9 @@ namespace vumo::codec
 {
 /// Metadata as one JSON document, which docs/formats/json.md describes.
 
-/// Writes the structures and all nodes that have channels. Throws a `CodecError`, after a part of the document, for
-/// what no scene file could hold: two structures of one name, an index of another type, a number that is not finite.
+/// Writes the structures and all nodes and channels that have streams. Throws a `CodecError`, after a part of the
+/// document, for what no scene file could hold: two structures of one name, an index of another type, a number that is
+/// not finite.
 void writeJson(Metadata metadata, std::ostream& out);
 
 /// Reads the input to its end, which must hold one document. Throws a `CodecError`.

@@ -27,7 +27,6 @@ void writeNode(const std::string& node, const Associations& associations, std::o
     for (const Channel& channel : associations)
     {
         const std::string path = "{\"node\": " + jsonText(node) + ", \"channel\": " + jsonText(channel.name());
-        out << path << "}\n";
         for (const Stream* const stream : channel)
             at([&] { return path + ", \"stream\": " + jsonText(stream->name()) + "}"; },
                [&] { writeStream(*stream, path, out); });
@@ -69,10 +68,8 @@ void readLine(const JsonValue& line, Metadata& metadata)
     Channel channel = metadata.nodes[textAt(line, "node")].channel(textAt(line, "channel"));
     if (line.find("index"))
         readElement(line, channel);
-    else if (line.find("stream"))
-        readStream(line, metadata, channel);
     else
-        checkKeys(line, {"node", "channel"});
+        readStream(line, metadata, channel);
 }
 } // namespace
 

@@ -6,7 +6,7 @@
 
 namespace vumo::codec
 {
-/// Metadata as lines of JSON, one for each structure, channel, stream and element; docs/formats/json.md describes them.
+/// Metadata as lines of JSON, one for each structure, stream and element; docs/formats/json.md describes them.
 
 /// Writes what writeJson() writes, and refuses the same.
 void writeNdjson(Metadata metadata, std::ostream& out);

@@ -4,6 +4,6 @@
 
 void addCommands(Session& session)
 {
-    for (const auto add : {addLs, addShow, addGet, addScan, addSet})
+    for (const auto add : {addLs, addShow, addGet, addScan, addSet, addRm, addCp, addMv, addApply})
         add(session);
 }

@@ -8,6 +8,10 @@ void addShow(Session& session);
 void addGet(Session& session);
 void addScan(Session& session);
 void addSet(Session& session);
+void addRm(Session& session);
+void addCp(Session& session);
+void addMv(Session& session);
+void addApply(Session& session);
 
 /// Adds all of them: first those that look, then those that edit.
 void addCommands(Session& session);

@@ -3,6 +3,7 @@
 #include "core/Elements.h"
 #include "core/Table.h"
 #include "core/Text.h"
+#include "edit/Script.h"
 #include "vumo/data/Channel.h"
 #include "vumo/data/StreamIterator.h"
 
@@ -14,9 +15,10 @@ using namespace vumo::Data;
 
 namespace
 {
-/// How many elements of each stream are shown.
+/// How much is shown of each stream, and in which form.
 struct Head
 {
+    bool isScript = false;
     unsigned int count = 20;
     bool isAll = false;
 };
@@ -85,6 +87,11 @@ eExitCode show(Job& job, const Head& head)
     const Selection& selection = job.session.selection();
     SceneFile scene(job.session, job.file);
     scene.readSelected(selection.nodes);
+    if (head.isScript)
+    {
+        printScript(job, scene);
+        return scene.tellUnreadable(job.session);
+    }
     if (scene.isEmpty())
     {
         job.out << SceneFile::kNoMetadata << "\n";
@@ -123,6 +130,12 @@ void addShow(Session& session)
     const auto head = std::make_shared<Head>();
     command.add_flag("--all", head->isAll, "show all elements of each stream, not only the first 20");
     command.add_option("--head", head->count, "show so many")->type_name("N");
+    command
+        .add_option_function<std::string>(
+            "--as", [head](const std::string& form) { head->isScript = form == "script"; },
+            "print a table, or a script that makes all that is shown anew, for apply")
+        ->check(CLI::IsMember({"table", "script"}).description(""))
+        ->type_name("table|script");
     session.setWork(command,
                     [&session, head] { return forEachFile(session, [&head](Job& job) { return show(job, *head); }); });
 }

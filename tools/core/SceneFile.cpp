@@ -141,6 +141,19 @@ std::string SceneFile::unreadableText(const UnreadBlock& block)
            ", cannot be read: " + message(block.why) + (block.why.back() == '\n' ? "" : "\n");
 }
 
+eExitCode SceneFile::tellUnreadable(const Session& session) const
+{
+    eExitCode code = kDone;
+    for (const UnreadBlock& block : mAccessor->unread())
+    {
+        if (block.why.empty())
+            continue;
+        session.say(failure(kBadInput, unreadableText(block)).what());
+        code = kBadInput;
+    }
+    return code;
+}
+
 Associations& SceneFile::node(const std::string& name)
 {
     if (isEmpty())
@@ -184,7 +197,21 @@ void SceneFile::write()
 {
     std::string errors;
     if (!mAccessor->write(errors))
-        throw failure(codeOf(mAccessor->failure().kind, kNotWritten), withReason(errors, *mAccessor));
+        throw writeFailure(errors);
+}
+
+Accessor::WriteCost SceneFile::estimateWrite() const
+{
+    Accessor::WriteCost cost;
+    std::string errors;
+    if (!mAccessor->estimateWrite(cost, errors))
+        throw writeFailure(errors);
+    return cost;
+}
+
+Failure SceneFile::writeFailure(const std::string& messages) const
+{
+    return failure(codeOf(mAccessor->failure().kind, kNotWritten), withReason(messages, *mAccessor));
 }
 
 Failure SceneFile::readFailure(const std::string& messages) const

@@ -25,7 +25,7 @@ public:
 
     /// What is to be said about a scene that isEmpty().
     static constexpr const char* kNoMetadata =
-        "there is no metadata yet; a program attaches it with the library, as examples/write_scene.cpp does";
+        "there is no metadata yet; set --add and import make some, or a program that uses the library";
 
     /// Sees that the file can be used; reads nothing.
     SceneFile(const Session& session, const std::string& fileName, eUse use = kLook);
@@ -51,6 +51,9 @@ public:
     /// What a block is called that cannot be read, and why it cannot; ends with a newline.
     static std::string unreadableText(const vumo::Data::UnreadBlock& block);
 
+    /// Tells what cannot be read of what was to be read. Returns kBadInput if there is any, else kDone.
+    eExitCode tellUnreadable(const Session& session) const;
+
     /// What is at that address, owned by the metadata. A `Failure` names the nearest names of what there is.
     vumo::Data::Associations& node(const std::string& name);
     vumo::Data::Channel& channel(const Address& address);
@@ -59,10 +62,14 @@ public:
     /// Writes the metadata back into the file.
     void write();
 
+    /// What that would do to it.
+    vumo::Data::Accessor::WriteCost estimateWrite() const;
+
     /// A failure of this file.
     Failure failure(eExitCode code, const std::string& message) const;
 
 private:
+    Failure writeFailure(const std::string& messages) const;
     Failure readFailure(const std::string& messages) const;
 
     std::string mFileName;

@@ -29,14 +29,6 @@ constexpr const char* kExitCodes =
     "malformed; 4 write refused or failed, the file is as it was; 5 locked, or changed by somebody else; 6 an "
     "interrupted save that could not be repaired; 7 some of the files failed.";
 
-/// An option that may be given several times. Its values are taken as they stand: the parser would take a value in
-/// brackets for a list of values.
-void addList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const char* type,
-             const char* description)
-{
-    command.add_option(name, values, description)->expected(1)->take_all()->allow_extra_args(false)->type_name(type);
-}
-
 std::string readAll(std::istream& in)
 {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
@@ -130,6 +122,13 @@ void Session::addBatch(CLI::App& command)
         ->type_name("SECONDS");
 }
 
+void Session::addList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const char* type,
+                      const char* description)
+{
+    // The parser would take a value in brackets for a list of values.
+    command.add_option(name, values, description)->expected(1)->take_all()->allow_extra_args(false)->type_name(type);
+}
+
 void Session::addSelection(CLI::App& command)
 {
     addList(command, "--node", mSelection.nodes, "PATTERN", "only nodes of such names, as fnmatch knows patterns");
@@ -147,6 +146,9 @@ void Session::addSaving(CLI::App& command)
     command.add_flag("--dry-run", mSaving.isDryRun, "say what the save would cost, and write nothing");
     command.add_option("-o,--output", mSaving.out, "leave the file as it is, and write the result to this one")
         ->type_name("OUT");
+    command.add_option("--digits", mSaving.digits, "save floating-point numbers exactly, or with six digits")
+        ->check(CLI::IsMember({"exact", "six"}).description(""))
+        ->type_name("exact|six");
 }
 
 void Session::setWork(CLI::App& command, std::function<eExitCode()> work)

@@ -39,6 +39,10 @@ public:
     /// command line leaves out FILE. words() has what comes after it.
     void addFileAndWords(CLI::App& command, const std::vector<Word>& words, std::size_t required);
 
+    /// An option that may be given several times, its values taken as they stand.
+    static void addList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const char* type,
+                        const char* description);
+
     void addSelection(CLI::App& command);
     void addJson(CLI::App& command);
     void addSaving(CLI::App& command);

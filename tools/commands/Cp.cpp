@@ -1,0 +1,7 @@
+#include "commands/Commands.h"
+#include "edit/Transfer.h"
+
+void addCp(Session& session)
+{
+    addTransfer(session, Edit::kCopy, "cp", "Copy a node's metadata, a channel, a stream or an element");
+}

@@ -1,0 +1,130 @@
+#include "edit/Save.h"
+
+#include "core/Text.h"
+
+#include <stdlib.h> // mkstemps
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+using namespace vumo::Data;
+namespace fs = std::filesystem;
+
+namespace
+{
+/// A new file beside the one that it is to become, with that one's ending. Removed unless it is renamed.
+class NewFile
+{
+public:
+    /// Copies a file, with its mode.
+    NewFile(const std::string& from, const std::string& to) : mTo(to)
+    {
+        const fs::path path = fs::path(to).replace_filename(".vumo-XXXXXX" + fs::path(to).extension().string());
+        mName = path.string();
+        const int file = mkstemps(mName.data(), static_cast<int>(path.extension().string().size()));
+        if (file < 0)
+            throw Failure(kNotWritten, mTo + ": " + std::strerror(errno));
+        close(file);
+        std::error_code error;
+        fs::copy_file(from, mName, fs::copy_options::overwrite_existing, error); // with its mode
+        if (error)
+        {
+            unlink(mName.c_str());
+            throw Failure(kNotWritten, mTo + ": " + error.message());
+        }
+    }
+
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    ~NewFile()
+    {
+        if (!mIsKept)
+            unlink(mName.c_str());
+    }
+
+    const std::string& name() const { return mName; }
+
+    void keep()
+    {
+        mIsKept = rename(mName.c_str(), mTo.c_str()) == 0;
+        if (!mIsKept)
+            throw Failure(kNotWritten, mTo + ": " + std::strerror(errno));
+    }
+
+private:
+    std::string mName;
+    const std::string mTo;
+    bool mIsKept = false;
+};
+
+void printCost(const Job& job, const SceneFile& scene)
+{
+    const Accessor::WriteCost cost = scene.estimateWrite();
+    if (scene.name() != job.file)
+        job.out << printable(scene.name()) << ": ";
+    if (cost.bytes == 0 && cost.oldLength == cost.newLength)
+        job.out << "would write nothing: the file has all that\n";
+    else
+        job.out << "would write " << cost.bytes << " bytes, from byte " << cost.position << " on; the file has "
+                << cost.oldLength << " bytes, and would have " << cost.newLength << "\n";
+}
+
+/// Saves to a copy of the file that was read.
+void saveCopy(const Job& job, SceneFile& scene, const std::string& out)
+{
+    if (fs::path(out).extension() != fs::path(scene.name()).extension())
+        throw Failure(kWrongUsage, "-o " + inQuotes(out) + " has another ending than " + scene.name() +
+                                       "; cp --to copies from one kind of file to the other");
+    NewFile file(scene.name(), out);
+    SceneFile copy(job.session, file.name(), SceneFile::kEdit);
+    const std::set<std::string> none;
+    copy.read(&none);
+    copy.metadata().associations() = scene.metadata().associations();
+    copy.metadata().setStructures(scene.metadata().structures());
+    copy.metadata().setNumbers(scene.metadata().numbers());
+    copy.write();
+    file.keep();
+}
+} // namespace
+
+eExitCode makeEdits(const Job& job, const std::vector<Edit>& edits)
+{
+    SceneFile scene = openToEdit(job, job.file);
+    const std::set<std::string> nodes = nodesOf(edits);
+    scene.read(&nodes);
+    for (const Edit& edit : edits)
+        apply(edit, scene);
+    save(job, scene);
+    return kDone;
+}
+
+SceneFile openToEdit(const Job& job, const std::string& fileName)
+{
+    const Saving& saving = job.session.saving();
+    const bool isWritten = saving.out.empty() && !saving.isDryRun;
+    SceneFile scene(job.session, fileName, isWritten ? SceneFile::kEdit : SceneFile::kLook);
+    if (saving.digits == "six")
+        scene.metadata().setNumbers(kSixDigits);
+    return scene;
+}
+
+void save(const Job& job, SceneFile& scene)
+{
+    const Saving& saving = job.session.saving();
+    if (saving.isDryRun)
+        printCost(job, scene);
+    else if (!saving.out.empty())
+        saveCopy(job, scene, saving.out);
+    else
+        scene.write();
+}
+
+void checkSaving(const Session& session, bool writesTwice)
+{
+    if (!session.saving().out.empty() && (session.isBatch() || writesTwice))
+        throw Failure(kWrongUsage, "-o takes the result of one file");
+}
