@@ -19,3 +19,9 @@ masked()
 {
     sed -E 's/"(device|inode|mtime|ctime)": [0-9]+/"\1": 0/g; s/"tail": "[0-9a-f]{16}"/"tail": "0"/'
 }
+
+# Leaves a scene half written with its undo record, as a save does that is interrupted.
+interrupt()
+{
+    "${BASH_SOURCE[0]%/*}"/interrupt.py "$@"
+}

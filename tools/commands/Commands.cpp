@@ -4,6 +4,7 @@
 
 void addCommands(Session& session)
 {
-    for (const auto add : {addLs, addShow, addGet, addScan, addSet, addRm, addCp, addMv, addApply})
+    for (const auto add : {addLs, addShow, addGet, addScan, addExport, addSet, addRm, addCp, addMv, addApply, addImport,
+                           addContent, addRecover})
         add(session);
 }

@@ -12,6 +12,10 @@ void addRm(Session& session);
 void addCp(Session& session);
 void addMv(Session& session);
 void addApply(Session& session);
+void addExport(Session& session);
+void addImport(Session& session);
+void addContent(Session& session);
+void addRecover(Session& session);
 
 /// Adds all of them: first those that look, then those that edit.
 void addCommands(Session& session);

@@ -1,0 +1,143 @@
+#include "commands/Commands.h"
+#include "core/Batch.h"
+#include "core/Lines.h"
+#include "core/Text.h"
+#include "edit/Save.h"
+#include "vumo/accessor/AccessorOvri.h"
+#include "vumo/data/StreamIterator.h"
+
+#include <filesystem>
+#include <memory>
+
+using namespace vumo::Data;
+namespace fs = std::filesystem;
+
+namespace
+{
+using Table = AccessorOvri::ExternalContent;
+
+/// What the command line says.
+struct Request
+{
+    bool isMissing = false;
+    std::vector<std::string> relinks; ///< OLD=NEW
+
+    bool isRelink() const { return !relinks.empty(); }
+};
+
+/// A reference to content outside of the scene.
+struct Entry
+{
+    std::string node;
+    std::string key;
+    std::string path;     ///< as written
+    std::string resolved; ///< empty where nobody has resolved it
+    std::set<std::string> roles;
+};
+
+/// Says whether the content is there, a relative path taken from the scene's folder.
+bool exists(const Entry& entry, const std::string& scene)
+{
+    std::error_code ignored;
+    return fs::exists(fs::path(scene).parent_path() / (entry.resolved.empty() ? entry.path : entry.resolved), ignored);
+}
+
+void print(const Entry& entry, const Job& job, Lines& lines, std::vector<std::string>& json)
+{
+    std::string roles;
+    std::vector<std::string> roleTexts;
+    for (const std::string& role : entry.roles)
+    {
+        roles += (roles.empty() ? "" : ";") + role;
+        roleTexts.push_back(vumo::codec::jsonText(role));
+    }
+    JsonObject object;
+    object.addText("node", entry.node).addText("key", entry.key).addText("path", entry.path);
+    object.addText("resolved", entry.resolved).add("roles", jsonArray(roleTexts));
+    if (job.json)
+        json.push_back(object.text());
+    else
+        lines.add(
+            {escaped(entry.node), escaped(entry.key), escaped(entry.path), escaped(entry.resolved), escaped(roles)});
+}
+
+/// Replaces OLD at the start of the path, where it ends with a whole name.
+bool relink(const std::string& rule, std::string& path)
+{
+    const std::string::size_type separator = rule.find('=');
+    const std::string before = rule.substr(0, separator);
+    if (path.compare(0, before.size(), before) != 0)
+        return false;
+    if (before.back() != '/' && path.size() > before.size() && path[before.size()] != '/')
+        return false;
+    path.replace(0, before.size(), rule.substr(separator + 1));
+    return true;
+}
+
+/// Does what the first rule says that fits a path.
+bool relink(const std::vector<std::string>& rules, std::string& path)
+{
+    for (const std::string& rule : rules)
+    {
+        if (relink(rule, path))
+            return true;
+    }
+    return false;
+}
+
+eExitCode content(Job& job, const Request& request)
+{
+    SceneFile scene = request.isRelink() ? openToEdit(job, job.file) : SceneFile(job.session, job.file);
+    scene.readNode(AccessorOvri::getSceneAssociationsName());
+    const Stream* const table = Table::getStream(scene.metadata());
+    if (!table)
+        scene.tellUnreadable(job.session);
+    if (!table && request.isRelink())
+        throw scene.failure(kNo, "the scene has no table of external content");
+    Lines lines(job);
+    if (!request.isRelink() && !job.json)
+        lines.addTitles({"node", "key", "path", "resolved", "roles"});
+    std::vector<std::string> json;
+    bool hasFound = false;
+    for (StreamIterator element = table ? table->cbegin() : StreamIterator(); element.valid(); ++element)
+    {
+        Entry entry;
+        Table::getEntry(*element, entry.node, entry.key, entry.path, entry.resolved, entry.roles);
+        const bool isPath = relink(request.relinks, entry.path);
+        const bool isRelinked = relink(request.relinks, entry.resolved) || isPath;
+        if (request.isRelink() ? !isRelinked : request.isMissing && exists(entry, job.file))
+            continue;
+        hasFound = true;
+        if (isRelinked && !Table::setEntry(*element, entry.node, entry.key, entry.path, entry.resolved, entry.roles))
+            throw scene.failure(kNotWritten, "the table of external content cannot hold " + inQuotes(entry.resolved));
+        print(entry, job, lines, json);
+    }
+    if (job.json)
+        job.json->add("content", jsonArray(json));
+    if (request.isRelink() && hasFound)
+        save(job, scene);
+    const bool isGood = request.isRelink() ? hasFound : !request.isMissing || !hasFound;
+    return isGood ? kDone : kNo;
+}
+} // namespace
+
+void addContent(Session& session)
+{
+    CLI::App& command = session.addCommand("content", "List the content outside of scenes that they refer to");
+    session.addFiles(command);
+    session.addJson(command);
+    session.addSaving(command);
+    const auto request = std::make_shared<Request>();
+    command.add_flag("--missing", request->isMissing, "list only what is not there; exit code 1 if there is any");
+    session.addList(command, "--relink", request->relinks, "OLD=NEW",
+                    "put NEW in the place of OLD at the start of paths, save, and list what was changed");
+    session.setWork(command, [&session, request] {
+        checkSaving(session);
+        for (const std::string& rule : request->relinks)
+        {
+            if (rule.find('=') == std::string::npos || rule[0] == '=')
+                throw Failure(kWrongUsage, "--relink " + inQuotes(rule) + " is not of the form OLD=NEW");
+        }
+        return forEachFile(session, [&request](Job& job) { return content(job, *request); });
+    });
+}

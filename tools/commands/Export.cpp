@@ -1,0 +1,60 @@
+#include "commands/Commands.h"
+#include "core/Batch.h"
+#include "edit/Selected.h"
+#include "tools/codec/CodecError.h"
+#include "tools/codec/Csv.h"
+#include "tools/codec/JsonDocument.h"
+#include "tools/codec/Ndjson.h"
+
+#include <memory>
+#include <optional>
+
+namespace
+{
+/// Reads no more nodes than are needed; says what is missing at the address.
+void read(SceneFile& scene, const std::optional<Address>& address, const Selection& selection)
+{
+    if (!address)
+        return scene.readSelected(selection.nodes);
+    scene.readNode(address->node);
+    scene.node(address->node);
+    if (address->stream)
+        scene.stream(*address);
+    else if (address->channel)
+        scene.channel(*address);
+}
+
+eExitCode exportFile(const Job& job, const std::string& format)
+{
+    const std::vector<std::string> words = job.session.words();
+    const std::optional<Address> address = words.empty() ? std::nullopt : std::optional<Address>(words);
+    const Selection& selection = job.session.selection();
+    SceneFile scene(job.session, job.file);
+    read(scene, address, selection);
+    const vumo::codec::Metadata metadata = selected(scene, selection, address ? &*address : nullptr);
+    if (format == "csv")
+        vumo::codec::writeCsv(scene.stream(*address), job.out);
+    else if (format == "ndjson")
+        vumo::codec::writeNdjson(metadata, job.out);
+    else
+        vumo::codec::writeJson(metadata, job.out);
+    return address ? kDone : scene.tellUnreadable(job.session);
+}
+} // namespace
+
+void addExport(Session& session)
+{
+    CLI::App& command =
+        session.addCommand("export", "Write metadata as JSON, lines of JSON or CSV, for other programs");
+    session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.begin() + 3}, 0);
+    session.addSelection(command);
+    const auto format = std::make_shared<std::string>("json");
+    command.add_option("--format", *format, "one JSON document, a line of JSON for each thing, or one stream as CSV")
+        ->check(CLI::IsMember({"json", "ndjson", "csv"}).description(""))
+        ->type_name("json|ndjson|csv");
+    session.setWork(command, [&session, format] {
+        if (*format == "csv" && session.words().size() < 3)
+            throw Failure(kWrongUsage, "CSV is one stream: NODE CHANNEL STREAM are needed");
+        return forEachFile(session, [&format](Job& job) { return exportFile(job, *format); });
+    });
+}

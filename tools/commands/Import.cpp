@@ -1,0 +1,163 @@
+#include "commands/Commands.h"
+#include "core/Batch.h"
+#include "core/Text.h"
+#include "edit/Save.h"
+#include "edit/Script.h"
+#include "tools/codec/CodecError.h"
+#include "tools/codec/Csv.h"
+#include "tools/codec/JsonDocument.h"
+#include "tools/codec/Ndjson.h"
+#include "vumo/foundation/Ref.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+
+using namespace vumo::Data;
+
+namespace
+{
+/// What the command line says, and the text that is imported.
+struct Request
+{
+    std::string name;
+    std::string format;
+    std::string structure;
+    std::string merge = "replace";
+    std::string text;
+};
+
+/// The format that the name's ending says, unless it was given.
+std::string formatOf(const Request& request)
+{
+    if (!request.format.empty())
+        return request.format;
+    const std::string ending = request.name.substr(request.name.find_last_of('.') + 1);
+    if (ending == "csv")
+        return "csv";
+    return ending == "ndjson" || ending == "jsonl" ? "ndjson" : "json";
+}
+
+std::string textOf(const std::string& name)
+{
+    const auto readAll = [](std::istream& in) {
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    };
+    if (name == "-")
+        return readAll(std::cin);
+    std::ifstream file(name, std::ios::binary);
+    std::string text = readAll(file);
+    if (!file.is_open() || file.bad())
+        throw Failure(kBadInput, name + ": " + std::strerror(errno));
+    return text;
+}
+
+/// The structure of a stream that is there, or the one that is given.
+const Structure& structureFor(const Request& request, const Address& address, SceneFile& scene)
+{
+    if (!request.structure.empty())
+        return structureToUse(scene, request.structure);
+    const Channel* const channel = nodeToEdit(scene, address.node).findChannel(*address.channel);
+    const Stream* const stream = channel ? channel->findDataStream(*address.stream) : nullptr;
+    if (!stream)
+        throw scene.failure(kNo, "there is no stream " + inQuotes(*address.stream) +
+                                     "; --structure says what a new one is of");
+    return stream->structure();
+}
+
+/// The stream, as the only thing.
+vumo::codec::Metadata streamFromCsv(const Request& request, const Address& address, SceneFile& scene, std::istream& in)
+{
+    const Structure& structure = structureFor(request, address, scene);
+    vumo::codec::Metadata metadata;
+    Channel channel = metadata.nodes[address.node].channel(*address.channel);
+    channel.setDataStream(vumo::codec::readCsv(in, structure, *address.stream));
+    return metadata;
+}
+
+void put(const vumo::codec::Metadata& metadata, Edit::eMerge merge, SceneFile& scene)
+{
+    for (const auto& structure : metadata.structures)
+        addStructure(scene, *structure.second);
+    for (const auto& [node, associations] : metadata.nodes)
+    {
+        Associations& target = nodeToEdit(scene, node);
+        for (const Channel& channel : associations)
+        {
+            target.channel(channel.name());
+            for (const Stream* const stream : channel)
+                putStream(scene, *stream, stream->name(), target.channel(channel.name()), merge);
+        }
+    }
+}
+
+eExitCode importText(const Job& job, const Request& request)
+{
+    const std::vector<std::string> words = job.session.words();
+    const std::string format = formatOf(request);
+    const Address address({words.begin() + 1, words.end()});
+    std::istringstream in(request.text);
+    SceneFile scene = openToEdit(job, job.file);
+    vumo::codec::Metadata metadata;
+    std::set<std::string> nodes = {address.node};
+    try
+    {
+        if (format != "csv")
+            metadata = format == "json" ? vumo::codec::readJson(in) : vumo::codec::readNdjson(in);
+        for (const auto& node : metadata.nodes)
+            nodes.insert(node.first);
+        scene.read(&nodes);
+        if (format == "csv")
+            metadata = streamFromCsv(request, address, scene, in);
+    }
+    catch (const vumo::codec::CodecError& error)
+    {
+        throw Failure(kBadInput, (request.name == "-" ? "standard input" : request.name) + ": " + error.what());
+    }
+    put(metadata, mergeOf(request.merge), scene);
+    save(job, scene);
+    return kDone;
+}
+
+void check(const Request& request, std::size_t words)
+{
+    const bool isCsv = formatOf(request) == "csv";
+    if (words != (isCsv ? 4U : 1U))
+        throw Failure(kWrongUsage, isCsv ? "CSV is one stream: NODE CHANNEL STREAM are needed"
+                                         : "NODE CHANNEL STREAM are for CSV; what else is imported has them");
+    if (!isCsv && !request.structure.empty())
+        throw Failure(kWrongUsage, "--structure is for CSV; what else is imported has it");
+    mergeOf(request.merge);
+}
+} // namespace
+
+void addImport(Session& session)
+{
+    CLI::App& command = session.addCommand("import", "Put what export wrote into a scene, beside what else it has");
+    std::vector<Word> words = {{"DATA", "the file to import, or \"-\" for standard input"}};
+    words.insert(words.end(), Session::kAddress.begin(), Session::kAddress.begin() + 3);
+    session.addFileAndWords(command, words, 1);
+    session.addSaving(command);
+    const auto request = std::make_shared<Request>();
+    command.add_option("--format", request->format, "the form of DATA, if its ending does not tell; json unless said")
+        ->check(CLI::IsMember({"json", "ndjson", "csv"}).description(""))
+        ->type_name("json|ndjson|csv");
+    command
+        .add_option("--structure", request->structure,
+                    "the structure of a CSV stream that the scene does not have, as its text or by its name")
+        ->type_name("TEXT");
+    command
+        .add_option("--merge", request->merge, "what becomes of a stream that is there already; replace unless said")
+        ->type_name("keep|replace|fail");
+    session.setWork(command, [&session, request] {
+        checkSaving(session);
+        request->name = session.words()[0];
+        check(*request, session.words().size());
+        request->text = textOf(request->name);
+        return forEachFile(session, [&request](Job& job) { return importText(job, *request); });
+    });
+}
