@@ -6,6 +6,8 @@
         weight *= 0.5
 """
 
+from ._catalog import Catalog
+from ._catalog import Catalog as catalog
 from ._column import Column
 from ._layout import Member, Structure
 from ._scene import Channel, Fault, Node, Scene, open
@@ -29,6 +31,7 @@ from .errors import (
 
 __all__ = [
     "BusyError",
+    "Catalog",
     "ChangedError",
     "Channel",
     "ClosedError",
@@ -51,5 +54,6 @@ __all__ = [
     "Stream",
     "Structure",
     "SystemCallError",
+    "catalog",
     "open",
 ]

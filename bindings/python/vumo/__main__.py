@@ -1,0 +1,84 @@
+"""Catalogues on the command line: python3 -m vumo catalog DATABASE COMMAND ..."""
+
+from __future__ import annotations
+
+import argparse
+import json
+import sys
+from collections.abc import Callable, Sequence
+from typing import Any
+
+from ._catalog import Catalog
+from ._rows import Rows
+
+_Commands = Any  # argparse does not name its type
+
+
+def _add_workers(command: argparse.ArgumentParser) -> None:
+    command.add_argument("--workers", type=int, default=1, metavar="N", help="processes on this machine")
+    command.add_argument("--scheduler", metavar="ADDRESS", help="of a Dask cluster, whose workers work then")
+
+
+def _update(catalog: Catalog, given: argparse.Namespace) -> None:
+    done = catalog.update(given.root, given.workers, scheduler=given.scheduler, anew=given.anew)
+    if done.faulty:
+        print(f"{done.faulty} of {done.files} files are faulty", file=sys.stderr)
+    print(" ".join(f"{name}={count}" for name, count in vars(done).items()))
+
+
+def _add_catalog(commands: _Commands) -> None:
+    catalog = commands.add_parser("catalog", help="what the scenes of a whole production hold, in an SQLite database")
+    catalog.add_argument("database")
+    catalog.set_defaults(run=_run_catalog)
+    verbs = catalog.add_subparsers(required=True, metavar="COMMAND")
+    update = verbs.add_parser("update", help="read what is new or changed in these scenes, and in folders of them")
+    update.add_argument("root", nargs="+")
+    update.add_argument("--anew", action="store_true", help="read all files")
+    _add_workers(update)
+    update.set_defaults(verb=_update)
+
+    def add_query(name: str, help: str, query: Callable[[Catalog, argparse.Namespace], Rows]) -> argparse.ArgumentParser:
+        parser: argparse.ArgumentParser = verbs.add_parser(name, help=help)
+        parser.add_argument("--json", action="store_true", help="a JSON object for each row")
+        parser.set_defaults(verb=lambda catalog, given: _print(query(catalog, given), given.json))
+        return parser
+
+    parts = ("node", "channel", "stream", "structure", "layout")
+    streams = add_query(
+        "streams", "streams with these names", lambda catalog, given: catalog.streams(**{p: getattr(given, p) for p in parts})
+    )
+    for part in parts:
+        streams.add_argument(f"--{part}")
+    versions = add_query("versions", "the layouts of structures", lambda catalog, given: catalog.versions(given.structure))
+    versions.add_argument("structure", nargs="?")
+    carriers = add_query("carriers", "files with that node", lambda catalog, given: catalog.carriers(given.node))
+    carriers.add_argument("node")
+    sql = add_query("sql", "what that query gives", lambda catalog, given: catalog.sql(given.query))
+    sql.add_argument("query")
+    add_query("files", "all files", lambda catalog, given: catalog.files())
+    add_query("conflicts", "structures with several layouts", lambda catalog, given: catalog.conflicts())
+    add_query("orphans", "declared structures that nothing uses", lambda catalog, given: catalog.orphans())
+    add_query("missing-content", "external content that was not found", lambda catalog, given: catalog.missing_content())
+    add_query("faults", "what could not be read", lambda catalog, given: catalog.faults())
+
+
+def _print(rows: Rows, as_json: bool) -> None:
+    for line in map(json.dumps, rows) if as_json else rows.lines():
+        print(line)
+
+
+def _run_catalog(given: argparse.Namespace) -> None:
+    with Catalog(given.database) as catalog:
+        given.verb(catalog, given)
+
+
+def main(arguments: Sequence[str] | None = None) -> None:
+    parser = argparse.ArgumentParser("python3 -m vumo", description="Work on the scenes of whole productions.")
+    commands = parser.add_subparsers(required=True, metavar="COMMAND")
+    _add_catalog(commands)
+    given = parser.parse_args(arguments)
+    given.run(given)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,489 @@
+"""What the scenes of a whole production hold, in an SQLite database."""
+
+from __future__ import annotations
+
+import base64
+import errno
+import itertools
+import json
+import os
+import sqlite3
+import time
+from collections.abc import Iterable, Iterator, Sequence
+from contextlib import contextmanager
+from dataclasses import dataclass
+from types import TracebackType
+from typing import Any
+
+from . import _tool
+from ._rows import Rows
+from ._work import Progress, Workers
+
+_SCHEMA = """
+CREATE TABLE IF NOT EXISTS files (
+    id INTEGER PRIMARY KEY,
+    name UNIQUE NOT NULL,
+    device, inode, size, mtime, ctime,
+    tail TEXT,
+    code INTEGER NOT NULL,
+    scanned INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS structures (
+    id INTEGER PRIMARY KEY,
+    name NOT NULL,
+    layout UNIQUE NOT NULL);
+CREATE TABLE IF NOT EXISTS declarations (
+    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
+    structure INTEGER NOT NULL REFERENCES structures,
+    PRIMARY KEY (file, structure)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS nodes (
+    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
+    node NOT NULL,
+    PRIMARY KEY (file, node)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS channels (
+    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
+    node NOT NULL,
+    channel NOT NULL,
+    PRIMARY KEY (file, node, channel)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS streams (
+    id INTEGER PRIMARY KEY,
+    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
+    node NOT NULL,
+    channel NOT NULL,
+    stream NOT NULL,
+    structure INTEGER NOT NULL REFERENCES structures,
+    index_type TEXT NOT NULL,
+    elements INTEGER NOT NULL,
+    bytes INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS members (
+    stream INTEGER NOT NULL REFERENCES streams ON DELETE CASCADE,
+    place INTEGER NOT NULL,
+    member NOT NULL,
+    type TEXT NOT NULL,
+    length INTEGER NOT NULL,
+    least, greatest,
+    PRIMARY KEY (stream, place)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS content (
+    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
+    entry NOT NULL,
+    node, key, unresolved_path, resolved_path, roles,
+    missing INTEGER NOT NULL,
+    PRIMARY KEY (file, entry)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS faults (
+    id INTEGER PRIMARY KEY,
+    name NOT NULL,
+    error NOT NULL,
+    code INTEGER NOT NULL,
+    block, block_name, format, position, length);
+CREATE INDEX IF NOT EXISTS streams_of_file ON streams (file);
+CREATE INDEX IF NOT EXISTS streams_of_structure ON streams (structure);
+CREATE INDEX IF NOT EXISTS nodes_by_name ON nodes (node);
+CREATE INDEX IF NOT EXISTS faults_of_file ON faults (name);
+CREATE VIEW IF NOT EXISTS all_streams AS
+    SELECT files.name AS file, node, channel, stream, structures.name AS structure, layout, index_type, elements, bytes
+    FROM streams JOIN files ON files.id = streams.file JOIN structures ON structures.id = streams.structure;
+CREATE VIEW IF NOT EXISTS all_members AS
+    SELECT files.name AS file, node, channel, streams.stream AS stream, member, type, length, least, greatest
+    FROM members JOIN streams ON streams.id = members.stream JOIN files ON files.id = streams.file;
+"""
+
+_VERSIONS = """
+WITH used AS (
+    SELECT structures.name AS name, layout, count(DISTINCT file) AS files, sum(streams) AS streams
+    FROM (SELECT file, structure, 0 AS streams FROM declarations
+          UNION ALL SELECT file, structure, 1 FROM streams)
+    JOIN structures ON structures.id = structure
+    GROUP BY structure)
+SELECT name AS structure, layout, files, streams FROM used"""
+_BY_LAYOUT = " ORDER BY name, files DESC, layout"
+
+_INSERT_FILE = """
+INSERT INTO files (name, device, inode, size, mtime, ctime, tail, code, scanned) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"""
+_UPDATE_FILE = """
+UPDATE files SET device = ?, inode = ?, size = ?, mtime = ?, ctime = ?, tail = ?, code = ?, scanned = ? WHERE id = ?"""
+_INSERT_STREAM = """
+INSERT INTO streams (file, node, channel, stream, structure, index_type, elements, bytes)
+VALUES (?, ?, ?, ?, ?, ?, ?, ?)"""
+_INSERT_FAULT = """
+INSERT INTO faults (name, error, code, block, block_name, format, position, length) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"""
+
+_STOPPED = "vumo stopped in the middle of it"
+
+_IDENTITY = ("device", "inode", "size", "mtime", "ctime")
+
+#: File systems and servers count time in steps of up to two seconds. Whoever changes a file twice in one step leaves the
+#: same times, so a file that was scanned so soon after its last change is scanned again.
+_TIME_STEP = 2_000_000_000
+
+_READ, _MALFORMED = 0, 3  # exit codes that will be the same while the file is; others say that it is worth a new try
+
+_FILES_AT_ONCE = 64  # for one run of the tool, so that its start does not count
+_BYTES_AT_ONCE = 64 << 20
+
+
+@dataclass(frozen=True)
+class Update:
+    """What an update of a catalogue has found, in numbers of files.
+
+    Attributes:
+        files: that are there now.
+        scanned: that were read.
+        changed: whose metadata are others than before, new files among them.
+        removed: that are no longer there.
+        faulty: that could not be read, or not all of them.
+    """
+
+    files: int
+    scanned: int
+    changed: int
+    removed: int
+    faulty: int
+
+
+class Catalog:
+    """What many scenes hold, in the SQLite database `path`, which is made if there is none. Made by `vumo.catalog`.
+
+    One process at a time updates it; others may ask meanwhile. `with` closes it at the end.
+
+    Queries are methods, and `sql` for all others; docs/formats/catalogue.md has the tables. Names in queries are exact.
+    """
+
+    def __init__(self, path: str | os.PathLike[str]) -> None:
+        self.path = os.fspath(path)
+        self._database = sqlite3.connect(self.path, isolation_level=None)
+        self._database.execute("PRAGMA journal_mode = WAL")
+        self._database.execute("PRAGMA synchronous = NORMAL")  # a crash of the machine costs the last files, no more
+        self._database.execute("PRAGMA foreign_keys = ON")
+        self._database.executescript(_SCHEMA)
+        self._structures: dict[str | bytes, int] = {}
+
+    def update(
+        self,
+        roots_or_files: str | os.PathLike[str] | Iterable[str | os.PathLike[str]],
+        workers: int = 1,
+        *,
+        client: Any = None,
+        scheduler: str | None = None,
+        anew: bool = False,
+    ) -> Update:
+        """Brings the catalogue up to date with these scenes, and with all scenes in these folders and below them.
+
+        Only files are read that are new or look changed, by `workers` processes of the tool, by the workers of the Dask
+        `client`, or by those of the Dask scheduler at that address; `anew` reads them all. Files that are no longer
+        there leave the catalogue. A file that cannot be read has rows in `faults`. What was found is kept when the
+        update is interrupted: the next one goes on from there.
+        """
+        is_one = isinstance(roots_or_files, (str, os.PathLike))
+        tree = Tree([roots_or_files] if is_one else roots_or_files)  # type: ignore[list-item, arg-type]
+        known = self._known(tree)
+        there = {name: identity for name in tree.files if (identity := _identity(name))}
+        gone = [name for name in known if name not in there and not tree.hides(name)]
+        wanted = [name for name in there if anew or known.get(name) != there[name]]
+        with self._transaction():
+            self._forget(gone)
+            self._note_what_is_no_file(tree, there)
+        changed = 0
+        portions = _portions(wanted, there)
+        with Progress("files", len(wanted)) as progress:
+            for names, lines in Workers(workers, client, scheduler).each(_tool.scan, portions):
+                changed += self.add_lines(lines, names)
+                progress.add(len(names))
+        faulty = sum(tree.covers(name) for name in self._names("SELECT DISTINCT name FROM faults"))
+        return Update(len(there), len(wanted), changed, len(gone), faulty)
+
+    def add_lines(self, lines: Iterable[bytes | str], names: Iterable[bytes] = ()) -> int:
+        """Takes in lines of `vumo scan`, in place of what there was of their files; for scans that were run elsewhere.
+
+        All lines of a file have to be among them. A file of `names` without a line stopped the tool, which is a fault.
+        Returns how many files have other metadata than before. Raises ValueError for what is no such line.
+        """
+        found = [json.loads(line) for line in lines]
+        changed = 0
+        with self._transaction():
+            missing = set(names)
+            for name, group in itertools.groupby(found, _name_of):
+                changed += self._put_file(name, list(group))
+                missing.discard(_as_bytes(name))
+            for unread in missing:
+                self._put_file(_as_text(unread), [{"kind": "fault", "code": _MALFORMED, "error": _STOPPED}])
+        return changed
+
+    def sql(self, query: str, parameters: Sequence[Any] | dict[str, Any] = ()) -> Rows:
+        """The rows that SQL gives, over the tables of docs/formats/catalogue.md."""
+        cursor = self._database.execute(query, parameters)
+        return Rows([column[0] for column in cursor.description or ()], cursor)
+
+    def files(self) -> Rows:
+        """All files, by name."""
+        return self.sql("SELECT name, size, mtime, tail, code FROM files ORDER BY name")
+
+    def streams(
+        self,
+        *,
+        node: str | None = None,
+        channel: str | None = None,
+        stream: str | None = None,
+        structure: str | None = None,
+        layout: str | None = None,
+    ) -> Rows:
+        """The streams with these names; `layout` is the text of a structure, of one version of it alone."""
+        asked = {"node": node, "channel": channel, "stream": stream, "structure": structure, "layout": layout}
+        given = {name: _from_user(value) for name, value in asked.items() if value is not None}
+        where = " AND ".join(f"{name} = :{name}" for name in given) or "1"
+        return self.sql(f"SELECT * FROM all_streams WHERE {where} ORDER BY file, node, channel, stream", given)
+
+    def versions(self, structure: str | None = None) -> Rows:
+        """The layouts of the structure of that name, or of all, and how many files and streams use each of them."""
+        return self.sql(_VERSIONS + " WHERE ?1 IS NULL OR name = ?1" + _BY_LAYOUT, [_from_user(structure)])
+
+    def conflicts(self) -> Rows:
+        """The layouts of all structures of which there are several of one name."""
+        several = " WHERE name IN (SELECT name FROM used GROUP BY name HAVING count(*) > 1)"
+        return self.sql(_VERSIONS + several + _BY_LAYOUT)
+
+    def orphans(self) -> Rows:
+        """The structures that files declare without a stream that uses them."""
+        return self.sql(
+            "SELECT files.name AS file, structures.name AS structure, layout FROM declarations"
+            " JOIN files ON files.id = declarations.file JOIN structures ON structures.id = declarations.structure"
+            " WHERE NOT EXISTS (SELECT 1 FROM streams"
+            " WHERE streams.file = declarations.file AND streams.structure = declarations.structure)"
+            " ORDER BY 1, 2"
+        )
+
+    def missing_content(self) -> Rows:
+        """The entries of external content where nothing was found when their file was scanned."""
+        return self.sql(
+            "SELECT files.name AS file, node, key, unresolved_path, resolved_path, roles"
+            " FROM content JOIN files ON files.id = content.file WHERE missing ORDER BY 1, entry"
+        )
+
+    def carriers(self, node: str) -> Rows:
+        """The files in which the node of that name has metadata, and how many streams."""
+        return self.sql(
+            "SELECT files.name AS file, count(streams.id) AS streams FROM nodes JOIN files ON files.id = nodes.file"
+            " LEFT JOIN streams ON streams.file = nodes.file AND streams.node = nodes.node"
+            " WHERE nodes.node = ? GROUP BY files.id ORDER BY 1",
+            [_from_user(node)],
+        )
+
+    def faults(self) -> Rows:
+        """What could not be read: files, folders, and blocks in files."""
+        return self.sql("SELECT name AS file, error, code, block, block_name, position FROM faults ORDER BY name, position")
+
+    def close(self) -> None:
+        self._database.close()
+
+    def __enter__(self) -> Catalog:
+        return self
+
+    def __exit__(
+        self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
+    ) -> None:
+        self.close()
+
+    def __repr__(self) -> str:
+        counts = {table: self.sql(f"SELECT count(*) AS n FROM {table}")[0]["n"] for table in ("files", "streams", "faults")}
+        return f"<vumo.Catalog {self.path!r}: " + ", ".join(f"{n} {table}" for table, n in counts.items()) + ">"
+
+    @contextmanager
+    def _transaction(self) -> Iterator[None]:
+        self._database.execute("BEGIN IMMEDIATE")
+        try:
+            yield
+        except BaseException:
+            self._database.execute("ROLLBACK")
+            raise
+        self._database.execute("COMMIT")
+
+    def _names(self, query: str) -> Iterator[bytes]:
+        return (_as_bytes(name) for (name,) in self._database.execute(query))
+
+    def _known(self, tree: Tree) -> dict[bytes, tuple[int, ...] | None]:
+        """The files of the tree in the catalogue, with their identities, without one where a new try is worth it."""
+        rows = self._database.execute(f"SELECT name, code, scanned, {', '.join(_IDENTITY)} FROM files")
+        known: dict[bytes, tuple[int, ...] | None] = {}
+        for stored, code, scanned, *identity in rows:
+            name = _as_bytes(stored)
+            if tree.covers(name):
+                is_sure = code in (_READ, _MALFORMED) and identity[-1] < scanned - _TIME_STEP
+                known[name] = tuple(identity) if is_sure else None
+        return known
+
+    def _forget(self, names: Iterable[bytes]) -> None:
+        for name in names:
+            self._database.execute("DELETE FROM faults WHERE name = ?", [_as_text(name)])
+            self._database.execute("DELETE FROM files WHERE name = ?", [_as_text(name)])
+
+    def _note_what_is_no_file(self, tree: Tree, there: dict[bytes, tuple[int, ...]]) -> None:
+        """The faults of names that lead to no file, and of folders that cannot be read, as they are now."""
+        of_none = "SELECT DISTINCT name FROM faults WHERE name NOT IN (SELECT name FROM files)"
+        self._forget([name for name in self._names(of_none) if tree.covers(name)])
+        absent = {name: os.strerror(errno.ENOENT) for name in tree.files if name not in there}
+        for name, error in {**absent, **tree.unreadable}.items():
+            self._put_fault(_as_text(name), {"error": error, "code": _MALFORMED})
+
+    def _put_file(self, name: str | bytes, lines: list[dict[str, Any]]) -> bool:
+        """Puts in the lines of one file; returns whether its metadata are others than before."""
+        execute = self._database.execute
+        execute("DELETE FROM faults WHERE name = ?", [name])
+        of_kind: dict[str, list[dict[str, Any]]] = {}
+        for line in lines:
+            of_kind.setdefault(line["kind"], []).append(line)
+        for line in of_kind.get("fault", ()):
+            self._put_fault(name, line)
+        old = execute("SELECT id, tail FROM files WHERE name = ?", [name]).fetchone()
+        if "file" not in of_kind:
+            execute("DELETE FROM files WHERE name = ?", [name])
+            return old is not None
+        head = of_kind["file"][0]
+        tail = head.get("tail")
+        is_same = old is not None and tail is not None and old[1] == tail
+        if old is not None and not is_same:
+            execute("DELETE FROM files WHERE id = ?", [old[0]])
+        values = [*map(_number, map(head.get, _IDENTITY)), tail, head["code"], time.time_ns()]
+        if is_same:
+            file = old[0]
+            execute(_UPDATE_FILE, [*values, file])
+            execute("DELETE FROM content WHERE file = ?", [file])
+        else:
+            file = execute(_INSERT_FILE, [name, *values]).lastrowid
+            self._put_metadata(file, of_kind)
+        for line in of_kind.get("external", ()):
+            self._put_content(file, line)
+        return not is_same
+
+    def _put_metadata(self, file: int, of_kind: dict[str, list[dict[str, Any]]]) -> None:
+        many = self._database.executemany
+        declared = [(file, self._structure(line)) for line in of_kind.get("structure", ())]
+        many("INSERT OR IGNORE INTO declarations VALUES (?, ?)", declared)
+        nodes = [(_stored(line["node"]), line["channels"]) for line in of_kind.get("node", ())]
+        many("INSERT INTO nodes VALUES (?, ?)", [(file, node) for node, _ in nodes])
+        channels = [(file, node, _stored(channel)) for node, names in nodes for channel in names]
+        many("INSERT INTO channels VALUES (?, ?, ?)", channels)
+        for line in of_kind.get("stream", ()):
+            address = [_stored(line[part]) for part in ("node", "channel", "stream")]
+            numbers = [line["indexType"], line["elements"], line["bytes"]]
+            stream = self._database.execute(_INSERT_STREAM, [file, *address, self._structure(line), *numbers]).lastrowid
+            members = [
+                (stream, place, _stored(member["name"]), member["type"], member["length"],
+                 _number(member.get("least")), _number(member.get("greatest")))
+                for place, member in enumerate(line["members"])
+            ]  # fmt: skip
+            many("INSERT INTO members VALUES (?, ?, ?, ?, ?, ?, ?)", members)
+
+    def _structure(self, line: dict[str, Any]) -> int:
+        """The number of the structure of that text."""
+        layout = _stored(line["layout"])
+        number = self._structures.get(layout)
+        if number is None:
+            values = [_stored(line["structure"]), layout]
+            self._database.execute("INSERT OR IGNORE INTO structures (name, layout) VALUES (?, ?)", values)
+            row = self._database.execute("SELECT id FROM structures WHERE layout = ?", [layout]).fetchone()
+            number = self._structures[layout] = int(row[0])
+        return number
+
+    def _put_content(self, file: int, line: dict[str, Any]) -> None:
+        texts = [_stored(line[part]) for part in ("index", "node", "key", "unresolvedPath", "resolvedPath")]
+        values = [file, *texts, json.dumps(line["roles"], ensure_ascii=False), line["missing"]]
+        self._database.execute("INSERT INTO content VALUES (?, ?, ?, ?, ?, ?, ?, ?)", values)
+
+    def _put_fault(self, name: str | bytes, line: dict[str, Any]) -> None:
+        parts = ("error", "code", "block", "name", "format", "position", "length")
+        values = [name, *(_stored(line.get(part)) for part in parts)]
+        self._database.execute(_INSERT_FAULT, values)
+
+
+class Tree:
+    """The scenes in folders and those below them, and files that are named.
+
+    Attributes:
+        files: their names, whole ones, without any twice; not all named ones need to be there.
+        unreadable: folders that cannot be listed, with the reason.
+    """
+
+    def __init__(self, roots: Iterable[str | os.PathLike[str]]) -> None:
+        self._roots = [os.path.abspath(os.fsencode(root)) for root in roots]
+        self.files: dict[bytes, None] = {}
+        self.unreadable: dict[bytes, str] = {}
+        for root in self._roots:
+            if os.path.isdir(root):
+                self._walk(root)
+            else:
+                self.files[root] = None
+
+    def covers(self, name: bytes) -> bool:
+        """Whether the name is one of the roots, or below one."""
+        return any(_is_below(name, root) for root in self._roots)
+
+    def hides(self, name: bytes) -> bool:
+        """Whether nobody can say if there is a file of that name."""
+        return any(_is_below(name, folder) for folder in self.unreadable)
+
+    def _walk(self, folder: bytes) -> None:
+        try:
+            entries = sorted(os.scandir(folder), key=lambda entry: entry.name)
+        except OSError as error:
+            self.unreadable[folder] = error.strerror
+            return
+        for entry in entries:
+            if entry.is_dir(follow_symlinks=False):
+                self._walk(entry.path)
+            elif entry.name.lower().endswith((b".oa", b".ob")):
+                self.files[entry.path] = None
+
+
+def _is_below(name: bytes, root: bytes) -> bool:
+    return name == root or name.startswith(root.rstrip(b"/") + b"/")
+
+
+def _identity(name: bytes) -> tuple[int, ...] | None:
+    """Which file that is and when it was changed last; None where there is none."""
+    try:
+        status = os.stat(name)
+    except OSError:
+        return None
+    numbers = (status.st_dev, status.st_ino, status.st_size, status.st_mtime_ns, status.st_ctime_ns)
+    return tuple(map(_number, numbers))
+
+
+def _portions(names: list[bytes], there: dict[bytes, tuple[int, ...]]) -> Iterator[list[bytes]]:
+    """The names in portions for one run of the tool each."""
+    portion: list[bytes] = []
+    size = 0
+    for name in names:
+        portion.append(name)
+        size += there[name][2]
+        if len(portion) == _FILES_AT_ONCE or size >= _BYTES_AT_ONCE:
+            yield portion
+            portion, size = [], 0
+    if portion:
+        yield portion
+
+
+def _stored(value: Any) -> Any:
+    """A text of a line as the database has it: as bytes where it is not UTF-8."""
+    return base64.b64decode(value["base64"]) if isinstance(value, dict) else value
+
+
+def _name_of(line: dict[str, Any]) -> Any:
+    return _stored(line["file"])
+
+
+def _as_bytes(stored: str | bytes) -> bytes:
+    return stored if isinstance(stored, bytes) else stored.encode()
+
+
+def _as_text(name: bytes) -> str | bytes:
+    try:
+        return name.decode()
+    except UnicodeDecodeError:
+        return name
+
+
+def _from_user(text: str | None) -> str | bytes | None:
+    return None if text is None else _as_text(text.encode(errors="surrogateescape"))
+
+
+def _number(value: Any) -> Any:
+    """A number as the database has it: beyond its range as 20 digits, which come after all numbers in its order."""
+    return f"{value:020}" if isinstance(value, int) and value >= 1 << 63 else value

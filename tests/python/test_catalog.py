@@ -1,0 +1,143 @@
+"""A catalogue says what is in the files, however they come and go."""
+
+import json
+import os
+import shutil
+import subprocess
+import sys
+
+import pytest
+from conftest import tool, write_scene
+
+import vumo
+from vumo import _catalog, _tool
+
+
+@pytest.fixture
+def show(tmp_path, monkeypatch):
+    """Three scenes, of which one has its own layout of a structure, and what is no scene."""
+    monkeypatch.setattr(_catalog, "_TIME_STEP", 0)  # all is changed and scanned within a second here
+    root = tmp_path / "show"
+    (root / "b").mkdir(parents=True)
+    for name in ("a.oa", "b/b.ob", os.fsdecode(b"b/\xff\n.ob")):
+        write_scene(tmp_path / f"new{name[-3:]}").rename(root / name)
+    text = (root / "a.oa").read_text()
+    assert "float=Weight" in text
+    (root / "a.oa").write_text(text.replace("float=Weight", "double=Weight"))
+    with vumo.open(root / "a.oa", "r+") as scene:
+        members = dict.fromkeys(("node", "key", "upath", "rpath", "roles"), str)
+        table = scene.create("").create("externalContentTable").create(
+            "v1.0", members, structure="externalContentTable", index_type="string")  # fmt: skip
+        for index, path in (("0", "b/b.ob"), ("1", "none.png")):
+            table.set_element(index, {"node": "Body", "key": "tex", "upath": path, "roles": "color;bump"})
+    (root / "bad.ob").write_bytes(b"no scene")
+    (root / "note.txt").write_bytes(b"no scene either")
+    return root
+
+
+def dump(catalog):
+    """All that the catalogue says, without its own numbers."""
+    queries = [catalog.files, catalog.streams, catalog.versions, catalog.orphans, catalog.missing_content, catalog.faults]
+    return [query() for query in queries] + [catalog.sql("SELECT * FROM all_members ORDER BY 1, 2, 3, 4, 5")]
+
+
+def test_queries_tell_what_the_files_hold(show, tmp_path):
+    with vumo.catalog(tmp_path / "c.sqlite") as catalog:
+        assert catalog.update(show) == _catalog.Update(files=4, scanned=4, changed=4, removed=0, faulty=1)
+        own, usual = (f"name=VertexWeight:{type}=Weight:bool=Locked" for type in ("double", "float"))
+        assert [tuple(row.values()) for row in catalog.conflicts()] == [
+            ("VertexWeight", usual, 2, 4),
+            ("VertexWeight", own, 1, 2),
+        ]
+        assert [(row["node"], row["elements"]) for row in catalog.streams(layout=own)] == [("Body", 4), ("Head", 4)]
+        files = [str(show / name) for name in ("a.oa", "b/b.ob", "b/\udcff\n.ob")]
+        assert [tuple(row.values()) for row in catalog.carriers("Body")] == [(file, 2) for file in files]
+        assert [(row["file"], row["code"]) for row in catalog.faults()] == [(str(show / "bad.ob"), 3)]
+        missing = catalog.missing_content()
+        assert [(row["unresolved_path"], json.loads(row["roles"])) for row in missing] == [("none.png", ["bump", "color"])]
+        query = "SELECT member, least, greatest FROM all_members WHERE file = ? AND least NOT NULL ORDER BY stream"
+        assert [tuple(row.values()) for row in catalog.sql(query, files[:1])] == [
+            ("Revision", "18446744073709551615", "18446744073709551615"),
+            ("Offset", -2.5, 0.125),
+            ("Weight", 0, 1),
+            ("Weight", 0, 1),
+        ]
+        assert catalog.streams().to_frame()["elements"].sum() == 3 * (1 + 2 + 4 + 4) + 2
+
+
+def test_an_updated_catalogue_is_as_a_new_one(show, tmp_path):
+    with vumo.catalog(tmp_path / "c.sqlite") as catalog:
+        catalog.update(show)
+        assert catalog.update([show]).scanned == 0
+        with vumo.open(show / "a.oa", "r+") as scene:
+            scene["Body"]["vertex"]["weights"]["Weight"][0] = 7
+            del scene["Body"]["edge"], scene["Head"]
+        os.utime(show / "b/b.ob", ns=(1, 1))
+        (show / os.fsdecode(b"b/\xff\n.ob")).unlink()
+        shutil.copy(show / "b/b.ob", show / "bad.ob")
+        (show / "c").mkdir()
+        shutil.copy(show / "a.oa", show / "c/c.OA")
+        (show / "d.ob").symlink_to("nowhere")
+        done = catalog.update(show, workers=2)
+        assert (done.files, done.scanned, done.changed, done.removed, done.faulty) == (4, 4, 3, 1, 1)
+        with vumo.catalog(tmp_path / "new.sqlite") as new:
+            new.update(show)
+            assert dump(catalog) == dump(new)
+        shutil.rmtree(show)
+        assert catalog.update(show).removed == 4
+        assert [len(rows) for rows in dump(catalog)] == [0, 0, 0, 0, 0, 1, 0]
+        assert catalog.sql("SELECT (SELECT count(*) FROM members) + (SELECT count(*) FROM nodes) AS n")[0]["n"] == 0
+
+
+def test_an_update_that_was_interrupted_goes_on(show, tmp_path, monkeypatch):
+    scan = _tool.scan
+    runs = []
+
+    def scan_once(names):
+        runs.append(names)
+        if len(runs) == 3:
+            raise KeyboardInterrupt
+        return scan(names)
+
+    monkeypatch.setattr(_catalog, "_FILES_AT_ONCE", 1)
+    monkeypatch.setattr(_tool, "scan", scan_once)
+    with vumo.catalog(tmp_path / "c.sqlite") as catalog:
+        with pytest.raises(KeyboardInterrupt):
+            catalog.update(show)
+        found = len(catalog.files())
+        assert 0 < found < 4
+        assert catalog.update(show).scanned == 4 - found
+
+
+def test_a_file_that_stops_the_tool_is_a_fault_of_its_own(show, tmp_path, monkeypatch):
+    """A tool that falls over one file."""
+    broken = tmp_path / "vumo"
+    real = _tool.program()
+    broken.write_text(f'#!/bin/sh\nfiles=$(tr "\\0" "|")\ncase $files in *bad.ob*) kill -9 $$;; esac\n'
+                      f'printf %s "$files" | tr "|" "\\0" | {real} "$@"\n')  # fmt: skip
+    broken.chmod(0o755)
+    monkeypatch.setattr(_tool, "program", lambda: str(broken))
+    with vumo.catalog(tmp_path / "c.sqlite") as catalog:
+        assert catalog.update(show).faulty == 1
+        assert len(catalog.files()) == 3
+        assert [row["error"] for row in catalog.faults()] == ["vumo stopped in the middle of it"]
+
+
+def test_the_catalogue_is_fed_with_lines_and_asked_on_the_command_line(show, tmp_path):
+    database = tmp_path / "c.sqlite"
+    lines = tool("scan", show / "a.oa", show / "b/b.ob").splitlines()
+
+    def ask(*words):
+        command = [sys.executable, "-m", "vumo", "catalog", database, *words]
+        return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout
+
+    with vumo.catalog(database) as catalog:
+        assert catalog.add_lines(lines) == 2
+        assert catalog.add_lines(lines) == 0
+        with pytest.raises(ValueError):
+            catalog.add_lines(["{"])
+    assert ask("carriers", "Body") == f"file\tstreams\n{show}/a.oa\t2\n{show}/b/b.ob\t2\n"
+    rows = [json.loads(line) for line in ask("streams", "--node", "Head", "--json").splitlines()]
+    assert [row["file"] for row in rows] == [f"{show}/a.oa", f"{show}/b/b.ob"]
+    assert ask("update", str(show), "--workers", "2") == "files=4 scanned=4 changed=2 removed=0 faulty=1\n"
+    assert ask("sql", "SELECT count(*) AS n FROM files") == "n\n4\n"
