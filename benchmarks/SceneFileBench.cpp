@@ -120,25 +120,31 @@ Side nodesReading(const std::shared_ptr<const SceneFile>& file, std::uint64_t ex
     return {round, expected};
 }
 
-/// The bytes of the file, and beside them the texts of as many nodes and of their structure.
+/// The bytes of the file, into a buffer that is made for them as the library's is, and beside them the texts of as many
+/// nodes and of their structure.
 Side partsReading(const std::shared_ptr<const SceneFile>& file, const std::string& text, std::size_t nodes,
                   std::uint64_t expected)
 {
-    const auto round = [file, text, nodes](Stopwatch& watch) {
-        std::string bytes(file->metadataSize(), '\0');
-        std::istringstream structure(recordStructureText());
-        std::vector<std::istringstream> texts;
-        for (std::size_t i = 0; i < nodes; ++i)
-            texts.emplace_back(text);
+    // Made once: allocations of this size make the allocator tidy up, which would then be done before the watch runs.
+    const auto texts = std::make_shared<std::vector<std::istringstream>>();
+    texts->emplace_back(recordStructureText());
+    for (std::size_t i = 0; i < nodes; ++i)
+        texts->emplace_back(text);
+    const auto round = [file, texts](Stopwatch& watch) {
+        for (std::istringstream& in : *texts)
+        {
+            in.clear();
+            in.seekg(0);
+        }
         std::vector<std::unique_ptr<Associations>> read;
-        read.reserve(nodes);
         watch.time([&] {
             const int descriptor = open(file->name().c_str(), O_RDONLY);
+            std::string bytes(file->metadataSize(), '\0');
             readTail(descriptor, bytes);
             close(descriptor);
-            readRawStructure(structure);
-            for (std::istringstream& in : texts)
-                read.push_back(readRaw(in));
+            readRawStructure(texts->front());
+            for (std::size_t i = 1; i < texts->size(); ++i)
+                read.push_back(readRaw((*texts)[i]));
         });
         std::vector<std::uint64_t> digests;
         for (const std::unique_ptr<Associations>& associations : read)

@@ -79,13 +79,6 @@ bool findValue(std::string_view statement, std::string& format, std::string_view
     return true;
 }
 
-/// Undoes the escapes of a value. False when it is none, as another statement begins in it.
-bool unescape(std::string_view value, std::string& text)
-{
-    text = value;
-    return unescapeValue(text, 0, text.size());
-}
-
 /// Says whether the name line of a statement that has lost its ";" holds another one, outside of double quotes: it
 /// begins another statement, which would be lost with the metadata that is replaced.
 bool hasMoreStatements(std::string_view line)
@@ -173,7 +166,7 @@ private:
     {
         std::string_view value;
         std::string unescaped;
-        const bool hasValue = findValue(text, block.format, value) && unescape(value, unescaped);
+        const bool hasValue = findValue(text, block.format, value) && unescapeValue(value, unescaped);
         const std::size_t number = mRead.add(std::move(block));
         if (hasValue)
             mRead.readStructure(number, unescaped);
@@ -191,7 +184,7 @@ private:
         const bool isWanted = hasName && mRead.wantsAssociations(number);
         // Without a ";" nothing can begin another statement; that is sooner seen than the escapes are undone.
         const bool isPlain = !isWanted && (!mRead.keepsUnread() || value.find(';') == std::string_view::npos);
-        const bool isWhole = hasValue && (isPlain || unescape(value, unescaped));
+        const bool isWhole = hasValue && (isPlain || unescapeValue(value, unescaped));
         if (!hasName)
             mRead.refuseBlock(number, "Could not find Associations name.");
         else if (!isWhole && (isWanted || mRead.keepsUnread()))

@@ -1,13 +1,15 @@
 #include "vumo/accessor/detail/AsciiText.h"
 
 #include "vumo/accessor/detail/PlainBytes.h"
+#include "vumo/foundation/detail/CharacterWord.h"
 #include "vumo/foundation/detail/Characters.h"
 
 #include <algorithm>
 #include <array>
+#include <climits>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
-#include <iterator>
 
 namespace vumo::Data::detail
 {
@@ -24,158 +26,195 @@ constexpr Escape kEscapes[] = {{'\a', 'a'}, {'\b', 'b'}, {'\t', 't'},  {'\n', 'n
 
 constexpr std::size_t kOctalDigits = 3;
 
-/// Says for each byte whether it stands for itself in a value, escaped or not, unless inside a longer character.
-constexpr std::array<bool, 256> bytesThatStay()
+/// For each character its partner in an escape, and zero where there is none.
+constexpr std::array<char, 256> partners(char Escape::*from, char Escape::*to)
 {
-    std::array<bool, 256> result = {};
-    for (std::size_t code = 0; code < result.size(); ++code)
-    {
-        const char byte = static_cast<char>(code);
-        result[code] = isPlainByte(byte) && !isControl(byte) && byte != '\\' && byte != '"';
-    }
+    std::array<char, 256> result = {};
+    for (const Escape& escape : kEscapes)
+        result[static_cast<unsigned char>(escape.*from)] = escape.*to;
     return result;
 }
 
-constexpr std::array<bool, 256> kBytesThatStay = bytesThatStay();
+constexpr std::array<char, 256> kLetters = partners(&Escape::character, &Escape::letter);
+constexpr std::array<char, 256> kCharacters = partners(&Escape::letter, &Escape::character);
 
-/// Walks a text by characters of the current locale's encoding. A byte that is no part of one stands alone.
-class Characters
+/// Up to eight bytes of a text at once: there are four escapes in the 80 bytes of a usual record, and to look at one
+/// byte after the other takes half as long again.
+struct ByteWord
 {
-public:
-    /// Borrows the text, which may change in front of the position.
-    Characters(const char* begin, const char* end) : mNext(begin), mEnd(end) {}
+    static constexpr std::size_t kSize = 8;
 
-    bool atEnd() const { return mNext == mEnd; }
-    const char* position() const { return mNext; }
-    std::size_t left() const { return static_cast<std::size_t>(mEnd - mNext); }
-
-    /// Steps over all characters that stay as they are, up to the next one to be looked at.
-    void stepOverWhatStays()
+    /// Takes up to eight bytes of those that are left; zeros stand for those that are missing.
+    ByteWord(const char* text, std::size_t left)
     {
-        while (mNext != mEnd && kBytesThatStay[static_cast<unsigned char>(*mNext)])
-            ++mNext;
+        char last[kSize] = {};
+        if (left < kSize)
+            text = static_cast<char*>(std::memcpy(last, text, left));
+        bytes = loadCharacters(text);
     }
 
-    /// Says whether there was a byte beyond ASCII that is no part of a character.
-    bool hasStrayBytes() const { return mHasStrayBytes; }
-
-    /// The length in bytes of the character at the position, at least 1, which is stepped over.
-    std::size_t step()
+    /// How many of them, up to the first that does not, stand for themselves in a value, escaped or not, wherever they
+    /// are no part of a longer character: not a byte beyond ASCII, a control character, a quote or a backslash.
+    std::size_t countThatStay() const
     {
-        std::size_t length = isPlainByte(*mNext) ? 1 : std::mbrtowc(nullptr, mNext, left(), &mState);
-        constexpr auto kIncomplete = static_cast<std::size_t>(-2); // -1, the one above it, means: no character
-        if (length == 0 || length >= kIncomplete)
-        {
-            length = 1;
-            mHasStrayBytes = true;
-            mState = std::mbstate_t();
-        }
-        mNext += length;
-        return length;
+        const auto isBelow = [this](std::uint64_t limit) { return (bytes - kOnes * limit) & ~bytes; };
+        const auto is = [this](unsigned char character) {
+            const std::uint64_t others = bytes ^ (kOnes * character);
+            return (others - kOnes) & ~others;
+        };
+        // What is borrowed from a byte is wrong only for those after it, which no longer matter.
+        const std::uint64_t found = (bytes | isBelow(' ') | is('"') | is('\\') | is(0x7F)) & (kOnes * 0x80);
+        return found == 0 ? kSize : static_cast<std::size_t>(__builtin_ctzll(found)) / CHAR_BIT;
     }
 
-    void skip(std::size_t bytes) { mNext += bytes; }
+    static constexpr std::uint64_t kOnes = 0x0101010101010101;
 
-private:
-    const char* mNext;
-    const char* mEnd;
-    std::mbstate_t mState{};
-    bool mHasStrayBytes = false;
+    std::uint64_t bytes;
 };
-
-void appendEscaped(std::string& result, char character)
-{
-    const auto* const known = std::find_if(std::begin(kEscapes), std::end(kEscapes),
-                                           [&](const Escape& escape) { return escape.character == character; });
-    const auto code = static_cast<unsigned char>(character);
-    if (known != std::end(kEscapes))
-    {
-        result += '\\';
-        result += known->letter;
-    }
-    else if (isControl(character))
-    {
-        result += '\\';
-        for (int shift = 6; shift >= 0; shift -= 3)
-            result += static_cast<char>('0' + ((code >> shift) & 7));
-    }
-    else
-        result += character;
-}
 
 bool isOctalDigit(char character)
 {
     return character >= '0' && character <= '7';
 }
 
-/// Finds what the escape that goes on at `next`, after its backslash, stands for. Returns its length there in bytes;
-/// 0 when there is no such escape.
-std::size_t unescape(const char* next, std::size_t left, char& character)
+/// Finds what the escape that goes on at `next`, after its backslash, stands for. Returns its length there in bytes; 0,
+/// with `character` as it was, when there is no such escape.
+std::size_t unescape(const char* next, const char* end, char& character)
 {
-    if (left == 0)
+    if (next == end)
         return 0;
-    const auto* const known = std::find_if(std::begin(kEscapes), std::end(kEscapes),
-                                           [&](const Escape& escape) { return escape.letter == *next; });
-    if (known != std::end(kEscapes))
+    const char known = kCharacters[static_cast<unsigned char>(*next)];
+    if (known != '\0')
     {
-        character = known->character;
+        character = known;
         return 1;
     }
     // More than \377 is no byte.
-    if (left < kOctalDigits || *next > '3' || !std::all_of(next, next + kOctalDigits, isOctalDigit))
+    const bool isOctal = static_cast<std::size_t>(end - next) >= kOctalDigits && *next <= '3' &&
+                         std::all_of(next, next + kOctalDigits, isOctalDigit);
+    if (!isOctal)
         return 0;
     character = static_cast<char>((next[0] - '0') << 6 | (next[1] - '0') << 3 | (next[2] - '0'));
     return kOctalDigits;
 }
+
+/// Finds out how long characters are in the current locale's encoding. A byte that is no part of one stands alone.
+class CharacterLengths
+{
+public:
+    /// The length in bytes of the character at `next`, which is before the end: at least 1. To be asked for one after
+    /// the other; only those that copyWhatStays() copies may be left out.
+    std::size_t at(const char* next, const char* end)
+    {
+        const std::size_t length =
+            isPlainByte(*next) ? 1 : std::mbrtowc(nullptr, next, static_cast<std::size_t>(end - next), &mState);
+        constexpr auto kIncomplete = static_cast<std::size_t>(-2); // -1, the one above it, means: no character
+        if (length > 0 && length < kIncomplete)
+            return length;
+        mHasStrayBytes = true;
+        mState = std::mbstate_t();
+        return 1;
+    }
+
+    /// Says whether there was a byte beyond ASCII that is no part of a character.
+    bool hasStrayBytes() const { return mHasStrayBytes; }
+
+private:
+    std::mbstate_t mState{};
+    bool mHasStrayBytes = false;
+};
+
+/// Copies as many of the next eight characters as stay as they are, and returns how many. What comes after them at
+/// `out` takes the room of eight. If they are less, and the end is not reached, then the next character is to be looked
+/// at.
+std::size_t copyWhatStays(const char* next, const char* end, char* out)
+{
+    const ByteWord word(next, static_cast<std::size_t>(end - next));
+    storeCharacters(out, word.bytes);
+    return word.countThatStay();
+}
+
+char* putEscaped(char* out, char character)
+{
+    const auto code = static_cast<unsigned char>(character);
+    if (kLetters[code] == 0 && !isControl(character))
+    {
+        *out = character;
+        return out + 1;
+    }
+    *out++ = '\\';
+    if (kLetters[code] != 0)
+        *out++ = kLetters[code];
+    else
+    {
+        for (int shift = 6; shift >= 0; shift -= 3)
+            *out++ = static_cast<char>('0' + ((code >> shift) & 7));
+    }
+    return out;
+}
+
 } // namespace
 
 bool appendEscapedValue(const std::string& text, std::string& out)
 {
+    constexpr std::size_t kRoom = ByteWord::kSize + MB_LEN_MAX; // a step of the loop puts no more
+    char chunk[1024];
+    char* put = chunk;
     const std::string::size_type begin = out.size();
-    Characters characters(text.data(), text.data() + text.size());
-    while (!characters.atEnd())
+    const char* next = text.data();
+    const char* const end = next + text.size();
+    CharacterLengths lengths;
+    while (next != end)
     {
-        const char* const kept = characters.position();
-        characters.stepOverWhatStays();
-        const char* const next = characters.position();
-        out.append(kept, next);
-        const std::size_t length = characters.atEnd() ? 0 : characters.step();
-        if (length == 1)
-            appendEscaped(out, *next);
-        else
-            out.append(next, length);
+        if (static_cast<std::size_t>(chunk + sizeof(chunk) - put) < kRoom)
+        {
+            out.append(chunk, put);
+            put = chunk;
+        }
+        const std::size_t count = copyWhatStays(next, end, put);
+        put += count;
+        next += count;
+        if (count == ByteWord::kSize || next == end)
+            continue;
+        const std::size_t length = lengths.at(next, end);
+        put = length == 1 ? putEscaped(put, *next) : std::copy_n(next, length, put);
+        next += length;
     }
-    if (!characters.hasStrayBytes())
+    out.append(chunk, put);
+    if (!lengths.hasStrayBytes())
         return true;
     // Only a stray byte can join the backslash of an escape to a longer character, so only then it is worth a look.
-    std::string readBack = out.substr(begin);
-    unescapeValue(readBack, 0, readBack.size());
+    std::string readBack;
+    unescapeValue(std::string_view(out).substr(begin), readBack);
     return readBack == text;
 }
 
-bool unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end)
+bool unescapeValue(std::string_view value, std::string& text)
 {
-    char* out = text.data(); // never past what is read: an escape is longer than its character
+    text.resize(value.size() + ByteWord::kSize); // an escape is longer than its character
+    char* out = text.data();
+    const char* next = value.data();
+    const char* const end = next + value.size();
+    CharacterLengths lengths;
     bool isOutside = false;
     bool isOneStatement = true;
-    for (Characters characters(out + begin, out + end); !characters.atEnd();)
+    while (next != end)
     {
-        const char* const kept = characters.position();
-        characters.stepOverWhatStays();
-        const char* const next = characters.position();
-        const std::size_t length = characters.atEnd() ? 0 : characters.step();
-        char character = '\0';
-        if (isOutside && std::find(kept, next, ';') != next)
+        const std::size_t count = copyWhatStays(next, end, out);
+        if (isOutside && std::find(next, next + count, ';') != next + count)
             isOneStatement = false;
-        isOutside = isOutside != (length == 1 && *next == '"');
-        const bool isEscape = length == 1 && *next == '\\';
-        const std::size_t escape = isEscape ? unescape(characters.position(), characters.left(), character) : 0;
-        const std::size_t copied = static_cast<std::size_t>(next - kept) + (escape == 0 ? length : 0);
-        std::memmove(out, kept, copied);
-        out += copied;
-        if (escape > 0)
-            *out++ = character;
-        characters.skip(escape);
+        out += count;
+        next += count;
+        if (count == ByteWord::kSize || next == end)
+            continue;
+        const std::size_t length = lengths.at(next, end);
+        const char character = *next;
+        isOutside = isOutside != (length == 1 && character == '"');
+        out = length == 1 ? std::fill_n(out, 1, character) : std::copy_n(next, length, out);
+        next += length;
+        // The character takes the place of its backslash.
+        if (length == 1 && character == '\\')
+            next += unescape(next, end, out[-1]);
     }
     text.resize(static_cast<std::size_t>(out - text.data()));
     return isOneStatement;
@@ -183,24 +222,24 @@ bool unescapeValue(std::string& text, std::string::size_type begin, std::string:
 
 std::size_t escapedPosition(std::string_view value, std::size_t position)
 {
-    const char* const begin = value.data();
-    Characters characters(begin, begin + value.size());
-    while (!characters.atEnd())
+    char unused[ByteWord::kSize];
+    const char* next = value.data();
+    const char* const end = next + value.size();
+    CharacterLengths lengths;
+    while (next != end)
     {
-        const char* const kept = characters.position();
-        characters.stepOverWhatStays();
-        const char* const next = characters.position();
-        const std::size_t length = characters.atEnd() ? 0 : characters.step();
-        char ignored = '\0';
-        const bool isEscape = length == 1 && *next == '\\';
-        const std::size_t escape = isEscape ? unescape(characters.position(), characters.left(), ignored) : 0;
-        const bool isInLineEnd = length == 1 && *next == '\r' && !characters.atEnd() && *characters.position() == '\n';
-        // An escape gives one byte, too.
-        const std::size_t same = static_cast<std::size_t>(next - kept) + (isInLineEnd ? 0 : length);
+        const std::size_t count = copyWhatStays(next, end, unused);
+        const char* const last = next + count;
+        const std::size_t length = count == ByteWord::kSize || last == end ? 0 : lengths.at(last, end);
+        const bool isEscape = length == 1 && *last == '\\';
+        const bool isInLineEnd = length == 1 && *last == '\r' && last + 1 != end && last[1] == '\n';
+        const std::size_t same = count + (isInLineEnd ? 0 : length); // an escape gives one byte, too
         if (position < same)
-            return static_cast<std::size_t>(kept - begin) + position;
+            return static_cast<std::size_t>(next - value.data()) + position;
         position -= same;
-        characters.skip(escape);
+        next = last + length;
+        if (isEscape)
+            next += unescape(next, end, unused[0]);
     }
     return value.size();
 }

@@ -13,11 +13,11 @@ namespace vumo::Data::detail
 /// together with the backslash of an escape.
 bool appendEscapedValue(const std::string& text, std::string& out);
 
-/// Undoes that in one pass, in place, for what stands between two positions in the text, and cuts off all else. An
-/// unknown escape keeps both of its characters, and a quote without one stays.
+/// Makes `text` what the value is without those escapes. An unknown escape keeps both of its characters, and a quote
+/// without one stays.
 ///
 /// False when such quotes end the value before a ";": what follows is another statement.
-bool unescapeValue(std::string& text, std::string::size_type begin, std::string::size_type end);
+bool unescapeValue(std::string_view value, std::string& text);
 
 /// Where the byte stands in a value, with its escapes, that gives the one at `position` in the text without them, and
 /// without the carriage returns at the ends of lines.

@@ -1,6 +1,6 @@
 #include "vumo/foundation/detail/NumberFormat.h"
 
-#include "vumo/foundation/detail/ByteOrder.h"
+#include "vumo/foundation/detail/CharacterWord.h"
 #include "vumo/foundation/detail/DecimalDigits.h"
 
 #include <algorithm>
@@ -94,13 +94,7 @@ struct DigitOctet
         text = ones + 0x3030'3030'3030'3030;       // zeros as characters
     }
 
-    void put(char* out, int from) const
-    {
-        std::uint64_t rest = text >> (8 * from);
-        if constexpr (!kIsLittleEndian)
-            rest = __builtin_bswap64(rest);
-        std::memcpy(out, &rest, sizeof(rest));
-    }
+    void put(char* out, int from) const { storeCharacters(out, text >> (8 * from)); }
 
     std::uint64_t text;
     int count;

@@ -1,6 +1,6 @@
 #include "vumo/foundation/detail/PlainNumber.h"
 
-#include "vumo/foundation/detail/ByteOrder.h"
+#include "vumo/foundation/detail/CharacterWord.h"
 
 #include <cfloat>
 #include <cstddef>
@@ -41,7 +41,7 @@ struct Octet
 {
     static constexpr std::ptrdiff_t kSize = 8;
 
-    explicit Octet(const char* text) { std::memcpy(&bytes, text, sizeof(bytes)); }
+    explicit Octet(const char* text) : bytes(loadCharacters(text)) {}
 
     /// How many of them are digits, up to the first that is none.
     std::ptrdiff_t digitCount() const
@@ -77,7 +77,7 @@ struct Octet
 /// Appends the digits to the integer.
 inline const char* scanDigits(const char* at, const char* end, std::uint64_t& integer)
 {
-    if (kIsLittleEndian && end - at >= Octet::kSize)
+    if (end - at >= Octet::kSize)
     {
         const Octet octet(at);
         const std::ptrdiff_t count = octet.digitCount();
