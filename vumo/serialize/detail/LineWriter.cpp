@@ -1,9 +1,30 @@
 #include "vumo/serialize/detail/LineWriter.h"
 
 #include "vumo/foundation/detail/Quoted.h"
+#include "vumo/foundation/detail/StringOutput.h"
+
+#include <typeinfo>
 
 namespace vumo::Data::detail
 {
+namespace
+{
+/// Says whether nobody sees when a line arrives: there is nothing to flush, and no code of others to be called.
+bool isUnwatched(const std::ostream& out)
+{
+    const std::streambuf* const buffer = out.rdbuf();
+    return buffer && typeid(*buffer) == typeid(StringBuffer) && !out.tie();
+}
+} // namespace
+
+LineWriter::LineWriter(std::ostream& out, Messages& messages, const LineOwner& owner, eUse use)
+    : mOut(out),
+      mMessages(messages),
+      mOwner(owner),
+      mGathers(use == kAlone && isUnwatched(out))
+{
+}
+
 void LineWriter::write(std::string_view line)
 {
     mLine.append(line);
@@ -23,11 +44,22 @@ void LineWriter::writeName(const char* keyword, const char* what, const std::str
 
 void LineWriter::endLine()
 {
+    constexpr std::size_t kPiece = 4096;
     mLine.append('\n');
+    ++mRecord;
+    mBegin = mLine.text().size();
+    if (!mGathers || mBegin >= kPiece)
+        finish();
+}
+
+void LineWriter::finish()
+{
+    if (mLine.empty())
+        return;
     mOut.write(mLine.text().data(), static_cast<std::streamsize>(mLine.text().size()));
     mOut.flush(); // whoever reads along gets whole lines
     mLine.clear();
-    ++mRecord;
+    mBegin = 0;
 }
 
 void LineWriter::refuse(const std::string& subject, const std::string& fault)

@@ -40,7 +40,7 @@ bool isExactly(Index& index, const std::string& type)
 StreamWriter::StreamWriter(const Stream& stream, std::ostream& out, const std::string* channel)
     : mStream(stream),
       mOut(out),
-      mLines(out, mMessages, {&stream.name(), channel}),
+      mLines(out, mMessages, {&stream.name(), channel}, LineWriter::kAlone),
       mFormat(out)
 {
 }
@@ -50,6 +50,7 @@ int StreamWriter::write(std::string& errors)
     writeHeader();
     writeElements();
     mLines.write(SerializerRaw::keyword(SerializerRaw::kEndStream));
+    mLines.finish();
     if (!mOut)
         mMessages.add("Error in stream while writing.");
     return mMessages.report("Stream may not be written correctly", errors);
