@@ -14,6 +14,7 @@ namespace
 {
 constexpr char kNode[] = "Body";
 constexpr unsigned int kVertices = 50'000;
+constexpr unsigned int kFewVertices = 8;
 
 bool isAscii(const std::string& name)
 {
@@ -38,7 +39,7 @@ void SceneFile::writeScene(std::uint64_t geometrySize) const
 {
     example::Scene scene;
     scene.mNodes = {"World", kNode};
-    scene.mVerticesPerNode = kVertices;
+    scene.mVerticesPerNode = geometrySize > 0 ? kVertices : kFewVertices;
     scene.mHoleSize = geometrySize;
     scene.mTrailer = example::cameraChunk() + example::pluginChunk();
     std::ofstream file(name(), std::ios::binary | std::ios::trunc);

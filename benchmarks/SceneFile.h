@@ -12,7 +12,7 @@
 namespace bench
 {
 /// A scene file in the directory for temporary files with the records as metadata of one node, removed with the
-/// object. The geometry of a binary scene is a hole that takes no space.
+/// object. The geometry of a binary scene is a hole that takes no space; without one the scene is a small one.
 class SceneFile
 {
 public:

@@ -7,6 +7,7 @@
 #include "benchmarks/MemoryBench.h"
 #include "benchmarks/ScaleBench.h"
 #include "benchmarks/SceneFileBench.h"
+#include "benchmarks/SceneScaleBench.h"
 #include "benchmarks/TagBench.h"
 #include "benchmarks/TextBench.h"
 #include "benchmarks/VectorBench.h"
@@ -33,6 +34,11 @@ constexpr int kCounted = 1;
 /// Two sizes of a hostile input.
 constexpr std::size_t kMany = 1'000'000;
 constexpr std::size_t kFew = kMany / 8;
+
+/// Large scenes.
+constexpr std::size_t kNodes = 100'000;
+constexpr std::size_t kStructures = 1'000;
+constexpr std::size_t kFiles = 10'000;
 
 const std::vector<Workload> kWorkloads = {
     {"text/write/mapped/loop", "text written, mapped", "loop with own digits", kTime, 1.1, 1.0, kRounds,
@@ -148,6 +154,28 @@ const std::vector<Workload> kWorkloads = {
     {"scale/dense/set", "dense: setElement, 1M", "itself, 10k", kTime, 1.3, 1.1, kRounds, compareDenseSetAtScale},
     {"scale/oa/read", ".oa read, 32 MB of metadata", "itself, 1 MB", kTime, 1.15, 1.05, kRounds,
      compareAsciiFileReadingAtScale},
+    {"scale/scene/records/read", ".ob read, 1M records in one node", "itself, 100k", kTime, 1.3, 1.1, kFewRounds,
+     [](Comparison& c) { compareSceneReading(c, recordsOfOneNode, kMany); }},
+    {"scale/scene/records/write", ".ob write, 1M records in one node", "itself, 100k", kTime, 1.3, 1.1, kFewRounds,
+     [](Comparison& c) { compareSceneWriting(c, recordsOfOneNode, kMany); }},
+    {"scale/scene/records/memory", ".ob read, 1M records in one node: peak", "itself, 100k", kBytes, 1.1, 1.0, kCounted,
+     [](Comparison& c) { compareSceneMemory(c, recordsOfOneNode, kMany); }},
+    {"scale/scene/nodes/read", ".ob read, 100k nodes of 10 records", "itself, 10k", kTime, 1.3, 1.1, kFewRounds,
+     [](Comparison& c) { compareSceneReading(c, nodesOfTenRecords, kNodes); }},
+    {"scale/scene/nodes/write", ".ob write, 100k nodes of 10 records", "itself, 10k", kTime, 1.3, 1.1, kFewRounds,
+     [](Comparison& c) { compareSceneWriting(c, nodesOfTenRecords, kNodes); }},
+    {"scale/scene/nodes/memory", ".ob read, 100k nodes of 10 records: peak", "itself, 10k", kBytes, 1.1, 1.0, kCounted,
+     [](Comparison& c) { compareSceneMemory(c, nodesOfTenRecords, kNodes); }},
+    {"scale/scene/structures/read", ".ob read, 1,000 structures", "itself, 100", kTime, 1.3, 1.1, kRounds,
+     [](Comparison& c) { compareSceneReading(c, structuresOfTenRecords, kStructures); }},
+    {"scale/scene/structures/write", ".ob write, 1,000 structures", "itself, 100", kTime, 1.3, 1.1, kRounds,
+     [](Comparison& c) { compareSceneWriting(c, structuresOfTenRecords, kStructures); }},
+    {"scale/scene/structures/memory", ".ob read, 1,000 structures: peak", "itself, 100", kBytes, 1.1, 1.0, kCounted,
+     [](Comparison& c) { compareSceneMemory(c, structuresOfTenRecords, kStructures); }},
+    {"scale/scene/files/read", "10k .ob files of 10 records read", "itself, 1k", kTime, 1.3, 1.1, kFewRounds,
+     [](Comparison& c) { compareFilesReading(c, kFiles); }},
+    {"scale/scene/files/memory", "10k .ob files of 10 records read: peak", "itself, 1k", kBytes, 1.1, 1.0, kCounted,
+     [](Comparison& c) { compareFilesMemory(c, kFiles); }},
     {"scale/ob/journal", ".ob write with a journal, 4 GiB scene", "itself, 1 MiB scene", kTime, 0, 0, kManyRounds,
      compareJournalAtScale},
 
