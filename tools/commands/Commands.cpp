@@ -4,7 +4,7 @@
 
 void addCommands(Session& session)
 {
-    for (const auto add : {addLs, addShow, addGet, addScan, addExport, addSet, addRm, addCp, addMv, addApply, addImport,
-                           addContent, addRecover})
+    for (const auto add : {addLs, addShow, addGet, addCheck, addScan, addDiff, addExport, addFormats, addSet, addRm,
+                           addCp, addMv, addApply, addImport, addContent, addRecover})
         add(session);
 }

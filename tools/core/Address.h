@@ -24,6 +24,7 @@ struct Selection
     std::vector<std::string> channels;
     std::vector<std::string> streams;
 
+    bool isAll() const { return nodes.empty() && channels.empty() && streams.empty(); }
     bool passes(const std::string& node, const std::string& channel, const std::string& stream) const;
 
     static bool passes(const std::vector<std::string>& patterns, const std::string& name);

@@ -171,6 +171,16 @@ eExitCode forEachFile(Session& session, const Batch& batch, const FileWork& work
     return Work(session, batch, work).run();
 }
 
+eExitCode once(Session& session, const FileWork& work)
+{
+    JsonObject json;
+    Job job{session, "", session.out(), session.isJson() ? &json : nullptr};
+    const eExitCode code = work(job);
+    if (session.isJson())
+        session.out() << json.text() << '\n';
+    return code;
+}
+
 eExitCode forEachFile(Session& session, const FileWork& work)
 {
     Batch batch;

@@ -35,3 +35,6 @@ eExitCode forEachFile(Session& session, const Batch& batch, const FileWork& work
 
 /// The same for the files of the session, one after the other.
 eExitCode forEachFile(Session& session, const FileWork& work);
+
+/// Does work that is not about one file each.
+eExitCode once(Session& session, const FileWork& work);

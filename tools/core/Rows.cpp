@@ -28,11 +28,14 @@ void Rows::add(const std::vector<Cell>& cells)
             object.addText(mColumns[i], *text);
             row.push_back(escaped(*text));
         }
+        else if (const std::uint64_t* const number = std::get_if<std::uint64_t>(&cells[i]))
+        {
+            object.add(mColumns[i], *number);
+            row.push_back(std::to_string(*number));
+        }
         else
         {
-            const std::uint64_t number = std::get<std::uint64_t>(cells[i]);
-            object.add(mColumns[i], number);
-            row.push_back(std::to_string(number));
+            row.emplace_back();
         }
     }
     if (mJob.json)

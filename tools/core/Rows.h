@@ -3,6 +3,7 @@
 #include "core/Batch.h"
 #include "core/Lines.h"
 
+#include <cstdint>
 #include <string>
 #include <variant>
 #include <vector>
@@ -11,7 +12,8 @@
 class Rows
 {
 public:
-    using Cell = std::variant<std::string, std::uint64_t>;
+    /// Nothing is an empty cell, and no member of an object.
+    using Cell = std::variant<std::monostate, std::string, std::uint64_t>;
 
     /// Borrows the job. The columns are keys of the objects and titles of the lines; the array is a member of the job's
     /// object.

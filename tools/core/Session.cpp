@@ -117,6 +117,11 @@ void Session::addBatch(CLI::App& command)
         ->type_name("FILE");
     command.add_flag("-0,--null", mEndsWithZero, "such names, and values that are printed, end with a zero byte");
     command.add_flag("--fail-fast", mIsFailFast, "stop at the first file that fails");
+    addLockWait(command);
+}
+
+void Session::addLockWait(CLI::App& command)
+{
     command.add_option("--lock-wait", mLockWait, "wait so long for others who write to a file")
         ->check(CLI::Range(0.0, 4.0e6).description(""))
         ->type_name("SECONDS");

@@ -43,6 +43,7 @@ public:
     static void addList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const char* type,
                         const char* description);
 
+    void addLockWait(CLI::App& command);
     void addSelection(CLI::App& command);
     void addJson(CLI::App& command);
     void addSaving(CLI::App& command);

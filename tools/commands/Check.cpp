@@ -1,0 +1,237 @@
+#include "commands/Commands.h"
+#include "core/BlockText.h"
+#include "core/ExternalContent.h"
+#include "core/Rows.h"
+#include "core/SceneFile.h"
+#include "core/Text.h"
+#include "vumo/accessor/AccessorOvri.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cctype>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <tuple>
+
+using namespace vumo::Data;
+
+namespace
+{
+struct Rule
+{
+    const char* code;
+    const char* name;
+    const char* finding;
+};
+
+constexpr Rule kContainer = {"V01", "container", "the file is no scene of its kind, or its end is damaged"};
+constexpr Rule kUndoRecord = {"V02", "undo-record",
+                              "a save was interrupted; nothing else is looked at before it is repaired"};
+constexpr Rule kUnreadable = {"V03", "unreadable", "a structure or the metadata of a node cannot be read"};
+constexpr Rule kTwoLayouts = {"V04", "two-layouts", "structures of one name differ, in the file or from one before it"};
+constexpr Rule kTwoBlocks = {"V05", "two-blocks",
+                             "a structure or a node stands in the file twice, and one is passed over"};
+constexpr Rule kUnused = {"V06", "unused", "no stream uses the structure"};
+constexpr Rule kRefused = {"V07", "refused", "a save with exact numbers would be refused"};
+constexpr Rule kMissing = {"V08", "missing-content", "there is nothing at the path of an entry of external content"};
+
+constexpr Rule kRules[] = {kContainer, kUndoRecord, kUnreadable, kTwoLayouts, kTwoBlocks, kUnused, kRefused, kMissing};
+
+struct Finding
+{
+    std::string code;
+    std::string kind; ///< of what it is about: file, structure, node or content
+    std::string name;
+    std::string text;
+    BlockPlace place; ///< of the fault in a block, as far as it is known
+
+    bool operator<(const Finding& other) const
+    {
+        return std::tie(code, kind, name, text) < std::tie(other.code, other.kind, other.name, other.text);
+    }
+};
+
+using Findings = std::set<Finding>;
+
+/// The first layout that a structure's name had in this run, and where.
+using Layouts = std::map<std::string, std::pair<std::string, std::string>>;
+
+const char* kindOf(const MetadataBlock& block)
+{
+    return block.kind == MetadataBlock::kStructure ? "structure" : "node";
+}
+
+void findUnreadable(const SceneFile& scene, Findings& findings)
+{
+    for (const UnreadBlock& block : scene.metadata().unread())
+    {
+        findings.insert({kUnreadable.code, kindOf(block), block.name, block.why.substr(0, block.why.find('\n')),
+                         placeOfFault(scene, block)});
+    }
+}
+
+/// Blocks of one name. Those of structures are two layouts unless they are the same byte by byte.
+void findTwice(const SceneFile& scene, const std::vector<ListedBlock>& blocks, Findings& findings)
+{
+    std::map<std::pair<std::string, std::string>, const ListedBlock*> known;
+    for (const ListedBlock& block : blocks)
+    {
+        const auto [first, isNew] = known.emplace(std::make_pair(kindOf(block), block.name), &block);
+        if (isNew)
+            continue;
+        const bool isLayout =
+            block.kind == MetadataBlock::kStructure && blockBytes(scene, block) != blockBytes(scene, *first->second);
+        findings.insert({isLayout ? kTwoLayouts.code : kTwoBlocks.code,
+                         kindOf(block),
+                         block.name,
+                         isLayout ? "has two layouts in this file" : "stands twice in this file",
+                         {}});
+    }
+}
+
+void findOtherLayouts(const SceneFile& scene, Layouts& layouts, Findings& findings)
+{
+    for (const Structure* const structure : scene.metadata().structures())
+    {
+        const std::string layout = layoutText(*structure);
+        const auto [first, isNew] = layouts.emplace(structure->name(), std::make_pair(layout, scene.name()));
+        if (first->second.first != layout)
+            findings.insert({kTwoLayouts.code,
+                             "structure",
+                             structure->name(),
+                             "is " + layout + " and in " + first->second.second + " " + first->second.first,
+                             {}});
+    }
+}
+
+void findUnused(const std::vector<ListedBlock>& blocks, Findings& findings)
+{
+    std::set<std::string> used;
+    for (const ListedBlock& block : blocks)
+    {
+        for (const ListedBlock::Channel& channel : block.channels)
+        {
+            for (const ListedBlock::Stream& stream : channel.streams)
+                used.insert(stream.structure);
+        }
+    }
+    for (const ListedBlock& block : blocks)
+    {
+        if (block.kind == MetadataBlock::kStructure && used.count(block.name) == 0)
+            findings.insert({kUnused.code, "structure", block.name, "is used by no stream", {}});
+    }
+}
+
+/// The messages of a save that is only tried, a finding each, but for those that only count others.
+void findRefused(const SceneFile& scene, Findings& findings)
+{
+    Accessor::WriteCost cost;
+    std::string errors;
+    if (scene.metadata().estimateWrite(cost, errors) || scene.metadata().failure().kind != Accessor::Failure::kRefused)
+        return;
+    std::istringstream lines(errors);
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (std::isdigit(static_cast<unsigned char>(line[0])) == 0)
+            findings.insert({kRefused.code, "file", "", line, {}});
+    }
+}
+
+void findMissing(const SceneFile& scene, Findings& findings)
+{
+    for (const ExternalEntry& entry : externalEntries(AccessorOvri::ExternalContent::getStream(scene.metadata())))
+    {
+        if (entry.isMissing(scene.name()))
+            findings.insert({kMissing.code,
+                             "content",
+                             entry.node,
+                             "refers by " + inQuotes(entry.key) + " to " +
+                                 inQuotes(entry.resolvedPath.empty() ? entry.unresolvedPath : entry.resolvedPath) +
+                                 ", which is not there",
+                             {}});
+    }
+}
+
+/// Whether there is an undo record beside the file. To read the file would repair it.
+bool hasUndoRecord(const std::string& fileName)
+{
+    std::error_code ignored;
+    const std::filesystem::path path = std::filesystem::canonical(fileName, ignored);
+    return std::filesystem::exists(path.string() + ".vumo-undo", ignored);
+}
+
+Findings findAll(SceneFile& scene, Layouts& layouts)
+{
+    Findings findings;
+    if (hasUndoRecord(scene.name()))
+        return {{kUndoRecord.code, "file", "", "a save was interrupted; vumo recover repairs the file", {}}};
+    try
+    {
+        scene.read();
+    }
+    catch (const Failure& failure)
+    {
+        const Accessor::Failure::eKind kind = scene.metadata().failure().kind;
+        if (kind != Accessor::Failure::kNotScene && kind != Accessor::Failure::kMalformed)
+            throw;
+        return {{kContainer.code, "file", "", withoutLineEnd(failure.what()), {}}};
+    }
+    const std::vector<ListedBlock> blocks = scene.list();
+    findUnreadable(scene, findings);
+    findTwice(scene, blocks, findings);
+    findOtherLayouts(scene, layouts, findings);
+    findUnused(blocks, findings);
+    findRefused(scene, findings);
+    findMissing(scene, findings);
+    return findings;
+}
+
+eExitCode check(Job& job, Layouts& layouts)
+{
+    SceneFile scene(job.session, job.file);
+    const Findings findings = findAll(scene, layouts);
+    Rows rows(job, "findings", {"rule", "kind", "name", "text", "line", "excerpt"});
+    for (const Finding& finding : findings)
+    {
+        const bool hasPlace = finding.place.line > 0;
+        rows.add({finding.code, finding.kind, finding.name, finding.text,
+                  hasPlace ? Rows::Cell(finding.place.line) : Rows::Cell(),
+                  hasPlace ? Rows::Cell(finding.place.text) : Rows::Cell()});
+    }
+    return findings.empty() ? kDone : kNo;
+}
+
+eExitCode listRules(Session& session)
+{
+    return once(session, [](Job& job) {
+        Rows rows(job, "rules", {"rule", "name", "finding"});
+        for (const Rule& rule : kRules)
+            rows.add({rule.code, rule.name, rule.finding});
+        return kDone;
+    });
+}
+} // namespace
+
+void addCheck(Session& session)
+{
+    CLI::App& command = session.addCommand("check", "Find what is wrong with scenes, a line for each finding");
+    session.addFiles(command);
+    session.addJson(command);
+    const auto isListing = std::make_shared<bool>(false);
+    command.add_flag_callback(
+        "--rules",
+        [isListing, &command] {
+            *isListing = true;
+            command.get_option("FILE")->required(false);
+        },
+        "list the rules with their codes");
+    session.setWork(command, [&session, isListing] {
+        if (*isListing)
+            return listRules(session);
+        Layouts layouts;
+        return forEachFile(session, [&layouts](Job& job) { return check(job, layouts); });
+    });
+}
