@@ -1,7 +1,11 @@
-# Writes each ```cpp block of the Markdown file `from` to `to` as the body of a test of the fixture, named after its
-# line. Compilers report the lines of the Markdown file.
-function(extract_snippets from fixture to)
+# Makes tests of the ```cpp blocks of the Markdown file `from`, and writes them to `to`; compilers report the lines of the
+# Markdown file. With `fixture` each block is the body of a test of it, named after its line. With `page`, a name, all
+# blocks together are the body of one test of GuideTest, and what they print is compared with the ```text block that
+# stands right after them; a block that begins with a class stands before the test, and one that begins with the name of
+# a file ("// grid.cpp") is left to tests/tools/play.py.
+function(extract_snippets from kind name to)
     file(READ ${from} text)
+    set(declarations "")
     set(result "")
     set(line 1)
     while(TRUE)
@@ -17,12 +21,25 @@ function(extract_snippets from fixture to)
         string(SUBSTRING "${text}" ${start} -1 text)
         string(FIND "${text}" "\n```" end)
         string(SUBSTRING "${text}" 0 ${end} code)
-        string(APPEND result "TEST_F(${fixture}, Line${line})\n{\n#line ${line} \"${from}\"\n${code}\n}\n")
         string(SUBSTRING "${text}" ${end} -1 text)
+        set(block "#line ${line} \"${from}\"\n${code}\n")
+        if(kind STREQUAL "fixture")
+            string(APPEND result "TEST_F(${name}, Line${line})\n{\n${block}}\n")
+        elseif(code MATCHES "^(class|struct) ")
+            string(APPEND declarations "${block}")
+        elseif(NOT code MATCHES "^// [a-z_]+[.]cpp\n")
+            string(APPEND result "${block}")
+            if(text MATCHES "^\n```\n\n```text\n([^`]*)```")
+                string(APPEND result "expectPrinted(R\"text(${CMAKE_MATCH_1})text\");\n")
+            endif()
+        endif()
         string(REGEX REPLACE "[^\n]" "" newlines "${code}")
         string(LENGTH "${newlines}" count)
         math(EXPR line "${line} + ${count}")
     endwhile()
+    if(kind STREQUAL "page" AND result)
+        set(result "namespace ${name}\n{\n${declarations}TEST_F(GuideTest, ${name})\n{\n${result}}\n}\n")
+    endif()
     file(WRITE ${to}.new "${result}")
     file(COPY_FILE ${to}.new ${to} ONLY_IF_DIFFERENT)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${from})

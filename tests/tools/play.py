@@ -7,6 +7,10 @@ A line of a transcript that begins with "  $ " is a command for bash. What it pr
 standard output, then standard error after "! ", then the exit code after "? " unless it is 0. Bytes that are neither
 printable nor UTF-8 are escaped, and "\\ no newline" ends an output that has none at its end. Other lines are prose.
 The commands run in a folder of their own that holds the golden scenes and those of the examples, after prelude.sh.
+
+In a page, a Markdown file, commands stand in ```console blocks after "$ ", on to the next line after a backslash, and what
+a terminal would show stands after them. Any other block that begins with the name of a file in a comment
+("// grid.cpp", "# edits.txt") is written to that file.
 """
 import difflib
 import os
@@ -58,6 +62,30 @@ def play(transcript, folder, environment):
     return played
 
 
+def run(command, folder, environment):
+    """What a terminal would show of it."""
+    done = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    return done.stdout.decode(errors="backslashreplace").replace("\t", "    ")
+
+
+def play_block(kind, block, folder, environment):
+    """The block of a page with what its commands print today."""
+    if kind != "console":
+        name = re.match(r"(?://|#) (\w+\.\w+)\n", block)
+        if name:
+            (folder / name[1]).write_text(block)
+        return block
+    commands = re.findall(r"^\$ (?:.*\\\n)*.*\n", block, re.MULTILINE)
+    return "".join(command + run(command[2:], folder, environment) for command in commands)
+
+
+def play_page(page, folder, environment):
+    """The page with what its commands print today."""
+    blocks = re.compile(r"^```(\w*)\n(.*?)^```\n", re.MULTILINE | re.DOTALL)
+    return blocks.sub(lambda found: f"```{found[1]}\n{play_block(found[1], found[2], folder, environment)}```\n", page)
+
+
 def main(arguments):
     is_update = arguments[0] == "--update"
     path, *folders = arguments[is_update:]
@@ -67,7 +95,7 @@ def main(arguments):
     with tempfile.TemporaryDirectory() as folder:
         lay_out(pathlib.Path(folder))
         expected = path.read_text()
-        played = play(expected, folder, environment)
+        played = (play_page if path.suffix == ".md" else play)(expected, folder, environment)
     if is_update:
         path.write_text(played)
     elif played != expected:
