@@ -74,7 +74,7 @@ def play_block(kind, block, folder, environment):
     if kind != "console":
         name = re.match(r"(?://|#) (\w+\.\w+)\n", block)
         if name:
-            (folder / name[1]).write_text(block)
+            pathlib.Path(folder, name[1]).write_text(block)
         return block
     commands = re.findall(r"^\$ (?:.*\\\n)*.*\n", block, re.MULTILINE)
     return "".join(command + run(command[2:], folder, environment) for command in commands)
