@@ -73,12 +73,10 @@ void writeNode(const std::string& name, const Associations& associations, std::o
 
 bool hasStreams(const Associations& associations)
 {
+    unsigned int count = 0;
     for (const Channel& channel : associations)
-    {
-        if (!channel.empty())
-            return true;
-    }
-    return false;
+        count += channel.size();
+    return count > 0;
 }
 
 /// Does something with each item of the array at the key.

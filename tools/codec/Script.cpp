@@ -109,7 +109,11 @@ void ScriptReader::readJsonLine(std::vector<std::string>& words)
     ++mNextLine;
     const JsonValue value = parseJson(text);
     for (const JsonValue& word : value.items)
+    {
         words.push_back(textFrom(word));
+        if (words.back().find('\0') != std::string::npos)
+            throw CodecError("a script has no zero byte");
+    }
     if (words.empty())
         throw CodecError("an array of words is expected");
 }

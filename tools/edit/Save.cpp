@@ -2,11 +2,11 @@
 
 #include "core/Text.h"
 
-#include <stdlib.h> // mkstemps
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
@@ -83,6 +83,8 @@ void saveCopy(const Job& job, SceneFile& scene, const std::string& out)
     SceneFile copy(job.session, file.name(), SceneFile::kEdit);
     const std::set<std::string> none;
     copy.read(&none);
+    if (copy.metadata().checksum() != scene.metadata().checksum())
+        throw scene.failure(kBusy, "somebody else has changed the metadata meanwhile");
     copy.metadata().associations() = scene.metadata().associations();
     copy.metadata().setStructures(scene.metadata().structures());
     copy.metadata().setNumbers(scene.metadata().numbers());

@@ -107,7 +107,7 @@ private:
 void printLine(std::ostream& out, const std::vector<std::string>& words)
 {
     for (const std::string& word : words)
-        out << (&word == &words[0] ? "" : " ") << scriptWord(word);
+        out << (&word == &words.front() ? "" : " ") << scriptWord(word);
     out << "\n";
 }
 
