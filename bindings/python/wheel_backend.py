@@ -12,6 +12,7 @@ from __future__ import annotations
 
 import base64
 import hashlib
+import os
 import re
 import subprocess
 import sys
@@ -71,7 +72,7 @@ def _build_package(build: str, site: Path) -> None:
     }
     for command in (
         ["-S", str(ROOT), "-B", build, *(f"-D{name}={value}" for name, value in options.items())],
-        ["--build", build, "--target", "vumo_python", "--parallel"],
+        ["--build", build, "--target", "vumo_python", "--parallel", str(os.cpu_count() or 1)],
         ["--install", build, "--prefix", str(site), "--component", "python"],
     ):
         subprocess.run(["cmake", *command], check=True)

@@ -1,6 +1,7 @@
 """Opening, editing and saving scenes."""
 
 import copy
+import os
 import pickle
 import threading
 from pathlib import Path
@@ -68,8 +69,14 @@ def test_what_cannot_be_read_is_named_and_kept(path):
 def test_nodes_can_be_chosen(path):
     scene = vumo.open(path, "r+", nodes=["Head", "nobody"])
     assert list(scene) == ["Head"] and "Body" not in scene
+    with pytest.raises(vumo.RefusedError, match="not among") as caught:
+        scene.create("Body")
+    assert caught.value.node == "Body"
     scene["Head"]["face"]["weights"]["Weight"] = 1
+    del scene["Head"]
+    scene.create("Head").create("face").create("new", {"i": "i4"}, size=1)
     scene.save()
+    assert list(vumo.open(os.fsencode(path))["Head"]["face"]) == ["new"]
     assert sorted(vumo.open(path)) == ["", "Body", "Head"]
 
 

@@ -195,6 +195,7 @@ void defineStream(py::module_& module)
 PYBIND11_MODULE(_vumo, module)
 {
     registerFailures();
+    module.attr("__version__") = VUMO_VERSION;
     py::class_<Layout>(module, "Layout", plainType())
         .def(py::init(&makeLayout), py::arg("name"), py::arg("members"))
         .def_property_readonly("name", [](const Layout& layout) { return Text{layout.structure->name()}; })

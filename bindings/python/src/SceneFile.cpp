@@ -217,8 +217,17 @@ Associations& SceneFile::editNode(const std::string& name)
 void SceneFile::addNode(const std::string& name)
 {
     requireWritable();
-    if (!mNodeSet.insert(name).second)
+    if (mNodeSet.count(name) > 0)
         return;
+    const std::vector<UnreadBlock> unread = mReader->unread();
+    const bool isInFile = std::any_of(unread.begin(), unread.end(), [&name](const UnreadBlock& block) {
+        return block.kind == UnreadBlock::kAssociations && block.name == name;
+    });
+    if (isInFile && mEdited.count(name) == 0) // nor was it removed
+        throw Failure{Failure::kRefused,
+                      "The file has a node \"" + name + "\", which is not among those that it was opened with.",
+                      mFileName, name};
+    mNodeSet.insert(name);
     mNodes.push_back(name);
     mReader->associations()[name] = Associations();
 }

@@ -12,6 +12,7 @@ from ._column import Column
 from ._layout import Member, Structure
 from ._scene import Channel, Fault, Node, Scene, open
 from ._stream import Element, Stream
+from ._vumo import __version__
 from .errors import (
     BusyError,
     ChangedError,
@@ -54,6 +55,7 @@ __all__ = [
     "Stream",
     "Structure",
     "SystemCallError",
+    "__version__",
     "catalog",
     "open",
 ]

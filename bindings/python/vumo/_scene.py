@@ -205,7 +205,10 @@ class Scene(MutableMapping[str, Node]):
         self._file.load(list(nodes))
 
     def create(self, node: str) -> Node:
-        """The node of that name, made if there is none; one without streams is not saved."""
+        """The node of that name, made if there is none; one without streams is not saved.
+
+        Raises RefusedError for one of the file that is not among the nodes that it was opened with.
+        """
         self._file.add_node(node)
         return self[node]
 
@@ -318,7 +321,7 @@ def open(
     """
     if mode not in ("r", "r+"):
         raise ValueError(f"the mode is 'r' or 'r+', not {mode!r}")
-    name = os.fspath(path)
+    name = os.fsdecode(path)
     names = None if nodes is None else list(nodes)
     wait = round(lock_wait * 1000)
     file = _vumo.SceneFile(os.fsencode(name), names, mode == "r+", exact, overwrite, durable, wait)

@@ -8,6 +8,8 @@ from typing import Any
 import numpy as np
 import numpy.typing as npt
 
+__version__: str
+
 class Layout:
     """A structure."""
 
