@@ -1,16 +1,14 @@
 #include "commands/Commands.h"
 #include "core/Batch.h"
+#include "core/ExternalContent.h"
 #include "core/Lines.h"
 #include "core/Text.h"
 #include "edit/Save.h"
 #include "vumo/accessor/AccessorOvri.h"
-#include "vumo/data/StreamIterator.h"
 
-#include <filesystem>
 #include <memory>
 
 using namespace vumo::Data;
-namespace fs = std::filesystem;
 
 namespace
 {
@@ -25,24 +23,7 @@ struct Request
     bool isRelink() const { return !relinks.empty(); }
 };
 
-/// A reference to content outside of the scene.
-struct Entry
-{
-    std::string node;
-    std::string key;
-    std::string path;     ///< as written
-    std::string resolved; ///< empty where nobody has resolved it
-    std::set<std::string> roles;
-};
-
-/// Says whether the content is there, a relative path taken from the scene's folder.
-bool exists(const Entry& entry, const std::string& scene)
-{
-    std::error_code ignored;
-    return fs::exists(fs::path(scene).parent_path() / (entry.resolved.empty() ? entry.path : entry.resolved), ignored);
-}
-
-void print(const Entry& entry, const Job& job, Lines& lines, std::vector<std::string>& json)
+void print(const ExternalEntry& entry, const Job& job, Lines& lines, std::vector<std::string>& json)
 {
     std::string roles;
     std::vector<std::string> roleTexts;
@@ -52,13 +33,13 @@ void print(const Entry& entry, const Job& job, Lines& lines, std::vector<std::st
         roleTexts.push_back(vumo::codec::jsonText(role));
     }
     JsonObject object;
-    object.addText("node", entry.node).addText("key", entry.key).addText("path", entry.path);
-    object.addText("resolved", entry.resolved).add("roles", jsonArray(roleTexts));
+    object.addText("node", entry.node).addText("key", entry.key).addText("path", entry.unresolvedPath);
+    object.addText("resolved", entry.resolvedPath).add("roles", jsonArray(roleTexts));
     if (job.json)
         json.push_back(object.text());
     else
-        lines.add(
-            {escaped(entry.node), escaped(entry.key), escaped(entry.path), escaped(entry.resolved), escaped(roles)});
+        lines.add({escaped(entry.node), escaped(entry.key), escaped(entry.unresolvedPath), escaped(entry.resolvedPath),
+                   escaped(roles)});
 }
 
 /// Replaces OLD at the start of the path, where it ends with a whole name.
@@ -101,15 +82,16 @@ eExitCode content(Job& job, const Request& request)
     bool hasFound = false;
     for (StreamIterator element = table ? table->cbegin() : StreamIterator(); element.valid(); ++element)
     {
-        Entry entry;
-        Table::getEntry(*element, entry.node, entry.key, entry.path, entry.resolved, entry.roles);
-        const bool isPath = relink(request.relinks, entry.path);
-        const bool isRelinked = relink(request.relinks, entry.resolved) || isPath;
-        if (request.isRelink() ? !isRelinked : request.isMissing && exists(entry, job.file))
+        ExternalEntry entry(element);
+        const bool isPath = relink(request.relinks, entry.unresolvedPath);
+        const bool isRelinked = relink(request.relinks, entry.resolvedPath) || isPath;
+        if (request.isRelink() ? !isRelinked : request.isMissing && !entry.isMissing(job.file))
             continue;
         hasFound = true;
-        if (isRelinked && !Table::setEntry(*element, entry.node, entry.key, entry.path, entry.resolved, entry.roles))
-            throw scene.failure(kNotWritten, "the table of external content cannot hold " + inQuotes(entry.resolved));
+        if (isRelinked &&
+            !Table::setEntry(*element, entry.node, entry.key, entry.unresolvedPath, entry.resolvedPath, entry.roles))
+            throw scene.failure(kNotWritten,
+                                "the table of external content cannot hold " + inQuotes(entry.resolvedPath));
         print(entry, job, lines, json);
     }
     if (job.json)

@@ -1,11 +1,15 @@
 #include "core/ExternalContent.h"
 
 #include "vumo/accessor/AccessorOvri.h"
-#include "vumo/data/StreamIterator.h"
 
 #include <unistd.h>
 
 using namespace vumo::Data;
+
+ExternalEntry::ExternalEntry(StreamIterator& element) : index(element.index().asString())
+{
+    AccessorOvri::ExternalContent::getEntry(*element, node, key, unresolvedPath, resolvedPath, roles);
+}
 
 bool ExternalEntry::isMissing(const std::string& sceneFile) const
 {
@@ -23,12 +27,6 @@ std::vector<ExternalEntry> externalEntries(const Stream* table)
     if (!table)
         return entries;
     for (StreamIterator element = table->cbegin(); element != table->cend(); ++element)
-    {
-        ExternalEntry entry;
-        entry.index = element.index().asString();
-        AccessorOvri::ExternalContent::getEntry(*element, entry.node, entry.key, entry.unresolvedPath,
-                                                entry.resolvedPath, entry.roles);
-        entries.push_back(entry);
-    }
+        entries.emplace_back(element);
     return entries;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vumo/data/Stream.h"
+#include "vumo/data/StreamIterator.h"
 
 #include <set>
 #include <string>
@@ -9,6 +10,9 @@
 /// An entry of a scene's table of external content.
 struct ExternalEntry
 {
+    /// The one that the iterator is on.
+    explicit ExternalEntry(vumo::Data::StreamIterator& element);
+
     std::string index; ///< in the table's stream
     std::string node;
     std::string key;
