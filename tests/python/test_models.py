@@ -64,11 +64,14 @@ def test_saved_and_read_again_is_the_same(tmp_path_factory, model, extension):
         assert np.array_equal(stream[name], stream.gather(name)[1])
     assert scene.to_dict() == document
 
+    exported = tool("export", path)
+    assert json.loads(exported) == document == json.loads(scene.to_json())
     other = write_scene(path.with_name(f"other.{extension}"))
     with vumo.open(other, "r+", durable=False) as scene:
         scene.clear()
-        scene.from_json(json.dumps(document))
+        scene.from_json(exported)
     assert vumo.open(other).to_dict() == document
+    assert tool("export", other) == exported
 
 
 class StreamModel(RuleBasedStateMachine):
@@ -160,8 +163,8 @@ def test_the_example_of_the_page_comes_back(tmp_path):
         scene.from_json(text)
         document = scene.to_dict()
     expected = json.loads(text)
-    expected["nodes"] = [node for node in expected["nodes"]]
-    assert {"structures": [], **document}["nodes"] == expected["nodes"]
+    assert document["nodes"] == expected["nodes"]
+    assert all(structure in document["structures"] for structure in expected["structures"])
 
 
 @pytest.mark.parametrize(
