@@ -59,6 +59,8 @@ public:
     unsigned int index() const { return mComplex ? 0 : mNumber; }
     operator unsigned int() const { return index(); }
 
+    bool isNumber() const { return !mComplex; }
+
     /// The complex value, which the index owns, or null.
     operator IndexType*() { return mComplex.get(); }
 

@@ -176,8 +176,8 @@ std::vector<unsigned int> Stream::numericIndices() const
     const StreamIterator last = end();
     for (StreamIterator position = begin(); position != last; ++position) // elements without size are never valid()
     {
-        Index index = position.index();
-        if (!static_cast<IndexType*>(index))
+        const Index index = position.index();
+        if (index.isNumber())
             indices.push_back(index.index());
     }
     return indices;

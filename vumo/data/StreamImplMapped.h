@@ -4,7 +4,6 @@
 #include "vumo/data/StreamImpl.h"
 #include "vumo/foundation/Counted.h"
 
-#include <functional>
 #include <map>
 #include <utility>
 
@@ -82,11 +81,25 @@ private:
         ~Element() = default;
     };
 
-    using Elements = std::map<Index, Element, std::less<>, NodeAllocator<std::pair<const Index, Element>>>;
+    /// What a search is for, so that it is told from the indices that are stored.
+    struct Sought
+    {
+        const Index& index;
+    };
+
+    struct Order
+    {
+        using is_transparent = void;
+        bool operator()(const Index& left, const Index& right) const { return left < right; }
+        bool operator()(const Sought& left, const Index& stored) const { return left.index < stored; }
+        bool operator()(const Index& stored, const Sought& right) const;
+    };
+
+    using Elements = std::map<Index, Element, Order, NodeAllocator<std::pair<const Index, Element>>>;
 
     /// Before the first element comes: says where elements with such indices are to lie, and sees to the structure of
     /// the end.
-    void prepareElementsFor(Index first);
+    void prepareElementsFor(const Index& first);
 
     /// Says whether no element comes at or after that index.
     bool isBeyondLast(const Index& index) const;
