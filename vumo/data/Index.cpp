@@ -8,6 +8,8 @@
 #include "vumo/foundation/Footprint.h"
 #include "vumo/foundation/Print.h"
 
+#include <typeinfo>
+
 namespace vumo::Data
 {
 namespace
@@ -33,6 +35,10 @@ const std::string IndexPair::myTypeName = "pair";
 const bool IndexPair::myRegistration = Index::registerType(myTypeName, &CRTP_IndexType<IndexPair>::doCreate);
 const std::string IndexString::myTypeName = "string";
 const bool IndexString::myRegistration = Index::registerType(myTypeName, &CRTP_IndexType<IndexString>::doCreate);
+
+Index::Index(Ref<IndexType> value) : mIsText(value && typeid(*value) == typeid(IndexString)), mComplex(std::move(value))
+{
+}
 
 Index::Index(const IndexType& value) : Index(Ref<IndexType>(value.clone())) {}
 
@@ -87,7 +93,12 @@ bool Index::isUnequalComplex(const Index& other) const
 
 bool Index::isLessComplex(const Index& other) const
 {
-    return other.mComplex && (!mComplex || *mComplex < *other.mComplex);
+    if (!mComplex || !other.mComplex)
+        return static_cast<bool>(other.mComplex);
+    if (mIsText && other.mIsText) // nothing can override how these compare, and searches do little else
+        return static_cast<const IndexString&>(*mComplex).indexString() <
+               static_cast<const IndexString&>(*other.mComplex).indexString();
+    return *mComplex < *other.mComplex;
 }
 
 bool Index::isLessOrEqualComplex(const Index& other) const

@@ -40,6 +40,7 @@ public:
     Index(const Index& other)
         : vumo::Counted<Index>(other),
           mNumber(other.mNumber),
+          mIsText(other.mIsText),
           mComplex(other.mComplex ? other.mComplex->clone() : nullptr)
     {
     }
@@ -132,7 +133,7 @@ public:
     static const ObjectCount _objectsAlive;
 
 private:
-    explicit Index(Ref<IndexType> value) : mComplex(std::move(value)) {}
+    explicit Index(Ref<IndexType> value);
 
     bool areNumbers(const Index& other) const { return !mComplex && !other.mComplex; }
 
@@ -146,6 +147,7 @@ private:
     bool isGreaterOrEqualComplex(const Index& other) const;
 
     unsigned int mNumber = 0;
+    bool mIsText = false;    // is the complex value, if there is one, exactly an IndexString?
     Ref<IndexType> mComplex; // null: the index is a number
 };
 } // namespace vumo::Data
