@@ -37,9 +37,11 @@ std::string formatOf(const Request& request)
     if (!request.format.empty())
         return request.format;
     const std::string ending = request.name.substr(request.name.find_last_of('.') + 1);
-    if (ending == "csv")
-        return "csv";
-    return ending == "ndjson" || ending == "jsonl" ? "ndjson" : "json";
+    if (ending == "csv" || ending == "ndjson")
+        return ending;
+    if (ending != "json" && request.name != "-")
+        throw Failure(kWrongUsage, "the ending of " + request.name + " does not tell its form; --format does");
+    return "json";
 }
 
 std::string textOf(const std::string& name)

@@ -8,6 +8,7 @@
 #include "vumo/foundation/Ref.h"
 
 #include <algorithm>
+#include <map>
 
 using namespace vumo::Data;
 
@@ -356,12 +357,16 @@ const Structure& addStructure(SceneFile& scene, const Structure& structure)
 
 Associations& nodeToEdit(SceneFile& scene, const std::string& name)
 {
+    std::map<std::string, Associations>& nodes = scene.metadata().associations();
+    const auto entry = nodes.find(name);
+    if (entry != nodes.end())
+        return entry->second;
     for (const UnreadBlock& block : scene.metadata().unread())
     {
         if (block.kind == UnreadBlock::kAssociations && block.name == name)
             scene.node(name); // says why it cannot be read, and must not be replaced
     }
-    return scene.metadata().associations()[name];
+    return nodes[name];
 }
 
 bool putStream(const SceneFile& scene, const Stream& stream, const std::string& name, Channel channel,
