@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -22,6 +23,16 @@ public:
         const double start = processorTime();
         std::forward<Work>(work)();
         mSeconds += processorTime() - start;
+    }
+
+    /// For the work of several threads: the time that the user waits for it.
+    template <class Work>
+    void timeByClock(Work&& work)
+    {
+        using Clock = std::chrono::steady_clock;
+        const Clock::time_point start = Clock::now();
+        std::forward<Work>(work)();
+        mSeconds += std::chrono::duration<double>(Clock::now() - start).count();
     }
 
     double seconds() const { return mSeconds; }

@@ -10,6 +10,7 @@
 #include "benchmarks/SceneScaleBench.h"
 #include "benchmarks/TagBench.h"
 #include "benchmarks/TextBench.h"
+#include "benchmarks/ThreadBench.h"
 #include "benchmarks/VectorBench.h"
 #include "benchmarks/peers/LoopText.h"
 #include "benchmarks/peers/Nlohmann.h"
@@ -145,6 +146,15 @@ const std::vector<Workload> kWorkloads = {
      kRounds, [](Comparison& c) { compareNodeEdit(c, "ob"); }},
     {"file/oa/node", ".oa: one label among 20k nodes, rest kept", "all nodes read and written", kTime, 0.15, 0.15,
      kRounds, [](Comparison& c) { compareNodeEdit(c, "oa"); }},
+
+    {"threads/scenes", "8 scenes read on 2 threads", "one after the other", kTime, 0.58, 0.53, kManyRounds,
+     compareSceneReadingOnThreads},
+    {"threads/streams", "2 streams filled, written, read on 2 threads", "one after the other", kTime, 0.58, 0.53,
+     kManyRounds, compareStreamsOnThreads},
+    {"threads/streams/shared", "2 streams of one structure on 2 threads", "one after the other", kTime, 0, 0,
+     kManyRounds, compareStreamsOfOneStructureOnThreads},
+    {"threads/element", "element(i), one structure, on 2 threads", "one after the other", kTime, 0, 0, kManyRounds,
+     compareElementsOfOneStructureOnThreads},
 
     {"scale/text/write", "text written, 1M elements", "itself, 10k", kTime, 1.3, 1.1, kRounds,
      compareTextWritingAtScale},

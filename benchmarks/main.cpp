@@ -7,13 +7,13 @@
 // little.
 
 #include "benchmarks/Comparison.h"
+#include "benchmarks/Processors.h"
 #include "benchmarks/Records.h"
 #include "benchmarks/TableReporter.h"
 #include "benchmarks/Workloads.h"
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
-#include <sched.h>
 
 #include <algorithm>
 #include <climits>
@@ -23,24 +23,6 @@
 namespace
 {
 constexpr int kQuickRounds = 1;
-
-/// Keeps the process on the last of the processors that it may use: no round pays for a move to another.
-void pinToOneProcessor()
-{
-    cpu_set_t allowed;
-    if (sched_getaffinity(0, sizeof(allowed), &allowed) != 0)
-        return;
-    for (int processor = CPU_SETSIZE - 1; processor >= 0; --processor)
-    {
-        if (!CPU_ISSET(processor, &allowed))
-            continue;
-        cpu_set_t chosen;
-        CPU_ZERO(&chosen);
-        CPU_SET(processor, &chosen);
-        sched_setaffinity(0, sizeof(chosen), &chosen);
-        return;
-    }
-}
 
 /// Gives the allocator at once the threshold that it learns by itself in a process that has freed large blocks, so
 /// that figures do not depend on the workloads before; and has it keep what a round has freed, whose return to the
@@ -113,7 +95,7 @@ int main(int argc, char** argv)
     char** const last = std::remove(argv + 1, argv + argc, std::string("--quick"));
     const bool isQuick = last != argv + argc;
 
-    pinToOneProcessor();
+    bench::pinTo(bench::allowedProcessors().back());
     fixThresholds();
     registerWorkloads(isQuick);
     bench::TableReporter reporter;
