@@ -12,6 +12,9 @@ namespace vumo::Data
 {
 namespace
 {
+/// Counted before the program begins, and after all that it keeps for its threads has gone.
+const Index theStaticIndex = IndexString("static");
+
 TEST(ObjectCountTest, Counts_AreNumbersInEveryExpression)
 {
     const auto before = Index::_objectsAlive; // not a second name for what goes on counting

@@ -45,7 +45,9 @@ struct FileBlock;
 /// write() changes the file in place: its inode, owner, mode and links stay, and so does every byte in front of the
 /// metadata. No crash harms the file unless setDurability() says otherwise.
 ///
-/// Not for use from several threads: reading borrows the registry of structures, which is process-wide.
+/// Accessors may be used on several threads at once, each on one: while one reads, its thread has a registry of
+/// structures of its own. write() is a change of the accessor. Of those that save to one file each locks out the
+/// others.
 class VUMO_EXPORT Accessor
 {
 public:

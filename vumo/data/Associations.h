@@ -16,6 +16,7 @@ namespace vumo::Data
 ///
 /// An Associations is a cheap front: copies share the channels, and a change made through one is seen by
 /// all. Nothing copies on its own when modified; call makeUnique() before changing what may be shared.
+/// Threads may use different objects at once, and read what they share; whoever changes that locks.
 ///
 /// Walks and positions follow the names. Where a channel was renamed through another object that shares it,
 /// it keeps its place here until it is set again; looking it up by its new name finds it all the same.

@@ -19,6 +19,7 @@ namespace vumo::Data
 /// A Channel is a cheap front: copies share the streams, and a change made through one is seen by all.
 /// Nothing copies on its own when modified; call makeUnique() before changing a channel that may be shared.
 /// A `const` channel guards its own set of streams, not what others do to it.
+/// Threads may use different channels at once, and read what they share; whoever changes that locks.
 ///
 /// Walks and positions follow the names. Where a stream was renamed through another channel that shares it,
 /// it keeps its place here until it is set again; looking it up by its new name finds it all the same.

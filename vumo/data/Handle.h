@@ -22,6 +22,8 @@ namespace vumo::Data
 /// (it made or copied the block itself). A copy never owns: it borrows the block of the source, which
 /// must outlive it. It references the structure for as long as it lives, so a structure that nobody
 /// else holds dies with its last handle: ref() a new structure before making handles on it.
+///
+/// Each thread needs handles of its own. Two that borrow one block may read it at once; the one that writes locks.
 class VUMO_EXPORT Handle : private Counted<Handle>
 {
 public:

@@ -24,6 +24,8 @@ namespace vumo::Data
 ///
 /// A Stream is a cheap front: copies share the elements, and a change made through one is seen by all.
 /// Nothing copies on its own when modified; call makeUnique() before changing a stream that may be shared.
+/// Threads may use different streams at once, read the elements that they share, and write to disjoint ones through
+/// views; whoever changes more than that locks.
 ///
 /// Starts in mapped storage, an ordered map that suits sparse numbers and complex indices;
 /// useDenseStorage(true) moves the elements to one contiguous block. Structure and index type can change

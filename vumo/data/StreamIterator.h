@@ -14,6 +14,9 @@ namespace vumo::Data
 ///
 /// A default-constructed iterator walks nothing: it is not valid, equals no iterator, itself included, and
 /// throws `std::runtime_error` when used. Must not outlive the stream's implementation.
+///
+/// In mapped storage the handle is the stored one: moving it to another member is a change of the stream, which no two
+/// threads may make at once. `Stream::element()` gives handles of one's own.
 class VUMO_EXPORT StreamIterator
 {
 public:

@@ -32,6 +32,8 @@ namespace vumo::Data
 /// What the library is merely handed (to compare, print, measure, register, write) it does not hold, and
 /// a structure that nobody holds survives that. An iterator or a `Handle` on it does hold it, and deletes
 /// it on the way out when it was the only one.
+///
+/// Threads may share a structure that nobody changes. Structures are registered before threads start.
 class VUMO_EXPORT Structure : public RefCounted, public Checkpointed, private Counted<Structure>
 {
 public:
@@ -142,7 +144,7 @@ public:
     bool chunkMemberIsDefault(const char* data, const char* memberName) const;
 
     /// The registry: the structures that text formats and scene files find by name. It references what
-    /// it holds. Ordered by address.
+    /// it holds. Ordered by address. That of the process, but while an `Accessor` reads one of its thread's own.
     static std::set<Structure*>& allStructures();
 
     /// False when the structure itself, or one equal to it, is registered.

@@ -20,7 +20,7 @@ namespace vumo
 ///     ... // use it
 ///     structure->unref();
 ///
-/// Only the count is safe to use from several threads at once.
+/// Several threads may count at once; what else they do with a shared object is for the derived class to say.
 class VUMO_EXPORT RefCounted
 {
 public:

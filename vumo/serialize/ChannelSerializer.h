@@ -17,7 +17,8 @@ class Channel;
 /// A format is one object, which its class's `theFormat()` gives. Register it to have it found by name; the
 /// registry and the default only borrow it. A format that is destroyed leaves both by itself.
 ///
-/// Registration, change of the default and look-up are not locked.
+/// Threads may find and use formats at once. Registration and change of the default are not locked: they belong to the
+/// time before threads start.
 class VUMO_EXPORT ChannelSerializer
 {
 public:
