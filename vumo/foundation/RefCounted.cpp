@@ -8,7 +8,8 @@ namespace vumo
 {
 RefCounted::RefCounted() : RefCounted(kBesideOthers) {}
 
-RefCounted::RefCounted(eCountPlace place) : mCount(place == kApart ? detail::takeCounterApart() : detail::takeCounter())
+RefCounted::RefCounted(eCountPlace place)
+    : mCount(detail::takeCounter(place == kApart ? detail::eRoom::kLine : detail::eRoom::kDense))
 {
 }
 

@@ -13,26 +13,26 @@ namespace
 struct UsedCounter
 {
     Counter counter = 0;
-    bool isApart = false;
+    eRoom room;
 };
 
 static_assert(sizeof(UsedCounter) == sizeof(FreeCounter), "either takes the place of the other");
 
-constexpr std::size_t kPerSlab = 1020; // a slab is just short of two pages
-
-struct Slab
+/// The free counters of one kind that no thread has at hand. Without constructors and destructors at run time, and its
+/// slabs are never freed: static objects of any file use it.
+struct Pool
 {
-    Slab* next;
-    FreeCounter counters[kPerSlab];
+    std::size_t counterSize;
+
+    /// How many a thread with none at hand fetches, and how many it leaves to others when it has twice as many.
+    std::size_t batch;
+
+    std::mutex mutex{};
+    FreeCounters free{};
+    void* slabs = nullptr; ///< keeps them all reachable: each begins with the address of the one before
 };
 
-/// How many a thread with none at hand fetches, and how many it leaves to others when it has twice as many.
-constexpr std::size_t kBatch = 256;
-
-// Without constructors and destructors at run time, and never freed: static objects of any file use them.
-std::mutex theMutex;
-Slab* theSlabs = nullptr; // keeps them all reachable
-FreeCounters theFreeCounters;
+Pool thePools[kRooms] = {{sizeof(FreeCounter), 256}, {kCacheLine, 32}};
 
 void push(FreeCounters& counters, void* place)
 {
@@ -54,55 +54,49 @@ void move(FreeCounters& from, FreeCounters& to, std::size_t atMost)
         push(to, pop(from));
 }
 
-void addSlab()
+void addSlab(Pool& pool)
 {
-    auto* const slab = new Slab;
-    slab->next = theSlabs;
-    theSlabs = slab;
-    for (FreeCounter& counter : slab->counters)
-        push(theFreeCounters, &counter);
+    constexpr std::size_t kSlabSize = 128 * kCacheLine;
+    char* const slab = static_cast<char*>(::operator new(kSlabSize, std::align_val_t(kCacheLine)));
+    pool.slabs = new (slab) void*(pool.slabs);
+    for (std::size_t offset = kCacheLine; offset < kSlabSize; offset += pool.counterSize)
+        push(pool.free, slab + offset);
 }
 
-void fetch(FreeCounters& counters, std::size_t atMost)
+void fetch(Pool& pool, FreeCounters& counters, std::size_t atMost)
 {
-    const std::lock_guard<std::mutex> lock(theMutex);
-    if (theFreeCounters.size == 0)
-        addSlab();
-    move(theFreeCounters, counters, atMost);
+    const std::lock_guard<std::mutex> lock(pool.mutex);
+    if (pool.free.size == 0)
+        addSlab(pool);
+    move(pool.free, counters, atMost);
 }
 
-void leaveBatch(FreeCounters& counters)
+void leaveBatch(Pool& pool, FreeCounters& counters)
 {
-    const std::lock_guard<std::mutex> lock(theMutex);
-    move(counters, theFreeCounters, kBatch);
+    const std::lock_guard<std::mutex> lock(pool.mutex);
+    move(counters, pool.free, pool.batch);
 }
 } // namespace
 
-Counter* takeCounter()
+Counter* takeCounter(eRoom room)
 {
+    const auto kind = static_cast<std::size_t>(room);
     ThreadShard* const own = ThreadShard::own();
     FreeCounters single;
-    FreeCounters& counters = own ? own->counters : single;
+    FreeCounters& counters = own ? own->counters[kind] : single;
     if (counters.size == 0)
-        fetch(counters, own ? kBatch : 1);
-    return &(new (pop(counters)) UsedCounter)->counter;
-}
-
-Counter* takeCounterApart()
-{
-    void* const line = ::operator new(kCacheLine, std::align_val_t(kCacheLine));
-    return &(new (line) UsedCounter{0, true})->counter;
+        fetch(thePools[kind], counters, own ? thePools[kind].batch : 1);
+    return &(new (pop(counters)) UsedCounter{0, room})->counter;
 }
 
 void returnCounter(Counter* counter) noexcept
 {
-    if (reinterpret_cast<UsedCounter*>(counter)->isApart)
-        return ::operator delete(counter, std::align_val_t(kCacheLine));
+    const auto kind = static_cast<std::size_t>(reinterpret_cast<UsedCounter*>(counter)->room);
     ThreadShard* const own = ThreadShard::own();
     FreeCounters single;
-    FreeCounters& counters = own ? own->counters : single;
+    FreeCounters& counters = own ? own->counters[kind] : single;
     push(counters, counter);
-    if (!own || counters.size >= 2 * kBatch)
-        leaveBatch(counters);
+    if (!own || counters.size >= 2 * thePools[kind].batch)
+        leaveBatch(thePools[kind], counters);
 }
 } // namespace vumo::detail

@@ -12,16 +12,22 @@ using Counter = std::atomic<std::int32_t>;
 
 constexpr std::size_t kCacheLine = 64;
 
-/// A counter that holds 0. Counters lie close together instead of taking an allocation of 32 bytes each. Throws
-/// `std::bad_alloc`.
+/// Where a counter lies: close to others, instead of in an allocation of 32 bytes, or in a cache line of its own, for
+/// one that threads count in while they use others.
+enum class eRoom : unsigned int
+{
+    kDense,
+    kLine
+};
+
+constexpr std::size_t kRooms = 2;
+
+/// A counter that holds 0. Throws `std::bad_alloc`.
 ///
 /// Safe to use from several threads at once, and at any time from the first static object to the last.
-Counter* takeCounter();
+Counter* takeCounter(eRoom room);
 
-/// The same with a cache line of its own: for one that threads count in while they use others.
-Counter* takeCounterApart();
-
-/// Gives back what either gave, in any thread.
+/// Gives back what takeCounter() gave, in any thread.
 void returnCounter(Counter* counter) noexcept;
 
 /// Room for a counter that is not in use.

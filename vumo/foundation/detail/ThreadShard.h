@@ -19,7 +19,7 @@ public:
     static const ThreadShard* first() noexcept;
     const ThreadShard* next() const { return mNext; }
 
-    FreeCounters counters;
+    FreeCounters counters[kRooms]; // by room
 
 private:
     struct AtThreadEnd;
