@@ -153,6 +153,33 @@ char* putEscaped(char* out, char character)
     return out;
 }
 
+/// Undoes the escapes of a value of plain characters without quotes of its own; false for all others. `out` has room
+/// for the value, and comes to stand after the text.
+bool unescapePlain(std::string_view value, char*& out)
+{
+    if (!isPlain(value))
+        return false;
+    const char* next = value.data();
+    const char* const end = next + value.size();
+    while (next != end)
+    {
+        const auto left = static_cast<std::size_t>(end - next);
+        const void* const backslash = std::memchr(next, '\\', left);
+        const std::size_t count =
+            backslash ? static_cast<std::size_t>(static_cast<const char*>(backslash) - next) : left;
+        if (std::memchr(next, '"', count))
+            return false;
+        std::memcpy(out, next, count);
+        next += count;
+        out += count;
+        if (backslash)
+        {
+            *out++ = *next++; // to be replaced by what it escapes
+            next += unescape(next, end, out[-1]);
+        }
+    }
+    return true;
+}
 } // namespace
 
 bool appendEscapedValue(const std::string& text, std::string& out)
@@ -193,6 +220,12 @@ bool unescapeValue(std::string_view value, std::string& text)
 {
     text.resize(value.size() + ByteWord::kSize); // an escape is longer than its character
     char* out = text.data();
+    if (unescapePlain(value, out))
+    {
+        text.resize(static_cast<std::size_t>(out - text.data()));
+        return true;
+    }
+    out = text.data();
     const char* next = value.data();
     const char* const end = next + value.size();
     CharacterLengths lengths;

@@ -19,15 +19,6 @@ namespace
 constexpr const char* kLocaleEncoding = "";
 constexpr const char* kUtf8 = "UTF-8";
 
-/// Says whether isPlainByte() holds for all of the text, at the speed of memory.
-bool isPlain(std::string_view text)
-{
-    unsigned char bits = 0;
-    for (const char byte : text)
-        bits |= bitsBeyondPlain(byte);
-    return bits == 0;
-}
-
 /// All characters that isPlain() allows.
 std::string plainCharacters()
 {
