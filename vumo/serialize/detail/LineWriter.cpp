@@ -3,6 +3,7 @@
 #include "vumo/foundation/detail/Quoted.h"
 #include "vumo/foundation/detail/StringOutput.h"
 
+#include <sstream>
 #include <typeinfo>
 
 namespace vumo::Data::detail
@@ -15,13 +16,20 @@ bool isUnwatched(const std::ostream& out)
     const std::streambuf* const buffer = out.rdbuf();
     return buffer && typeid(*buffer) == typeid(StringBuffer) && !out.tie();
 }
+/// Says whether a flush can do anything: not where the text goes into a string. It takes as long as half of a number.
+bool canFlush(const std::ostream& out)
+{
+    const std::streambuf* const buffer = out.rdbuf();
+    return !buffer || (typeid(*buffer) != typeid(std::stringbuf) && typeid(*buffer) != typeid(StringBuffer));
+}
 } // namespace
 
 LineWriter::LineWriter(std::ostream& out, Messages& messages, const LineOwner& owner, eUse use)
     : mOut(out),
       mMessages(messages),
       mOwner(owner),
-      mGathers(use == kAlone && isUnwatched(out))
+      mGathers(use == kAlone && isUnwatched(out)),
+      mCanFlush(canFlush(out))
 {
 }
 
@@ -57,7 +65,8 @@ void LineWriter::finish()
     if (mLine.empty())
         return;
     mOut.write(mLine.text().data(), static_cast<std::streamsize>(mLine.text().size()));
-    mOut.flush(); // whoever reads along gets whole lines
+    if (mCanFlush)
+        mOut.flush(); // whoever reads along gets whole lines
     mLine.clear();
     mBegin = 0;
 }

@@ -55,6 +55,7 @@ private:
     Messages& mMessages;
     LineOwner mOwner;
     const bool mGathers;
+    const bool mCanFlush;
     TextBuilder mLine;      // after those that were gathered
     std::size_t mBegin = 0; // of the line
     unsigned int mRecord = 1;
