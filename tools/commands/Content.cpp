@@ -112,7 +112,7 @@ void addContent(Session& session)
     const auto request = std::make_shared<Request>();
     command.add_flag("--missing", request->isMissing, "list only what is not there; exit code 1 if there is any");
     Session::addList(command, "--relink", request->relinks, "OLD=NEW",
-                    "put NEW in the place of OLD at the start of paths, save, and list what was changed");
+                     "put NEW in the place of OLD at the start of paths, save, and list what was changed");
     session.setWork(command, [&session, request] {
         checkSaving(session);
         for (const std::string& rule : request->relinks)

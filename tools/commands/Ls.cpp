@@ -2,6 +2,7 @@
 #include "core/Rows.h"
 #include "core/SceneFile.h"
 #include "core/Text.h"
+#include "core/Unreadable.h"
 
 #include <algorithm>
 #include <map>
@@ -93,17 +94,6 @@ void listStreams(const Job& job, const std::vector<ListedBlock>& blocks, bool is
     }
 }
 
-void listUnreadable(const Job& job, const SceneFile& scene)
-{
-    Rows rows(job, "unreadable", {"block", "name", "format", "position", "length", "why"});
-    for (const UnreadBlock& block : scene.metadata().unread())
-    {
-        const char* const kind = block.kind == UnreadBlock::kStructure ? "structure" : "node";
-        if (!block.why.empty())
-            rows.add({kind, block.name, block.format, block.position, block.length, withoutLineEnd(block.why)});
-    }
-}
-
 eExitCode ls(Job& job, const LsOptions& options)
 {
     SceneFile scene(job.session, job.file);
@@ -118,7 +108,7 @@ eExitCode ls(Job& job, const LsOptions& options)
     else
         listStreams(job, blocks, options.isLong, layouts);
     if (options.isLong)
-        listUnreadable(job, scene);
+        addUnreadable(job, scene);
     return kDone;
 }
 } // namespace

@@ -3,13 +3,17 @@
 #include "core/Elements.h"
 #include "core/Table.h"
 #include "core/Text.h"
+#include "core/Unreadable.h"
 #include "edit/Script.h"
+#include "edit/Selected.h"
+#include "tools/codec/JsonDocument.h"
 #include "vumo/data/Channel.h"
 #include "vumo/data/StreamIterator.h"
 
 #include <algorithm>
 #include <memory>
 #include <ostream>
+#include <sstream>
 
 using namespace vumo::Data;
 
@@ -92,9 +96,17 @@ eExitCode show(Job& job, const Head& head)
         printScript(job, scene);
         return scene.tellUnreadable(job.session);
     }
+    if (job.json)
+    {
+        std::ostringstream document;
+        vumo::codec::writeJson(selected(scene, selection), document);
+        job.json->add("metadata", withoutLineEnd(document.str()));
+        addUnreadable(job, scene);
+        return kDone;
+    }
     if (scene.isEmpty())
     {
-        job.out << SceneFile::kNoMetadata << "\n";
+        job.session.say(job.file + ": " + SceneFile::kNoMetadata);
         return kDone;
     }
     showStructures(job.out, scene.metadata().structures());
@@ -133,9 +145,10 @@ void addShow(Session& session)
     command
         .add_option_function<std::string>(
             "--as", [head](const std::string& form) { head->isScript = form == "script"; },
-            "print a table, or a script that makes all that is shown anew, for apply")
+            "print tables, or a script that makes all that is shown anew, for apply")
         ->check(CLI::IsMember({"table", "script"}).description(""))
         ->type_name("table|script");
+    session.addJson(command);
     session.setWork(command,
                     [&session, head] { return forEachFile(session, [&head](Job& job) { return show(job, *head); }); });
 }
