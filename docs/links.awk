@@ -25,6 +25,8 @@ function mended(link,    words, target)
 
 /^```/ { in_block = !in_block }
 
+/^#/ && !in_block { gsub(/`/, "") } # it shows the tags of code in headings
+
 !in_block && !/``/ { gsub(/`[^`]+`/, "`&`") }
 
 {

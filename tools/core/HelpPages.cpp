@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <regex>
 #include <sstream>
 #include <vector>
 
@@ -64,18 +65,22 @@ std::string escaped(const std::string& text, const std::string& characters)
     return result;
 }
 
+/// Text of a page, with options as code.
+std::string markdownText(const std::string& text)
+{
+    return std::regex_replace(escaped(text, "*<_"), std::regex("--[a-z][a-z-]*"), "`$&`");
+}
+
 void addMarkdown(std::ostream& page, const CLI::App& command)
 {
-    page << "\n"
-         << escaped(sentence(command.get_description()), "*<_") << "\n\n```\n"
-         << usageOf(command) << "\n```\n\n";
+    page << "\n" << markdownText(sentence(command.get_description())) << "\n\n```\n" << usageOf(command) << "\n```\n\n";
     for (const bool isWord : {true, false})
     {
         for (const CLI::Option* const option : optionsOf(command, isWord))
-            page << "- `" << titleOf(*option) << "`: " << escaped(descriptionOf(*option), "*<_") << "\n";
+            page << "- `" << titleOf(*option) << "`: " << markdownText(descriptionOf(*option)) << "\n";
     }
     if (command.get_parent() && !command.get_footer().empty())
-        page << "\n" << escaped(command.get_footer(), "*<_") << "\n";
+        page << "\n" << markdownText(command.get_footer()) << "\n";
 }
 
 std::string markdown(const CLI::App& commandLine)
@@ -83,7 +88,7 @@ std::string markdown(const CLI::App& commandLine)
     std::ostringstream page;
     page << "# The command " << commandLine.get_name() << "\n\n<!-- Made by vumo --help-as markdown. -->\n";
     addMarkdown(page, commandLine);
-    page << "\n" << escaped(commandLine.get_footer(), "*<_") << "\n";
+    page << "\n" << markdownText(commandLine.get_footer()) << "\n";
     for (const CLI::App* const command : commandsOf(commandLine))
     {
         page << "\n## " << command->get_name() << "\n";
