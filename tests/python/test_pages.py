@@ -37,3 +37,15 @@ def test_the_code_of_the_page_runs(tmp_path, monkeypatch):
 
 def test_the_page_names_all_errors():
     assert all(f"`{name}`" in PAGE for name in vumo.__all__ if name.endswith("Error") and name not in ("Error", "NotFoundError"))
+
+
+def test_the_page_of_productions_runs(tmp_path, monkeypatch, capsys):
+    monkeypatch.chdir(tmp_path)
+    (tmp_path / "show").mkdir()
+    scenes = [write_scene(tmp_path / "show" / name) for name in ("a.ob", "b.oa")]
+    before = [scene.read_bytes() for scene in scenes]
+    code = re.search(r"^```python\n(.*?)^```", (ROOT / "docs/production.md").read_text(), re.DOTALL | re.MULTILINE)
+    exec(code[1], {})
+    shown = capsys.readouterr().out
+    assert "\n2 saved: " in shown and "\n2 undone: " in shown
+    assert [scene.read_bytes() for scene in scenes] == before

@@ -10,10 +10,8 @@
 
 #include <sys/stat.h>
 
-#include <iomanip>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <tuple>
 
 using namespace vumo::Data;
@@ -39,13 +37,6 @@ bool addIdentity(JsonObject& identity, const std::string& fileName)
     identity.add("size", static_cast<std::uint64_t>(status.st_size));
     identity.add("mtime", nanoseconds(status.st_mtim)).add("ctime", nanoseconds(status.st_ctim));
     return !S_ISDIR(status.st_mode);
-}
-
-std::string tailText(const SceneFile& scene)
-{
-    std::ostringstream text;
-    text << std::hex << std::setfill('0') << std::setw(16) << scene.metadata().checksum();
-    return text.str();
 }
 
 /// The lines of one file.
@@ -168,7 +159,7 @@ eExitCode scan(Job& job)
     {
         SceneFile scene(job.session, job.file);
         scene.read();
-        identity.addText("tail", tailText(scene));
+        identity.addText("tail", scene.tail());
         addAll(job, scene, byteCounts(scene), identity);
         return kDone;
     }

@@ -7,5 +7,6 @@ struct Saving
 {
     bool isDryRun = false;        ///< say what the save would cost, and write nothing
     std::string digits = "exact"; ///< or "six": of the numbers that are saved
+    std::string tail;             ///< what SceneFile::tail() has to be; empty for anything
     std::string out;              ///< the file that gets the result in place of the one that was read; empty for none
 };

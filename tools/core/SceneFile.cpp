@@ -10,7 +10,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <iomanip>
 #include <set>
+#include <sstream>
 
 using namespace vumo::Data;
 
@@ -131,6 +133,13 @@ void SceneFile::readSelected(const std::vector<std::string>& patterns)
 bool SceneFile::isEmpty() const
 {
     return mAccessor->structures().empty() && mAccessor->associations().empty() && mAccessor->unread().empty();
+}
+
+std::string SceneFile::tail() const
+{
+    std::ostringstream text;
+    text << std::hex << std::setfill('0') << std::setw(16) << mAccessor->checksum();
+    return text.str();
 }
 
 std::string SceneFile::unreadableText(const UnreadBlock& block)

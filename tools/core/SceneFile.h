@@ -48,6 +48,9 @@ public:
 
     bool isEmpty() const;
 
+    /// A checksum of the metadata as they were read, in hexadecimal digits.
+    std::string tail() const;
+
     /// What a block is called that cannot be read, and why it cannot; ends with a newline.
     static std::string unreadableText(const vumo::Data::UnreadBlock& block);
 

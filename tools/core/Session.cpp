@@ -151,6 +151,8 @@ void Session::addSaving(CLI::App& command)
     command.add_flag("--dry-run", mSaving.isDryRun, "say what the save would cost, and write nothing");
     command.add_option("-o,--output", mSaving.out, "leave the file as it is, and write the result to this one")
         ->type_name("OUT");
+    command.add_option("--if-tail", mSaving.tail, "fail unless the metadata have this checksum, as scan gives it")
+        ->type_name("CHECKSUM");
     command.add_option("--digits", mSaving.digits, "save floating-point numbers exactly, or with six digits")
         ->check(CLI::IsMember({"exact", "six"}).description(""))
         ->type_name("exact|six");

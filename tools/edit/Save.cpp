@@ -117,6 +117,8 @@ SceneFile openToEdit(const Job& job, const std::string& fileName)
 void save(const Job& job, SceneFile& scene)
 {
     const Saving& saving = job.session.saving();
+    if (!saving.tail.empty() && saving.tail != scene.tail())
+        throw scene.failure(kBusy, "the metadata are not those with the checksum " + saving.tail);
     if (saving.isDryRun)
         printCost(job, scene);
     else if (!saving.out.empty())

@@ -131,6 +131,11 @@ void defineScene(py::module_& module)
         .def_property_readonly("edited", &SceneFile::isEdited)
         .def_property_readonly("checksum", &SceneFile::checksum)
         .def("save", &SceneFile::save)
+        .def("estimate_save",
+             [](SceneFile& scene) {
+                 const Accessor::WriteCost cost = scene.estimateSave();
+                 return py::make_tuple(cost.position, cost.bytes, cost.oldLength, cost.newLength);
+             })
         .def("close", &SceneFile::close)
         .def("nodes",
              [](const SceneFile& scene) {

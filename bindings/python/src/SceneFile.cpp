@@ -101,21 +101,26 @@ void SceneFile::listNodes(const std::optional<std::vector<std::string>>& wanted)
     }
 }
 
+/// A new accessor that has read the file as it is now, and holds what was edited.
+std::unique_ptr<Accessor> SceneFile::edited()
+{
+    std::unique_ptr<Accessor> writer = read({});
+    if (mOptions.conflict == Accessor::kRefuse && writer->checksum() != mReader->checksum())
+        throw Failure{Failure::kChanged, mFileName + " was changed by somebody else since it was opened.", mFileName};
+    for (const std::string& name : mEdited)
+        writer->associations()[name] = mReader->associations()[name];
+    Accessor::StructureSet structures = writer->structures();
+    for (const vumo::Ref<const Structure>& structure : mDeclared)
+        structures.insert(structure.get());
+    writer->setStructures(structures);
+    return writer;
+}
+
 void SceneFile::save()
 {
     requireWritable();
-    std::unique_ptr<Accessor> writer;
     workUnlocked([&] {
-        writer = read({});
-        if (mOptions.conflict == Accessor::kRefuse && writer->checksum() != mReader->checksum())
-            throw Failure{Failure::kChanged, mFileName + " was changed by somebody else since it was opened.",
-                          mFileName};
-        for (const std::string& name : mEdited)
-            writer->associations()[name] = mReader->associations()[name];
-        Accessor::StructureSet structures = writer->structures();
-        for (const vumo::Ref<const Structure>& structure : mDeclared)
-            structures.insert(structure.get());
-        writer->setStructures(structures);
+        std::unique_ptr<Accessor> writer = edited();
         std::string errors;
         if (!writer->write(errors))
             throw Failure::of(*writer, errors);
@@ -125,6 +130,19 @@ void SceneFile::save()
     for (const auto& [node, count] : mViews)
         mEdited.insert(node);
     mDeclared.clear();
+}
+
+Accessor::WriteCost SceneFile::estimateSave()
+{
+    requireWritable();
+    Accessor::WriteCost cost;
+    workUnlocked([&] {
+        const std::unique_ptr<Accessor> writer = edited();
+        std::string errors;
+        if (!writer->estimateWrite(cost, errors))
+            throw Failure::of(*writer, errors);
+    });
+    return cost;
 }
 
 void SceneFile::close()

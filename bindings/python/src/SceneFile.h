@@ -56,6 +56,9 @@ public:
     /// Writes what was edited. What is in memory stays.
     void save();
 
+    /// What that would do to the file.
+    vumo::Data::Accessor::WriteCost estimateSave();
+
     /// Ends every use. Memory that arrays look at lives on until the last of them is gone.
     void close();
 
@@ -130,6 +133,7 @@ private:
     };
 
     std::unique_ptr<vumo::Data::Accessor> read(const std::set<std::string>& nodes);
+    std::unique_ptr<vumo::Data::Accessor> edited();
     void listNodes(const std::optional<std::vector<std::string>>& wanted);
     std::set<std::string> batchOf(const std::string& name);
     Failure unreadable(const std::set<std::string>& names, const std::string& text) const;

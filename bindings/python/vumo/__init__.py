@@ -6,11 +6,13 @@
         weight *= 0.5
 """
 
+from ._campaign import Campaign
+from ._campaign import Campaign as campaign
 from ._catalog import Catalog
 from ._catalog import Catalog as catalog
 from ._column import Column
 from ._layout import Member, Structure
-from ._scene import Channel, Fault, Node, Scene, open
+from ._scene import Channel, Cost, Fault, Node, Scene, open
 from ._stream import Element, Stream
 from ._vumo import __version__
 from .errors import (
@@ -32,11 +34,13 @@ from .errors import (
 
 __all__ = [
     "BusyError",
+    "Campaign",
     "Catalog",
     "ChangedError",
     "Channel",
     "ClosedError",
     "Column",
+    "Cost",
     "Element",
     "Error",
     "Fault",
@@ -56,6 +60,7 @@ __all__ = [
     "Structure",
     "SystemCallError",
     "__version__",
+    "campaign",
     "catalog",
     "open",
 ]

@@ -1,4 +1,4 @@
-"""Catalogues on the command line: python3 -m vumo catalog DATABASE COMMAND ..."""
+"""Catalogues and campaigns on the command line: python3 -m vumo catalog ..., python3 -m vumo campaign ..."""
 
 from __future__ import annotations
 
@@ -8,8 +8,11 @@ import sys
 from collections.abc import Callable, Sequence
 from typing import Any
 
+from ._campaign import Campaign
 from ._catalog import Catalog
 from ._rows import Rows
+
+_SOME_FAILED = 7  # as of the program vumo
 
 _Commands = Any  # argparse does not name its type
 
@@ -72,10 +75,50 @@ def _run_catalog(given: argparse.Namespace) -> None:
         given.verb(catalog, given)
 
 
+def _add_campaign(commands: _Commands) -> None:
+    campaign = commands.add_parser("campaign", help="the same edits in many files, which can be undone")
+    campaign.add_argument("record", help="the folder that says what was done")
+    verbs = campaign.add_subparsers(required=True, metavar="COMMAND")
+
+    def add_verb(name: str, help: str) -> argparse.ArgumentParser:
+        parser: argparse.ArgumentParser = verbs.add_parser(name, help=help)
+        parser.set_defaults(run=_run_campaign, verb=name, script=None, file=[], max_failures=1)
+        return parser
+
+    for name, help in (("plan", "what the script would do to the files, and what that costs"), ("run", "do it")):
+        verb = add_verb(name, help)
+        verb.add_argument("script", help='lines as "vumo apply" takes them; "-" for standard input')
+        verb.add_argument("file", nargs="+", help="scenes, and folders of them")
+        verb.add_argument("--max-failures", type=int, default=10, metavar="K", help="stop after so many")
+        _add_workers(verb)
+    _add_workers(add_verb("undo", "put back what the campaign has changed"))
+    report = add_verb("report", "what was done to each file")
+    report.add_argument("--json", action="store_true", help="a JSON object for each row")
+    report.set_defaults(workers=1, scheduler=None)
+
+
+def _run_campaign(given: argparse.Namespace) -> None:
+    script = None
+    if given.script is not None:
+        with open(0 if given.script == "-" else given.script, encoding="utf-8", errors="surrogateescape") as file:
+            script = file.read()
+    campaign = Campaign(
+        script, given.file, given.workers,
+        record=given.record, scheduler=given.scheduler, max_failures=given.max_failures,
+    )  # fmt: skip
+    if given.verb == "report":
+        return _print(campaign.report(), given.json)
+    report = {"plan": campaign.plan, "run": campaign.run, "undo": campaign.undo}[given.verb]()
+    print(str(report).encode(errors="backslashreplace").decode())
+    if report.failures or report.left:
+        sys.exit(_SOME_FAILED)
+
+
 def main(arguments: Sequence[str] | None = None) -> None:
     parser = argparse.ArgumentParser("python3 -m vumo", description="Work on the scenes of whole productions.")
     commands = parser.add_subparsers(required=True, metavar="COMMAND")
     _add_catalog(commands)
+    _add_campaign(commands)
     given = parser.parse_args(arguments)
     given.run(given)
 

@@ -16,7 +16,8 @@ from types import TracebackType
 from typing import Any
 
 from . import _tool
-from ._rows import Rows
+from ._rows import Rows, as_bytes, as_text
+from ._tree import Paths, Tree
 from ._work import Progress, Workers
 
 _SCHEMA = """
@@ -158,7 +159,7 @@ class Catalog:
 
     def update(
         self,
-        roots_or_files: str | os.PathLike[str] | Iterable[str | os.PathLike[str]],
+        roots_or_files: Paths,
         workers: int = 1,
         *,
         client: Any = None,
@@ -172,8 +173,7 @@ class Catalog:
         there leave the catalogue. A file that cannot be read has rows in `faults`. What was found is kept when the
         update is interrupted: the next one goes on from there.
         """
-        is_one = isinstance(roots_or_files, (str, os.PathLike))
-        tree = Tree([roots_or_files] if is_one else roots_or_files)  # type: ignore[list-item, arg-type]
+        tree = Tree(roots_or_files)
         known = self._known(tree)
         there = {name: identity for name in tree.files if (identity := _identity(name))}
         gone = [name for name in known if name not in there and not tree.hides(name)]
@@ -202,9 +202,9 @@ class Catalog:
             missing = set(names)
             for name, group in itertools.groupby(found, _name_of):
                 changed += self._put_file(name, list(group))
-                missing.discard(_as_bytes(name))
+                missing.discard(as_bytes(name))
             for unread in missing:
-                self._put_file(_as_text(unread), [{"kind": "fault", "code": _MALFORMED, "error": _STOPPED}])
+                self._put_file(as_text(unread), [{"kind": "fault", "code": _MALFORMED, "error": _STOPPED}])
         return changed
 
     def sql(self, query: str, parameters: Sequence[Any] | dict[str, Any] = ()) -> Rows:
@@ -296,14 +296,14 @@ class Catalog:
         self._database.execute("COMMIT")
 
     def _names(self, query: str) -> Iterator[bytes]:
-        return (_as_bytes(name) for (name,) in self._database.execute(query))
+        return (as_bytes(name) for (name,) in self._database.execute(query))
 
     def _known(self, tree: Tree) -> dict[bytes, tuple[int, ...] | None]:
         """The files of the tree in the catalogue, with their identities, without one where a new try is worth it."""
         rows = self._database.execute(f"SELECT name, code, scanned, {', '.join(_IDENTITY)} FROM files")
         known: dict[bytes, tuple[int, ...] | None] = {}
         for stored, code, scanned, *identity in rows:
-            name = _as_bytes(stored)
+            name = as_bytes(stored)
             if tree.covers(name):
                 is_sure = code in (_READ, _MALFORMED) and identity[-1] < scanned - _TIME_STEP
                 known[name] = tuple(identity) if is_sure else None
@@ -311,8 +311,8 @@ class Catalog:
 
     def _forget(self, names: Iterable[bytes]) -> None:
         for name in names:
-            self._database.execute("DELETE FROM faults WHERE name = ?", [_as_text(name)])
-            self._database.execute("DELETE FROM files WHERE name = ?", [_as_text(name)])
+            self._database.execute("DELETE FROM faults WHERE name = ?", [as_text(name)])
+            self._database.execute("DELETE FROM files WHERE name = ?", [as_text(name)])
 
     def _note_what_is_no_file(self, tree: Tree, there: dict[bytes, tuple[int, ...]]) -> None:
         """The faults of names that lead to no file, and of folders that cannot be read, as they are now."""
@@ -320,7 +320,7 @@ class Catalog:
         self._forget([name for name in self._names(of_none) if tree.covers(name)])
         absent = {name: os.strerror(errno.ENOENT) for name in tree.files if name not in there}
         for name, error in {**absent, **tree.unreadable}.items():
-            self._put_fault(_as_text(name), {"error": error, "code": _MALFORMED})
+            self._put_fault(as_text(name), {"error": error, "code": _MALFORMED})
 
     def _put_file(self, name: str | bytes, lines: list[dict[str, Any]]) -> bool:
         """Puts in the lines of one file; returns whether its metadata are others than before."""
@@ -393,49 +393,6 @@ class Catalog:
         self._database.execute(_INSERT_FAULT, values)
 
 
-class Tree:
-    """The scenes in folders and those below them, and files that are named.
-
-    Attributes:
-        files: their names, whole ones, without any twice; not all named ones need to be there.
-        unreadable: folders that cannot be listed, with the reason.
-    """
-
-    def __init__(self, roots: Iterable[str | os.PathLike[str]]) -> None:
-        self._roots = [os.path.abspath(os.fsencode(root)) for root in roots]
-        self.files: dict[bytes, None] = {}
-        self.unreadable: dict[bytes, str] = {}
-        for root in self._roots:
-            if os.path.isdir(root):
-                self._walk(root)
-            else:
-                self.files[root] = None
-
-    def covers(self, name: bytes) -> bool:
-        """Whether the name is one of the roots, or below one."""
-        return any(_is_below(name, root) for root in self._roots)
-
-    def hides(self, name: bytes) -> bool:
-        """Whether nobody can say if there is a file of that name."""
-        return any(_is_below(name, folder) for folder in self.unreadable)
-
-    def _walk(self, folder: bytes) -> None:
-        try:
-            entries = sorted(os.scandir(folder), key=lambda entry: entry.name)
-        except OSError as error:
-            self.unreadable[folder] = error.strerror
-            return
-        for entry in entries:
-            if entry.is_dir(follow_symlinks=False):
-                self._walk(entry.path)
-            elif entry.name.lower().endswith((b".oa", b".ob")):
-                self.files[entry.path] = None
-
-
-def _is_below(name: bytes, root: bytes) -> bool:
-    return name == root or name.startswith(root.rstrip(b"/") + b"/")
-
-
 def _identity(name: bytes) -> tuple[int, ...] | None:
     """Which file that is and when it was changed last; None where there is none."""
     try:
@@ -469,19 +426,8 @@ def _name_of(line: dict[str, Any]) -> Any:
     return _stored(line["file"])
 
 
-def _as_bytes(stored: str | bytes) -> bytes:
-    return stored if isinstance(stored, bytes) else stored.encode()
-
-
-def _as_text(name: bytes) -> str | bytes:
-    try:
-        return name.decode()
-    except UnicodeDecodeError:
-        return name
-
-
 def _from_user(text: str | None) -> str | bytes | None:
-    return None if text is None else _as_text(text.encode(errors="surrogateescape"))
+    return None if text is None else as_text(text.encode(errors="surrogateescape"))
 
 
 def _number(value: Any) -> Any:

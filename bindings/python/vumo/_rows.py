@@ -42,3 +42,16 @@ def _shown(value: Any) -> str:
         return ""
     text = str(value).encode(errors="backslashreplace").decode()
     return text.replace("\t", r"\t").replace("\n", r"\n").replace("\r", r"\r")
+
+
+def as_bytes(stored: str | bytes) -> bytes:
+    """What the text of a database is a name of."""
+    return stored if isinstance(stored, bytes) else stored.encode()
+
+
+def as_text(name: bytes) -> str | bytes:
+    """The name as a database has it: as bytes where it is not UTF-8."""
+    try:
+        return name.decode()
+    except UnicodeDecodeError:
+        return name

@@ -35,6 +35,28 @@ class Fault:
     text: str
 
 
+@dataclass(frozen=True)
+class Cost:
+    """What a save does to a file, in bytes.
+
+    Attributes:
+        position: of the first byte that changes, from 0.
+        bytes: how many are written; 0 when nothing has to be.
+        old_length: of the file.
+        new_length: of the file after the save.
+    """
+
+    position: int
+    bytes: int
+    old_length: int
+    new_length: int
+
+    @property
+    def is_nothing(self) -> bool:
+        """Whether the file has all that already."""
+        return self.bytes == 0 and self.old_length == self.new_length
+
+
 class Channel(MutableMapping[str, Stream]):
     """The streams over one kind of component of a node, by their names.
 
@@ -245,6 +267,10 @@ class Scene(MutableMapping[str, Node]):
         LockedError while somebody does, and others of `vumo.Error`; the file is then as it was.
         """
         self._file.save()
+
+    def cost(self) -> Cost:
+        """What a save would do to the file as it is now; the file is left alone. Raises what `save` would refuse."""
+        return Cost(*self._file.estimate_save())
 
     def close(self) -> None:
         """Ends all use of the scene; nothing is saved. Arrays that look at it stay valid, but become read only."""

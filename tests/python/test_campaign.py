@@ -1,0 +1,182 @@
+"""A campaign edits each file as a whole or not at all, once, and all of that can be undone."""
+
+import fcntl
+import subprocess
+import sys
+from pathlib import Path
+
+import pytest
+from conftest import tool, write_scene
+
+import vumo
+from vumo import _campaign, _record
+
+
+def add_one(scene):
+    """Not to be done twice."""
+    weights = scene["Body"]["vertex"]["weights"]
+    weights["Weight"] += 1
+
+
+def grow(scene):
+    stream = scene["Body"]["vertex"].create("new", {"x": ("f8", 3), "name": str}, size=300)
+    stream["name"] = "a name that takes room"
+
+
+def shrink(scene):
+    del scene["Body"], scene["Head"]
+
+
+SCRIPT = "set Body vertex weights 1 Weight=7\nrm Head\n"
+
+
+@pytest.fixture
+def show(tmp_path, monkeypatch):
+    """Four scenes."""
+    monkeypatch.setattr(_campaign, "_PAUSE", 0)
+    monkeypatch.chdir(tmp_path)
+    root = tmp_path / "show"
+    root.mkdir()
+    for name in ("a.oa", "b.ob", "c d.ob", "\udcff.oa"):
+        write_scene(tmp_path / f"new{name[-3:]}").rename(root / name)
+    return root
+
+
+def contents(root):
+    return {path: path.read_bytes() for path in sorted(root.iterdir())}
+
+
+def weights(path):
+    return vumo.open(path)["Body"]["vertex"]["weights"]["Weight"].tolist()
+
+
+@pytest.mark.parametrize("edit", [SCRIPT, add_one, grow, shrink, lambda scene: scene["Body"].create("face").create("e", {"x": "f4"})])
+def test_a_campaign_is_planned_and_done_and_undone(show, edit):
+    (show / "bad.ob").write_bytes(b"no scene")
+    before = contents(show)
+    campaign = vumo.campaign(edit, show, workers=2, record="record")
+    plan = campaign.plan()
+    assert contents(show) == before
+    assert not Path("record").exists()
+    assert [outcome.file for outcome in plan.failures] == [str(show / "bad.ob")]
+
+    done = campaign.run()
+    after = contents(show)
+    assert {path for path in before if before[path] == after[path]} == {show / "bad.ob"}
+    assert (len(done.of("saved")), len(done.of("failed"))) == (4, 1)
+    assert (done.bytes, done.growth) == (plan.bytes, plan.growth)
+    assert done.growth == sum(map(len, after.values())) - sum(map(len, before.values()))
+    assert len(campaign.report()) == 4
+    assert campaign.run().bytes == 0
+    assert contents(show) == after
+
+    undone = vumo.campaign(record="record").undo()
+    assert contents(show) == before
+    assert (len(undone.of("undone")), undone.growth) == (4, -done.growth)
+    assert len(campaign.run().of("saved")) == 4
+    assert contents(show) == after
+
+
+def test_what_somebody_else_has_changed_since_is_left_alone(show):
+    campaign = vumo.campaign(add_one, show)
+    before = contents(show)
+    campaign.run()
+    with vumo.open(show / "b.ob", "r+") as scene:
+        scene["Body"]["vertex"]["weights"]["Weight"][0] = 9
+    with open(show / "c d.ob", "r+b") as scene:
+        scene.write(b"Q")  # in the scene itself
+    changed = contents(show)
+    report = campaign.undo()
+    assert len(report.of("undone")) == 2
+    assert len(report.failures) == 2
+    assert {path.name for path in before if contents(show)[path] == changed[path]} == {"b.ob", "c d.ob"}
+    assert len(campaign.run().of("saved")) == 4
+    assert weights(show / "b.ob")[0] == 9  # done already, whatever it is now
+
+
+def test_a_campaign_stops_when_too_many_files_fail_and_goes_on(show):
+    def fail_on_binary(scene):
+        add_one(scene)
+        if scene.file.endswith(".ob") and not (show / "mended").exists():
+            raise RuntimeError("not this one")
+
+    before = contents(show)
+    stopped = vumo.campaign(fail_on_binary, show, max_failures=2).run()
+    assert (stopped.left, len(stopped.failures)) == (2, 2)
+    assert contents(show) == before
+    assert (len(vumo.campaign(fail_on_binary, show, max_failures=3).run().of("saved"))) == 2
+    (show / "mended").touch()
+    assert not vumo.campaign(fail_on_binary, show).run().failures
+    assert all(weights(path)[0] == 1 for path in before)
+    with pytest.raises(ValueError, match="another campaign"):
+        vumo.campaign(grow, show)
+
+
+@pytest.mark.parametrize("edit", [SCRIPT, add_one])
+def test_locked_files_are_tried_again_and_then_reported(show, edit, monkeypatch):
+    monkeypatch.setattr("vumo._edits.LOCK_WAIT", 0.01)
+    campaign = vumo.campaign(edit, show / "b.ob")
+    tries = []
+    with open(show / "b.ob") as file:
+        fcntl.flock(file, fcntl.LOCK_EX)
+        monkeypatch.setattr(_campaign.time, "sleep", tries.append)
+        assert [outcome.state for outcome in campaign.run()] == ["busy"]
+    assert len(tries) == 3 + 3  # of the plan and of the run
+    assert [outcome.state for outcome in campaign.run()] == ["saved"]
+
+
+class Stopped(BaseException):
+    """Like a process that is killed."""
+
+
+def stop(*_):
+    raise Stopped
+
+
+@pytest.mark.parametrize("edit", [SCRIPT, add_one])
+@pytest.mark.parametrize("moment", ["before the save", "after it", "changed after it", "in the middle of the undo"])
+def test_whoever_is_stopped_at_any_moment_goes_on(show, monkeypatch, moment, edit):
+    file = show / "b.ob"
+    before = file.read_bytes()
+    campaign = vumo.campaign(edit, file)
+    work = (_campaign.edit_of(edit), campaign.record, bytes(file))
+    with monkeypatch.context() as patch, pytest.raises(Stopped):
+        if moment == "in the middle of the undo":
+            campaign.run()
+            put_back = _record.Record.put_back
+            patch.setattr(_record.Record, "put_back", lambda *what: (put_back(*what), stop()))
+            _campaign._undo_file(*work[1:])
+        keep = _record.Record.store
+        store_and_stop = lambda *what: (keep(*what), stop())  # noqa: E731
+        patch.setattr(_record.Record, *(("store", store_and_stop) if moment == "before the save" else ("note_saved", stop)))
+        _campaign._edit_file(*work)
+    if moment == "changed after it":
+        with vumo.open(file, "r+") as scene:
+            del scene["Body"]["edge"]
+        changed = file.read_bytes()
+        assert [outcome.state for outcome in campaign.run()] == ["failed"]
+        assert [outcome.state for outcome in campaign.undo()] == ["failed"]
+        assert file.read_bytes() == changed
+        return
+    if moment != "in the middle of the undo":
+        assert [outcome.state for outcome in campaign.run()] == ["saved"]
+        assert weights(file) == ([0, 7, 0.5, 1] if edit == SCRIPT else [1, 1.25, 1.5, 2])
+    assert [outcome.state for outcome in campaign.undo()] == ["undone"]
+    assert file.read_bytes() == before
+
+
+def test_campaigns_on_the_command_line(show):
+    before = contents(show)
+    Path("script").write_text(SCRIPT)
+
+    def run(*words, code=0):
+        done = subprocess.run([sys.executable, "-m", "vumo", "campaign", "record", *words], stdout=subprocess.PIPE, text=True)
+        assert done.returncode == code
+        return done.stdout
+
+    assert run("plan", "script", "show").startswith("4 planned: ")
+    assert run("run", "script", "show", "none.ob", "--workers=2", code=7).startswith("1 failed, 4 saved: ")
+    assert tool("get", show / "b.ob", "Body", "vertex", "weights", "1", "Weight") == "7\n"
+    assert len(run("report", "--json").splitlines()) == 4
+    assert run("undo").startswith("4 undone: ")
+    assert contents(show) == before
