@@ -161,6 +161,7 @@ void defineScene(py::module_& module)
         .def("remove_stream", [](SceneFile& scene, const Text& node, const Text& channel,
                                  const Text& stream) { scene.removeStream(node.bytes, channel.bytes, stream.bytes); })
         .def("declare", [](SceneFile& scene, const Layout& layout) { scene.declare(*layout.structure); })
+        .def("undeclare", [](SceneFile& scene, const Text& name) { scene.undeclare(name.bytes); })
         .def("structures", [](const SceneFile& scene) {
             std::vector<Layout> layouts;
             for (const auto& [name, structure] : scene.structures())

@@ -59,13 +59,15 @@ SceneFile::SceneFile(const std::string& fileName, const std::optional<std::vecto
       mOptions(options)
 {
     workUnlocked([&] {
-        mReader = read(nodes ? std::set<std::string>(nodes->begin(), nodes->end()) : std::set<std::string>());
+        const std::set<std::string> wanted =
+            nodes ? std::set<std::string>(nodes->begin(), nodes->end()) : std::set<std::string>();
+        mReader = read(&wanted);
         listNodes(nodes);
     });
 }
 
-/// A new accessor that has read these nodes and keeps all others.
-std::unique_ptr<Accessor> SceneFile::read(const std::set<std::string>& nodes)
+/// A new accessor that has read these nodes, or all for null, and keeps all others.
+std::unique_ptr<Accessor> SceneFile::read(const std::set<std::string>* nodes)
 {
     std::unique_ptr<Accessor> accessor = Failure::newAccessor(mFileName);
     accessor->setUnread(Accessor::kKeep);
@@ -74,7 +76,7 @@ std::unique_ptr<Accessor> SceneFile::read(const std::set<std::string>& nodes)
     accessor->setDurability(mOptions.durability);
     accessor->setLockWait(mOptions.lockWait);
     std::string errors;
-    if (!accessor->read(mFileName, nullptr, &nodes, errors))
+    if (!accessor->read(mFileName, nullptr, nodes, errors))
         throw Failure::of(*accessor, errors);
     return accessor;
 }
@@ -104,12 +106,19 @@ void SceneFile::listNodes(const std::optional<std::vector<std::string>>& wanted)
 /// A new accessor that has read the file as it is now, and holds what was edited.
 std::unique_ptr<Accessor> SceneFile::edited()
 {
-    std::unique_ptr<Accessor> writer = read({});
+    // Structures stay in the file while there are nodes in it that nobody has read.
+    const std::set<std::string> none;
+    std::unique_ptr<Accessor> writer = read(mRemoved.empty() ? &none : nullptr);
     if (mOptions.conflict == Accessor::kRefuse && writer->checksum() != mReader->checksum())
         throw Failure{Failure::kChanged, mFileName + " was changed by somebody else since it was opened.", mFileName};
     for (const std::string& name : mEdited)
         writer->associations()[name] = mReader->associations()[name];
-    Accessor::StructureSet structures = writer->structures();
+    Accessor::StructureSet structures;
+    for (const Structure* const structure : writer->structures())
+    {
+        if (mRemoved.count(structure->name()) == 0)
+            structures.insert(structure);
+    }
     for (const vumo::Ref<const Structure>& structure : mDeclared)
         structures.insert(structure.get());
     writer->setStructures(structures);
@@ -130,6 +139,7 @@ void SceneFile::save()
     for (const auto& [node, count] : mViews)
         mEdited.insert(node);
     mDeclared.clear();
+    mRemoved.clear();
 }
 
 Accessor::WriteCost SceneFile::estimateSave()
@@ -297,7 +307,10 @@ std::map<std::string, const Structure*> SceneFile::structures() const
     for (const auto& [name, structure] : mAdded)
         all.emplace(name, structure.get());
     for (const Structure* const structure : mReader->structures())
-        all[structure->name()] = structure;
+    {
+        if (mRemoved.count(structure->name()) == 0)
+            all[structure->name()] = structure;
+    }
     return all;
 }
 
@@ -322,6 +335,14 @@ void SceneFile::declare(const Structure& structure)
 {
     requireWritable();
     mDeclared.emplace_back(&adopt(structure));
+}
+
+void SceneFile::undeclare(const std::string& name)
+{
+    requireWritable();
+    if (structures().count(name) == 0)
+        throw Missing{"There is no structure " + name + " in the scene."};
+    mRemoved.insert(name);
 }
 
 bool SceneFile::isViewed(const Stream& stream)

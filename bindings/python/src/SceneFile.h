@@ -51,7 +51,7 @@ public:
 
     /// Says whether a save would write something. Nodes count at which arrays look that can be written to, as nobody
     /// sees when they are.
-    bool isEdited() const { return !mEdited.empty() || !mDeclared.empty(); }
+    bool isEdited() const { return !mEdited.empty() || !mDeclared.empty() || !mRemoved.empty(); }
 
     /// Writes what was edited. What is in memory stays.
     void save();
@@ -94,6 +94,10 @@ public:
     /// Adopts the structure and saves it even where no stream uses it.
     void declare(const vumo::Data::Structure& structure);
 
+    /// Takes the structure of that name out of the scene: another may have the name then. A save reads all nodes, and
+    /// is refused while a stream uses a structure of the name that is not the new one.
+    void undeclare(const std::string& name);
+
     /// Whatever moves or frees the memory of a stream's elements has to ask first: throws `StillViewed` while arrays
     /// look at it.
     static void requireUnviewed(const vumo::Data::Stream& stream);
@@ -132,7 +136,7 @@ private:
         bool* const mIsBusy;
     };
 
-    std::unique_ptr<vumo::Data::Accessor> read(const std::set<std::string>& nodes);
+    std::unique_ptr<vumo::Data::Accessor> read(const std::set<std::string>* nodes);
     std::unique_ptr<vumo::Data::Accessor> edited();
     void listNodes(const std::optional<std::vector<std::string>>& wanted);
     std::set<std::string> batchOf(const std::string& name);
@@ -147,6 +151,7 @@ private:
     std::set<std::string> mEdited; ///< nodes, also those that were removed
     std::map<std::string, vumo::Ref<const vumo::Data::Structure>> mAdded;
     std::vector<vumo::Ref<const vumo::Data::Structure>> mDeclared;
+    std::set<std::string> mRemoved;            ///< structures of the file
     std::size_t mBatch = 1;                    ///< how many nodes the next one that is touched brings along
     std::map<std::string, std::size_t> mViews; ///< how many arrays look at each node
     bool mIsBusy = false;

@@ -12,6 +12,8 @@ from ._catalog import Catalog
 from ._catalog import Catalog as catalog
 from ._column import Column
 from ._layout import Member, Structure
+from ._migrate import Migration
+from ._migrate import Migration as migrate
 from ._scene import Channel, Cost, Fault, Node, Scene, open
 from ._stream import Element, Stream
 from ._vumo import __version__
@@ -47,6 +49,7 @@ __all__ = [
     "LockedError",
     "MalformedError",
     "Member",
+    "Migration",
     "NoAccessError",
     "NoFileError",
     "Node",
@@ -62,5 +65,6 @@ __all__ = [
     "__version__",
     "campaign",
     "catalog",
+    "migrate",
     "open",
 ]

@@ -241,6 +241,14 @@ class Scene(MutableMapping[str, Node]):
         """
         self._file.declare(structure._layout)
 
+    def undeclare(self, structure: str) -> None:
+        """Takes the structure of that name out of the scene, so that another may have its name.
+
+        A save reads and writes all nodes then, and raises RefusedError while a stream uses another structure of that
+        name than the new one, or a node cannot be read. Raises KeyError when there is none of the name.
+        """
+        self._file.undeclare(structure)
+
     def to_dict(self) -> dict[str, Any]:
         """All metadata in the form of docs/formats/json.md. Raises ValueError for numbers that are not finite."""
         return _json.scene_out(self)
