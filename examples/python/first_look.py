@@ -5,6 +5,7 @@
 # SCENE is a copy of examples/scenes/example.ob, or what vumo_write_scene has written; it is edited.
 
 import sys
+from pathlib import Path
 
 import numpy as np
 
@@ -38,3 +39,22 @@ with vumo.open(path, "r+") as scene:
 # %% And there it is.
 print(vumo.open(path)["Body"]["vertex"]["normals"].records["N"].tolist())
 print(np.asarray(vumo.open(path)["Body"]["vertex"]["weights"]["Weight"]))
+
+# %% A catalogue says what is in all scenes of a folder. It reads what has changed since the last time.
+folder = Path(path).parent
+with vumo.catalog(folder / "catalogue.sqlite") as catalog:
+    print(catalog.update(folder))
+    print(catalog.versions("VertexWeight"))
+    files = [row["file"] for row in catalog.streams(stream="normals")]
+
+
+# %% A campaign makes the same edit in many of them, and can be undone.
+def flip(scene):
+    scene["Body"]["vertex"]["normals"]["N"] *= -1
+
+
+campaign = vumo.campaign(flip, files, record=folder / "flip")
+print("plan:", campaign.plan())
+print("run:", campaign.run())
+print(vumo.open(files[0])["Body"]["vertex"]["normals"].records["N"].tolist())
+print("undo:", campaign.undo())

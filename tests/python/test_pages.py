@@ -17,7 +17,9 @@ def test_the_example_runs_and_stands_on_the_page(path):
     assert f"```python\n{EXAMPLE.read_text()}```" in PAGE
     shown = subprocess.run([sys.executable, EXAMPLE, path], check=True, stdout=subprocess.PIPE, text=True).stdout
     assert "mean weight 0.4375 of 4\n[[0, 3], [1, 2]] zig-zag" in shown
-    assert shown.endswith("[[0.0, 0.0, 1.0], [0.0, 0.0, 1.0], [0.0, 0.0, 1.0], [0.0, 0.0, 1.0]]\n[0.    0.125 0.25  0.5  ]\n")
+    assert "\n[[0.0, 0.0, 1.0], [0.0, 0.0, 1.0], [0.0, 0.0, 1.0], [0.0, 0.0, 1.0]]\n[0.    0.125 0.25  0.5  ]\n" in shown
+    assert "\nplan: 1 planned: " in shown and "\nundo: 1 undone: " in shown
+    assert "Update(files=1, scanned=1, changed=1, removed=0, faulty=0)\nstructure     layout" in shown
 
 
 def test_the_code_of_the_page_runs(tmp_path, monkeypatch):
@@ -44,8 +46,11 @@ def test_the_page_of_productions_runs(tmp_path, monkeypatch, capsys):
     (tmp_path / "show").mkdir()
     scenes = [write_scene(tmp_path / "show" / name) for name in ("a.ob", "b.oa")]
     before = [scene.read_bytes() for scene in scenes]
-    code = re.search(r"^```python\n(.*?)^```", (ROOT / "docs/production.md").read_text(), re.DOTALL | re.MULTILINE)
-    exec(code[1], {})
+    for code in re.findall(r"^```python\n(.*?)^```", (ROOT / "docs/production.md").read_text(), re.DOTALL | re.MULTILINE):
+        exec(code, {"vumo": vumo})
     shown = capsys.readouterr().out
     assert "\n2 saved: " in shown and "\n2 undone: " in shown
+    assert " Locked  " in shown
+    assert all(vumo.open(scene).structures["VertexWeight"].members["layer"].type == "uint8" for scene in scenes)
+    assert not vumo.campaign(record="migration").undo().failures
     assert [scene.read_bytes() for scene in scenes] == before
