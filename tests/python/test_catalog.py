@@ -134,6 +134,8 @@ def test_the_catalogue_is_fed_with_lines_and_asked_on_the_command_line(show, tmp
     with vumo.catalog(database) as catalog:
         assert catalog.add_lines(lines) == 2
         assert catalog.add_lines(lines) == 0
+        other = [line.replace('"tail": "', '"tail": "x') for line in lines]
+        assert catalog.add_lines(other + lines) == 4
         with pytest.raises(ValueError):
             catalog.add_lines(["{"])
     assert ask("carriers", "Body") == f"file\tstreams\n{show}/a.oa\t2\n{show}/b/b.ob\t2\n"

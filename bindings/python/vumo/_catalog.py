@@ -11,7 +11,7 @@ import sqlite3
 import time
 from collections.abc import Iterable, Iterator, Sequence
 from contextlib import contextmanager
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 from types import TracebackType
 from typing import Any
 
@@ -101,9 +101,6 @@ _INSERT_FILE = """
 INSERT INTO files (name, device, inode, size, mtime, ctime, tail, code, scanned) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"""
 _UPDATE_FILE = """
 UPDATE files SET device = ?, inode = ?, size = ?, mtime = ?, ctime = ?, tail = ?, code = ?, scanned = ? WHERE id = ?"""
-_INSERT_STREAM = """
-INSERT INTO streams (file, node, channel, stream, structure, index_type, elements, bytes)
-VALUES (?, ?, ?, ?, ?, ?, ?, ?)"""
 _INSERT_FAULT = """
 INSERT INTO faults (name, error, code, block, block_name, format, position, length) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"""
 
@@ -138,6 +135,18 @@ class Update:
     changed: int
     removed: int
     faulty: int
+
+
+@dataclass
+class _NewRows:
+    """What is to be inserted for some files, all at once."""
+
+    first_stream: int
+    declarations: list[tuple[Any, ...]] = field(default_factory=list)
+    nodes: list[tuple[Any, ...]] = field(default_factory=list)
+    channels: list[tuple[Any, ...]] = field(default_factory=list)
+    streams: list[tuple[Any, ...]] = field(default_factory=list)
+    members: list[tuple[Any, ...]] = field(default_factory=list)
 
 
 class Catalog:
@@ -196,15 +205,23 @@ class Catalog:
         All lines of a file have to be among them. A file of `names` without a line stopped the tool, which is a fault.
         Returns how many files have other metadata than before. Raises ValueError for what is no such line.
         """
-        found = [json.loads(line) for line in lines]
+        found = json.loads("[" + ",".join(line if isinstance(line, str) else line.decode() for line in lines) + "]")
         changed = 0
         with self._transaction():
             missing = set(names)
+            waiting: set[str | bytes] = set()
+            rows = self._new_rows()
             for name, group in itertools.groupby(found, _name_of):
-                changed += self._put_file(name, list(group))
+                if name in waiting:  # of another scan: it takes the place of what the first one said
+                    self._insert(rows)
+                    waiting.clear()
+                    rows = self._new_rows()
+                waiting.add(name)
+                changed += self._put_file(name, list(group), rows)
                 missing.discard(as_bytes(name))
             for unread in missing:
-                self._put_file(as_text(unread), [{"kind": "fault", "code": _MALFORMED, "error": _STOPPED}])
+                self._put_file(as_text(unread), [{"kind": "fault", "code": _MALFORMED, "error": _STOPPED}], rows)
+            self._insert(rows)
         return changed
 
     def sql(self, query: str, parameters: Sequence[Any] | dict[str, Any] = ()) -> Rows:
@@ -322,7 +339,7 @@ class Catalog:
         for name, error in {**absent, **tree.unreadable}.items():
             self._put_fault(as_text(name), {"error": error, "code": _MALFORMED})
 
-    def _put_file(self, name: str | bytes, lines: list[dict[str, Any]]) -> bool:
+    def _put_file(self, name: str | bytes, lines: list[dict[str, Any]], rows: _NewRows) -> bool:
         """Puts in the lines of one file; returns whether its metadata are others than before."""
         execute = self._database.execute
         execute("DELETE FROM faults WHERE name = ?", [name])
@@ -347,29 +364,38 @@ class Catalog:
             execute("DELETE FROM content WHERE file = ?", [file])
         else:
             file = execute(_INSERT_FILE, [name, *values]).lastrowid
-            self._put_metadata(file, of_kind)
+            self._put_metadata(file, of_kind, rows)
         for line in of_kind.get("external", ()):
             self._put_content(file, line)
         return not is_same
 
-    def _put_metadata(self, file: int, of_kind: dict[str, list[dict[str, Any]]]) -> None:
-        many = self._database.executemany
-        declared = [(file, self._structure(line)) for line in of_kind.get("structure", ())]
-        many("INSERT OR IGNORE INTO declarations VALUES (?, ?)", declared)
+    def _put_metadata(self, file: int, of_kind: dict[str, list[dict[str, Any]]], rows: _NewRows) -> None:
+        declared = {self._structure(line) for line in of_kind.get("structure", ())}
+        rows.declarations += [(file, structure) for structure in declared]
         nodes = [(_stored(line["node"]), line["channels"]) for line in of_kind.get("node", ())]
-        many("INSERT INTO nodes VALUES (?, ?)", [(file, node) for node, _ in nodes])
-        channels = [(file, node, _stored(channel)) for node, names in nodes for channel in names]
-        many("INSERT INTO channels VALUES (?, ?, ?)", channels)
+        rows.nodes += [(file, node) for node, _ in nodes]
+        rows.channels += [(file, node, _stored(channel)) for node, names in nodes for channel in names]
         for line in of_kind.get("stream", ()):
+            stream = rows.first_stream + len(rows.streams)
             address = [_stored(line[part]) for part in ("node", "channel", "stream")]
             numbers = [line["indexType"], line["elements"], line["bytes"]]
-            stream = self._database.execute(_INSERT_STREAM, [file, *address, self._structure(line), *numbers]).lastrowid
-            members = [
+            rows.streams.append((stream, file, *address, self._structure(line), *numbers))
+            rows.members += [
                 (stream, place, _stored(member["name"]), member["type"], member["length"],
                  _number(member.get("least")), _number(member.get("greatest")))
                 for place, member in enumerate(line["members"])
             ]  # fmt: skip
-            many("INSERT INTO members VALUES (?, ?, ?, ?, ?, ?, ?)", members)
+
+    def _new_rows(self) -> _NewRows:
+        (first,) = self._database.execute("SELECT coalesce(max(id), 0) + 1 FROM streams").fetchone()
+        return _NewRows(first)
+
+    def _insert(self, rows: _NewRows) -> None:
+        for table in ("declarations", "nodes", "channels", "streams", "members"):
+            values = getattr(rows, table)
+            if values:
+                places = ", ".join("?" * len(values[0]))
+                self._database.executemany(f"INSERT INTO {table} VALUES ({places})", values)
 
     def _structure(self, line: dict[str, Any]) -> int:
         """The number of the structure of that text."""
