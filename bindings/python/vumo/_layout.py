@@ -140,15 +140,20 @@ def as_values(values: npt.ArrayLike, dtype: np.dtype[Any], shape: tuple[int, ...
         given = np.asarray(values, dtype=object)  # NumPy takes a list of large whole numbers for one of doubles
     elif given.dtype.kind not in "biuf":
         raise TypeError(f"numbers are expected, not {given.dtype}")
+    converted = given if given.dtype == dtype else _converted(given, dtype)
+    return np.ascontiguousarray(np.broadcast_to(converted, shape))
+
+
+def _converted(given: npt.NDArray[Any], dtype: np.dtype[Any]) -> npt.NDArray[Any]:
     try:
         with np.errstate(all="ignore"):
-            converted = given.astype(dtype, copy=False)
+            converted = given.astype(dtype)
         is_kept = np.isinf(converted) <= np.isinf(given) if dtype.kind == "f" else converted == given
     except OverflowError:
         is_kept = False
-    if given.dtype != dtype and not np.all(is_kept):
+    if not np.all(is_kept):
         raise ValueError(f"a value does not fit into {dtype}")
-    return np.ascontiguousarray(np.broadcast_to(converted, shape))
+    return converted
 
 
 def as_strings(values: Any, shape: tuple[int, ...]) -> list[str | None]:

@@ -192,7 +192,8 @@ class Stream:
             self.scatter(key, *value)
         elif self._member(key).type != "string" and self.dense:
             column = self[key]
-            column[...] = as_values(value, column.dtype, column.shape)
+            if not _is_same(column, value):
+                column[...] = as_values(value, column.dtype, column.shape)
         else:
             self._write(key, None, value)
 
@@ -272,6 +273,11 @@ class Element(MutableMapping[str, Any]):
     def __repr__(self) -> str:
         values = ", ".join(f"{name}={_plain(value)!r}" for name, value in self.items())
         return f"<vumo.Element {self.index!r} of {self._stream.name!r}: {values}>"
+
+
+def _is_same(column: npt.NDArray[Any], value: Any) -> bool:
+    """Whether the value is the column itself, as at the end of `stream["Weight"] += 1`."""
+    return isinstance(value, np.ndarray) and value.__array_interface__ == column.__array_interface__
 
 
 def _plain(value: Any) -> Any:
