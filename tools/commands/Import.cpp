@@ -1,6 +1,7 @@
 #include "commands/Commands.h"
 #include "core/Batch.h"
 #include "core/Text.h"
+#include "edit/Parts.h"
 #include "edit/Save.h"
 #include "edit/Script.h"
 #include "tools/codec/CodecError.h"

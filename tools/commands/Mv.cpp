@@ -1,5 +1,5 @@
 #include "commands/Commands.h"
-#include "edit/Transfer.h"
+#include "edit/TransferCommand.h"
 
 void addMv(Session& session)
 {

@@ -46,19 +46,3 @@ std::set<std::string> nodesOf(const std::vector<Edit>& edits);
 
 /// Makes the change in what was read of the scene. Throws a `Failure`; the scene must not be saved then.
 void apply(const Edit& edit, SceneFile& scene);
-
-/// The same for a copy or a move from one scene to another.
-void apply(const Edit& edit, SceneFile& from, SceneFile& to);
-
-/// The structure that the text declares, or that has this name, referenced by the scene: new ones are added to it.
-/// Throws a `Failure` when there is another of the name.
-const vumo::Data::Structure& structureToUse(SceneFile& scene, const std::string& text);
-const vumo::Data::Structure& addStructure(SceneFile& scene, const vumo::Data::Structure& structure);
-
-/// The node, to be added to; a new one where there is none. Throws a `Failure` for one that cannot be read.
-vumo::Data::Associations& nodeToEdit(SceneFile& scene, const std::string& name);
-
-/// Puts the stream into the channel under that name, unless one is there that is to stay. Returns whether it did.
-/// Throws a `Failure` where one is there and must not be.
-bool putStream(const SceneFile& scene, const vumo::Data::Stream& stream, const std::string& name,
-               vumo::Data::Channel channel, Edit::eMerge merge);

@@ -1,78 +1,123 @@
 #include "edit/Transfer.h"
 
-#include "edit/Save.h"
-#include "edit/Script.h"
+#include "core/Elements.h"
+#include "core/Text.h"
+#include "edit/Parts.h"
 
-#include <filesystem>
-#include <memory>
+#include <vector>
+
+using namespace vumo::Data;
 
 namespace
 {
-/// What the command line says.
-struct Request
+/// A copy or a move.
+class Transfer
 {
-    Edit edit;
-    std::string merge = "fail";
-    std::string toFile; ///< empty for the same one
+public:
+    Transfer(const Edit& edit, SceneFile& from, SceneFile& to)
+        : mEdit(edit),
+          mFrom(from),
+          mTo(to),
+          mSource(edit.from()),
+          mTarget(edit.to()),
+          mIsMove(edit.verb == Edit::kMove)
+    {
+    }
+
+    void run()
+    {
+        Associations& source = mFrom.node(mSource.node);
+        if (mSource.index)
+            return putElement();
+        if (mSource.stream)
+            mFrom.stream(mSource); // says what is missing
+        else if (mSource.channel)
+            mFrom.channel(mSource);
+        Associations& target = nodeToEdit(mTo, mTarget.node);
+        if (mSource.stream)
+            putStream(Channel(*source.findChannel(*mSource.channel)), *mSource.stream, target, *mTarget.channel,
+                      *mTarget.stream);
+        else if (mSource.channel)
+            putChannel(source, *mSource.channel, target, *mTarget.channel);
+        else
+            putNode(source, target);
+    }
+
+private:
+    void putNode(Associations& source, Associations& target)
+    {
+        std::vector<std::string> names;
+        for (const Channel& channel : source)
+            names.push_back(channel.name());
+        for (const std::string& name : names)
+            putChannel(source, name, target, name);
+    }
+
+    void putChannel(Associations& source, const std::string& name, Associations& target, const std::string& newName)
+    {
+        Channel channel = *source.findChannel(name);
+        std::vector<std::string> names;
+        for (const Stream* const stream : channel)
+            names.push_back(stream->name());
+        target.channel(newName);
+        for (const std::string& streamName : names)
+            putStream(channel, streamName, target, newName, streamName);
+        if (mIsMove && channel.empty())
+            source.removeChannel(name);
+    }
+
+    void putStream(Channel channel, const std::string& name, Associations& target, const std::string& newChannel,
+                   const std::string& newName)
+    {
+        const bool isPut =
+            ::putStream(mTo, *channel.findDataStream(name), newName, target.channel(newChannel), mEdit.merge);
+        if (isPut && mIsMove)
+            channel.removeDataStream(name);
+    }
+
+    void putElement()
+    {
+        const Stream& source = mFrom.stream(mSource);
+        const Index index = indexFrom(mFrom, source, *mSource.index);
+        Stream carrier(source.structure(), source.name()); // of this element alone, to change its structure
+        carrier.setIndexType(source.indexType());
+        carrier.setElement(index, elementAt(mFrom, source, *mSource.index));
+
+        Stream& target = targetStream(source);
+        const Index newIndex = indexFrom(mTo, target, *mTarget.index);
+        if (target.hasElement(newIndex) &&
+            !mayReplace(mTo, mEdit.merge, "the element at index " + inQuotes(*mTarget.index)))
+            return;
+        if (!carrier.rebase(target.structure()))
+            throw mTo.failure(kNotWritten, "stream " + inQuotes(target.name()) + " is of another structure");
+        target.setElement(newIndex, carrier.element(index));
+        if (mIsMove)
+            streamToEdit(mFrom, mSource).removeElement(index);
+    }
+
+    /// The stream that the element goes to; a new one like the source where there is none.
+    Stream& targetStream(const Stream& source)
+    {
+        Channel channel = nodeToEdit(mTo, mTarget.node).channel(*mTarget.channel);
+        if (!channel.findDataStream(*mTarget.stream))
+        {
+            Stream stream(source.structure(), *mTarget.stream);
+            stream.setIndexType(source.indexType());
+            channel.setDataStream(stream);
+        }
+        return streamToEdit(mTo, mTarget);
+    }
+
+    const Edit& mEdit;
+    SceneFile& mFrom;
+    SceneFile& mTo;
+    const Address mSource;
+    const Address mTarget;
+    const bool mIsMove;
 };
-
-/// Copies or moves from one file to another. What is moved is saved there before it is removed here.
-eExitCode transferBetween(const Job& job, const Edit& edit, const std::string& toFile)
-{
-    const bool isMove = edit.verb == Edit::kMove;
-    std::error_code ignored;
-    if (std::filesystem::equivalent(job.file, toFile, ignored))
-        throw Failure(kWrongUsage, "--to names the same file; without it something is copied or moved within one");
-    SceneFile from = isMove ? openToEdit(job, job.file) : SceneFile(job.session, job.file);
-    from.readNode(edit.from().node);
-    SceneFile to = openToEdit(job, toFile);
-    to.readNode(edit.to().node);
-    apply(edit, from, to);
-    save(job, to);
-    try
-    {
-        if (isMove)
-            save(job, from);
-    }
-    catch (const Failure& failure)
-    {
-        throw Failure(failure.code(), std::string(failure.what()) + "\nIt is in " + toFile + " by now, and here, too.");
-    }
-    return kDone;
-}
-
-eExitCode work(Session& session, Request& request)
-{
-    const bool isToOther = !request.toFile.empty();
-    request.edit.words = session.words();
-    request.edit.merge = mergeOf(request.merge);
-    request.edit.check(isToOther);
-    checkSaving(session, isToOther && request.edit.verb == Edit::kMove);
-    return forEachFile(session, [&](Job& job) {
-        return isToOther ? transferBetween(job, request.edit, request.toFile) : makeEdits(job, {request.edit});
-    });
-}
 } // namespace
 
-void addTransfer(Session& session, Edit::eVerb verb, const std::string& name, const std::string& description)
+void transfer(const Edit& edit, SceneFile& from, SceneFile& to)
 {
-    CLI::App& command = session.addCommand(name, description);
-    session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.end() - 1}, 1);
-    session.addSaving(command);
-    const auto request = std::make_shared<Request>();
-    request->edit.verb = verb;
-    constexpr int kMostWords = 4;
-    command
-        .add_option("--as", request->edit.newWords,
-                    "the new address, or its last words; stands after the address. A word that begins with \"-\" is "
-                    "given as --as=WORD")
-        ->expected(1, kMostWords)
-        ->take_all()
-        ->allow_extra_args(false)
-        ->type_name("WORD...");
-    command.add_option("--to", request->toFile, "to this scene, of either kind; under the same address without --as")
-        ->type_name("FILE");
-    command.add_option("--merge", request->merge, "what becomes of a stream or an element that is there already")
-        ->type_name("keep|replace|fail");
-    session.setWork(command, [&session, request] { return work(session, *request); });
+    Transfer(edit, from, to).run();
 }

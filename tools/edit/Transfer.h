@@ -1,9 +1,8 @@
 #pragma once
 
-#include "core/Session.h"
+#include "core/SceneFile.h"
 #include "edit/Edit.h"
 
-#include <string>
-
-/// Adds a command that copies or moves metadata: cp or mv.
-void addTransfer(Session& session, Edit::eVerb verb, const std::string& name, const std::string& description);
+/// Makes a copy or a move from one scene to another, or within the same, in what was read of them. Throws a `Failure`;
+/// neither scene must be saved then.
+void transfer(const Edit& edit, SceneFile& from, SceneFile& to);

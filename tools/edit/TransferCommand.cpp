@@ -1,0 +1,79 @@
+#include "edit/TransferCommand.h"
+
+#include "edit/Save.h"
+#include "edit/Script.h"
+#include "edit/Transfer.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace
+{
+/// What the command line says.
+struct Request
+{
+    Edit edit;
+    std::string merge = "fail";
+    std::string toFile; ///< empty for the same one
+};
+
+/// Copies or moves from one file to another. What is moved is saved there before it is removed here.
+eExitCode transferBetween(const Job& job, const Edit& edit, const std::string& toFile)
+{
+    const bool isMove = edit.verb == Edit::kMove;
+    std::error_code ignored;
+    if (std::filesystem::equivalent(job.file, toFile, ignored))
+        throw Failure(kWrongUsage, "--to names the same file; without it something is copied or moved within one");
+    SceneFile from = isMove ? openToEdit(job, job.file) : SceneFile(job.session, job.file);
+    from.readNode(edit.from().node);
+    SceneFile to = openToEdit(job, toFile);
+    to.readNode(edit.to().node);
+    transfer(edit, from, to);
+    save(job, to);
+    try
+    {
+        if (isMove)
+            save(job, from);
+    }
+    catch (const Failure& failure)
+    {
+        throw Failure(failure.code(), std::string(failure.what()) + "\nIt is in " + toFile + " by now, and here, too.");
+    }
+    return kDone;
+}
+
+eExitCode work(Session& session, Request& request)
+{
+    const bool isToOther = !request.toFile.empty();
+    request.edit.words = session.words();
+    request.edit.merge = mergeOf(request.merge);
+    request.edit.check(isToOther);
+    checkSaving(session, isToOther && request.edit.verb == Edit::kMove);
+    return forEachFile(session, [&](Job& job) {
+        return isToOther ? transferBetween(job, request.edit, request.toFile) : makeEdits(job, {request.edit});
+    });
+}
+} // namespace
+
+void addTransfer(Session& session, Edit::eVerb verb, const std::string& name, const std::string& description)
+{
+    CLI::App& command = session.addCommand(name, description);
+    session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.end() - 1}, 1);
+    session.addSaving(command);
+    const auto request = std::make_shared<Request>();
+    request->edit.verb = verb;
+    constexpr int kMostWords = 4;
+    command
+        .add_option("--as", request->edit.newWords,
+                    "the new address, or its last words; stands after the address. A word that begins with \"-\" is "
+                    "given as --as=WORD")
+        ->expected(1, kMostWords)
+        ->take_all()
+        ->allow_extra_args(false)
+        ->type_name("WORD...");
+    command.add_option("--to", request->toFile, "to this scene, of either kind; under the same address without --as")
+        ->type_name("FILE");
+    command.add_option("--merge", request->merge, "what becomes of a stream or an element that is there already")
+        ->type_name("keep|replace|fail");
+    session.setWork(command, [&session, request] { return work(session, *request); });
+}
