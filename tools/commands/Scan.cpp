@@ -51,15 +51,20 @@ public:
         mOut << JsonObject().addText("kind", kind).add(mIdentity).add(members).text() << '\n';
     }
 
+    /// The members that tell of a structure.
+    const JsonObject& describe(const Structure& structure)
+    {
+        const auto [entry, isNew] = mStructures.try_emplace(&structure);
+        if (isNew)
+            entry->second.addText("structure", structure.name()).addText("layout", layoutText(structure));
+        return entry->second;
+    }
+
 private:
     std::ostream& mOut;
     const JsonObject& mIdentity;
+    std::map<const Structure*, JsonObject> mStructures;
 };
-
-JsonObject structureMembers(const Structure& structure)
-{
-    return JsonObject().addText("structure", structure.name()).addText("layout", layoutText(structure));
-}
 
 std::string membersOf(const Stream& stream)
 {
@@ -89,7 +94,7 @@ void addNode(FileLines& lines, const std::string& node, const Associations& chan
         {
             JsonObject members;
             members.addText("node", node).addText("channel", channel.name()).addText("stream", stream->name());
-            members.add(structureMembers(stream->structure())).addText("indexType", stream->indexType());
+            members.add(lines.describe(stream->structure())).addText("indexType", stream->indexType());
             members.add("elements", stream->elementCount());
             members.add("bytes", bytes.at({node, channel.name(), stream->name()}));
             lines.add("stream", members.add("members", membersOf(*stream)));
@@ -128,7 +133,7 @@ void addAll(const Job& job, const SceneFile& scene, const ByteCounts& bytes, con
     FileLines lines(job.out, identity);
     lines.add("file", JsonObject().add("code", kDone).add("faults", unread.size()));
     for (const Structure* const structure : scene.metadata().structures())
-        lines.add("structure", structureMembers(*structure));
+        lines.add("structure", lines.describe(*structure));
     for (const auto& [node, channels] : scene.metadata().associations())
         addNode(lines, node, channels, bytes);
     addExternal(lines, scene);
