@@ -10,7 +10,8 @@
 
 namespace bench
 {
-/// Processor time of this process in seconds, that of the kernel on its behalf included.
+/// Processor time of this process in seconds, that of the kernel on its behalf included, and that of programs which it
+/// has run and waited for.
 double processorTime();
 
 /// Adds up the time of the parts of a round that count.

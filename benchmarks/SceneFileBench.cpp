@@ -39,20 +39,6 @@ std::string nodeName(std::size_t i)
     return "node" + std::to_string(i);
 }
 
-/// A scene in which each of many nodes has the records.
-std::shared_ptr<const SceneFile> sceneOfNodes(const std::string& extension, std::size_t nodes,
-                                              const std::vector<Record>& records)
-{
-    constexpr std::uint64_t kSmallGeometry = 1 << 20;
-    const auto file = std::make_shared<const SceneFile>(extension, records, kSmallGeometry);
-    const std::unique_ptr<Accessor> accessor = writerOf(*file, records);
-    accessor->associations().clear();
-    for (std::size_t i = 0; i < nodes; ++i)
-        accessor->associations()[nodeName(i)] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
-    write(*accessor);
-    return file;
-}
-
 /// Edits the label of one element there and back; reads nothing but its node, or all.
 Side labelEditing(const std::shared_ptr<const SceneFile>& file, const std::string& node, bool readsAll)
 {
@@ -106,27 +92,50 @@ std::uint64_t digestOfNodes(const std::vector<std::uint64_t>& nodes)
     return digest.sum();
 }
 
-/// All nodes of a scene, by the library.
-Side nodesReading(const std::shared_ptr<const SceneFile>& file, std::uint64_t expected)
+std::uint64_t digestOfNodes(std::size_t nodes, const std::vector<Record>& records)
+{
+    return digestOfNodes(std::vector<std::uint64_t>(nodes, digestOf(records)));
+}
+} // namespace
+
+std::vector<Record> recordsOfTextSize(std::size_t bytes)
+{
+    constexpr std::size_t kSample = 1000;
+    const std::size_t sampleSize = rawText(makeRecords(kSample)).size();
+    return makeRecords(bytes * kSample / sampleSize);
+}
+
+std::shared_ptr<const SceneFile> sceneOfNodes(const std::string& extension, std::size_t nodes,
+                                              const std::vector<Record>& records)
+{
+    constexpr std::uint64_t kSmallGeometry = 1 << 20;
+    const auto file = std::make_shared<const SceneFile>(extension, records, kSmallGeometry);
+    const std::unique_ptr<Accessor> accessor = writerOf(*file, records);
+    accessor->associations().clear();
+    for (std::size_t i = 0; i < nodes; ++i)
+        accessor->associations()[nodeName(i)] = associationsOf(streamOf(BlockArray(records), Storage::kMapped));
+    write(*accessor);
+    return file;
+}
+
+Side nodesReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records)
 {
     const auto round = [file](Stopwatch& watch) {
         const std::unique_ptr<Accessor> accessor = accessorFor(*file);
         watch.time([&] { read(*accessor, *file); });
-        std::vector<std::uint64_t> nodes;
+        std::vector<std::uint64_t> digests;
         for (const auto& [name, associations] : accessor->associations())
-            nodes.push_back(digestOf(streamIn(associations)));
-        return digestOfNodes(nodes);
+            digests.push_back(digestOf(streamIn(associations)));
+        return digestOfNodes(digests);
     };
-    return {round, expected};
+    return {round, digestOfNodes(nodes, records)};
 }
 
-/// The bytes of the file, into a buffer that is made for them as the library's is, and beside them the texts of as many
-/// nodes and of their structure.
-Side partsReading(const std::shared_ptr<const SceneFile>& file, const std::string& text, std::size_t nodes,
-                  std::uint64_t expected)
+Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records)
 {
     // Made once: allocations of this size make the allocator tidy up, which would then be done before the watch runs.
     const auto texts = std::make_shared<std::vector<std::istringstream>>();
+    const std::string text = rawText(records);
     texts->emplace_back(recordStructureText());
     for (std::size_t i = 0; i < nodes; ++i)
         texts->emplace_back(text);
@@ -151,17 +160,8 @@ Side partsReading(const std::shared_ptr<const SceneFile>& file, const std::strin
             digests.push_back(digestOf(streamIn(*associations)));
         return digestOfNodes(digests);
     };
-    return {round, expected};
+    return {round, digestOfNodes(nodes, records)};
 }
-} // namespace
-
-std::vector<Record> recordsOfTextSize(std::size_t bytes)
-{
-    constexpr std::size_t kSample = 1000;
-    const std::size_t sampleSize = rawText(makeRecords(kSample)).size();
-    return makeRecords(bytes * kSample / sampleSize);
-}
-
 Side fileReading(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& expected)
 {
     const auto round = [file](Stopwatch& watch) {
@@ -237,9 +237,8 @@ void compareSmallScene(Comparison& comparison, const std::string& extension)
     constexpr unsigned int kPasses = 20;
     const std::vector<Record> records = makeRecords(kFewElements);
     const auto file = sceneOfNodes(extension, kFewNodes, records);
-    const std::uint64_t expected = digestOfNodes(std::vector<std::uint64_t>(kFewNodes, digestOf(records)));
-    comparison.run(kFewNodes * kFewElements * kPasses, repeated(nodesReading(file, expected), kPasses),
-                   repeated(partsReading(file, rawText(records), kFewNodes, expected), kPasses));
+    comparison.run(kFewNodes * kFewElements * kPasses, repeated(nodesReading(file, kFewNodes, records), kPasses),
+                   repeated(partsReading(file, kFewNodes, records), kPasses));
 }
 
 void compareBytesRead(Comparison& comparison, const std::string& extension)

@@ -3,6 +3,7 @@
 #include "benchmarks/Comparison.h"
 #include "benchmarks/SceneFile.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,6 +35,17 @@ std::vector<Record> recordsOfTextSize(std::size_t bytes);
 Side fileReading(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& expected);
 Side fileWriting(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& records,
                  vumo::Data::Accessor::eDurability durability);
+
+/// A scene in which each of the nodes, "node0" and so on, has the records.
+std::shared_ptr<const SceneFile> sceneOfNodes(const std::string& extension, std::size_t nodes,
+                                              const std::vector<Record>& records);
+
+/// All its nodes, by the library.
+Side nodesReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records);
+
+/// The bytes of its metadata, into a buffer that is made for them as the library's is, and beside them the texts of as
+/// many nodes and of their structure.
+Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records);
 
 /// One label edited among many nodes: with a read of that node alone, which keeps the rest, against one of all.
 void compareNodeEdit(Comparison& comparison, const std::string& extension);

@@ -11,6 +11,7 @@
 #include "benchmarks/TagBench.h"
 #include "benchmarks/TextBench.h"
 #include "benchmarks/ThreadBench.h"
+#include "benchmarks/ToolBench.h"
 #include "benchmarks/VectorBench.h"
 #include "benchmarks/peers/LoopText.h"
 #include "benchmarks/peers/Nlohmann.h"
@@ -155,6 +156,11 @@ const std::vector<Workload> kWorkloads = {
      kManyRounds, compareStreamsOfOneStructureOnThreads},
     {"threads/element", "element(i), one structure, on 2 threads", "one after the other", kTime, 0, 0, kManyRounds,
      compareElementsOfOneStructureOnThreads},
+
+    {"tool/scan", "vumo scan, 10k .ob of 20 nodes of 50 elements", "pread, and texts in memory read", kTime, 1.5, 1.25,
+     kFewRounds, compareScan},
+    {"tool/ls", "vumo ls, .ob of 20k nodes", "all nodes read", kTime, 0.4, 0.2, kRounds, compareListing},
+    {"tool/get", "vumo get of one label among 20k nodes", "all nodes read", kTime, 0.4, 0.2, kRounds, compareGet},
 
     {"scale/text/write", "text written, 1M elements", "itself, 10k", kTime, 1.3, 1.1, kRounds,
      compareTextWritingAtScale},
