@@ -5,6 +5,7 @@
 SITE is the folder that packages are in.
 """
 
+import os
 import subprocess
 import sys
 import tempfile
@@ -14,6 +15,7 @@ site, write_scene = sys.argv[1:]
 sys.path.insert(0, site)
 
 import vumo  # noqa: E402
+from vumo import _tool  # noqa: E402
 
 assert Path(vumo.__file__).is_relative_to(site), vumo.__file__
 assert Path(vumo.__file__).with_name("py.typed").exists()
@@ -28,3 +30,7 @@ with tempfile.TemporaryDirectory() as folder:
 libraries = {line.split()[-1] for line in Path("/proc/self/maps").read_text().splitlines() if "libvumo" in line}
 root = Path(site).parents[2] if libraries else None
 assert all(Path(library).is_relative_to(root) for library in libraries), libraries
+
+# And so does the tool, which reads for catalogues.
+os.environ.pop("VUMO_TOOL", None)
+assert root is None or _tool.program() == str(root / "bin/vumo"), _tool.program()
