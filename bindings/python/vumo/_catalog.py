@@ -154,7 +154,7 @@ class Catalog:
 
     One process at a time updates it; others may ask meanwhile. `with` closes it at the end.
 
-    Queries are methods, and `sql` for all others; docs/formats/catalogue.md has the tables. Names in queries are exact.
+    Queries are methods, and `sql` for all others; docs/catalogue.md has the tables. Names in queries are exact.
     """
 
     def __init__(self, path: str | os.PathLike[str]) -> None:
@@ -225,7 +225,7 @@ class Catalog:
         return changed
 
     def sql(self, query: str, parameters: Sequence[Any] | dict[str, Any] = ()) -> Rows:
-        """The rows that SQL gives, over the tables of docs/formats/catalogue.md."""
+        """The rows that SQL gives, over the tables of docs/catalogue.md."""
         cursor = self._database.execute(query, parameters)
         return Rows([column[0] for column in cursor.description or ()], cursor)
 
