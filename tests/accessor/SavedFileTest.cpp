@@ -120,7 +120,7 @@ TEST_F(SavedFileTest, TheFile_StaysTheOneThatItWas)
     EXPECT_TRUE(isSaved(other));
 }
 
-TEST_F(SavedFileTest, AnEstimate_IsWhatTheWriteDoesThen)
+TEST_F(SavedFileTest, RichScenes_AreWrittenAsWasEstimated)
 {
     for (const RichScene& kind : kRichScenes)
     {
