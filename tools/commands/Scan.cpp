@@ -172,8 +172,8 @@ eExitCode scan(Job& job)
     {
         FileLines lines(job.out, identity);
         if (isFile)
-            lines.add("file", JsonObject().add("code", failure.code()).add("faults", 1));
-        lines.add("fault", JsonObject().addText("error", failure.what()).add("code", failure.code()));
+            lines.add("file", JsonObject().add("code", std::to_string(failure.code())).add("faults", 1));
+        lines.add("fault", JsonObject().addText("error", failure.what()).add("code", std::to_string(failure.code())));
         throw;
     }
 }

@@ -87,7 +87,7 @@ private:
         {
             if (!outcome.words.empty())
                 json.addText("error", outcome.words);
-            kept << json.add("code", outcome.code).text();
+            kept << json.add("code", std::to_string(outcome.code)).text();
         }
         outcome.data = kept.str();
         return outcome;

@@ -71,6 +71,7 @@ template <class Parts, class NameOf>
 std::vector<std::string> namesOf(const Parts& parts, NameOf nameOf)
 {
     std::vector<std::string> names;
+    names.reserve(parts.size());
     for (const auto& part : parts)
         names.push_back(nameOf(part));
     return names;

@@ -122,8 +122,9 @@ void Session::addBatch(CLI::App& command)
 
 void Session::addLockWait(CLI::App& command)
 {
+    constexpr double kMostSeconds = 4.0e6; // in milliseconds they go into 32 bits
     command.add_option("--lock-wait", mLockWait, "wait so long for others who write to a file")
-        ->check(CLI::Range(0.0, 4.0e6).description(""))
+        ->check(CLI::Range(0.0, kMostSeconds).description(""))
         ->type_name("SECONDS");
 }
 

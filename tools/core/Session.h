@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <ostream>
+#include <ratio>
 #include <string>
 #include <vector>
 
@@ -77,7 +78,10 @@ public:
     char lineEnd() const { return mLineEnd; }
     void setLineEnd(char lineEnd) { mLineEnd = lineEnd; }
 
-    unsigned int lockWait() const { return static_cast<unsigned int>(mLockWait * 1000); } ///< in milliseconds
+    unsigned int lockWait() const
+    {
+        return static_cast<unsigned int>(mLockWait * std::milli::den);
+    } ///< in milliseconds
 
     /// Standard output, for data. Whether somebody still reads it.
     std::ostream& out() { return mOut; }

@@ -57,7 +57,7 @@ class CostRequest
 {
 public:
     /// Borrows both.
-    CostRequest(Accessor::WriteCost*& place, Accessor::WriteCost& cost) : mPlace(place) { mPlace = &cost; }
+    CostRequest(Accessor::WriteCost*& place, Accessor::WriteCost& cost) : mPlace(place) { place = &cost; }
     CostRequest(const CostRequest&) = delete;
     CostRequest& operator=(const CostRequest&) = delete;
     ~CostRequest() { mPlace = nullptr; }

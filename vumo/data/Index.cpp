@@ -36,8 +36,10 @@ const bool IndexPair::myRegistration = Index::registerType(myTypeName, &CRTP_Ind
 const std::string IndexString::myTypeName = "string";
 const bool IndexString::myRegistration = Index::registerType(myTypeName, &CRTP_IndexType<IndexString>::doCreate);
 
-Index::Index(Ref<IndexType> value) : mIsText(value && typeid(*value) == typeid(IndexString)), mComplex(std::move(value))
+Index::Index(Ref<IndexType> value) : mComplex(std::move(value))
 {
+    const IndexType* const form = mComplex.get();
+    mIsText = form && typeid(*form) == typeid(IndexString);
 }
 
 Index::Index(const IndexType& value) : Index(Ref<IndexType>(value.clone())) {}

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <limits>
 
 namespace vumo::detail
 {
@@ -38,9 +39,9 @@ constexpr std::array<FivePower, kGreatestScale + 1> powersOfFive()
     return powers;
 }
 
-constexpr std::array<std::uint64_t, 20> powersOfTen()
+constexpr auto powersOfTen()
 {
-    std::array<std::uint64_t, 20> powers{};
+    std::array<std::uint64_t, std::numeric_limits<std::uint64_t>::digits10 + 1> powers{}; // all that 64 bits hold
     std::uint64_t power = 1;
     for (std::uint64_t& entry : powers)
     {

@@ -89,9 +89,10 @@ struct DigitOctet
         const std::uint64_t hundreds = (fours * 10'486 >> 20) & 0x0000'007F'0000'007F;
         const std::uint64_t twos = hundreds | (fours - hundreds * 100) << 16;
         const std::uint64_t tens = (twos * 103 >> 10) & 0x000F'000F'000F'000F;
+        constexpr std::uint64_t kZeros = 0x3030'3030'3030'3030; // as characters
         const std::uint64_t ones = tens | (twos - tens * 10) << 8;
         count = kSize - __builtin_clzll(ones) / 8; // there is a digit that is not zero
-        text = ones + 0x3030'3030'3030'3030;       // zeros as characters
+        text = ones + kZeros;
     }
 
     void put(char* out, int from) const { storeCharacters(out, text >> (8 * from)); }
