@@ -231,7 +231,7 @@ private:
     bool areSame(const Handle& a, const Handle& b, const Member& member) const
     {
         const Member::eDataType type = Member::type(&member);
-        const std::size_t size = Member::typeSize(type) * Member::length(&member);
+        const std::size_t size = std::size_t{Member::typeSize(type)} * Member::length(&member);
         if (type != Member::kString &&
             std::memcmp(a.data() + Member::offset(&member), b.data() + Member::offset(&member), size) == 0)
             return true;

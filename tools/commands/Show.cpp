@@ -19,11 +19,13 @@ using namespace vumo::Data;
 
 namespace
 {
+constexpr unsigned int kShownElements = 20; // about what a terminal shows
+
 /// How much is shown of each stream, and in which form.
 struct Head
 {
     bool isScript = false;
-    unsigned int count = 20;
+    unsigned int count = kShownElements;
     bool isAll = false;
 };
 
