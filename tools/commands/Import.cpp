@@ -37,7 +37,7 @@ std::string formatOf(const Request& request)
 {
     if (!request.format.empty())
         return request.format;
-    const std::string ending = request.name.substr(request.name.find_last_of('.') + 1);
+    std::string ending = request.name.substr(request.name.find_last_of('.') + 1);
     if (ending == "csv" || ending == "ndjson")
         return ending;
     if (ending != "json" && request.name != "-")

@@ -78,10 +78,8 @@ public:
     char lineEnd() const { return mLineEnd; }
     void setLineEnd(char lineEnd) { mLineEnd = lineEnd; }
 
-    unsigned int lockWait() const
-    {
-        return static_cast<unsigned int>(mLockWait * std::milli::den);
-    } ///< in milliseconds
+    /// How long a lock of somebody else is waited for, in milliseconds.
+    unsigned int lockWait() const { return static_cast<unsigned int>(mLockWait * std::milli::den); }
 
     /// Standard output, for data. Whether somebody still reads it.
     std::ostream& out() { return mOut; }
