@@ -131,7 +131,7 @@ private:
             else
                 add(one != a.end() ? "-" : "+", kind);
         }
-        mAddress[level] = {};
+        mAddress[level].emplace<std::monostate>();
     }
 
     /// Byte by byte.
@@ -213,7 +213,7 @@ private:
             if (isInB)
                 ++other;
         }
-        mAddress[3] = {};
+        mAddress[3].emplace<std::monostate>();
     }
 
     void compareValues(Handle a, Handle b, const Structure& structure)
@@ -224,7 +224,7 @@ private:
                 continue;
             mAddress[4] = std::string(Member::name(structure.member(i)));
             add("~", "value", plainText(a), plainText(b));
-            mAddress[4] = {};
+            mAddress[4].emplace<std::monostate>();
         }
     }
 
