@@ -14,6 +14,7 @@ import base64
 import hashlib
 import os
 import re
+import shutil
 import subprocess
 import sys
 import sysconfig
@@ -70,12 +71,14 @@ def _build_package(build: str, site: Path) -> None:
         "VUMO_BUILD_TESTS": "OFF",
         "VUMO_PYTHON_INSTALL_DIR": ".",
     }
+    # Scripts set up Ninja and need no Make. A folder that was configured before keeps what it has.
+    environment = {"CMAKE_GENERATOR": "Ninja"} if shutil.which("ninja") else {}
     for command in (
         ["-S", str(ROOT), "-B", build, *(f"-D{name}={value}" for name, value in options.items())],
         ["--build", build, "--target", "vumo_python", "--parallel", str(os.cpu_count() or 1)],
         ["--install", build, "--prefix", str(site), "--component", "python"],
     ):
-        subprocess.run(["cmake", *command], check=True)
+        subprocess.run(["cmake", *command], check=True, env=environment | os.environ)
 
 
 def _tag() -> str:
