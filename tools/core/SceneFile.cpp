@@ -106,6 +106,7 @@ std::vector<ListedBlock> SceneFile::list()
 void SceneFile::read(const std::set<std::string>* nodes)
 {
     std::string errors;
+    mAccessor->clear(); // a read alone does not release the structures of the read before it
     if (!mAccessor->read(mFileName, nullptr, nodes, errors))
         throw readFailure(errors);
 }
