@@ -64,7 +64,7 @@ class Structure:
     def __init__(self, name: str, members: Mapping[str, Any] | np.dtype[Any]) -> None:
         if isinstance(members, np.dtype):
             members = {field: members[field] for field in members.names or ()}
-        types = [(member, *_type_of(spec)) for member, spec in members.items()]
+        types = [(member, *_type_of(kind)) for member, kind in members.items()]
         self._layout = _vumo.Layout(name, types)
 
     @classmethod
@@ -113,15 +113,15 @@ class Structure:
         return f"<vumo.Structure {self.name!r}: {', '.join(map(str, self.members.values()))}>"
 
 
-def _type_of(spec: Any) -> tuple[str, int]:
+def _type_of(kind: Any) -> tuple[str, int]:
     """The name of the type and the dimension of a member that is described so."""
-    if spec in (str, "string"):
+    if kind in (str, "string"):
         return "string", 1
-    if isinstance(spec, tuple) and len(spec) == 2 and spec[0] in (str, "string"):
-        return "string", int(spec[1])
-    if isinstance(spec, str) and spec == "float":
+    if isinstance(kind, tuple) and len(kind) == 2 and kind[0] in (str, "string"):
+        return "string", int(kind[1])
+    if isinstance(kind, str) and kind == "float":
         raise TypeError('"float" means different types in NumPy and in scenes: say "f4" or "f8"')
-    dtype = np.dtype(spec)
+    dtype = np.dtype(kind)
     base, shape = dtype.base, dtype.shape
     if shape[-2:] == (4, 4) and len(shape) <= 3 and base in _TYPE_OF_MATRICES:
         return _TYPE_OF_MATRICES[base], shape[0] if len(shape) == 3 else 1
