@@ -3,14 +3,16 @@
 import json
 import os
 import shutil
+import sqlite3
 import subprocess
 import sys
+import threading
 
 import pytest
 from conftest import tool, write_scene
 
 import vumo
-from vumo import _catalog, _tool
+from vumo import _catalog, _schema, _tool
 
 
 @pytest.fixture
@@ -86,7 +88,8 @@ def test_an_updated_catalogue_is_as_a_new_one(show, tmp_path):
         shutil.rmtree(show)
         assert catalog.update(show).removed == 4
         assert [len(rows) for rows in dump(catalog)] == [0, 0, 0, 0, 0, 1, 0]
-        assert catalog.sql("SELECT (SELECT count(*) FROM members) + (SELECT count(*) FROM nodes) AS n")[0]["n"] == 0
+        tables = ("declarations", "nodes", "channels", "streams", "ranges", "content")
+        assert not any(catalog.sql(f"SELECT * FROM {table}") for table in tables)
 
 
 def test_an_update_that_was_interrupted_goes_on(show, tmp_path, monkeypatch):
@@ -121,6 +124,82 @@ def test_a_file_that_stops_the_tool_is_a_fault_of_its_own(show, tmp_path, monkey
         assert catalog.update(show).faulty == 1
         assert len(catalog.files()) == 3
         assert [row["error"] for row in catalog.faults()] == ["vumo stopped in the middle of it"]
+
+
+def as_database(path, *statements):
+    with sqlite3.connect(path) as database:
+        for statement in statements:
+            database.execute(statement)
+    database.close()
+
+
+NO_CATALOGUES = {
+    "no database": (lambda path: path.write_bytes(b"no database" * 99), "not a database"),
+    "of something else": (lambda path: as_database(path, "CREATE TABLE t (a)"), "no catalogue"),
+    "of another version": (lambda path: (vumo.catalog(path).close(), as_database(path, "PRAGMA user_version = 99")), "version 99"),
+    "cut off": (lambda path: (vumo.catalog(path).close(), os.truncate(path, 9000)), "malformed"),
+    "a folder": (lambda path: path.mkdir(), "unable to open"),
+    "in no folder": (lambda path: path.symlink_to("none/c.sqlite"), "unable to open"),
+}
+
+
+@pytest.mark.parametrize("case", NO_CATALOGUES)
+def test_what_is_no_catalogue_is_left_alone(show, tmp_path, case):
+    path = tmp_path / "c.sqlite"
+    make, text = NO_CATALOGUES[case]
+    make(path)
+    before = path.read_bytes() if path.is_file() else None
+    with pytest.raises(vumo.CatalogError, match=text) as caught, vumo.catalog(path) as catalog:
+        catalog.update(show)
+    assert caught.value.file == str(path)
+    assert before == (path.read_bytes() if path.is_file() else None)
+    done = subprocess.run([sys.executable, "-m", "vumo", "catalog", path, "update", show], stderr=subprocess.PIPE, text=True)
+    assert done.returncode == 3
+    assert done.stderr.startswith("vumo: ") and done.stderr.count("\n") == 1 and text in done.stderr
+
+
+def test_a_catalogue_that_must_not_be_written_to_can_be_asked(show, tmp_path):
+    path = tmp_path / "place/c.sqlite"
+    path.parent.mkdir()
+    with vumo.catalog(path) as catalog:
+        catalog.update(show)
+    path.chmod(0o444)
+    path.parent.chmod(0o555)
+    rights = "-dac_override,-dac_read_search"  # which the administrator has
+    as_user = ["setpriv", f"--inh-caps={rights}", f"--bounding-set={rights}"] if os.geteuid() == 0 else []
+
+    def ask(*words):
+        return subprocess.run([*as_user, sys.executable, "-m", "vumo", "catalog", path, *words], capture_output=True, text=True)
+
+    assert ask("carriers", "Body").stdout.count("\n") == 4
+    done = ask("update", show)
+    assert (done.returncode, done.stderr) == (3, f"vumo: {path}: the catalogue cannot be used: attempt to write a readonly database\n")
+
+
+def test_several_may_update_at_once_and_ask_meanwhile(show, tmp_path, monkeypatch):
+    for number in range(20):
+        shutil.copy(show / "b/b.ob", show / f"{number}.ob")
+    monkeypatch.setattr(_catalog, "_FILES_AT_ONCE", 2)
+    path = tmp_path / "c.sqlite"
+    done = []
+
+    def update():
+        with vumo.catalog(path) as catalog:
+            done.append(catalog.update(show, workers=2))
+
+    threads = [threading.Thread(target=update) for _ in range(3)]
+    for thread in threads:
+        thread.start()
+    while any(thread.is_alive() for thread in threads):
+        with vumo.catalog(path) as catalog:
+            assert all(row["streams"] == 2 for row in catalog.carriers("Body"))
+    assert [each.files for each in done] == [24, 24, 24]
+    with vumo.catalog(path) as catalog, vumo.catalog(tmp_path / "new.sqlite") as new:
+        new.update(show)
+        assert dump(catalog) == dump(new)
+        monkeypatch.setattr(_schema, "_WAIT", 0.01)
+        with vumo.catalog(path) as other, catalog._transaction(), pytest.raises(vumo.LockedError, match="another process"):
+            other.update(show)
 
 
 def test_the_catalogue_is_fed_with_lines_and_asked_on_the_command_line(show, tmp_path):

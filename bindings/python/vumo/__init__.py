@@ -19,6 +19,7 @@ from ._stream import Element, Stream
 from ._vumo import __version__
 from .errors import (
     BusyError,
+    CatalogError,
     ChangedError,
     ClosedError,
     Error,
@@ -38,6 +39,7 @@ __all__ = [
     "BusyError",
     "Campaign",
     "Catalog",
+    "CatalogError",
     "ChangedError",
     "Channel",
     "ClosedError",

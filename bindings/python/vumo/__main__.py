@@ -4,6 +4,8 @@ from __future__ import annotations
 
 import argparse
 import json
+import os
+import sqlite3
 import sys
 from collections.abc import Callable, Sequence
 from typing import Any
@@ -11,8 +13,9 @@ from typing import Any
 from ._campaign import Campaign
 from ._catalog import Catalog
 from ._rows import Rows
+from .errors import Error, LockedError
 
-_SOME_FAILED = 7  # as of the program vumo
+_BAD_INPUT, _BUSY, _SOME_FAILED = 3, 5, 7  # exit codes as of the program vumo
 
 _Commands = Any  # argparse does not name its type
 
@@ -120,7 +123,15 @@ def main(arguments: Sequence[str] | None = None) -> None:
     _add_catalog(commands)
     _add_campaign(commands)
     given = parser.parse_args(arguments)
-    given.run(given)
+    try:
+        given.run(given)
+        sys.stdout.flush()
+    except BrokenPipeError:  # whoever reads the rows has enough
+        os.dup2(os.open(os.devnull, os.O_WRONLY), 1)
+    except (Error, ValueError, OSError, sqlite3.Error) as error:
+        text = str(error).encode(errors="backslashreplace").decode()
+        print(f"vumo: {text}", file=sys.stderr)
+        sys.exit(_BUSY if isinstance(error, LockedError) else _BAD_INPUT)
 
 
 if __name__ == "__main__":

@@ -2,90 +2,21 @@
 
 from __future__ import annotations
 
-import base64
 import errno
-import itertools
-import json
 import os
 import sqlite3
-import time
 from collections.abc import Iterable, Iterator, Sequence
 from contextlib import contextmanager
-from dataclasses import dataclass, field
+from dataclasses import dataclass
 from types import TracebackType
 from typing import Any
 
 from . import _tool
+from ._intake import IDENTITY, MALFORMED, number_for_database, put_fault, take_in
 from ._rows import Rows, as_bytes, as_text
+from ._schema import failure, open_database
 from ._tree import Paths, Tree
 from ._work import Progress, Workers
-
-_SCHEMA = """
-CREATE TABLE IF NOT EXISTS files (
-    id INTEGER PRIMARY KEY,
-    name UNIQUE NOT NULL,
-    device, inode, size, mtime, ctime,
-    tail TEXT,
-    code INTEGER NOT NULL,
-    scanned INTEGER NOT NULL);
-CREATE TABLE IF NOT EXISTS structures (
-    id INTEGER PRIMARY KEY,
-    name NOT NULL,
-    layout UNIQUE NOT NULL);
-CREATE TABLE IF NOT EXISTS declarations (
-    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
-    structure INTEGER NOT NULL REFERENCES structures,
-    PRIMARY KEY (file, structure)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS nodes (
-    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
-    node NOT NULL,
-    PRIMARY KEY (file, node)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS channels (
-    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
-    node NOT NULL,
-    channel NOT NULL,
-    PRIMARY KEY (file, node, channel)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS streams (
-    id INTEGER PRIMARY KEY,
-    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
-    node NOT NULL,
-    channel NOT NULL,
-    stream NOT NULL,
-    structure INTEGER NOT NULL REFERENCES structures,
-    index_type TEXT NOT NULL,
-    elements INTEGER NOT NULL,
-    bytes INTEGER NOT NULL);
-CREATE TABLE IF NOT EXISTS members (
-    stream INTEGER NOT NULL REFERENCES streams ON DELETE CASCADE,
-    place INTEGER NOT NULL,
-    member NOT NULL,
-    type TEXT NOT NULL,
-    length INTEGER NOT NULL,
-    least, greatest,
-    PRIMARY KEY (stream, place)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS content (
-    file INTEGER NOT NULL REFERENCES files ON DELETE CASCADE,
-    entry NOT NULL,
-    node, key, unresolved_path, resolved_path, roles,
-    missing INTEGER NOT NULL,
-    PRIMARY KEY (file, entry)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS faults (
-    id INTEGER PRIMARY KEY,
-    name NOT NULL,
-    error NOT NULL,
-    code INTEGER NOT NULL,
-    block, block_name, format, position, length);
-CREATE INDEX IF NOT EXISTS streams_of_file ON streams (file);
-CREATE INDEX IF NOT EXISTS streams_of_structure ON streams (structure);
-CREATE INDEX IF NOT EXISTS nodes_by_name ON nodes (node);
-CREATE INDEX IF NOT EXISTS faults_of_file ON faults (name);
-CREATE VIEW IF NOT EXISTS all_streams AS
-    SELECT files.name AS file, node, channel, stream, structures.name AS structure, layout, index_type, elements, bytes
-    FROM streams JOIN files ON files.id = streams.file JOIN structures ON structures.id = streams.structure;
-CREATE VIEW IF NOT EXISTS all_members AS
-    SELECT files.name AS file, node, channel, streams.stream AS stream, member, type, length, least, greatest
-    FROM members JOIN streams ON streams.id = members.stream JOIN files ON files.id = streams.file;
-"""
 
 _VERSIONS = """
 WITH used AS (
@@ -97,24 +28,13 @@ WITH used AS (
 SELECT name AS structure, layout, files, streams FROM used"""
 _BY_LAYOUT = " ORDER BY name, files DESC, layout"
 
-_INSERT_FILE = """
-INSERT INTO files (name, device, inode, size, mtime, ctime, tail, code, scanned) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"""
-_UPDATE_FILE = """
-UPDATE files SET device = ?, inode = ?, size = ?, mtime = ?, ctime = ?, tail = ?, code = ?, scanned = ? WHERE id = ?"""
-_INSERT_FAULT = """
-INSERT INTO faults (name, error, code, block, block_name, format, position, length) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"""
-
-_STOPPED = "vumo stopped in the middle of it"
-
-_IDENTITY = ("device", "inode", "size", "mtime", "ctime")
-
 #: File systems and servers count time in steps of up to two seconds. Whoever changes a file twice in one step leaves the
 #: same times, so a file that was scanned so soon after its last change is scanned again.
 _TIME_STEP = 2_000_000_000
 
-_READ, _MALFORMED = 0, 3  # exit codes that will be the same while the file is; others say that it is worth a new try
+_SURE = (0, MALFORMED)  # exit codes that will be the same while the file is; others say that it is worth a new try
 
-_FILES_AT_ONCE = 64  # for one run of the tool, so that its start does not count
+_FILES_AT_ONCE = 128  # for one run of the tool, so that its start does not count
 _BYTES_AT_ONCE = 64 << 20
 
 
@@ -137,18 +57,6 @@ class Update:
     faulty: int
 
 
-@dataclass
-class _NewRows:
-    """What is to be inserted for some files, all at once."""
-
-    first_stream: int
-    declarations: list[tuple[Any, ...]] = field(default_factory=list)
-    nodes: list[tuple[Any, ...]] = field(default_factory=list)
-    channels: list[tuple[Any, ...]] = field(default_factory=list)
-    streams: list[tuple[Any, ...]] = field(default_factory=list)
-    members: list[tuple[Any, ...]] = field(default_factory=list)
-
-
 class Catalog:
     """What many scenes hold, in the SQLite database `path`, which is made if there is none. Made by `vumo.catalog`.
 
@@ -159,12 +67,7 @@ class Catalog:
 
     def __init__(self, path: str | os.PathLike[str]) -> None:
         self.path = os.fspath(path)
-        self._database = sqlite3.connect(self.path, isolation_level=None)
-        self._database.execute("PRAGMA journal_mode = WAL")
-        self._database.execute("PRAGMA synchronous = NORMAL")  # a crash of the machine costs the last files, no more
-        self._database.execute("PRAGMA foreign_keys = ON")
-        self._database.executescript(_SCHEMA)
-        self._structures: dict[str | bytes, int] = {}
+        self._database = open_database(self.path)
 
     def update(
         self,
@@ -194,7 +97,7 @@ class Catalog:
         portions = _portions(wanted, there)
         with Progress("files", len(wanted)) as progress:
             for names, lines in Workers(workers, client, scheduler).each(_tool.scan, portions):
-                changed += self.add_lines(lines, names)
+                changed += self.add_lines([lines], names)
                 progress.add(len(names))
         faulty = sum(tree.covers(name) for name in self._names("SELECT DISTINCT name FROM faults"))
         return Update(len(there), len(wanted), changed, len(gone), faulty)
@@ -205,24 +108,8 @@ class Catalog:
         All lines of a file have to be among them. A file of `names` without a line stopped the tool, which is a fault.
         Returns how many files have other metadata than before. Raises ValueError for what is no such line.
         """
-        found = json.loads("[" + ",".join(line if isinstance(line, str) else line.decode() for line in lines) + "]")
-        changed = 0
         with self._transaction():
-            missing = set(names)
-            waiting: set[str | bytes] = set()
-            rows = self._new_rows()
-            for name, group in itertools.groupby(found, _name_of):
-                if name in waiting:  # of another scan: it takes the place of what the first one said
-                    self._insert(rows)
-                    waiting.clear()
-                    rows = self._new_rows()
-                waiting.add(name)
-                changed += self._put_file(name, list(group), rows)
-                missing.discard(as_bytes(name))
-            for unread in missing:
-                self._put_file(as_text(unread), [{"kind": "fault", "code": _MALFORMED, "error": _STOPPED}], rows)
-            self._insert(rows)
-        return changed
+            return take_in(self._database, lines, names)
 
     def sql(self, query: str, parameters: Sequence[Any] | dict[str, Any] = ()) -> Rows:
         """The rows that SQL gives, over the tables of docs/catalogue.md."""
@@ -304,25 +191,28 @@ class Catalog:
 
     @contextmanager
     def _transaction(self) -> Iterator[None]:
-        self._database.execute("BEGIN IMMEDIATE")
         try:
+            self._database.execute("BEGIN IMMEDIATE")
             yield
-        except BaseException:
-            self._database.execute("ROLLBACK")
+            self._database.execute("COMMIT")
+        except BaseException as error:
+            if self._database.in_transaction:
+                self._database.execute("ROLLBACK")
+            if isinstance(error, sqlite3.Error):
+                raise failure(self.path, error) from error
             raise
-        self._database.execute("COMMIT")
 
     def _names(self, query: str) -> Iterator[bytes]:
         return (as_bytes(name) for (name,) in self._database.execute(query))
 
     def _known(self, tree: Tree) -> dict[bytes, tuple[int, ...] | None]:
         """The files of the tree in the catalogue, with their identities, without one where a new try is worth it."""
-        rows = self._database.execute(f"SELECT name, code, scanned, {', '.join(_IDENTITY)} FROM files")
+        rows = self._database.execute(f"SELECT name, code, scanned, {', '.join(IDENTITY)} FROM files")
         known: dict[bytes, tuple[int, ...] | None] = {}
         for stored, code, scanned, *identity in rows:
             name = as_bytes(stored)
             if tree.covers(name):
-                is_sure = code in (_READ, _MALFORMED) and identity[-1] < scanned - _TIME_STEP
+                is_sure = code in _SURE and identity[-1] < scanned - _TIME_STEP
                 known[name] = tuple(identity) if is_sure else None
         return known
 
@@ -337,86 +227,7 @@ class Catalog:
         self._forget([name for name in self._names(of_none) if tree.covers(name)])
         absent = {name: os.strerror(errno.ENOENT) for name in tree.files if name not in there}
         for name, error in {**absent, **tree.unreadable}.items():
-            self._put_fault(as_text(name), {"error": error, "code": _MALFORMED})
-
-    def _put_file(self, name: str | bytes, lines: list[dict[str, Any]], rows: _NewRows) -> bool:
-        """Puts in the lines of one file; returns whether its metadata are others than before."""
-        execute = self._database.execute
-        execute("DELETE FROM faults WHERE name = ?", [name])
-        of_kind: dict[str, list[dict[str, Any]]] = {}
-        for line in lines:
-            of_kind.setdefault(line["kind"], []).append(line)
-        for line in of_kind.get("fault", ()):
-            self._put_fault(name, line)
-        old = execute("SELECT id, tail FROM files WHERE name = ?", [name]).fetchone()
-        if "file" not in of_kind:
-            execute("DELETE FROM files WHERE name = ?", [name])
-            return old is not None
-        head = of_kind["file"][0]
-        tail = head.get("tail")
-        is_same = old is not None and tail is not None and old[1] == tail
-        if old is not None and not is_same:
-            execute("DELETE FROM files WHERE id = ?", [old[0]])
-        values = [*map(_number, map(head.get, _IDENTITY)), tail, head["code"], time.time_ns()]
-        if is_same:
-            file = old[0]
-            execute(_UPDATE_FILE, [*values, file])
-            execute("DELETE FROM content WHERE file = ?", [file])
-        else:
-            file = execute(_INSERT_FILE, [name, *values]).lastrowid
-            self._put_metadata(file, of_kind, rows)
-        for line in of_kind.get("external", ()):
-            self._put_content(file, line)
-        return not is_same
-
-    def _put_metadata(self, file: int, of_kind: dict[str, list[dict[str, Any]]], rows: _NewRows) -> None:
-        declared = {self._structure(line) for line in of_kind.get("structure", ())}
-        rows.declarations += [(file, structure) for structure in declared]
-        nodes = [(_stored(line["node"]), line["channels"]) for line in of_kind.get("node", ())]
-        rows.nodes += [(file, node) for node, _ in nodes]
-        rows.channels += [(file, node, _stored(channel)) for node, names in nodes for channel in names]
-        for line in of_kind.get("stream", ()):
-            stream = rows.first_stream + len(rows.streams)
-            address = [_stored(line[part]) for part in ("node", "channel", "stream")]
-            numbers = [line["indexType"], line["elements"], line["bytes"]]
-            rows.streams.append((stream, file, *address, self._structure(line), *numbers))
-            rows.members += [
-                (stream, place, _stored(member["name"]), member["type"], member["length"],
-                 _number(member.get("least")), _number(member.get("greatest")))
-                for place, member in enumerate(line["members"])
-            ]  # fmt: skip
-
-    def _new_rows(self) -> _NewRows:
-        (first,) = self._database.execute("SELECT coalesce(max(id), 0) + 1 FROM streams").fetchone()
-        return _NewRows(first)
-
-    def _insert(self, rows: _NewRows) -> None:
-        for table in ("declarations", "nodes", "channels", "streams", "members"):
-            values = getattr(rows, table)
-            if values:
-                places = ", ".join("?" * len(values[0]))
-                self._database.executemany(f"INSERT INTO {table} VALUES ({places})", values)
-
-    def _structure(self, line: dict[str, Any]) -> int:
-        """The number of the structure of that text."""
-        layout = _stored(line["layout"])
-        number = self._structures.get(layout)
-        if number is None:
-            values = [_stored(line["structure"]), layout]
-            self._database.execute("INSERT OR IGNORE INTO structures (name, layout) VALUES (?, ?)", values)
-            row = self._database.execute("SELECT id FROM structures WHERE layout = ?", [layout]).fetchone()
-            number = self._structures[layout] = int(row[0])
-        return number
-
-    def _put_content(self, file: int, line: dict[str, Any]) -> None:
-        texts = [_stored(line[part]) for part in ("index", "node", "key", "unresolvedPath", "resolvedPath")]
-        values = [file, *texts, json.dumps(line["roles"], ensure_ascii=False), line["missing"]]
-        self._database.execute("INSERT INTO content VALUES (?, ?, ?, ?, ?, ?, ?, ?)", values)
-
-    def _put_fault(self, name: str | bytes, line: dict[str, Any]) -> None:
-        parts = ("error", "code", "block", "name", "format", "position", "length")
-        values = [name, *(_stored(line.get(part)) for part in parts)]
-        self._database.execute(_INSERT_FAULT, values)
+            put_fault(self._database, name, error)
 
 
 def _identity(name: bytes) -> tuple[int, ...] | None:
@@ -426,7 +237,7 @@ def _identity(name: bytes) -> tuple[int, ...] | None:
     except OSError:
         return None
     numbers = (status.st_dev, status.st_ino, status.st_size, status.st_mtime_ns, status.st_ctime_ns)
-    return tuple(map(_number, numbers))
+    return tuple(map(number_for_database, numbers))
 
 
 def _portions(names: list[bytes], there: dict[bytes, tuple[int, ...]]) -> Iterator[list[bytes]]:
@@ -443,19 +254,5 @@ def _portions(names: list[bytes], there: dict[bytes, tuple[int, ...]]) -> Iterat
         yield portion
 
 
-def _stored(value: Any) -> Any:
-    """A text of a line as the database has it: as bytes where it is not UTF-8."""
-    return base64.b64decode(value["base64"]) if isinstance(value, dict) else value
-
-
-def _name_of(line: dict[str, Any]) -> Any:
-    return _stored(line["file"])
-
-
 def _from_user(text: str | None) -> str | bytes | None:
     return None if text is None else as_text(text.encode(errors="surrogateescape"))
-
-
-def _number(value: Any) -> Any:
-    """A number as the database has it: beyond its range as 20 digits, which come after all numbers in its order."""
-    return f"{value:020}" if isinstance(value, int) and value >= 1 << 63 else value

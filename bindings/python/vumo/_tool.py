@@ -6,6 +6,7 @@ import functools
 import os
 import shutil
 import subprocess
+import tempfile
 from collections.abc import Sequence
 from pathlib import Path
 
@@ -27,12 +28,16 @@ def run(arguments: Sequence[str | bytes], given: bytes = b"") -> subprocess.Comp
     return subprocess.run([program(), *arguments], input=given, capture_output=True, check=False)
 
 
-def scan(files: Sequence[bytes]) -> list[bytes]:
-    """The lines of docs/formats/scan.md for these files, each with its end.
+def scan(files: Sequence[bytes]) -> bytes:
+    """The lines of docs/formats/scan.md for these files.
 
     A file that stops the program in the middle costs the others nothing: it gets no line.
     """
-    done = run(["scan", "--quiet", "-0", "--files-from", "-"], b"".join(name + b"\0" for name in files))
-    if done.returncode >= 0:
-        return done.stdout.splitlines(keepends=True)
-    return [line for name in files for line in scan([name])] if len(files) > 1 else []
+    names = b"".join(name + b"\0" for name in files)
+    with tempfile.TemporaryFile() as lines:  # a pipe would be full while this process has other work
+        command = [program(), "scan", "--quiet", "-0", "--files-from", "-"]
+        done = subprocess.run(command, input=names, stdout=lines, stderr=subprocess.DEVNULL, check=False)
+        lines.seek(0)
+        if done.returncode >= 0:
+            return lines.read()
+    return b"".join(scan([name]) for name in files) if len(files) > 1 else b""

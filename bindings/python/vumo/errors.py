@@ -82,6 +82,10 @@ class BusyError(Error, RuntimeError):
     """Another thread is reading or writing the same scene object."""
 
 
+class CatalogError(Error):
+    """What is to be a catalogue is none, or cannot be read, or must not be written to."""
+
+
 class NotFoundError(Error, KeyError):
     """There is no node, channel, stream, member or element of that name; the text has the nearest names."""
 
