@@ -1,8 +1,10 @@
 """A campaign edits each file as a whole or not at all, once, and all of that can be undone."""
 
 import fcntl
+import os
 import subprocess
 import sys
+import threading
 from pathlib import Path
 
 import pytest
@@ -50,11 +52,14 @@ def weights(path):
     return vumo.open(path)["Body"]["vertex"]["weights"]["Weight"].tolist()
 
 
-@pytest.mark.parametrize("edit", [SCRIPT, add_one, grow, shrink, lambda scene: scene["Body"].create("face").create("e", {"x": "f4"})])
-def test_a_campaign_is_planned_and_done_and_undone(show, edit):
+EDITS = [(SCRIPT, 2), (add_one, 2), (grow, 1), (shrink, 1), (lambda scene: scene["Body"].create("face").create("e", {"x": "f4"}), 2)]
+
+
+@pytest.mark.parametrize(("edit", "workers"), EDITS)
+def test_a_campaign_is_planned_and_done_and_undone(show, edit, workers):
     (show / "bad.ob").write_bytes(b"no scene")
     before = contents(show)
-    campaign = vumo.campaign(edit, show, workers=2, record="record")
+    campaign = vumo.campaign(edit, show, workers, record="record")
     plan = campaign.plan()
     assert contents(show) == before
     assert not Path("record").exists()
@@ -110,6 +115,42 @@ def test_a_campaign_stops_when_too_many_files_fail_and_goes_on(show):
     assert all(weights(path)[0] == 1 for path in before)
     with pytest.raises(ValueError, match="another campaign"):
         vumo.campaign(grow, show)
+
+
+def test_a_script_without_a_guard_has_worker_processes(show):
+    """One with threads, as hosts have, whose function uses what else the script has."""
+    Path("script.py").write_text("""
+import threading, numpy as np, vumo
+print("begin")
+factor = np.float32(3)
+def edit(scene):
+    scene["Body"]["vertex"]["weights"]["Weight"] *= factor
+def run():
+    print(vumo.campaign(edit, "show", workers=2).run())
+other = threading.Thread(target=threading.Event().wait, daemon=True)
+thread = threading.Thread(target=run)
+other.start(), thread.start(), thread.join()
+""")
+    done = subprocess.run([sys.executable, "script.py"], stdout=subprocess.PIPE, text=True, check=True)
+    assert done.stdout.startswith("begin\n4 saved: ")
+    assert all(weights(path) == [0, 0.75, 1.5, 3] for path in show.iterdir())
+
+
+def test_a_file_over_which_a_worker_dies_fails_alone(show):
+    def die_over_one(scene):
+        add_one(scene)
+        if scene.file.endswith("b.ob"):
+            os._exit(1)
+
+    before = contents(show)
+    done = vumo.campaign(die_over_one, show, workers=2, max_failures=9).run()
+    assert [(outcome.file, outcome.error) for outcome in done.failures] == [(str(show / "b.ob"), "a worker process died over it")]
+    assert [path.name for path in before if before[path] == path.read_bytes()] == ["b.ob"]
+    lock = threading.Lock()
+    local = vumo.campaign(lambda scene: lock.locked(), show, record="local")
+    assert len(local.plan()) == 4
+    with pytest.raises(ValueError, match="cannot be sent to another process, so use one worker: .*lock"):
+        vumo.campaign(lambda scene: lock.locked(), show, workers=2, record="sent").plan()
 
 
 @pytest.mark.parametrize("edit", [SCRIPT, add_one])

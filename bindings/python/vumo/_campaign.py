@@ -171,7 +171,7 @@ class Campaign:
         in_process = self._edit is None or self._edit.in_process
         with Progress("files", len(files)) as progress:
             for round in range(self._retries + 1):
-                for file, outcome in self._workers.each(work, waiting, in_process=in_process):
+                for file, outcome in self._workers.each(work, waiting, in_process=in_process, lost=_lost):
                     outcomes[file] = outcome
                     progress.add(round == 0)
                     failures = sum(bool(outcome.error) and outcome.state != "busy" for outcome in outcomes.values())
@@ -187,6 +187,10 @@ class Campaign:
 
 def _report(files: list[bytes], outcomes: dict[bytes, Outcome]) -> Report:
     return Report([outcomes[file] for file in files if file in outcomes], len(files) - len(outcomes))
+
+
+def _lost(file: bytes, error: str) -> Outcome:
+    return Outcome(os.fsdecode(file), "failed", error=error)
 
 
 def _failed(file: bytes, error: Exception) -> Outcome:

@@ -109,6 +109,10 @@ class Structure:
     def __hash__(self) -> int:
         return hash(self.name)
 
+    def __reduce__(self) -> tuple[Any, ...]:
+        members = [(member.name, member.type, member.dimension) for member in self.members.values()]
+        return Structure.of_types, (self.name, members)
+
     def __repr__(self) -> str:
         return f"<vumo.Structure {self.name!r}: {', '.join(map(str, self.members.values()))}>"
 

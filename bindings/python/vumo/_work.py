@@ -4,16 +4,22 @@ from __future__ import annotations
 
 import concurrent.futures
 import contextlib
+import functools
 import itertools
-import multiprocessing
+import queue
 import sys
 import time
 from collections.abc import Callable, Iterable, Iterator
 from dataclasses import dataclass
 from typing import Any, TypeVar
 
+from ._process import Process, WorkerDied, packed
+
 Task = TypeVar("Task")
 Result = TypeVar("Result")
+
+#: What gives tasks to workers, how many they do at once, and the error when workers die over one.
+_Submitting = tuple[Callable[[Any], "concurrent.futures.Future[Any]"], int, type[Exception]]
 
 _WAITING = 3  # tasks for each worker that wait for it, so that it need not wait for them
 
@@ -36,63 +42,77 @@ class Workers:
         if self.count < 1:
             raise ValueError(f"there must be a worker, not {self.count}")
 
-    @contextlib.contextmanager
-    def executor(self, work: Callable[[Any], Any], in_process: bool) -> Iterator[tuple[concurrent.futures.Executor, int]]:
-        """An executor for the work, and how many tasks it does at once."""
-        with contextlib.ExitStack() as stack:
-            client = self.client
-            if client is None and self.scheduler is not None:
-                import distributed
-
-                client = stack.enter_context(distributed.Client(self.scheduler))  # type: ignore[no-untyped-call]
-            if client is not None:
-                yield client.get_executor(pure=False), max(1, sum(client.ncores().values()))
-                return
-            executor: concurrent.futures.Executor
-            if in_process:
-                # Forked after the work was set, so that a function need not be one that can be sent to a process.
-                executor = concurrent.futures.ProcessPoolExecutor(
-                    self.count, multiprocessing.get_context("fork"), _set_work, (work,)
-                )
-            else:
-                executor = concurrent.futures.ThreadPoolExecutor(self.count)
-            try:
-                yield executor, self.count
-            finally:
-                executor.shutdown(cancel_futures=True)
-
     def each(
-        self, work: Callable[[Task], Result], tasks: Iterable[Task], *, in_process: bool = False
+        self,
+        work: Callable[[Task], Result],
+        tasks: Iterable[Task],
+        *,
+        in_process: bool = False,
+        lost: Callable[[Task, str], Result] | None = None,
     ) -> Iterator[tuple[Task, Result]]:
         """What comes of each task, as soon as it is done.
 
-        `in_process` has Python's own work done in processes; what only waits for another program is done in threads.
-        Tasks are begun as results are taken: who stops taking them stops the rest.
+        `in_process` has Python's own work done in processes, unless there is one worker: that is this one. What only
+        waits for another program is done in threads. `lost` says what comes of a task over which workers die; otherwise
+        that is an error. Tasks are begun as results are taken: who stops taking them stops the rest.
         """
-        with self.executor(work, in_process) as (executor, count):
-            is_local = isinstance(executor, concurrent.futures.ProcessPoolExecutor)
+        is_remote = self.client is not None or self.scheduler is not None
+        if in_process and self.count == 1 and not is_remote:
+            yield from ((task, work(task)) for task in tasks)
+            return
+        with self._cluster(work) if is_remote else self._machine(work, in_process) as (submit, count, died):
             waiting = iter(tasks)
             running: dict[concurrent.futures.Future[Result], Task] = {}
             while True:
                 for task in itertools.islice(waiting, count * _WAITING - len(running)):
-                    running[executor.submit(_do_work, task) if is_local else executor.submit(work, task)] = task
+                    running[submit(task)] = task
                 if not running:
                     return
                 done = concurrent.futures.wait(running, return_when=concurrent.futures.FIRST_COMPLETED).done
                 for future in done:
-                    yield running.pop(future), future.result()
+                    task = running.pop(future)
+                    try:
+                        result = future.result()
+                    except died as error:
+                        if lost is None:
+                            raise
+                        result = lost(task, str(error))
+                    yield task, result
 
+    @contextlib.contextmanager
+    def _machine(self, work: Callable[[Any], Any], in_process: bool) -> Iterator[_Submitting]:
+        """Threads, each of which waits for a program or for a process of Python."""
+        idle: queue.SimpleQueue[Process] = queue.SimpleQueue()
+        processes = [Process(packed(work)) for _ in range(self.count)] if in_process else []
+        for process in processes:
+            idle.put(process)
 
-_work: Callable[[Any], Any]
+        def do(task: Any) -> Any:
+            process = idle.get()
+            try:
+                return process.do(task)
+            finally:
+                idle.put(process)
 
+        executor = concurrent.futures.ThreadPoolExecutor(self.count)
+        try:
+            yield functools.partial(executor.submit, do if in_process else work), self.count, WorkerDied
+        finally:
+            executor.shutdown(cancel_futures=True)
+            for process in processes:
+                process.close()
 
-def _set_work(work: Callable[[Any], Any]) -> None:
-    global _work
-    _work = work
+    @contextlib.contextmanager
+    def _cluster(self, work: Callable[[Any], Any]) -> Iterator[_Submitting]:
+        """The workers of Dask."""
+        import distributed
 
-
-def _do_work(task: Any) -> Any:
-    return _work(task)
+        with contextlib.ExitStack() as stack:
+            client = self.client
+            if client is None:
+                client = stack.enter_context(distributed.Client(self.scheduler))  # type: ignore[no-untyped-call]
+            submit = functools.partial(client.get_executor(pure=False).submit, work)
+            yield submit, max(1, sum(client.ncores().values())), distributed.scheduler.KilledWorker
 
 
 class Progress:
