@@ -2,6 +2,8 @@
 
 import fcntl
 import os
+import re
+import shutil
 import subprocess
 import sys
 import threading
@@ -204,6 +206,41 @@ def test_whoever_is_stopped_at_any_moment_goes_on(show, monkeypatch, moment, edi
         assert weights(file) == ([0, 7, 0.5, 1] if edit == SCRIPT else [1, 1.25, 1.5, 2])
     assert [outcome.state for outcome in campaign.undo()] == ["undone"]
     assert file.read_bytes() == before
+
+
+DAMAGES = {  # what is damaged, how, what is said, and how many files are then undone
+    "an entry": ("??/*.json", lambda path: path.write_text("{"), "entry is damaged", 3),
+    "an entry of another version": ("??/*.json", lambda path: path.write_text('{"file": "b.ob", "more": 1}'), "another version", 3),
+    "old bytes": ("??/*.old", lambda path: path.write_bytes(path.read_bytes()[:-1] + b"?"), "old bytes of .* are damaged", 3),
+    "no old bytes": ("??/*.old", Path.unlink, "old bytes of .* are damaged", 3),
+    "the edit": ("campaign.json", lambda path: path.write_text(""), "nobody knows", None),
+    "another version": ("campaign.json", lambda path: path.write_text('{"version": 7}'), "of version 7", None),
+    "all": (".", shutil.rmtree, "no record", None),
+}
+
+
+@pytest.mark.parametrize("case", DAMAGES)
+def test_a_damaged_record_harms_no_file(show, case):
+    place, damage, text, undone = DAMAGES[case]
+    campaign = vumo.campaign(add_one, show)
+    before = contents(show)
+    campaign.run()
+    after = contents(show)
+    damage(sorted(campaign.record.glob(place))[0] if place != "." else campaign.record)
+    if undone is None:
+        with pytest.raises((ValueError, vumo.NoFileError), match=text):
+            vumo.campaign(record="campaign").undo()
+        assert contents(show) == after
+        return
+    if "entry" in case:
+        assert [bool(outcome.error) for outcome in campaign.run()].count(True) == 1  # nobody knows if it was edited
+        assert [row["state"] for row in campaign.report()] == ["saved"] * 3 + ["damaged"]
+    assert contents(show) == after
+    report = vumo.campaign(record="campaign").undo()
+    assert len(report.of("undone")) == undone
+    assert re.search(text, report.failures[0].error)
+    assert sorted([contents(show)[path] == before[path] for path in before]) == [False] + [True] * undone
+    assert all(contents(show)[path] in (before[path], after[path]) for path in before)
 
 
 def test_campaigns_on_the_command_line(show):

@@ -12,12 +12,15 @@ from pathlib import Path
 from typing import Any
 
 from ._edits import Change, Edit, checksum, edit_of, is_busy
-from ._record import SAVED, SAVING, UNDONE, Entry, Record
+from ._record import SAVED, SAVING, UNDONE, Entry, Record, write
 from ._rows import Rows
 from ._scene import Scene
 from ._tree import Paths, Tree
 from ._work import Progress, Workers
-from .errors import Error
+from .errors import Error, NoFileError
+
+_ABOUT = "campaign.json"  # in the folder of the record: which edit it is of
+_VERSION = 1
 
 _PAUSE = 1.0  # seconds before files that were busy are tried again
 
@@ -109,7 +112,7 @@ class Campaign:
             max_failures: so many files may fail before no more are begun.
             retries: how often files are tried again that are locked, or were changed meanwhile.
 
-        Raises ValueError when the record is that of another script.
+        Raises ValueError when the record is that of another script, damaged or of another version.
         """
         self.record = Path(record).absolute()
         self._edit = None if script is None else edit_of(script)
@@ -138,16 +141,19 @@ class Campaign:
     def undo(self) -> Report:
         """Puts the old metadata back, byte by byte, into all files that the campaign has saved.
 
-        A file that was changed since stays as it is, and is reported.
+        A file that was changed since stays as it is, and is reported; so does one of which the record is damaged.
         """
-        files = [record.file for record in Record.all(self.record)]
-        return self._work_on(functools.partial(_undo_file, self.record), files, None)
+        records, damaged = self._records()
+        report = self._work_on(functools.partial(_undo_file, self.record), [record.file for record in records], None)
+        return Report([*report, *(Outcome(str(path), "failed", error=error) for path, error in damaged.items())])
 
     def report(self) -> Rows:
         """What the record says of each file: its state and the checksums before and after."""
-        entries = [entry for record in Record.all(self.record) if (entry := record.load())]
+        records, damaged = self._records()
         columns = ("file", "state", "before", "after", "old_length", "new_length")
-        return Rows(columns, ([getattr(entry, column) for column in columns] for entry in entries))
+        entries = [entry for record in records if (entry := record.load())]
+        rows = [[getattr(entry, column) for column in columns] for entry in entries]
+        return Rows(columns, rows + [[str(path), "damaged", *[None] * 4] for path in damaged])
 
     @property
     def _given_edit(self) -> Edit:
@@ -155,14 +161,29 @@ class Campaign:
             raise ValueError("the campaign has no script")
         return self._edit
 
+    def _records(self) -> tuple[list[Record], dict[Path, str]]:
+        if not self.record.is_dir():
+            raise NoFileError(f"{self.record}: there is no record of a campaign", str(self.record))
+        return Record.all(self.record)
+
     def _check_record(self) -> None:
-        path = self.record / "campaign.json"
-        if self._edit and path.exists() and json.loads(path.read_bytes()) != self._edit.describe():
+        """Raises ValueError when the folder has the record of another edit, or one that cannot be read."""
+        path = self.record / _ABOUT
+        if not path.exists():
+            return
+        try:
+            found = json.loads(path.read_bytes())
+            version = found.pop("version")
+        except (ValueError, KeyError, AttributeError):
+            raise ValueError(f"{path} is damaged: nobody knows which campaign the record is of") from None
+        if version != _VERSION:
+            raise ValueError(f"{path} is of version {version}, not {_VERSION}")
+        if self._edit and found != self._edit.describe():
             raise ValueError(f"{self.record} is the record of another campaign: choose another folder")
 
     def _note_edit(self) -> None:
-        self.record.mkdir(parents=True, exist_ok=True)
-        (self.record / "campaign.json").write_text(json.dumps(self._given_edit.describe()))
+        self._check_record()  # once more, as another campaign may have begun in the same folder
+        write(self.record / _ABOUT, json.dumps({"version": _VERSION, **self._given_edit.describe()}).encode())
 
     def _work_on(self, work: Callable[[bytes], Outcome], files: list[bytes], max_failures: int | None) -> Report:
         """What comes of the files, those that are busy after some more tries."""
@@ -199,10 +220,10 @@ def _failed(file: bytes, error: Exception) -> Outcome:
 
 
 def _plan(edit: Edit, folder: Path, file: bytes) -> Outcome:
-    entry = Record(folder, file).load()
-    if entry and entry.state == SAVED:
-        return Outcome(entry.file, SAVED)
     try:
+        entry = Record(folder, file).load()
+        if entry and entry.state == SAVED:
+            return Outcome(entry.file, SAVED)
         with edit.prepare(file) as change:
             cost = change.cost
     except Exception as error:  # whatever a function raises is about this file alone
@@ -230,8 +251,9 @@ def _edit_file(edit: Edit, folder: Path, file: bytes) -> Outcome:
 def _save(record: Record, change: Change) -> Outcome:
     cost = change.cost
     before = f"{change.before:016x}"
-    entry = Entry(os.fsdecode(record.file), SAVING, before, "", cost.position, cost.old_length, cost.new_length, "")
-    record.keep(cost.position)
+    old_digest = record.keep(cost.position)
+    name = os.fsdecode(record.file)
+    entry = Entry(name, SAVING, before, "", cost.position, cost.old_length, cost.new_length, old_digest, "")
     record.store(entry)
     if not cost.is_nothing:
         try:

@@ -31,7 +31,8 @@ class Entry:
         position: of the first byte that the save changes. All in front of it stays.
         old_length: of the file before the save.
         new_length: of the file after it.
-        new_digest: of the bytes from `position` on, after the save.
+        old_digest: of the bytes from `position` on, before the save.
+        new_digest: of those after it; empty before.
     """
 
     file: str
@@ -41,6 +42,7 @@ class Entry:
     position: int
     old_length: int
     new_length: int
+    old_digest: str
     new_digest: str
 
     @property
@@ -62,16 +64,23 @@ class Record:
         self._old = self._entry.with_suffix(".old")
 
     @classmethod
-    def all(cls, folder: Path) -> Iterator[Record]:
-        """Those of all files, in the order of their names."""
-        entries = [_load(path) for path in folder.glob("??/*.json")]
-        return (cls(folder, os.fsencode(name)) for name in sorted(entry.file for entry in entries))
+    def all(cls, folder: Path) -> tuple[list[Record], dict[Path, str]]:
+        """Those of all files, in the order of their names, and what is wrong with entries that cannot be read."""
+        names: list[str] = []
+        damaged: dict[Path, str] = {}
+        for path in sorted(folder.glob("??/*.json")):
+            try:
+                names.append(_load(path).file)
+            except ValueError as error:
+                damaged[path] = str(error)
+        return [cls(folder, os.fsencode(name)) for name in sorted(names)], damaged
 
     def load(self) -> Entry | None:
+        """Raises ValueError for one that cannot be read."""
         return _load(self._entry) if self._entry.exists() else None
 
     def store(self, entry: Entry) -> None:
-        _write(self._entry, json.dumps(asdict(entry)).encode())
+        write(self._entry, json.dumps(asdict(entry)).encode())
 
     def forget(self) -> None:
         """Removes the entry: the file was not saved."""
@@ -84,14 +93,19 @@ class Record:
         with open(self._entry.with_suffix(".lock"), "wb") as file, _locked(file, self.file):
             yield
 
-    def keep(self, position: int) -> None:
-        """Stores the bytes of the file from that position on."""
+    def keep(self, position: int) -> str:
+        """Stores the bytes of the file from that position on; returns their digest."""
         with open(self.file, "rb") as file:
-            file.seek(position)
-            _write(self._old, file.read())
+            old = _bytes_from(file, position)
+        write(self._old, old)
+        return _digest(old)
 
-    def old_bytes(self) -> bytes:
-        return self._old.read_bytes()
+    def old_bytes(self, entry: Entry) -> bytes:
+        """Raises ValueError when they are not the ones that were kept."""
+        old = self._old.read_bytes() if self._old.exists() else b""
+        if _digest(old) != entry.old_digest:
+            raise ValueError(f"{self._old}: the old bytes of {entry.file} are damaged")
+        return old
 
     def note_saved(self, entry: Entry, after: int) -> None:
         """Raises ChangedError when somebody else has changed the file since."""
@@ -104,7 +118,7 @@ class Record:
 
     def has_old_bytes(self, entry: Entry) -> bool:
         with open(self.file, "rb") as file:
-            return _bytes_from(file, entry.position) == self.old_bytes()
+            return _bytes_from(file, entry.position) == self.old_bytes(entry)
 
     def is_old_edited(self, entry: Entry, edit: Callable[[bytes], object]) -> bool:
         """Whether the file is what the edit makes of the old bytes; found out with a copy of it."""
@@ -112,7 +126,7 @@ class Record:
         copy = self._entry.with_suffix(f".copy{suffix}")
         try:
             with open(self.file, "rb") as file:
-                _write(copy, file.read(entry.position) + self.old_bytes())
+                write(copy, file.read(entry.position) + self.old_bytes(entry))
             edit(os.fsencode(copy))
             return copy.read_bytes() == Path(os.fsdecode(self.file)).read_bytes()
         finally:
@@ -131,12 +145,15 @@ class Record:
             if _digest(new) != entry.new_digest or entry.position + len(new) != entry.new_length:
                 raise ChangedError(f"{os.fsdecode(path)} was changed since it was saved", os.fsdecode(path))
             file.seek(0)
-            undo = _undo_record(file, entry, self.old_bytes(), new)
+            undo = _undo_record(file, entry, self.old_bytes(entry), new)
             _put_beside(path, undo)
 
 
 def _load(path: Path) -> Entry:
-    return Entry(**json.loads(path.read_bytes()))
+    try:
+        return Entry(**json.loads(path.read_bytes()))
+    except (ValueError, TypeError) as error:
+        raise ValueError(f"{path}: the entry is damaged, or of another version: {error}") from None
 
 
 def _digest(content: bytes) -> str:
@@ -161,7 +178,8 @@ def _locked(file: IO[bytes], path: bytes) -> Iterator[None]:
         fcntl.flock(file, fcntl.LOCK_UN)
 
 
-def _write(path: Path, content: bytes, mode: int = 0o666) -> None:
+def write(path: Path, content: bytes, mode: int = 0o666) -> None:
+    """Writes the file, as a whole or not at all."""
     path.parent.mkdir(parents=True, exist_ok=True)
     beside = path.with_name(f"{path.name}.{os.getpid()}")
     with open(os.open(beside, os.O_WRONLY | os.O_CREAT | os.O_TRUNC, mode), "wb") as file:
@@ -183,7 +201,7 @@ def _put_beside(path: bytes, undo: bytes) -> None:
     name = path + b".vumo-undo"
     if os.path.lexists(name):
         raise LockedError(f"{os.fsdecode(name)} is there already", os.fsdecode(path))
-    _write(Path(os.fsdecode(name)), undo, os.stat(path).st_mode & 0o666)
+    write(Path(os.fsdecode(name)), undo, os.stat(path).st_mode & 0o666)
 
 
 _HEAD = struct.Struct(">8sIIQQ")  # see docs/formats/undo-record.md
