@@ -447,9 +447,28 @@ TEST_F(KeptMetadataTest, List_TellsWhatStandsInAFileWithoutReadingIt)
         EXPECT_EQ(stream.indexType + ":" + stream.structure, "triple:Absent");
         EXPECT_EQ(stream.elements, 2U);
         EXPECT_EQ(stream.bytes, std::string("0\nnonsense\n1\n2\n").size());
+
+        const std::unique_ptr<Accessor> accessor = Accessor::accessorByExtension(mFile->name());
+        accessor->setListing(Accessor::kListOnly);
+        EXPECT_TRUE(accessor->read(mFile->name(), mErrors) && accessor->listed().size() == entries.size()) << mErrors;
+        EXPECT_TRUE(accessor->associations().empty() && accessor->structures().empty());
+        EXPECT_FALSE(accessor->write(mErrors)) << "nothing was read, and all would be lost";
+        EXPECT_EQ(accessor->failure().kind, Accessor::Failure::kChanged);
+        const std::set<std::string> wanted = {"b"};
+        accessor->setListing(Accessor::kListRead);
+        accessor->setUnread(Accessor::kKeep);
+        ASSERT_TRUE(accessor->read(mFile->name(), nullptr, &wanted, mErrors)) << mErrors;
+        EXPECT_EQ(accessor->listed().back().position, entries.back().position);
+        EXPECT_EQ(accessor->listed()[accessor->listed().size() - 2].position, entries[3].position);
+        EXPECT_EQ(accessor->associations().size(), 1U);
+
+        accessor->clear();
         mFile->setBytes("nothing");
         EXPECT_FALSE(Accessor::list(mFile->name(), entries, mErrors));
         EXPECT_TRUE(entries.empty());
+        EXPECT_FALSE(accessor->read(mFile->name(), mErrors));
+        EXPECT_TRUE(accessor->listed().empty());
+        EXPECT_EQ(accessor->failure().kind, Accessor::Failure::kNotScene);
     }
 }
 

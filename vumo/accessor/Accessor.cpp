@@ -84,6 +84,12 @@ std::unique_ptr<Accessor> newAccessor(const std::string& fileName, std::string& 
         errors += "No factory registered for type of file \"" + fileName + "\"";
     return accessor;
 }
+/// Says whether the library itself reads and writes such files.
+bool isOfKnownKind(const Accessor& accessor)
+{
+    return dynamic_cast<const OvriAsciiFileAccessor*>(&accessor) != nullptr ||
+           dynamic_cast<const OvriBinaryFileAccessor*>(&accessor) != nullptr;
+}
 } // namespace
 
 struct Accessor::Impl : detail::AccessorState
@@ -120,9 +126,7 @@ bool Accessor::write(std::string& errors) const
 bool Accessor::estimateWrite(WriteCost& cost, std::string& errors) const
 {
     cost = {};
-    const bool isKnown = dynamic_cast<const OvriAsciiFileAccessor*>(this) != nullptr ||
-                         dynamic_cast<const OvriBinaryFileAccessor*>(this) != nullptr;
-    if (!isKnown) // its write() would change the file
+    if (!isOfKnownKind(*this)) // its write() would change the file
         return detail::refuse(errors, "Files like " + fileName() + " can be written, but no write can be estimated.\n");
     const CostRequest request(mImpl->cost, cost);
     return write(errors);
@@ -167,6 +171,21 @@ std::vector<UnreadBlock> Accessor::unread() const
             unread.push_back(block);
     }
     return unread;
+}
+
+void Accessor::setListing(eListing listing)
+{
+    mImpl->listing = listing;
+}
+
+Accessor::eListing Accessor::listing() const
+{
+    return mImpl->listing;
+}
+
+const std::vector<ListedBlock>& Accessor::listed() const
+{
+    return mImpl->listed;
 }
 
 void Accessor::setConflict(eConflict conflict)
@@ -216,6 +235,7 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
         mImpl->structures.clear(); // without releasing them: callers of an earlier read may use them still
         mImpl->associations.clear();
         mImpl->found = {};
+        mImpl->listed.clear();
         mImpl->checksum = 0;
         mImpl->failure = {};
         const detail::LockWait wait(mImpl->lockWait);
@@ -226,6 +246,7 @@ bool Accessor::read(const std::string& fileName, const std::set<std::string>* st
             errors = given;
             Structure::deleteAllStructures();
             mImpl->associations.clear();
+            mImpl->listed.clear();
             mImpl->failure = {};
             isRead = readOnce(structureNames, associationNames, wait, errors);
         }
@@ -251,7 +272,9 @@ bool Accessor::readOnce(const std::set<std::string>* structureNames, const std::
         return false;
     const WriteWatch watch(place); // from here on only: recovering writes, too
     const bool isRead = performRead(structureNames, associationNames, errors);
-    mImpl->checksum = mImpl->found.checksum();
+    if (mImpl->listing == kListOnly)
+        mImpl->found = {}; // none of it was read, and none is to be kept
+    mImpl->checksum = mImpl->listing == kListOnly ? 0 : mImpl->found.checksum();
     if (watch.hasSeenWriting())
     {
         mImpl->failure = {Failure::kLocked};
@@ -264,6 +287,7 @@ bool Accessor::readOnce(const std::set<std::string>* structureNames, const std::
 void Accessor::forget()
 {
     clear();
+    mImpl->listed.clear();
     mImpl->checksum = 0;
 }
 
@@ -422,13 +446,13 @@ bool Accessor::list(const std::string& fileName, std::vector<ListedBlock>& entri
     const std::unique_ptr<Accessor> accessor = newAccessor(fileName, errors);
     if (!accessor)
         return false;
-    accessor->mImpl->listing = &entries;
-    bool isListed = accessor->read(fileName, errors);
-    if (isListed && !(accessor->structures().empty() && accessor->associations().empty()))
-        isListed = detail::refuse(errors, "Files like " + fileName + " can be read, but not listed.\n");
-    if (!isListed)
-        entries.clear();
-    return isListed;
+    accessor->setListing(kListOnly);
+    if (!accessor->read(fileName, errors))
+        return false;
+    if (!isOfKnownKind(*accessor))
+        return detail::refuse(errors, "Files like " + fileName + " can be read, but not listed.\n");
+    entries = accessor->mImpl->listed;
+    return true;
 }
 
 bool Accessor::recover(const std::string& fileName, std::string& errors)

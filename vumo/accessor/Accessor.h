@@ -90,6 +90,14 @@ public:
         kKeep
     };
 
+    /// What read() lists, for listed() to give.
+    enum eListing
+    {
+        kListNothing,
+        kListRead, ///< what is read
+        kListOnly  ///< all, and nothing is read: no value is parsed, and no structure made
+    };
+
     /// Why a read() or a write() failed.
     struct VUMO_EXPORT Failure
     {
@@ -189,6 +197,16 @@ public:
     /// after write().
     std::vector<UnreadBlock> unread() const;
 
+    /// Chooses whether the following calls of read() also tell what the lines of the texts say, or do nothing else;
+    /// kListNothing at first. After a read() that only lists, the accessor holds no metadata, and write() is refused
+    /// as after one that failed. The kinds of files that the library does not know are read as ever, and not listed.
+    void setListing(eListing listing);
+    eListing listing() const;
+
+    /// What the last read() has listed, in the order of the file. With kListOnly these are all pieces of metadata, of
+    /// two with one name both, and those that cannot be read, too; it fails where a piece has not all that makes one.
+    const std::vector<ListedBlock>& listed() const;
+
     /// Where the byte stands in the file that gives a character of the text of such a block. The messages in `why`
     /// count characters in the text alone, without the escapes of a statement and in the encoding of the locale. The
     /// position of the block when the file does not hold that any more.
@@ -273,10 +291,8 @@ public:
     /// appended to `errors`, or when read() failed, with `errors` as that leaves it.
     static std::unique_ptr<Accessor> readFile(const std::string& fileName, std::string& errors);
 
-    /// Gives what metadata the file holds, in its order: each structure and each node, with two of one name both. No
-    /// value is parsed and no structure made, so what could not be read is listed, too. False, with the reason in
-    /// `errors` as read() leaves it, when a block has not all that makes one, or when the file is of another kind than
-    /// the two that the library knows.
+    /// Gives all that the file holds as read() with kListOnly does. False, with the reason in `errors` as that leaves
+    /// it, also when the file is of another kind than the two that the library knows.
     static bool list(const std::string& fileName, std::vector<ListedBlock>& entries, std::string& errors);
 
     /// Restores the file from its undo record if writing it was interrupted, and removes the record. A record that its

@@ -26,12 +26,13 @@ struct AccessorState
     eNumbers numbers = kSixDigits;
     Accessor::eUnread unread = Accessor::kDrop; ///< for the next read
     Accessor::eConflict conflict = Accessor::kRefuse;
-    unsigned int lockWait = 0;                   ///< in milliseconds
-    FileBlocks found;                            ///< by the last read
-    std::uint64_t checksum = 0;                  ///< of the metadata in the file; 0: nothing is known about them
-    std::vector<ListedBlock>* listing = nullptr; ///< the next read gives this and no metadata
-    Accessor::WriteCost* cost = nullptr;         ///< the next write gives this and changes nothing
-    Accessor::Failure failure;                   ///< of the last read or write
+    unsigned int lockWait = 0;                           ///< in milliseconds
+    Accessor::eListing listing = Accessor::kListNothing; ///< for the next read
+    FileBlocks found;                                    ///< by the last read
+    std::vector<ListedBlock> listed;                     ///< likewise
+    std::uint64_t checksum = 0;          ///< of the metadata in the file; 0: nothing is known about them
+    Accessor::WriteCost* cost = nullptr; ///< the next write gives this and changes nothing
+    Accessor::Failure failure;           ///< of the last read or write
 
     /// Takes note of why a step failed, unless that is known already: of the system's error, if there is one. False.
     bool fail(Accessor::Failure::eKind kind, int systemError = 0)

@@ -189,7 +189,7 @@ private:
             mRead.refuseBlock(number, "Could not find Associations name.");
         else if (!isWhole && (isWanted || mRead.keepsUnread()))
             mRead.refuseBlock(number, "Error tokenizing format/value for associations.", true);
-        else if (mRead.isListing())
+        else if (mRead.onlyLists())
             mRead.readAssociations(number, unescaped);
         else if (isWanted)
             mPending.push_back({number, std::move(unescaped)});

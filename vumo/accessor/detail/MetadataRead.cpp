@@ -77,7 +77,7 @@ bool MetadataRead::isWanted(NameFilter& filter, const std::string& name) const
 bool MetadataRead::wantsAssociations(std::size_t number)
 {
     FileBlock& block = mBlocks[number];
-    if (isListing())
+    if (onlyLists())
         return true;
     if (keepsUnread() && !countsSoFar(number))
     {
@@ -115,14 +115,16 @@ void MetadataRead::list(const FileBlock& block, std::string_view text) const
         listed.name = nameIn(text);
     else if (isKnown)
         listed.channels = listChannels(text);
-    mState.listing->push_back(std::move(listed));
+    mState.listed.push_back(std::move(listed));
 }
 
 void MetadataRead::readStructure(std::size_t number, std::string_view text)
 {
     FileBlock& block = mBlocks[number];
-    if (isListing())
-        return list(block, text);
+    if (mState.listing != Accessor::kListNothing)
+        list(block, text);
+    if (onlyLists())
+        return;
     std::string messages;
     // Nobody else knows the new structure yet; what is not registered is freed with the reference.
     const Ref<Structure> structure(deserializeStructure(block.format, text, messages));
@@ -160,8 +162,10 @@ void MetadataRead::takeStructure(FileBlock& block, Structure& structure)
 void MetadataRead::readAssociations(std::size_t number, std::string_view text)
 {
     FileBlock& block = mBlocks[number];
-    if (isListing())
-        return list(block, text);
+    if (mState.listing != Accessor::kListNothing)
+        list(block, text);
+    if (onlyLists())
+        return;
     std::string messages;
     Associations associations;
     if (deserializeAssociations(block.format, text, associations, messages))
@@ -229,9 +233,9 @@ bool MetadataRead::finish(std::string& errors)
 {
     if (mOrder == eOrder::kBackward)
         std::reverse(mBlocks.begin(), mBlocks.end());
-    if (mOrder == eOrder::kBackward && isListing())
-        std::reverse(mState.listing->begin(), mState.listing->end());
-    std::sort(mFaults.begin(), mFaults.end(), [](const Fault& a, const Fault& b) { return a.position < b.position; });
+    const auto standsBefore = [](const auto& a, const auto& b) { return a.position < b.position; };
+    std::sort(mState.listed.begin(), mState.listed.end(), standsBefore);
+    std::sort(mFaults.begin(), mFaults.end(), standsBefore);
     for (const Fault& fault : mFaults)
         errors += fault.messages;
     if (mMoreLacking == 1)

@@ -40,7 +40,7 @@ public:
     bool keepsUnread() const { return mState.found.areKept; }
 
     /// Says whether nothing is read but what blocks there are, so that all are wanted, in any order.
-    bool isListing() const { return mState.listing != nullptr; }
+    bool onlyLists() const { return mState.listing == Accessor::kListOnly; }
 
     /// Adds a block that was found and gives its number.
     std::size_t add(FileBlock&& block);

@@ -19,6 +19,11 @@ public:
     /// The line comes with its end. False after the last one.
     bool take(std::string_view line)
     {
+        if (mElementLines > 0 && isSurelyFilled(line.front()))
+        {
+            takeElementLine(line.size());
+            return true;
+        }
         const std::string_view text = trimmed(line.substr(0, line.find('\n')));
         if (text.empty())
             return true;
@@ -39,11 +44,21 @@ public:
         mIsInStream = text == SerializerRaw::keyword(SerializerRaw::kStream);
         if (mIsInStream)
             mChannels.back().streams.emplace_back().indexType = "numeric"; // unless it says something else
-        mElementLines = 0;
         return true;
     }
 
 private:
+    /// Nearly all lines of elements are told by this from "endStream", and from empty ones.
+    static bool isSurelyFilled(char first) { return first != 'e' && !isClassicSpace(first); }
+
+    void takeElementLine(std::size_t size)
+    {
+        ListedBlock::Stream& stream = mChannels.back().streams.back();
+        stream.bytes += size;
+        ++mElementLines;
+        stream.elements = (mElementLines + 1) / 2; // a line with the index, and one with the values
+    }
+
     /// Of a stream the lines in front of its first element say what it is.
     void takeStreamLine(std::string_view text, std::size_t size)
     {
@@ -51,13 +66,11 @@ private:
         if (text == SerializerRaw::keyword(SerializerRaw::kEndStream))
         {
             mIsInStream = false;
+            mElementLines = 0;
             return;
         }
-        if (mElementLines == 0 && takeHeaderLine(text, stream))
-            return;
-        stream.bytes += size;
-        ++mElementLines;
-        stream.elements = (mElementLines + 1) / 2; // a line with the index, and one with the values
+        if (mElementLines > 0 || !takeHeaderLine(text, stream))
+            takeElementLine(size);
     }
 
     static bool takeHeaderLine(std::string_view text, ListedBlock::Stream& stream)
