@@ -168,8 +168,10 @@ Findings findAll(SceneFile& scene, Layouts& layouts)
     Findings findings;
     if (hasUndoRecord(scene.name()))
         return {{kUndoRecord.code, "file", "", "a save was interrupted; vumo recover repairs the file", {}}};
+    std::vector<ListedBlock> blocks;
     try
     {
+        blocks = scene.list();
         scene.read();
     }
     catch (const Failure& failure)
@@ -179,7 +181,6 @@ Findings findAll(SceneFile& scene, Layouts& layouts)
             throw;
         return {{kContainer.code, "file", "", withoutLineEnd(failure.what()), {}}};
     }
-    const std::vector<ListedBlock> blocks = scene.list();
     findUnreadable(scene, findings);
     findTwice(scene, blocks, findings);
     findOtherLayouts(scene, layouts, findings);

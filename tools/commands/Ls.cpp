@@ -22,6 +22,12 @@ struct LsOptions
 /// The layouts of the structures that can be read, by their names.
 using Layouts = std::map<std::string, std::string>;
 
+/// How many bytes, where something is known of the text that the block stands in.
+Rows::Cell bytesIn(const ListedBlock& block, std::uint64_t bytes)
+{
+    return block.format.empty() ? Rows::Cell() : bytes;
+}
+
 Layouts layoutsOf(const SceneFile& scene)
 {
     Layouts layouts;
@@ -62,7 +68,7 @@ void listNodes(const Job& job, const std::vector<ListedBlock>& blocks)
                 elements += stream.elements;
         }
         if (block.kind == ListedBlock::kAssociations && Selection::passes(job.session.selection().nodes, block.name))
-            rows.add({block.name, block.channels.size(), streams, elements, block.length});
+            rows.add({block.name, block.channels.size(), streams, elements, bytesIn(block, block.length)});
     }
 }
 
@@ -73,9 +79,14 @@ void listStreams(const Job& job, const std::vector<ListedBlock>& blocks, bool is
     if (isLong)
         columns.emplace_back("layout");
     Rows rows(job, "streams", columns);
-    const auto addStream = [&](const std::string& node, const std::string& channel, const ListedBlock::Stream& stream) {
-        std::vector<Rows::Cell> cells = {
-            node, channel, stream.name, stream.structure, stream.indexType, stream.elements, stream.bytes};
+    const auto addStream = [&](const ListedBlock& node, const std::string& channel, const ListedBlock::Stream& stream) {
+        std::vector<Rows::Cell> cells = {node.name,
+                                         channel,
+                                         stream.name,
+                                         stream.structure,
+                                         stream.indexType,
+                                         stream.elements,
+                                         bytesIn(node, stream.bytes)};
         const auto layout = layouts.find(stream.structure);
         if (isLong)
             cells.emplace_back(layout == layouts.end() ? "" : layout->second);
@@ -88,7 +99,7 @@ void listStreams(const Job& job, const std::vector<ListedBlock>& blocks, bool is
             for (const ListedBlock::Stream& stream : channel.streams)
             {
                 if (selection.passes(block.name, channel.name, stream.name))
-                    addStream(block.name, channel.name, stream);
+                    addStream(block, channel.name, stream);
             }
         }
     }

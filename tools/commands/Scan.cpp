@@ -12,14 +12,15 @@
 
 #include <map>
 #include <memory>
+#include <string_view>
 #include <tuple>
 
 using namespace vumo::Data;
 
 namespace
 {
-/// Where the elements of a stream have their bytes, by node, channel and stream.
-using ByteCounts = std::map<std::tuple<std::string, std::string, std::string>, std::uint64_t>;
+/// Of the elements of each stream, by the names of node, channel and stream.
+using ByteCounts = std::map<std::tuple<std::string_view, std::string_view, std::string_view>, std::uint64_t>;
 
 std::uint64_t nanoseconds(const timespec& time)
 {
@@ -96,7 +97,9 @@ void addNode(FileLines& lines, const std::string& node, const Associations& chan
             members.addText("node", node).addText("channel", channel.name()).addText("stream", stream->name());
             members.add(lines.describe(stream->structure())).addText("indexType", stream->indexType());
             members.add("elements", stream->elementCount());
-            members.add("bytes", bytes.at({node, channel.name(), stream->name()}));
+            const auto count = bytes.find({node, channel.name(), stream->name()});
+            if (count != bytes.end()) // there is none of a kind of files that a plug-in brings
+                members.add("bytes", count->second);
             lines.add("stream", members.add("members", membersOf(*stream)));
         }
     }
@@ -141,10 +144,11 @@ void addAll(const Job& job, const SceneFile& scene, const ByteCounts& bytes, con
         addFault(lines, block);
 }
 
-ByteCounts byteCounts(SceneFile& scene)
+/// Borrows the names from the metadata.
+ByteCounts byteCounts(const SceneFile& scene)
 {
     ByteCounts bytes;
-    for (const ListedBlock& block : scene.list())
+    for (const ListedBlock& block : scene.metadata().listed())
     {
         for (const ListedBlock::Channel& channel : block.channels)
         {
@@ -163,6 +167,7 @@ eExitCode scan(Job& job)
     try
     {
         SceneFile scene(job.session, job.file);
+        scene.metadata().setListing(Accessor::kListRead);
         scene.read();
         identity.addText("tail", scene.tail());
         addAll(job, scene, byteCounts(scene), identity);
@@ -173,7 +178,9 @@ eExitCode scan(Job& job)
         FileLines lines(job.out, identity);
         if (isFile)
             lines.add("file", JsonObject().add("code", std::to_string(failure.code())).add("faults", 1));
-        lines.add("fault", JsonObject().addText("error", failure.what()).add("code", std::to_string(failure.code())));
+        lines.add(
+            "fault",
+            JsonObject().addText("error", withoutLineEnd(failure.what())).add("code", std::to_string(failure.code())));
         throw;
     }
 }

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 using namespace vumo::Data;
@@ -34,8 +35,10 @@ template <class T>
 void find(const Member& member, const std::vector<const char*>& blocks, std::optional<Extremes>& result)
 {
     const unsigned int count = MemberTypes<T>::valueCount(&member);
-    std::optional<T> least;
-    T greatest{};
+    if (count == 0)
+        return;
+    T least = std::numeric_limits<T>::max();
+    T greatest = std::numeric_limits<T>::lowest();
     for (const char* const block : blocks)
     {
         const typename MemberView<const T>::Values values(block + Member::offset(&member), count);
@@ -44,12 +47,12 @@ void find(const Member& member, const std::vector<const char*>& blocks, std::opt
             const T value = values[i];
             if (!isNumber(value))
                 continue;
-            greatest = least && value < greatest ? greatest : value;
-            least = least && *least < value ? *least : value;
+            greatest = value < greatest ? greatest : value;
+            least = least < value ? least : value;
         }
     }
-    if (least)
-        result = {numberText(*least), numberText(greatest)};
+    if (least <= greatest) // there is one
+        result = {numberText(least), numberText(greatest)};
 }
 
 template <class... Types>
@@ -62,7 +65,8 @@ void findOneOf(const Member& member, const std::vector<const char*>& blocks, std
 std::vector<std::optional<Extremes>> extremesOf(const Stream& stream)
 {
     std::vector<const char*> blocks;
-    for (StreamIterator element = stream.cbegin(); element != stream.cend(); ++element)
+    const StreamIterator end = stream.cend(); // it costs as much as a step
+    for (StreamIterator element = stream.cbegin(); element != end; ++element)
         blocks.push_back(element->data());
     std::vector<std::optional<Extremes>> extremes;
     for (const Member& member : stream.structure())

@@ -2,13 +2,13 @@
 
 JsonObject& JsonObject::add(const std::string& key, const std::string& json)
 {
-    mMembers += (mMembers.empty() ? "\"" : ", \"") + key + "\": " + json;
+    mMembers.append(mMembers.empty() ? "\"" : ", \"").append(key).append("\": ").append(json);
     return *this;
 }
 
 JsonObject& JsonObject::add(const JsonObject& other)
 {
-    mMembers += (mMembers.empty() || other.mMembers.empty() ? "" : ", ") + other.mMembers;
+    mMembers.append(mMembers.empty() || other.mMembers.empty() ? "" : ", ").append(other.mMembers);
     return *this;
 }
 
@@ -26,6 +26,6 @@ std::string jsonArray(const std::vector<std::string>& values)
 {
     std::string items;
     for (const std::string& value : values)
-        items += (items.empty() ? "" : ", ") + value;
+        items.append(items.empty() ? "" : ", ").append(value);
     return "[" + items + "]";
 }

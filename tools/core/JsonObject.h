@@ -17,7 +17,7 @@ public:
     /// Adds the members of the other object.
     JsonObject& add(const JsonObject& other);
 
-    std::string text() const { return "{" + mMembers + "}"; }
+    std::string text() const { return '{' + mMembers + '}'; }
 
 private:
     std::string mMembers;

@@ -1,5 +1,6 @@
 #include "core/SceneFile.h"
 
+#include "core/Listing.h"
 #include "core/Nearest.h"
 #include "core/Text.h"
 #include "vumo/data/Associations.h"
@@ -92,15 +93,10 @@ SceneFile::SceneFile(const Session& session, const std::string& fileName, eUse u
 
 std::vector<ListedBlock> SceneFile::list()
 {
-    std::vector<ListedBlock> blocks;
-    std::string errors;
-    if (Accessor::list(mFileName, blocks, errors))
-        return blocks;
-    readNode(""); // waits for other writers, and knows what kind of failure it is
-    errors.clear();
-    if (!Accessor::list(mFileName, blocks, errors))
-        throw failure(kBadInput, errors);
-    return blocks;
+    mAccessor->setListing(Accessor::kListOnly);
+    read();
+    mAccessor->setListing(Accessor::kListNothing);
+    return isEmpty() ? mAccessor->listed() : listingOf(*mAccessor); // a kind of a plug-in is read all the same
 }
 
 void SceneFile::read(const std::set<std::string>* nodes)

@@ -30,7 +30,8 @@ public:
     /// Sees that the file can be used; reads nothing.
     SceneFile(const Session& session, const std::string& fileName, eUse use = kLook);
 
-    /// What the file holds, block by block, without parsing values.
+    /// What the file holds, block by block, without parsing values; what was read is forgotten. Of a kind of files that
+    /// a plug-in brings all is read, and nothing is known of the text that it stands in: the blocks have no format.
     std::vector<vumo::Data::ListedBlock> list();
 
     /// Reads the metadata of these nodes, or of all for null.

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "vumo/accessor/Accessor.h"
+#include "vumo/accessor/ListedBlock.h"
+
+#include <vector>
+
+/// What an accessor has read of a file that cannot be listed, as a listing: without a format, places and bytes.
+std::vector<vumo::Data::ListedBlock> listingOf(const vumo::Data::Accessor& metadata);
