@@ -348,7 +348,10 @@ TEST_F(NumberTextSlowTest, ExactNumbers_AreLaidOutAsSixDigitsAre)
     {
         double value;
         const char* text;
-    } cases[] = {{100000, "100000"},
+    } cases[] = {{99999, "99999"},
+                 {100000, "100000"},
+                 {0.001, "0.001"},
+                 {0.0009, "0.0009"},
                  {1e6, "1e+06"},
                  {1234567, "1234567"},
                  {0.1, "0.1"},

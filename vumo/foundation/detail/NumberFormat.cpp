@@ -157,6 +157,15 @@ int exactNumbersWord()
 template <class T>
 void appendExact(TextBuilder& text, T value)
 {
+    // In this range the shortest text of to_chars(), plain where that is no longer, is the text made below: 100000 is
+    // the next number above for which they differ, 0.0009 below.
+    const T magnitude = std::abs(value);
+    if (magnitude >= T(1e-3) && magnitude < T(1e5))
+    {
+        char* const begin = text.room(kGeneralRoom);
+        text.setEnd(std::to_chars(begin, begin + kGeneralRoom, value).ptr);
+        return;
+    }
     const bool isCommon = std::isfinite(value) && value != 0;
     const DigitText digits = isCommon ? shortestDigits(std::abs(value)) : DigitText();
     if (digits.count <= kDefaultPrecision && !std::isnormal(value))
