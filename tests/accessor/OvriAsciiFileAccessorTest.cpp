@@ -381,12 +381,17 @@ TEST_F(OvriAsciiFileAccessorTest, ABackslashInsideALongerCharacter_IsNone)
     const ScratchLocale locale("GBK");
     if (!locale.isSet())
         GTEST_SKIP() << "localedef cannot make a locale here";
-    const std::string name = "\x81\x5C\x81\x5C"; // an index, which the stream's text does not escape
     const Ref<Structure> weight = valueStructure("Weight");
-    mFile.setBytes(kHeader + kHost + kTrailer);
-    ASSERT_EQ(attach(mFile.name(), "Body", associationsOf("vertex", "weights", *weight, IndexString(name), "1")), "");
-    EXPECT_NE(mFile.bytes().find("\\n" + name + "\\n"), std::string::npos) << mFile.bytes();
-    EXPECT_EQ(valueAt(*readScene(mFile.name()), "Body", "vertex", "weights", IndexString(name)), "1");
+    for (std::size_t before = 0; before < 64; ++before) // across the end of a block wherever that is
+    {
+        // An index, which the stream's text does not escape.
+        const std::string name = std::string(before, 'x') + "\x81\x5C\x81\x5C";
+        mFile.setBytes(kHeader + kHost + kTrailer);
+        const auto weights = associationsOf("vertex", "weights", *weight, IndexString(name), "1");
+        ASSERT_EQ(attach(mFile.name(), "Body", weights), "");
+        EXPECT_NE(mFile.bytes().find("\\n" + name + "\\n"), std::string::npos) << mFile.bytes();
+        EXPECT_EQ(valueAt(*readScene(mFile.name()), "Body", "vertex", "weights", IndexString(name)), "1");
+    }
 }
 
 TEST_F(OvriAsciiFileAccessorTest, Write_LeavesOutEmptyAssociationsWhateverTheirName)
