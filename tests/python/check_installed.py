@@ -33,4 +33,9 @@ assert all(Path(library).is_relative_to(root) for library in libraries), librari
 
 # And so does the tool, which reads for catalogues.
 os.environ.pop("VUMO_TOOL", None)
-assert root is None or _tool.program() == str(root / "bin/vumo"), _tool.program()
+if root is not None:
+    assert _tool.program() == str(root / "bin/vumo"), _tool.program()
+    alone = {name: value for name, value in os.environ.items() if name != "PYTHONPATH"}
+    command = [root / "bin/vumo", "catalog", ":memory:", "update", root / "share/vumo"]
+    said = subprocess.run(command, env=alone, check=True, stdout=subprocess.PIPE, text=True).stdout
+    assert said.startswith("files="), said

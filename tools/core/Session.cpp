@@ -2,6 +2,7 @@
 
 #include "core/HelpPages.h"
 #include "core/Nearest.h"
+#include "core/OtherProgram.h"
 #include "core/Text.h"
 
 #include <dlfcn.h>
@@ -48,15 +49,18 @@ std::vector<std::string> split(const std::string& text, char end)
     return parts;
 }
 
-/// The parser itself would only miss a command, without a word about what stands in its place.
-void refuseUnknownCommand(const CLI::App& commandLine, const std::string& word)
+/// Hands a word that is no command of the tool to the program that knows it. The parser itself would only miss a
+/// command, without a word about what stands in its place.
+void leaveUnknownCommand(const CLI::App& commandLine, const std::string& word, char** arguments)
 {
     std::vector<std::string> names;
     for (const CLI::App* const command : commandLine.get_subcommands(nullptr))
         names.push_back(command->get_name());
-    if (std::find(names.begin(), names.end(), word) == names.end())
-        throw Failure(kWrongUsage, "there is no command " + inQuotes(word) + didYouMean(word, names) +
-                                       (didYouMean(word, names).empty() ? "; " : " ") + "vumo --help lists them");
+    if (std::find(names.begin(), names.end(), word) != names.end())
+        return;
+    runOtherProgram(word, arguments);
+    throw Failure(kWrongUsage, "there is no command " + inQuotes(word) + didYouMean(word, names) +
+                                   (didYouMean(word, names).empty() ? "; " : " ") + "vumo --help lists them");
 }
 } // namespace
 
@@ -182,11 +186,11 @@ int Session::run(int argc, char** argv)
     mCommandLine.failure_message([](const CLI::App* failed, const CLI::Error& error) {
         return "vumo: " + message(CLI::FailureMessage::simple(failed, error));
     });
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe must not end a save in its middle
     try
     {
         if (argc > 1 && argv[1][0] != '-')
-            refuseUnknownCommand(mCommandLine, argv[1]);
+            leaveUnknownCommand(mCommandLine, argv[1], argv + 1);
+        std::signal(SIGPIPE, SIG_IGN); // a closed pipe must not end a save in its middle
         mCommandLine.parse(argc, argv);
         loadPlugins();
         return finish(mWork());

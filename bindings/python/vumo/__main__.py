@@ -1,4 +1,7 @@
-"""Catalogues and campaigns on the command line: python3 -m vumo catalog ..., python3 -m vumo campaign ..."""
+"""Catalogues and campaigns on the command line: vumo catalog ..., vumo campaign ...
+
+Where there is no tool beside the package, python3 -m vumo has the same commands.
+"""
 
 from __future__ import annotations
 
@@ -117,8 +120,8 @@ def _run_campaign(given: argparse.Namespace) -> None:
         sys.exit(_SOME_FAILED)
 
 
-def main(arguments: Sequence[str] | None = None) -> None:
-    parser = argparse.ArgumentParser("python3 -m vumo", description="Work on the scenes of whole productions.")
+def main(arguments: Sequence[str] | None = None, program: str = "python3 -m vumo") -> None:
+    parser = argparse.ArgumentParser(program, description="Work on the scenes of whole productions.")
     commands = parser.add_subparsers(required=True, metavar="COMMAND")
     _add_catalog(commands)
     _add_campaign(commands)
