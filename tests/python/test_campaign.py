@@ -1,6 +1,8 @@
 """A campaign edits each file as a whole or not at all, once, and all of that can be undone."""
 
 import fcntl
+import io
+import itertools
 import os
 import re
 import shutil
@@ -13,7 +15,7 @@ import pytest
 from conftest import tool, write_scene
 
 import vumo
-from vumo import _campaign, _record
+from vumo import _campaign, _record, _work
 
 
 def add_one(scene):
@@ -168,6 +170,37 @@ def test_locked_files_are_tried_again_and_then_reported(show, edit, monkeypatch)
     assert [outcome.state for outcome in campaign.run()] == ["saved"]
 
 
+def test_a_file_that_is_changed_meanwhile_is_tried_again(show):
+    def change_once(scene):
+        if (show / "first").exists():
+            (show / "first").unlink()
+            with vumo.open(scene.file, "r+") as other:
+                other["Head"]["face"]["weights"]["Weight"] = 5
+        add_one(scene)
+
+    campaign = vumo.campaign(change_once, show / "b.ob")
+    (show / "first").touch()
+    assert [outcome.state for outcome in campaign.run()] == ["saved"]
+    assert weights(show / "b.ob") == [1, 1.25, 1.5, 2]
+    assert vumo.open(show / "b.ob")["Head"]["face"]["weights"]["Weight"].tolist() == [5] * 4
+
+
+class Terminal(io.StringIO):
+    def isatty(self):
+        return True
+
+
+def test_a_terminal_shows_how_far_long_work_has_come(monkeypatch):
+    clock = itertools.count(0, 0.5)
+    monkeypatch.setattr(_work.time, "monotonic", lambda: next(clock))
+    for stream, shown in ((Terminal(), "\r\033[Kfiles: 2 of 3\r\033[Kfiles: 3 of 3\r\033[K"), (io.StringIO(), "")):
+        monkeypatch.setattr(sys, "stderr", stream)
+        with _work.Progress("files", 3) as progress:
+            for _ in range(3):
+                progress.add(1)
+        assert stream.getvalue() == shown
+
+
 class Stopped(BaseException):
     """Like a process that is killed."""
 
@@ -248,7 +281,7 @@ def test_campaigns_on_the_command_line(show):
     Path("script").write_text(SCRIPT)
 
     def run(*words, code=0):
-        done = subprocess.run([sys.executable, "-m", "vumo", "campaign", "record", *words], stdout=subprocess.PIPE, text=True)
+        done = subprocess.run([os.environ["VUMO_TOOL"], "campaign", "record", *words], stdout=subprocess.PIPE, text=True)
         assert done.returncode == code
         return done.stdout
 

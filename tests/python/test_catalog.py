@@ -9,7 +9,7 @@ import sys
 import threading
 
 import pytest
-from conftest import tool, write_scene
+from conftest import ROOT, tool, write_scene
 
 import vumo
 from vumo import _catalog, _schema, _tool
@@ -32,6 +32,7 @@ def show(tmp_path, monkeypatch):
             "v1.0", members, structure="externalContentTable", index_type="string")  # fmt: skip
         for index, path in (("0", "b/b.ob"), ("1", "none.png")):
             table.set_element(index, {"node": "Body", "key": "tex", "upath": path, "roles": "color;bump"})
+        scene.declare(vumo.Structure("Unused", {"f": "f8"}))
     (root / "bad.ob").write_bytes(b"no scene")
     (root / "note.txt").write_bytes(b"no scene either")
     return root
@@ -55,6 +56,8 @@ def test_queries_tell_what_the_files_hold(show, tmp_path):
         files = [str(show / name) for name in ("a.oa", "b/b.ob", "b/\udcff\n.ob")]
         assert [tuple(row.values()) for row in catalog.carriers("Body")] == [(file, 2) for file in files]
         assert [(row["file"], row["code"]) for row in catalog.faults()] == [(str(show / "bad.ob"), 3)]
+        orphans = [(row["file"], row["structure"]) for row in catalog.orphans()]
+        assert orphans == [(files[0], "Unused")]
         missing = catalog.missing_content()
         assert [(row["unresolved_path"], json.loads(row["roles"])) for row in missing] == [("none.png", ["bump", "color"])]
         query = "SELECT member, least, greatest FROM all_members WHERE file = ? AND least NOT NULL ORDER BY stream"
@@ -90,6 +93,30 @@ def test_an_updated_catalogue_is_as_a_new_one(show, tmp_path):
         assert [len(rows) for rows in dump(catalog)] == [0, 0, 0, 0, 0, 1, 0]
         tables = ("declarations", "nodes", "channels", "streams", "ranges", "content")
         assert not any(catalog.sql(f"SELECT * FROM {table}") for table in tables)
+
+
+@pytest.mark.parametrize(("was", "scanned", "changed"), [
+    *((f"{column} = 5", 1, 0) for column in ("device", "inode", "size", "mtime", "ctime", "code")),
+    ("tail = 'x'", 0, 0), ("tail = 'x', size = 1", 1, 1),
+])  # fmt: skip
+def test_each_thing_that_tells_a_change_is_looked_at(show, tmp_path, was, scanned, changed):
+    with vumo.catalog(tmp_path / "c.sqlite") as catalog:
+        catalog.update(show)
+        before = dump(catalog)
+        catalog.sql(f"UPDATE files SET {was} WHERE name GLOB '*/a.oa'")
+        done = catalog.update(show)
+        assert (done.scanned, done.changed) == (scanned, changed)
+        catalog.update(show, anew=True)
+        assert dump(catalog) == before
+
+
+def test_the_page_has_all_tables_and_columns(tmp_path):
+    page = (ROOT / "docs/catalogue.md").read_text()
+    with vumo.catalog(tmp_path / "c.sqlite") as catalog:
+        for table in catalog.sql("SELECT name FROM sqlite_master WHERE type IN ('table', 'view')"):
+            [line] = [line for line in page.splitlines() if line.startswith(f"| `{table['name']}` |")]
+            columns = [row["name"] for row in catalog.sql(f"SELECT name FROM pragma_table_info('{table['name']}')")]
+            assert not [column for column in columns if f"`{column}`" not in line]
 
 
 def test_an_update_that_was_interrupted_goes_on(show, tmp_path, monkeypatch):
@@ -207,7 +234,7 @@ def test_the_catalogue_is_fed_with_lines_and_asked_on_the_command_line(show, tmp
     lines = tool("scan", show / "a.oa", show / "b/b.ob").splitlines()
 
     def ask(*words):
-        command = [sys.executable, "-m", "vumo", "catalog", database, *words]
+        command = [os.environ["VUMO_TOOL"], "catalog", database, *words]
         return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout
 
     with vumo.catalog(database) as catalog:

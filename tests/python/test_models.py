@@ -140,6 +140,8 @@ class StreamModel(RuleBasedStateMachine):
     def holds_what_the_model_holds(self):
         order = sorted(self.model)
         indices, numbers = self.stream.gather("number")
+        if self.index_type != "string":
+            assert indices.dtype == np.uint32 and indices.shape[1:] == ((2,) if self.index_type == "pair" else ())
         assert [tuple(i) if self.index_type == "pair" else i for i in indices] == order
         assert numbers.tolist() == [self.model[index]["number"] for index in order]
         assert self.stream["text"].tolist() == [self.model[index]["text"] for index in order]

@@ -1,9 +1,13 @@
 """Opening, editing and saving scenes."""
 
+import contextlib
 import copy
+import fcntl
 import os
 import pickle
 import threading
+import time
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import numpy as np
@@ -93,6 +97,7 @@ def test_nodes_and_channels_come_and_go(path):
 
 FAILURES = {
     "no such file": (lambda s: vumo.open("missing.ob"), vumo.NoFileError, FileNotFoundError, "missing.ob"),
+    "too long a name": (lambda s: vumo.open(300 * "x" + ".ob"), vumo.SystemCallError, OSError, "xx.ob"),
     "no scene by its name": (lambda s: vumo.open("scene.py"), vumo.NotSceneError, ValueError, "scene.py"),
     "no mode": (lambda s: vumo.open("scene.ob", "w"), ValueError, ValueError, "'w'"),
     "node": (lambda s: s["Bodi"], vumo.NotFoundError, KeyError, "There is no node 'Bodi' in .*; did you mean 'Body'?"),
@@ -125,6 +130,74 @@ def test_failures_say_what_is_wrong(editable, case):
         action(editable)
     assert isinstance(caught.value, base) and "unknown" not in str(caught.value).lower()
     assert str(copy.copy(caught.value)) == str(pickle.loads(pickle.dumps(caught.value))) == str(caught.value)
+
+
+@contextlib.contextmanager
+def locked(path):
+    with open(path) as file:
+        fcntl.flock(file, fcntl.LOCK_EX)
+        yield
+
+
+@contextlib.contextmanager
+def forbidden(path):
+    path.chmod(0)
+    if is_administrator := os.geteuid() == 0:
+        os.seteuid(65534)
+    yield
+    if is_administrator:
+        os.seteuid(0)
+
+
+@contextlib.contextmanager
+def beside(path, make):
+    make(Path(f"{path}.vumo-undo"))
+    yield
+
+
+def edit(path, **options):
+    with vumo.open(path, "r+", **options) as scene:
+        scene["Body"]["vertex"]["weights"]["Weight"] = 1
+
+
+KINDS = {
+    "locked": (locked, vumo.LockedError),
+    "forbidden": (forbidden, vumo.NoAccessError),
+    "text in place of a journal": (lambda path: beside(path, lambda undo: undo.write_text("text")), vumo.NotRestoredError),
+    "a folder in place of a journal": (lambda path: beside(path, Path.mkdir), vumo.NotRestoredError),
+}
+
+
+@pytest.mark.parametrize("case", KINDS)
+def test_each_kind_of_failure_has_its_class(path, case):
+    situation, kind = KINDS[case]
+    with situation(path), pytest.raises(kind) as caught:
+        edit(path)
+    error = caught.value
+    assert type(error) is kind and error.file == str(path) and str(path) in error.text
+
+
+def test_whoever_waits_for_a_file_holds_up_no_other_thread(path):
+    """The one that has the file could not give it back if the interpreter's lock were held."""
+    with ThreadPoolExecutor(1) as executor:
+        with locked(path):
+            waiting = executor.submit(edit, path, lock_wait=60)
+            time.sleep(0.1)
+            assert not waiting.done()
+        waiting.result()
+    assert vumo.open(path)["Body"]["vertex"]["weights"]["Weight"][0] == 1
+
+
+def test_a_scene_is_for_one_thread_at_a_time(editable):
+    editable["Body"]["vertex"]["weights"]["Weight"] = 1
+    with ThreadPoolExecutor(1) as executor, vumo.open(editable.file, "r+", lock_wait=60) as waiting:
+        waiting["Body"]["vertex"]["weights"]["Weight"] = 2
+        with locked(editable.file):
+            saving = executor.submit(waiting.save)
+            time.sleep(0.1)
+            with pytest.raises(vumo.BusyError):
+                waiting["Head"]
+        saving.result()
 
 
 def test_a_save_that_fails_leaves_the_file(path):
