@@ -218,6 +218,25 @@ TEST_F(StreamImplDenseTest, ElementsThatDoNotFit_AreRefusedAndChangeNothing)
     EXPECT_EQ(at(0), "0 l0");
 }
 
+TEST_F(StreamImplDenseTest, SlotsThatNobodySet_HoldDefaultsWhereverTheyAreSeen)
+{
+    for (unsigned int i = 0; i <= 240; ++i) // to 360 slots, whose memory was used before
+        setRecord(i);
+    setRecord(250);
+    EXPECT_EQ(at(241), "0 ");
+    EXPECT_EQ(at(249), "0 ");
+    const Ref<StreamImplDense> clone(static_cast<StreamImplDense*>(mStream->clone()));
+    EXPECT_EQ(clone->physicalElementCount(), 360U);
+    EXPECT_FALSE(clone->setElement(300, Handle(*mRecord, nullptr)));
+    ASSERT_TRUE(mStream->setElementRange(0, 299));
+    EXPECT_EQ(at(299), "0 ");
+    for (StreamImplDense* const stream : {mStream.get(), clone.get()})
+    {
+        for (unsigned int i = 251; i < 360; ++i)
+            EXPECT_TRUE(Handle(*mRecord, stream->elementAddr(i)).isDefault()) << i;
+    }
+}
+
 TEST_F(StreamImplDenseTest, SetElementRange_GrowsForTheIndexOnePastTheLast)
 {
     EXPECT_TRUE(mStream->setElementRange(0, 4294967295U)); // no elements, as there are

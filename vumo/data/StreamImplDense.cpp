@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <mutex>
 #include <new>
 #include <utility>
 
@@ -116,10 +117,15 @@ bool StreamImplDense::setElement(Index index, const Handle& handle)
 bool StreamImplDense::storeElement(unsigned int i, char* dest, const Handle& handle)
 {
     const bool isItself = dest && dest == handle.data(); // must not be destroyed before it is copied
-    if (dest && handle.hasData() && !isItself)
+    const bool isNew = i >= filledSlots();
+    if (dest && isNew)
+        fillSlots(i); // those that are skipped; this one gets its element at once
+    else if (dest && handle.hasData() && !isItself)
         structure().destroyChunk(dest);
     if (!isItself && !copyElementFromHandle(dest, handle))
         return false;
+    if (dest && isNew)
+        setFilledSlots(i + 1);
     mCount = std::max(mCount, i + 1);
     return true;
 }
@@ -195,6 +201,7 @@ bool StreamImplDense::setElementRange(Index first, Index last)
         const bool fits = ensureSpaceForElement(Index(n)); // asks for one slot more than is used
         if (structure().totalSize() > 0 && !slot(n - 1))
             return false; // a count without memory would promise elements that nobody can read
+        fillSlots(n);
         mCount = n;
         return fits;
     }
@@ -222,7 +229,14 @@ unsigned int StreamImplDense::physicalElementCount() const
 
 char* StreamImplDense::elementAddr(Index index) const
 {
-    return slot(index.index());
+    char* const address = slot(index.index());
+    if (address && filledSlots() < mAllocated) // from here all slots can be seen
+    {
+        static std::mutex theMutex;
+        const std::lock_guard<std::mutex> lock(theMutex); // other threads may read elements meanwhile, and ask likewise
+        fillSlots(mAllocated);
+    }
+    return address;
 }
 
 ElementView StreamImplDense::elementView() const
@@ -259,11 +273,22 @@ bool StreamImplDense::reallocate(unsigned long long slots)
     char* const data = static_cast<char*>(mData ? std::realloc(mData, slots * mStride) : std::calloc(slots, mStride));
     if (!data)
         return false;
-    if (mData)
-        structure().fillWithDefaultChunks(data + mAllocated * mStride, slots - mAllocated);
+    const bool isZero = !mData;
     mData = data;
     mAllocated = static_cast<unsigned int>(slots);
+    if (isZero)
+        setFilledSlots(mAllocated);
     return true;
+}
+
+/// Gives default values to the slots before `end` that have none yet.
+void StreamImplDense::fillSlots(unsigned int end) const
+{
+    const unsigned int filled = filledSlots();
+    if (!mData || filled >= end)
+        return;
+    structure().fillWithDefaultChunks(mData + mStride * filled, end - filled);
+    setFilledSlots(end);
 }
 
 void StreamImplDense::rememberLayout()
@@ -295,16 +320,17 @@ void StreamImplDense::copyBlock(const StreamImplDense& other)
     mData = static_cast<char*>(std::malloc(mStride * other.mAllocated));
     if (!mData)
         throw std::bad_alloc();
+    mAllocated = other.mAllocated;
     // Piece by piece, so that what is copied is still at hand when its strings follow.
     const auto slotsPerPiece = static_cast<unsigned int>(std::max(kPageSize / mStride, 1ULL));
-    while (mAllocated < other.mAllocated)
-        copySlots(other, std::min(slotsPerPiece, other.mAllocated - mAllocated));
+    for (const unsigned int end = other.filledSlots(); filledSlots() < end;)
+        copySlots(other, std::min(slotsPerPiece, end - filledSlots()));
 }
 
-/// Copies the slots after the last, which has room for them.
+/// Copies the slots after the last that is filled.
 void StreamImplDense::copySlots(const StreamImplDense& other, unsigned int count)
 {
-    const unsigned int first = mAllocated;
+    const unsigned int first = filledSlots();
     std::memcpy(mData + mStride * first, other.mData + mStride * first, mStride * count);
     try
     {
@@ -322,13 +348,14 @@ void StreamImplDense::copySlots(const StreamImplDense& other, unsigned int count
         });
         throw;
     }
-    mAllocated += count;
+    setFilledSlots(first + count);
 }
 
 void StreamImplDense::swapBlock(StreamImplDense& other)
 {
     std::swap(mCount, other.mCount);
     std::swap(mAllocated, other.mAllocated);
+    mFilled = other.mFilled.exchange(mFilled);
     std::swap(mData, other.mData);
     std::swap(mStride, other.mStride);
     mBlockMembers.swap(other.mBlockMembers);
@@ -338,9 +365,10 @@ void StreamImplDense::releaseBlock()
 {
     if (!mData)
         return;
-    visitStrings(0, mAllocated, [](char* string) { std::free(loadScalar<char*>(string)); });
+    visitStrings(0, filledSlots(), [](char* string) { std::free(loadScalar<char*>(string)); });
     std::free(mData);
     mData = nullptr;
+    setFilledSlots(0);
 }
 
 /// Calls `visit` with the address of each string of so many slots.
