@@ -24,14 +24,12 @@ std::vector<Edit> editsFrom(const std::string& name)
 
 void addApply(Session& session)
 {
-    CLI::App& command =
+    Command command =
         session.addCommand("apply", "Make the edits of a script in each file, all or none of them, with one save");
     const auto script = std::make_shared<std::string>();
-    command
-        .add_option("SCRIPT", *script,
-                    "lines in the words of set, rm, cp and mv, without FILE, split as a shell splits words, or JSON "
-                    "arrays of the words; \"-\" for standard input")
-        ->required();
+    command.addWord({"SCRIPT", "lines in the words of set, rm, cp and mv, without FILE, split as a shell splits words, "
+                               "or JSON arrays of the words; \"-\" for standard input"},
+                    *script);
     session.addFiles(command);
     session.addSaving(command);
     session.setWork(command, [&session, script] {

@@ -218,17 +218,11 @@ eExitCode listRules(Session& session)
 
 void addCheck(Session& session)
 {
-    CLI::App& command = session.addCommand("check", "Find what is wrong with scenes, a line for each finding");
+    Command command = session.addCommand("check", "Find what is wrong with scenes, a line for each finding");
     session.addFiles(command);
     session.addJson(command);
     const auto isListing = std::make_shared<bool>(false);
-    command.add_flag_callback(
-        "--rules",
-        [isListing, &command] {
-            *isListing = true;
-            command.get_option("FILE")->required(false);
-        },
-        "list the rules with their codes");
+    command.addFlagForWord("--rules", *isListing, "list the rules with their codes");
     session.setWork(command, [&session, isListing] {
         if (*isListing)
             return listRules(session);

@@ -105,14 +105,14 @@ eExitCode content(Job& job, const Request& request)
 
 void addContent(Session& session)
 {
-    CLI::App& command = session.addCommand("content", "List the content outside of scenes that they refer to");
+    Command command = session.addCommand("content", "List the content outside of scenes that they refer to");
     session.addFiles(command);
     session.addJson(command);
     session.addSaving(command);
     const auto request = std::make_shared<Request>();
-    command.add_flag("--missing", request->isMissing, "list only what is not there; exit code 1 if there is any");
-    Session::addList(command, "--relink", request->relinks, "OLD=NEW",
-                     "put NEW in the place of OLD at the start of paths, save, and list what was changed");
+    command.addFlag("--missing", request->isMissing, "list only what is not there; exit code 1 if there is any");
+    command.addList("--relink", request->relinks, "OLD=NEW",
+                    "put NEW in the place of OLD at the start of paths, save, and list what was changed");
     session.setWork(command, [&session, request] {
         checkSaving(session);
         for (const std::string& rule : request->relinks)

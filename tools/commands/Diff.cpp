@@ -7,15 +7,13 @@
 #include "vumo/data/Channel.h"
 #include "vumo/data/StreamIterator.h"
 
-#include <CLI/CLI.hpp>
-
 #include <array>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <memory>
-#include <optional>
 #include <sstream>
 
 using namespace vumo::Data;
@@ -26,7 +24,7 @@ struct DiffOptions
 {
     std::string a;
     std::string b;
-    std::optional<double> tolerance;
+    double tolerance = -1; ///< nothing is that near
 };
 
 /// Things by their names.
@@ -76,7 +74,7 @@ class Comparison
 {
 public:
     /// Borrows the job.
-    Comparison(const Job& job, const std::optional<double>& tolerance)
+    Comparison(const Job& job, double tolerance)
         : mSelection(job.session.selection()),
           mTolerance(tolerance),
           mRows(job, "differences", {"change", "kind", "node", "channel", "stream", "index", "member", "a", "b"})
@@ -238,11 +236,11 @@ private:
         const std::string one = plainText(a);
         const std::string other = plainText(b);
         const bool isNumber = type != Member::kString && type != Member::kBoolean;
-        return one == other || (isNumber && mTolerance && areNear(one, other, *mTolerance));
+        return one == other || (isNumber && areNear(one, other, mTolerance));
     }
 
     const Selection& mSelection;
-    const std::optional<double>& mTolerance;
+    const double mTolerance;
     Rows mRows;
     std::array<Rows::Cell, 5> mAddress; // node, or structure; channel, stream, index, member
     bool mHasFound = false;
@@ -260,13 +258,12 @@ eExitCode diff(Job& job, const DiffOptions& options)
 
 void addDiff(Session& session)
 {
-    CLI::App& command = session.addCommand("diff", "Compare two scenes, a line for each difference");
+    Command command = session.addCommand("diff", "Compare two scenes, a line for each difference");
     const auto options = std::make_shared<DiffOptions>();
-    command.add_option("A", options->a, "a scene file")->required();
-    command.add_option("B", options->b, "the other one")->required();
-    command.add_option("--tolerance", options->tolerance, "take numbers for the same that are so near to each other")
-        ->check([](const std::string& text) { return text.front() == '-' ? "must not be negative" : std::string(); })
-        ->type_name("NUMBER");
+    command.addWord({"A", "a scene file"}, options->a);
+    command.addWord({"B", "the other one"}, options->b);
+    command.addNumber("--tolerance", options->tolerance, 0, std::numeric_limits<double>::infinity(), "NUMBER",
+                      "take numbers for the same that are so near to each other");
     session.addSelection(command);
     session.addLockWait(command);
     session.addJson(command);

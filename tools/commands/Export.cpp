@@ -44,14 +44,12 @@ eExitCode exportFile(const Job& job, const std::string& format)
 
 void addExport(Session& session)
 {
-    CLI::App& command =
-        session.addCommand("export", "Write metadata as JSON, lines of JSON or CSV, for other programs");
+    Command command = session.addCommand("export", "Write metadata as JSON, lines of JSON or CSV, for other programs");
     session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.begin() + 3}, 0);
     session.addSelection(command);
     const auto format = std::make_shared<std::string>("json");
-    command.add_option("--format", *format, "one JSON document, a line of JSON for each thing, or one stream as CSV")
-        ->check(CLI::IsMember({"json", "ndjson", "csv"}).description(""))
-        ->type_name("json|ndjson|csv");
+    command.addChoice("--format", *format, {"json", "ndjson", "csv"},
+                      "one JSON document, a line of JSON for each thing, or one stream as CSV");
     session.setWork(command, [&session, format] {
         if (*format == "csv" && session.words().size() < 3)
             throw Failure(kWrongUsage, "CSV is one stream: NODE CHANNEL STREAM are needed");

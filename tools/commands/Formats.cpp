@@ -46,7 +46,7 @@ eExitCode formats(Job& job)
 
 void addFormats(Session& session)
 {
-    CLI::App& command = session.addCommand("formats", "List the kinds of scenes, index types and text formats");
+    Command command = session.addCommand("formats", "List the kinds of scenes, index types and text formats");
     session.addJson(command);
     session.setWork(command, [&session] { return once(session, formats); });
 }

@@ -91,7 +91,7 @@ eExitCode get(Job& job)
 
 void addGet(Session& session)
 {
-    CLI::App& command = session.addCommand("get", "Print a value, an element or a stream, and nothing else");
+    Command command = session.addCommand("get", "Print a value, an element or a stream, and nothing else");
     session.addFileAndWords(command, Session::kAddress, 3);
     session.addJson(command);
     session.setWork(command, [&session] {

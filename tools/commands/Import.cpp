@@ -140,22 +140,18 @@ void check(const Request& request, std::size_t words)
 
 void addImport(Session& session)
 {
-    CLI::App& command = session.addCommand("import", "Put what export wrote into a scene, beside what else it has");
+    Command command = session.addCommand("import", "Put what export wrote into a scene, beside what else it has");
     std::vector<Word> words = {{"DATA", "the file to import, or \"-\" for standard input"}};
     words.insert(words.end(), Session::kAddress.begin(), Session::kAddress.begin() + 3);
     session.addFileAndWords(command, words, 1);
     session.addSaving(command);
     const auto request = std::make_shared<Request>();
-    command.add_option("--format", request->format, "the form of DATA, if its ending does not tell; json unless said")
-        ->check(CLI::IsMember({"json", "ndjson", "csv"}).description(""))
-        ->type_name("json|ndjson|csv");
-    command
-        .add_option("--structure", request->structure,
-                    "the structure of a CSV stream that the scene does not have, as its text or by its name")
-        ->type_name("TEXT");
-    command
-        .add_option("--merge", request->merge, "what becomes of a stream that is there already; replace unless said")
-        ->type_name("keep|replace|fail");
+    command.addChoice("--format", request->format, {"json", "ndjson", "csv"},
+                      "the form of DATA, if its ending does not tell; json unless said");
+    command.addOption("--structure", request->structure, "TEXT",
+                      "the structure of a CSV stream that the scene does not have, as its text or by its name");
+    command.addOption("--merge", request->merge, "keep|replace|fail",
+                      "what becomes of a stream that is there already; replace unless said");
     session.setWork(command, [&session, request] {
         checkSaving(session);
         request->name = session.words()[0];

@@ -126,13 +126,13 @@ eExitCode ls(Job& job, const LsOptions& options)
 
 void addLs(Session& session)
 {
-    CLI::App& command = session.addCommand("ls", "List the streams of scenes, a line each, without reading values");
+    Command command = session.addCommand("ls", "List the streams of scenes, a line each, without reading values");
     session.addFiles(command);
     session.addSelection(command);
     const auto options = std::make_shared<LsOptions>();
-    CLI::Option* const nodes = command.add_flag("--nodes", options->nodes, "list the nodes in place of the streams");
-    command.add_flag("--structures", options->structures, "list the structures")->excludes(nodes);
-    command.add_flag("-l,--long", options->isLong, "layouts, too, and what cannot be read with the reason; reads all");
+    command.addFlag("--nodes", options->nodes, "list the nodes in place of the streams");
+    command.addFlag("--structures", options->structures, "list the structures", "--nodes");
+    command.addFlag("-l,--long", options->isLong, "layouts, too, and what cannot be read with the reason; reads all");
     session.addJson(command);
     session.setWork(command, [&session, options] {
         return forEachFile(session, [options](Job& job) { return ls(job, *options); });

@@ -43,10 +43,10 @@ eExitCode recover(Job& job, bool isDryRun)
 
 void addRecover(Session& session)
 {
-    CLI::App& command = session.addCommand("recover", "Restore scenes whose save was interrupted");
+    Command command = session.addCommand("recover", "Restore scenes whose save was interrupted");
     session.addFiles(command);
     const auto isDryRun = std::make_shared<bool>(false);
-    command.add_flag("--dry-run", *isDryRun, "say what would be restored, and leave the files alone");
+    command.addFlag("--dry-run", *isDryRun, "say what would be restored, and leave the files alone");
     session.setWork(command, [&session, isDryRun] {
         return forEachFile(session, [isDryRun](Job& job) { return recover(job, *isDryRun); });
     });

@@ -4,7 +4,7 @@
 
 void addRm(Session& session)
 {
-    CLI::App& command = session.addCommand("rm", "Remove a node's metadata, a channel, a stream or an element");
+    Command command = session.addCommand("rm", "Remove a node's metadata, a channel, a stream or an element");
     session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.end() - 1}, 1);
     session.addSaving(command);
     session.setWork(command, [&session] {

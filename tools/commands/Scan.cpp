@@ -188,10 +188,11 @@ eExitCode scan(Job& job)
 
 void addScan(Session& session)
 {
-    CLI::App& command = session.addCommand("scan", "Tell what whole productions hold, as lines of JSON");
+    Command command = session.addCommand("scan", "Tell what whole productions hold, as lines of JSON");
     session.addFiles(command, "scene files, and folders of them");
     const auto jobs = std::make_shared<unsigned int>(1);
-    command.add_option("--jobs", *jobs, "work on so many files at once")->check(CLI::Range(1, 256))->type_name("N");
+    constexpr unsigned int kMostJobs = 256;
+    command.addNumber("--jobs", *jobs, 1, kMostJobs, "N", "work on so many files at once, up to 256");
     session.setWork(command, [&session, jobs] {
         Batch batch;
         const std::vector<std::string> names = session.files();

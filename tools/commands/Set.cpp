@@ -6,20 +6,18 @@
 
 void addSet(Session& session)
 {
-    CLI::App& command = session.addCommand("set", "Change values of one element");
+    Command command = session.addCommand("set", "Change values of one element");
     std::vector<Word> words(Session::kAddress.begin(), Session::kAddress.end() - 1);
     words.push_back({"MEMBER=VALUE...", "a member's values, separated by blanks; MEMBER[i]=VALUE for one of them"});
     session.addFileAndWords(command, words, 0);
     session.addSaving(command);
     const auto edit = std::make_shared<Edit>();
-    command.add_flag("--add", edit->add, "make what is missing on the path; INDEX and what follows may be left out");
-    command
-        .add_option("--structure", edit->structure,
-                    "the structure of a new stream, such as \"name=Point:float[3]=Position:string=Label\", or the name "
-                    "of one that the scene has")
-        ->type_name("TEXT");
-    command.add_option("--index-type", edit->indexType, "the type of a new stream's indices; numeric unless said")
-        ->type_name("TYPE");
+    command.addFlag("--add", edit->add, "make what is missing on the path; INDEX and what follows may be left out");
+    command.addOption("--structure", edit->structure, "TEXT",
+                      "the structure of a new stream, such as \"name=Point:float[3]=Position:string=Label\", or the "
+                      "name of one that the scene has");
+    command.addOption("--index-type", edit->indexType, "TYPE",
+                      "the type of a new stream's indices; numeric unless said");
     session.setWork(command, [&session, edit] {
         checkSaving(session);
         edit->words = session.words();

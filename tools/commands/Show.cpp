@@ -11,6 +11,7 @@
 #include "vumo/data/StreamIterator.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <ostream>
 #include <sstream>
@@ -24,7 +25,7 @@ constexpr unsigned int kShownElements = 20; // about what a terminal shows
 /// How much is shown of each stream, and in which form.
 struct Head
 {
-    bool isScript = false;
+    std::string form = "table";
     unsigned int count = kShownElements;
     bool isAll = false;
 };
@@ -93,7 +94,7 @@ eExitCode show(Job& job, const Head& head)
     const Selection& selection = job.session.selection();
     SceneFile scene(job.session, job.file);
     scene.readSelected(selection.nodes);
-    if (head.isScript)
+    if (head.form == "script")
     {
         printScript(job, scene);
         return scene.tellUnreadable(job.session);
@@ -138,18 +139,14 @@ eExitCode show(Job& job, const Head& head)
 
 void addShow(Session& session)
 {
-    CLI::App& command = session.addCommand("show", "Show what scenes hold, in aligned columns");
+    Command command = session.addCommand("show", "Show what scenes hold, in aligned columns");
     session.addFiles(command);
     session.addSelection(command);
     const auto head = std::make_shared<Head>();
-    command.add_flag("--all", head->isAll, "show all elements of each stream, not only the first 20");
-    command.add_option("--head", head->count, "show so many")->type_name("N");
-    command
-        .add_option_function<std::string>(
-            "--as", [head](const std::string& form) { head->isScript = form == "script"; },
-            "print tables, or a script that makes all that is shown anew, for apply")
-        ->check(CLI::IsMember({"table", "script"}).description(""))
-        ->type_name("table|script");
+    command.addFlag("--all", head->isAll, "show all elements of each stream, not only the first 20");
+    command.addNumber("--head", head->count, 0, std::numeric_limits<unsigned int>::max(), "N", "show so many");
+    command.addChoice("--as", head->form, {"table", "script"},
+                      "print tables, or a script that makes all that is shown anew, for apply");
     session.addJson(command);
     session.setWork(command,
                     [&session, head] { return forEachFile(session, [&head](Job& job) { return show(job, *head); }); });

@@ -1,5 +1,7 @@
 #include "core/HelpPages.h"
 
+#include <CLI/CLI.hpp>
+
 #include <functional>
 #include <map>
 #include <regex>

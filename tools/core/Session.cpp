@@ -5,6 +5,7 @@
 #include "core/OtherProgram.h"
 #include "core/Text.h"
 
+#include <CLI/CLI.hpp>
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -64,140 +65,110 @@ void leaveUnknownCommand(const CLI::App& commandLine, const std::string& word, c
 }
 } // namespace
 
-CLI::App& Session::addCommand(const std::string& name, const std::string& description)
+Session::Session()
+    : mCommandLine(
+          std::make_unique<CLI::App>("Reads and edits the metadata in scene files, without loading the scene.", "vumo"))
 {
-    CLI::App& command = *mCommandLine.add_subcommand(name, description);
-    addList(command, "--plugin", mPlugins, "FILE.so", "load index types, formats or kinds of files");
-    command.add_flag("-q,--quiet", mIsQuiet, "no words on standard error, but for the names of files that failed");
+}
+
+Session::~Session() = default;
+
+Command Session::addCommand(const std::string& name, const std::string& description)
+{
+    Command command(*mCommandLine->add_subcommand(name, description));
+    command.addList("--plugin", mPlugins, "FILE.so", "load index types, formats or kinds of files");
+    command.addFlag("-q,--quiet", mIsQuiet, "no words on standard error, but for the names of files that failed");
     return command;
 }
 
-CLI::Option* Session::addWord(CLI::App& command, const Word& word)
+void Session::addFiles(Command& command, const char* description)
 {
-    std::string name = word.name;
-    CLI::Option* option = nullptr;
-    if (name.size() > 3 && name.compare(name.size() - 3, 3, "...") == 0)
-    {
-        // So many are expected, rather than extra ones allowed, so that no word is taken for a list.
-        constexpr int kMany = CLI::detail::expected_max_vector_size;
-        option = command.add_option(name.substr(0, name.size() - 3), word.description);
-        option->expected(kMany, kMany)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    }
-    else
-    {
-        option = command.add_option(name, word.description);
-    }
-    return option->allow_extra_args(false);
-}
-
-void Session::addFiles(CLI::App& command, const char* description)
-{
-    addWord(command, {"FILE...", description})->required();
+    command.addWord({"FILE...", description}, true);
     addBatch(command);
 }
 
-void Session::addFileAndWords(CLI::App& command, const std::vector<Word>& words, std::size_t required)
+void Session::addFileAndWords(Command& command, const std::vector<Word>& words, std::size_t required)
 {
-    addWord(command, {"FILE", "the scene file; left out after --files-from"})->required();
+    command.addWord({"FILE", "the scene file; left out after --files-from"}, true);
     for (std::size_t i = 0; i < words.size(); ++i)
-        addWord(command, words[i])->required(i < required);
+        command.addWord(words[i], i < required);
     addBatch(command);
 }
 
-void Session::addBatch(CLI::App& command)
+void Session::addBatch(Command& command)
 {
-    command
-        .add_option_function<std::string>(
-            "--files-from",
-            [this, &command](const std::string& name) {
-                mFilesFrom = name;
-                // The list stands for FILE, so there is one word less; what is required comes first.
-                CLI::Option* last = nullptr;
-                for (CLI::Option* const option : command.get_options())
-                    last = option->get_positional() && option->get_required() ? option : last;
-                last->required(false);
-            },
-            "work on the files whose names this file has, one a line; \"-\" for standard input")
-        ->type_name("FILE");
-    command.add_flag("-0,--null", mEndsWithZero, "such names, and values that are printed, end with a zero byte");
-    command.add_flag("--fail-fast", mIsFailFast, "stop at the first file that fails");
+    command.addOptionForWord("--files-from", mFilesFrom, "FILE",
+                             "work on the files whose names this file has, one a line; \"-\" for standard input");
+    command.addFlag("-0,--null", mEndsWithZero, "such names, and values that are printed, end with a zero byte");
+    command.addFlag("--fail-fast", mIsFailFast, "stop at the first file that fails");
     addLockWait(command);
 }
 
-void Session::addLockWait(CLI::App& command)
+void Session::addLockWait(Command& command)
 {
     constexpr double kMostSeconds = 4.0e6; // in milliseconds they go into 32 bits
-    command.add_option("--lock-wait", mLockWait, "wait so long for others who write to a file")
-        ->check(CLI::Range(0.0, kMostSeconds).description(""))
-        ->type_name("SECONDS");
+    command.addNumber("--lock-wait", mLockWait, 0, kMostSeconds, "SECONDS",
+                      "wait so long for others who write to a file");
 }
 
-void Session::addList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const char* type,
-                      const char* description)
+void Session::addSelection(Command& command)
 {
-    // The parser would take a value in brackets for a list of values.
-    command.add_option(name, values, description)->expected(1)->take_all()->allow_extra_args(false)->type_name(type);
+    command.addList("--node", mSelection.nodes, "PATTERN", "only nodes of such names, as fnmatch knows patterns");
+    command.addList("--channel", mSelection.channels, "PATTERN", "only channels of such names");
+    command.addList("--stream", mSelection.streams, "PATTERN", "only streams of such names");
 }
 
-void Session::addSelection(CLI::App& command)
+void Session::addJson(Command& command)
 {
-    addList(command, "--node", mSelection.nodes, "PATTERN", "only nodes of such names, as fnmatch knows patterns");
-    addList(command, "--channel", mSelection.channels, "PATTERN", "only channels of such names");
-    addList(command, "--stream", mSelection.streams, "PATTERN", "only streams of such names");
+    command.addFlag("--json", mIsJson, "print one JSON document");
 }
 
-void Session::addJson(CLI::App& command)
+void Session::addSaving(Command& command)
 {
-    command.add_flag("--json", mIsJson, "print one JSON document");
+    command.addFlag("--dry-run", mSaving.isDryRun, "say what the save would cost, and write nothing");
+    command.addOption("-o,--output", mSaving.out, "OUT", "leave the file as it is, and write the result to this one");
+    command.addOption("--if-tail", mSaving.tail, "CHECKSUM",
+                      "fail unless the metadata have this checksum, as scan gives it");
+    command.addChoice("--digits", mSaving.digits, {"exact", "six"},
+                      "save floating-point numbers exactly, or with six digits");
 }
 
-void Session::addSaving(CLI::App& command)
+void Session::setWork(Command& command, std::function<eExitCode()> work)
 {
-    command.add_flag("--dry-run", mSaving.isDryRun, "say what the save would cost, and write nothing");
-    command.add_option("-o,--output", mSaving.out, "leave the file as it is, and write the result to this one")
-        ->type_name("OUT");
-    command.add_option("--if-tail", mSaving.tail, "fail unless the metadata have this checksum, as scan gives it")
-        ->type_name("CHECKSUM");
-    command.add_option("--digits", mSaving.digits, "save floating-point numbers exactly, or with six digits")
-        ->check(CLI::IsMember({"exact", "six"}).description(""))
-        ->type_name("exact|six");
-}
-
-void Session::setWork(CLI::App& command, std::function<eExitCode()> work)
-{
-    command.callback([this, &command, work = std::move(work)] {
-        mCommand = &command;
+    CLI::App& parser = command.parser();
+    parser.callback([this, &parser, work = std::move(work)] {
+        mCommand = &parser;
         mWork = work;
     });
 }
 
 int Session::run(int argc, char** argv)
 {
-    mCommandLine.require_subcommand(1);
-    mCommandLine.set_version_flag("--version", "vumo " VUMO_VERSION);
+    mCommandLine->require_subcommand(1);
+    mCommandLine->set_version_flag("--version", "vumo " VUMO_VERSION);
     mCommandLine
-        .add_option_function<std::string>(
+        ->add_option_function<std::string>(
             "--help-as",
-            [this](const std::string& form) { throw CLI::CallForVersion(helpAs(mCommandLine, form), kDone); },
+            [this](const std::string& form) { throw CLI::CallForVersion(helpAs(*mCommandLine, form), kDone); },
             "print this help, and that of all commands, as a page or a script: man, markdown or bash")
         ->type_name("FORM")
         ->trigger_on_parse();
-    mCommandLine.footer(kExitCodes);
-    mCommandLine.failure_message([](const CLI::App* failed, const CLI::Error& error) {
+    mCommandLine->footer(kExitCodes);
+    mCommandLine->failure_message([](const CLI::App* failed, const CLI::Error& error) {
         return "vumo: " + message(CLI::FailureMessage::simple(failed, error));
     });
     try
     {
         if (argc > 1 && argv[1][0] != '-')
-            leaveUnknownCommand(mCommandLine, argv[1], argv + 1);
+            leaveUnknownCommand(*mCommandLine, argv[1], argv + 1);
         std::signal(SIGPIPE, SIG_IGN); // a closed pipe must not end a save in its middle
-        mCommandLine.parse(argc, argv);
+        mCommandLine->parse(argc, argv);
         loadPlugins();
         return finish(mWork());
     }
     catch (const CLI::ParseError& error)
     {
-        return mCommandLine.exit(error) == 0 ? kDone : kWrongUsage;
+        return mCommandLine->exit(error) == 0 ? kDone : kWrongUsage;
     }
     catch (const Failure& failure)
     {

@@ -1,24 +1,17 @@
 #pragma once
 
 #include "core/Address.h"
+#include "core/Command.h"
 #include "core/Failure.h"
 #include "core/Output.h"
 #include "core/Saving.h"
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
+#include <memory>
 #include <ostream>
 #include <ratio>
 #include <string>
 #include <vector>
-
-/// A word of a command line that is no option.
-struct Word
-{
-    const char* name; ///< for several, it ends in "..."
-    const char* description;
-};
 
 /// One run of the tool: what its command line says, and where its data and its words go.
 ///
@@ -30,30 +23,28 @@ public:
     /// NODE, CHANNEL, STREAM, INDEX and MEMBER.
     static const std::vector<Word> kAddress;
 
-    /// Adds a command to commandLine(), with the options that all of them have.
-    CLI::App& addCommand(const std::string& name, const std::string& description);
+    Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    /// Adds a command, with the options that all of them have.
+    Command addCommand(const std::string& name, const std::string& description);
 
     /// FILE..., and the options about many files; files() has them.
-    void addFiles(CLI::App& command, const char* description = "the scene files");
+    void addFiles(Command& command, const char* description = "the scene files");
 
     /// FILE, then words of which that many must be given, and the options about many files; with --files-from the
     /// command line leaves out FILE. words() has what comes after it.
-    void addFileAndWords(CLI::App& command, const std::vector<Word>& words, std::size_t required);
+    void addFileAndWords(Command& command, const std::vector<Word>& words, std::size_t required);
 
-    /// An option that may be given several times, its values taken as they stand.
-    static void addList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const char* type,
-                        const char* description);
-
-    void addLockWait(CLI::App& command);
-    void addSelection(CLI::App& command);
-    void addJson(CLI::App& command);
-    void addSaving(CLI::App& command);
+    void addLockWait(Command& command);
+    void addSelection(Command& command);
+    void addJson(Command& command);
+    void addSaving(Command& command);
 
     /// Chooses what the command does once the command line is read. It returns kDone or kNo, or throws a `Failure`.
-    void setWork(CLI::App& command, std::function<eExitCode()> work);
-
-    /// The definitions of all commands that were added.
-    CLI::App& commandLine() { return mCommandLine; }
+    void setWork(Command& command, std::function<eExitCode()> work);
 
     /// Reads the command line and does what it says; returns the exit code.
     int run(int argc, char** argv);
@@ -92,12 +83,11 @@ public:
     void say(const std::string& text) const;
 
 private:
-    CLI::Option* addWord(CLI::App& command, const Word& word);
-    void addBatch(CLI::App& command);
+    void addBatch(Command& command);
     void loadPlugins() const;
     int finish(eExitCode code);
 
-    CLI::App mCommandLine{"Reads and edits the metadata in scene files, without loading the scene.", "vumo"};
+    std::unique_ptr<CLI::App> mCommandLine;
     std::function<eExitCode()> mWork;
 
     const CLI::App* mCommand = nullptr; // the one that was given

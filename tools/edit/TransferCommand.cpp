@@ -57,23 +57,19 @@ eExitCode work(Session& session, Request& request)
 
 void addTransfer(Session& session, Edit::eVerb verb, const std::string& name, const std::string& description)
 {
-    CLI::App& command = session.addCommand(name, description);
+    Command command = session.addCommand(name, description);
     session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.end() - 1}, 1);
     session.addSaving(command);
     const auto request = std::make_shared<Request>();
     request->edit.verb = verb;
     constexpr int kMostWords = 4;
-    command
-        .add_option("--as", request->edit.newWords,
+    command.addList("--as", request->edit.newWords, "WORD...",
                     "the new address, or its last words; stands after the address. A word that begins with \"-\" is "
-                    "given as --as=WORD")
-        ->expected(1, kMostWords)
-        ->take_all()
-        ->allow_extra_args(false)
-        ->type_name("WORD...");
-    command.add_option("--to", request->toFile, "to this scene, of either kind; under the same address without --as")
-        ->type_name("FILE");
-    command.add_option("--merge", request->merge, "what becomes of a stream or an element that is there already")
-        ->type_name("keep|replace|fail");
+                    "given as --as=WORD",
+                    kMostWords);
+    command.addOption("--to", request->toFile, "FILE",
+                      "to this scene, of either kind; under the same address without --as");
+    command.addOption("--merge", request->merge, "keep|replace|fail",
+                      "what becomes of a stream or an element that is there already");
     session.setWork(command, [&session, request] { return work(session, *request); });
 }
