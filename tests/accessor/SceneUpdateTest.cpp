@@ -254,6 +254,33 @@ TEST_F(SceneUpdateTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
     EXPECT_EQ(mFile.bytes(), "another scene");
 }
 
+TEST_F(SceneUpdateTest, AFileThatIsReplacedDuringTheSave_IsNotTakenForSaved)
+{
+    FileCallScript script;
+    for (int turn = 1; turn == 1 || (script.hadItsTurn() && !HasFailure()); ++turn)
+    {
+        SCOPED_TRACE(turn);
+        mFile.setBytes("head, a scene, old tail");
+        const ScratchFile other(".bin");
+        other.setBytes("another scene");
+        AccessorState state;
+        state.fileName = mFile.name();
+        SceneUpdate update(state);
+        FileChange change(4, "");
+        change.add(0, "HEAD", "", "");
+        ASSERT_TRUE(update.begin(mErrors));
+        script = FileCallScript();
+        script.mTurn = turn;
+        script.mMeanwhile = [&] { std::filesystem::rename(other.name(), mFile.name()); };
+        const FileCallScript::Use use(script);
+        const bool isSaved = update.run(change, FileBlocks(), mErrors);
+        EXPECT_EQ(isSaved, !script.hadItsTurn());
+        EXPECT_EQ(state.failure.kind, script.hadItsTurn() ? Accessor::Failure::kChanged : Accessor::Failure::kNone);
+        EXPECT_EQ(mFile.bytes(), script.hadItsTurn() ? "another scene" : "HEAD");
+        EXPECT_FALSE(std::filesystem::exists(mFile.recordName()));
+    }
+}
+
 TEST_F(SceneUpdateTest, AReadThatFails_MakesNoRecordUnfit)
 {
     leaveBetween();

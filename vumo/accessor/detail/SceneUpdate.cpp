@@ -72,9 +72,8 @@ bool SceneUpdate::makeChange(const FileChange& change, std::string& errors)
     if (!mRecord.take(mFile, change))
         return failBySystem(mFile.error(), withReason("Could not read the old bytes of " + mPlace.file, mFile.error()),
                             errors);
-    // The name may have come to mean another file since this one was locked; a save would then be lost unseen.
-    if (!mFile.hasName(mPlace.file) && !mState.fail(Accessor::Failure::kChanged))
-        return refuse(errors, mPlace.file + " was replaced by somebody else meanwhile.\n");
+    if (!keepsName(errors))
+        return false;
     if (mNeedsRecord && !makeRecord(errors))
         return false;
     // From here on nothing is allocated until the file is whole again: memory that runs out must not leave it halfway.
@@ -82,7 +81,7 @@ bool SceneUpdate::makeChange(const FileChange& change, std::string& errors)
     if (!fault)
         fault = commit();
     if (!fault)
-        return true;
+        return keepsName(errors);
     const int error = errno;
     const bool isWhole = undo();
     failBySystem(error, fault == mRemoveFailed.c_str() ? withReason(mRemoveFailed, error) : fault, errors);
@@ -93,6 +92,13 @@ bool SceneUpdate::makeChange(const FileChange& change, std::string& errors)
     errors += "The old bytes could not be put back: " + mPlace.file + " may be damaged" +
               (mHasRecord ? " until " + mPlace.record + " is applied, by the next read or write.\n" : ".\n");
     return false;
+}
+
+/// Says whether the name leads to the file still. If it has come to mean another one, a save would be lost unseen.
+bool SceneUpdate::keepsName(std::string& errors)
+{
+    return mFile.hasName(mPlace.file) || mState.fail(Accessor::Failure::kChanged) ||
+           refuse(errors, mPlace.file + " was replaced by somebody else meanwhile.\n");
 }
 
 /// Puts the record on the disk, and makes sure that it is found there.

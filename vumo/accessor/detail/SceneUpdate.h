@@ -47,6 +47,7 @@ public:
 
 private:
     bool makeChange(const FileChange& change, std::string& errors);
+    bool keepsName(std::string& errors);
     bool makeRecord(std::string& errors);
     bool failBySystem(int error, const std::string& message, std::string& errors);
     int storeRecord() const;
