@@ -106,7 +106,13 @@ bool StreamImplDense::setElement(Index index, const Handle& handle)
     const unsigned int i = index.index();
     if (!handle.usesStructure(structure()) || i == kNoSlot)
         return false;
-    if (char* const dest = slot(i))
+    char* const dest = slot(i);
+    if (dest && i == filledSlots() && handle.hasData()) // the usual case, for which storeElement() asks too much
+    {
+        appendElement(i, dest, handle);
+        return true;
+    }
+    if (dest)
         return storeElement(i, dest, handle);
     Handle kept(handle);
     kept.makeUnique(); // growing may move the element that the handle borrows
@@ -117,17 +123,26 @@ bool StreamImplDense::setElement(Index index, const Handle& handle)
 bool StreamImplDense::storeElement(unsigned int i, char* dest, const Handle& handle)
 {
     const bool isItself = dest && dest == handle.data(); // must not be destroyed before it is copied
-    const bool isNew = i >= filledSlots();
-    if (dest && isNew)
-        fillSlots(i); // those that are skipped; this one gets its element at once
-    else if (dest && handle.hasData() && !isItself)
+    if (dest && handle.hasData() && i >= filledSlots())
+    {
+        fillSlots(i); // those that are skipped
+        appendElement(i, dest, handle);
+        return true;
+    }
+    if (dest && handle.hasData() && !isItself)
         structure().destroyChunk(dest);
     if (!isItself && !copyElementFromHandle(dest, handle))
         return false;
-    if (dest && isNew)
-        setFilledSlots(i + 1);
     mCount = std::max(mCount, i + 1);
     return true;
+}
+
+/// To the first slot that is not filled: there is nothing to release.
+void StreamImplDense::appendElement(unsigned int i, char* dest, const Handle& handle)
+{
+    structure().fillWithDuplicateChunk(dest, handle.data());
+    setFilledSlots(i + 1);
+    mCount = std::max(mCount, i + 1);
 }
 
 Handle StreamImplDense::element(Index index)

@@ -106,6 +106,7 @@ private:
     void setFilledSlots(unsigned int count) const { mFilled.store(count, std::memory_order_release); }
     bool resetElement(unsigned int i);
     bool storeElement(unsigned int i, char* dest, const Handle& handle);
+    void appendElement(unsigned int i, char* dest, const Handle& handle);
     void copyBlock(const StreamImplDense& other);
     void copySlots(const StreamImplDense& other, unsigned int count);
 
