@@ -9,7 +9,6 @@
 #include <CLI/CLI.hpp>
 
 #include <cctype>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <set>
@@ -155,18 +154,10 @@ void findMissing(const SceneFile& scene, Findings& findings)
     }
 }
 
-/// Whether there is an undo record beside the file. To read the file would repair it.
-bool hasUndoRecord(const std::string& fileName)
-{
-    std::error_code ignored;
-    const std::filesystem::path path = std::filesystem::canonical(fileName, ignored);
-    return std::filesystem::exists(path.string() + ".vumo-undo", ignored);
-}
-
 Findings findAll(SceneFile& scene, Layouts& layouts)
 {
     Findings findings;
-    if (hasUndoRecord(scene.name()))
+    if (!SceneFile::undoRecordOf(scene.name()).empty()) // to read the file would repair it
         return {{kUndoRecord.code, "file", "", "a save was interrupted; vumo recover repairs the file", {}}};
     std::vector<ListedBlock> blocks;
     try

@@ -9,28 +9,19 @@ namespace fs = std::filesystem;
 
 namespace
 {
-constexpr const char* kRecordEnding = ".vumo-undo";
-
-/// Where the undo record of the file stands, by whatever link that is named.
-fs::path recordOf(const std::string& fileName)
-{
-    std::error_code ignored;
-    fs::path file = fs::canonical(fileName, ignored);
-    return file += kRecordEnding;
-}
-
 eExitCode recover(Job& job, bool isDryRun)
 {
-    SceneFile scene(job.session, job.file, isDryRun ? SceneFile::kLook : SceneFile::kEdit);
-    std::error_code ignored;
-    const fs::path record = recordOf(job.file);
-    if (!fs::exists(record, ignored))
+    const std::string record = SceneFile::undoRecordOf(job.file);
+    SceneFile scene(job.session, job.file, isDryRun || record.empty() ? SceneFile::kLook : SceneFile::kEdit);
+    if (record.empty())
         return kDone;
     if (isDryRun)
     {
-        job.out << "a save was interrupted; would restore the file from " << record.filename().string() << "\n";
+        job.out << "a save was interrupted; would restore the file from " << fs::path(record).filename().string()
+                << "\n";
         return kDone;
     }
+    std::error_code ignored;
     const fs::file_time_type before = fs::last_write_time(job.file, ignored);
     const std::set<std::string> none;
     scene.read(&none); // each read begins with it

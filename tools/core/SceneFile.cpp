@@ -11,11 +11,13 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <iomanip>
 #include <set>
 #include <sstream>
 
 using namespace vumo::Data;
+namespace fs = std::filesystem;
 
 namespace
 {
@@ -89,6 +91,13 @@ SceneFile::SceneFile(const Session& session, const std::string& fileName, eUse u
     mAccessor->setUnread(Accessor::kKeep);
     mAccessor->setNumbers(kExact);
     mAccessor->setLockWait(session.lockWait());
+}
+
+std::string SceneFile::undoRecordOf(const std::string& fileName)
+{
+    std::error_code ignored;
+    const std::string record = fs::weakly_canonical(fileName, ignored).string() + ".vumo-undo";
+    return fs::exists(fs::symlink_status(record, ignored)) ? record : "";
 }
 
 std::vector<ListedBlock> SceneFile::list()

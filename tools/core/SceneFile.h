@@ -30,6 +30,10 @@ public:
     /// Sees that the file can be used; reads nothing.
     SceneFile(const Session& session, const std::string& fileName, eUse use = kLook);
 
+    /// The name of the undo record that a save leaves which is interrupted, by whatever link the file is named. Empty
+    /// when nothing stands there.
+    static std::string undoRecordOf(const std::string& fileName);
+
     /// What the file holds, block by block, without parsing values; what was read is forgotten. Of a kind of files that
     /// a plug-in brings all is read, and nothing is known of the text that it stands in: the blocks have no format.
     std::vector<vumo::Data::ListedBlock> list();

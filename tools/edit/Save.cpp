@@ -19,17 +19,20 @@ namespace
 class NewFile
 {
 public:
-    /// Copies a file, with its mode.
+    /// Copies a file. In the end it has that one's mode, or that of the file whose place it takes.
     NewFile(const std::string& from, const std::string& to) : mTo(to)
     {
+        std::error_code error;
+        mMode = fs::status(fs::exists(to, error) ? to : from, error).permissions();
         const fs::path path = fs::path(to).replace_filename(".vumo-XXXXXX" + fs::path(to).extension().string());
         mName = path.string();
         const int file = mkstemps(mName.data(), static_cast<int>(path.extension().string().size()));
         if (file < 0)
             throw Failure(kNotWritten, mTo + ": " + std::strerror(errno));
         close(file);
-        std::error_code error;
         fs::copy_file(from, mName, fs::copy_options::overwrite_existing, error); // with its mode
+        if (!error)
+            fs::permissions(mName, fs::perms::owner_read | fs::perms::owner_write, error);
         if (error)
         {
             unlink(mName.c_str());
@@ -50,7 +53,7 @@ public:
 
     void keep()
     {
-        mIsKept = rename(mName.c_str(), mTo.c_str()) == 0;
+        mIsKept = chmod(mName.c_str(), static_cast<mode_t>(mMode)) == 0 && rename(mName.c_str(), mTo.c_str()) == 0;
         if (!mIsKept)
             throw Failure(kNotWritten, mTo + ": " + std::strerror(errno));
     }
@@ -58,6 +61,7 @@ public:
 private:
     std::string mName;
     const std::string mTo;
+    fs::perms mMode{};
     bool mIsKept = false;
 };
 
@@ -73,13 +77,53 @@ void printCost(const Job& job, const SceneFile& scene)
                 << cost.oldLength << " bytes, and would have " << cost.newLength << "\n";
 }
 
+SceneFile openToReplace(const Job& job, const std::string& fileName)
+{
+    try
+    {
+        return SceneFile(job.session, fileName, SceneFile::kEdit);
+    }
+    catch (const Failure& failure)
+    {
+        throw Failure(kNotWritten, failure.what());
+    }
+}
+
+/// Sees that a file may be put in the place of what stands there: nobody is writing to it, and no undo record would be
+/// taken for that of the new one. Restores what stands there, if it is a scene whose save was interrupted.
+void makeReplaceable(const Job& job, const std::string& fileName)
+{
+    std::error_code ignored;
+    const std::string record = SceneFile::undoRecordOf(fileName);
+    if (!fs::exists(fs::symlink_status(fileName, ignored)))
+    {
+        if (!record.empty())
+            throw Failure(kNotRestored, record + " is left from a save of a scene that is gone; remove it first");
+        return;
+    }
+    SceneFile scene = openToReplace(job, fileName);
+    try
+    {
+        const std::set<std::string> none;
+        scene.read(&none);
+        scene.estimateWrite(); // takes the lock for a moment
+    }
+    catch (const Failure& failure) // what else is wrong with it ends with it
+    {
+        if (failure.code() == kBusy || failure.code() == kNotRestored)
+            throw;
+    }
+}
+
 /// Saves to a copy of the file that was read.
 void saveCopy(const Job& job, SceneFile& scene, const std::string& out)
 {
     if (fs::path(out).extension() != fs::path(scene.name()).extension())
         throw Failure(kWrongUsage, "-o " + inQuotes(out) + " has another ending than " + scene.name() +
                                        "; cp --to copies from one kind of file to the other");
-    NewFile file(scene.name(), out);
+    makeReplaceable(job, out);
+    std::error_code ignored;
+    NewFile file(scene.name(), fs::weakly_canonical(out, ignored).string()); // a link stays one
     SceneFile copy(job.session, file.name(), SceneFile::kEdit);
     const std::set<std::string> none;
     copy.read(&none);
