@@ -157,10 +157,11 @@ int exactNumbersWord()
 template <class T>
 void appendExact(TextBuilder& text, T value)
 {
-    // In this range the shortest text of to_chars(), plain where that is no longer, is the text made below: 100000 is
-    // the next number above for which they differ, 0.0009 below.
-    const T magnitude = std::abs(value);
-    if (magnitude >= T(1e-3) && magnitude < T(1e5))
+    // From the least of these numbers to below the end the shortest text of to_chars(), plain where that is no longer,
+    // is the text made below: 100000 is the next number for which they differ, 0.0009 the last before.
+    constexpr T kLeastUsual = T(1e-3);
+    constexpr T kEndOfUsual = T(1e5);
+    if (std::abs(value) >= kLeastUsual && std::abs(value) < kEndOfUsual)
     {
         char* const begin = text.room(kGeneralRoom);
         text.setEnd(std::to_chars(begin, begin + kGeneralRoom, value).ptr);
