@@ -6,6 +6,7 @@
 #include <istream>
 #include <iterator>
 #include <ostream>
+#include <sstream>
 
 using namespace vumo::Data;
 
@@ -146,6 +147,15 @@ void writeJson(Metadata metadata, std::ostream& out)
     }
     nodes.close();
     out << "\n}\n";
+}
+
+std::string jsonDocument(Metadata metadata)
+{
+    std::ostringstream out;
+    writeJson(std::move(metadata), out);
+    std::string text = out.str();
+    text.pop_back();
+    return text;
 }
 
 Metadata readJson(std::istream& in)

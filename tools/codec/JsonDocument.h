@@ -3,6 +3,7 @@
 #include "tools/codec/Metadata.h"
 
 #include <iosfwd>
+#include <string>
 
 namespace vumo::codec
 {
@@ -12,6 +13,9 @@ namespace vumo::codec
 /// document, for what no scene file could hold: two structures of one name, an index of another type, a number that is
 /// not finite.
 void writeJson(Metadata metadata, std::ostream& out);
+
+/// The same as a text without a newline at its end, to stand in another document.
+std::string jsonDocument(Metadata metadata);
 
 /// Reads the input to its end, which must hold one document. Throws a `CodecError`.
 Metadata readJson(std::istream& in);

@@ -11,10 +11,10 @@
 
 namespace
 {
-std::vector<Edit> editsFrom(const std::string& name)
+std::vector<Edit> editsFrom(const Session& session, const std::string& name)
 {
     if (name == "-")
-        return readScript(std::cin, "standard input");
+        return readScript(session.input(), "standard input");
     std::ifstream file(name, std::ios::binary);
     if (!file)
         throw Failure(kBadInput, name + ": " + std::strerror(errno));
@@ -34,7 +34,7 @@ void addApply(Session& session)
     session.addSaving(command);
     session.setWork(command, [&session, script] {
         checkSaving(session);
-        const std::vector<Edit> edits = editsFrom(*script);
+        const std::vector<Edit> edits = editsFrom(session, *script);
         return forEachFile(session, [&edits](Job& job) { return makeEdits(job, edits); });
     });
 }

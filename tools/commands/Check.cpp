@@ -127,9 +127,13 @@ void findUnused(const std::vector<ListedBlock>& blocks, Findings& findings)
 /// The messages of a save that is only tried, a finding each, but for those that only count others.
 void findRefused(const SceneFile& scene, Findings& findings)
 {
+    using Kind = Accessor::Failure;
     Accessor::WriteCost cost;
     std::string errors;
-    if (scene.metadata().estimateWrite(cost, errors) || scene.metadata().failure().kind != Accessor::Failure::kRefused)
+    if (scene.metadata().estimateWrite(cost, errors))
+        return;
+    const Kind::eKind kind = scene.metadata().failure().kind;
+    if (kind != Kind::kRefused && kind != Kind::kNotScene && kind != Kind::kMalformed)
         return;
     std::istringstream lines(errors);
     for (std::string line; std::getline(lines, line);)
@@ -170,7 +174,10 @@ Findings findAll(SceneFile& scene, Layouts& layouts)
         const Accessor::Failure::eKind kind = scene.metadata().failure().kind;
         if (kind != Accessor::Failure::kNotScene && kind != Accessor::Failure::kMalformed)
             throw;
-        return {{kContainer.code, "file", "", withoutLineEnd(failure.what()), {}}};
+        std::string text = withoutLineEnd(failure.what());
+        const std::string name = escaped(scene.name()) + ": ";
+        text.erase(0, text.compare(0, name.size(), name) == 0 ? name.size() : 0);
+        return {{kContainer.code, "file", "", text, {}}};
     }
     findUnreadable(scene, findings);
     findTwice(scene, blocks, findings);

@@ -25,21 +25,13 @@ struct Request
 
 void print(const ExternalEntry& entry, const Job& job, Lines& lines, std::vector<std::string>& json)
 {
-    std::string roles;
-    std::vector<std::string> roleTexts;
-    for (const std::string& role : entry.roles)
-    {
-        roles += (roles.empty() ? "" : ";") + role;
-        roleTexts.push_back(vumo::codec::jsonText(role));
-    }
-    JsonObject object;
-    object.addText("node", entry.node).addText("key", entry.key).addText("path", entry.unresolvedPath);
-    object.addText("resolved", entry.resolvedPath).add("roles", jsonArray(roleTexts));
     if (job.json)
-        json.push_back(object.text());
-    else
-        lines.add({escaped(entry.node), escaped(entry.key), escaped(entry.unresolvedPath), escaped(entry.resolvedPath),
-                   escaped(roles)});
+        return json.push_back(entry.json(job.file).text());
+    std::string roles;
+    for (const std::string& role : entry.roles)
+        roles += (roles.empty() ? "" : ";") + role;
+    lines.add({escaped(entry.node), escaped(entry.key), escaped(entry.unresolvedPath), escaped(entry.resolvedPath),
+               escaped(roles)});
 }
 
 /// Replaces OLD at the start of the path, where it ends with a whole name.
@@ -77,7 +69,7 @@ eExitCode content(Job& job, const Request& request)
         throw scene.failure(kNo, "the scene has no table of external content");
     Lines lines(job);
     if (!request.isRelink() && !job.json)
-        lines.addTitles({"node", "key", "path", "resolved", "roles"});
+        lines.addTitles({"node", "key", "unresolvedPath", "resolvedPath", "roles"});
     std::vector<std::string> json;
     bool hasFound = false;
     for (StreamIterator element = table ? table->cbegin() : StreamIterator(); element.valid(); ++element)
@@ -107,7 +99,6 @@ void addContent(Session& session)
 {
     Command command = session.addCommand("content", "List the content outside of scenes that they refer to");
     session.addFiles(command);
-    session.addJson(command);
     session.addSaving(command);
     const auto request = std::make_shared<Request>();
     command.addFlag("--missing", request->isMissing, "list only what is not there; exit code 1 if there is any");

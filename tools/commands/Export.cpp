@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <sstream>
 
 namespace
 {
@@ -24,6 +25,16 @@ void read(SceneFile& scene, const std::optional<Address>& address, const Selecti
         scene.channel(*address);
 }
 
+/// Lines of JSON for one of several files, which each line names.
+void writeNdjsonOf(const std::string& file, const vumo::codec::Metadata& metadata, std::ostream& out)
+{
+    std::stringstream lines;
+    vumo::codec::writeNdjson(metadata, lines);
+    const std::string start = JsonObject().addText("file", file).text();
+    for (std::string line; std::getline(lines, line);)
+        out << start.substr(0, start.size() - 1) << ", " << line.substr(1) << "\n"; // both are objects
+}
+
 eExitCode exportFile(const Job& job, const std::string& format)
 {
     const std::vector<std::string> words = job.session.words();
@@ -34,8 +45,12 @@ eExitCode exportFile(const Job& job, const std::string& format)
     const vumo::codec::Metadata metadata = selected(scene, selection, address ? &*address : nullptr);
     if (format == "csv")
         vumo::codec::writeCsv(scene.stream(*address), job.out);
+    else if (format == "ndjson" && job.session.isBatch())
+        writeNdjsonOf(job.file, metadata, job.out);
     else if (format == "ndjson")
         vumo::codec::writeNdjson(metadata, job.out);
+    else if (job.json)
+        job.json->add("metadata", vumo::codec::jsonDocument(metadata));
     else
         vumo::codec::writeJson(metadata, job.out);
     return address ? kDone : scene.tellUnreadable(job.session);
@@ -53,6 +68,11 @@ void addExport(Session& session)
     session.setWork(command, [&session, format] {
         if (*format == "csv" && session.words().size() < 3)
             throw Failure(kWrongUsage, "CSV is one stream: NODE CHANNEL STREAM are needed");
-        return forEachFile(session, [&format](Job& job) { return exportFile(job, *format); });
+        if (*format == "csv" && session.isBatch())
+            throw Failure(kWrongUsage, "CSV is one stream of one file; json and ndjson have the files' names in them");
+        Batch batch = batchOf(session);
+        batch.areLinesLed = false;
+        session.setJson(*format == "json" && session.isBatch());
+        return forEachFile(session, batch, [&format](Job& job) { return exportFile(job, *format); });
     });
 }

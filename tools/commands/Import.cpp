@@ -45,13 +45,13 @@ std::string formatOf(const Request& request)
     return "json";
 }
 
-std::string textOf(const std::string& name)
+std::string textOf(const Session& session, const std::string& name)
 {
     const auto readAll = [](std::istream& in) {
         return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     };
     if (name == "-")
-        return readAll(std::cin);
+        return readAll(session.input());
     std::ifstream file(name, std::ios::binary);
     std::string text = readAll(file);
     if (!file.is_open() || file.bad())
@@ -156,7 +156,7 @@ void addImport(Session& session)
         checkSaving(session);
         request->name = session.words()[0];
         check(*request, session.words().size());
-        request->text = textOf(request->name);
+        request->text = textOf(session, request->name);
         return forEachFile(session, [&request](Job& job) { return importText(job, *request); });
     });
 }

@@ -3,18 +3,33 @@
 #include "core/SceneFile.h"
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
 namespace
 {
+/// Says whether the file begins like one.
+bool isUndoRecord(const std::string& name)
+{
+    constexpr std::string_view kStart = "VUMOUNDO";
+    std::string start(kStart.size(), '\0');
+    std::error_code ignored;
+    return fs::is_regular_file(fs::symlink_status(name, ignored)) &&
+           std::ifstream(name, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size())) &&
+           start == kStart;
+}
+
 eExitCode recover(Job& job, bool isDryRun)
 {
     const std::string record = SceneFile::undoRecordOf(job.file);
-    SceneFile scene(job.session, job.file, isDryRun || record.empty() ? SceneFile::kLook : SceneFile::kEdit);
+    SceneFile scene(job.session, job.file, isDryRun || record.empty() ? SceneFile::kLook : SceneFile::kRestore);
     if (record.empty())
         return kDone;
+    if (isDryRun && !isUndoRecord(record))
+        throw Failure(kNotRestored, record + " is not an undo record that can be used; move it away to go on");
     if (isDryRun)
     {
         job.out << "a save was interrupted; would restore the file from " << fs::path(record).filename().string()

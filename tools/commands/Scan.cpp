@@ -108,16 +108,7 @@ void addNode(FileLines& lines, const std::string& node, const Associations& chan
 void addExternal(FileLines& lines, const SceneFile& scene)
 {
     for (const ExternalEntry& entry : externalEntries(AccessorOvri::ExternalContent::getStream(scene.metadata())))
-    {
-        std::vector<std::string> roles;
-        for (const std::string& role : entry.roles)
-            roles.push_back(vumo::codec::jsonText(role));
-        JsonObject members;
-        members.addText("index", entry.index).addText("node", entry.node).addText("key", entry.key);
-        members.addText("unresolvedPath", entry.unresolvedPath).addText("resolvedPath", entry.resolvedPath);
-        members.add("roles", jsonArray(roles)).add("missing", entry.isMissing(scene.name()) ? "true" : "false");
-        lines.add("external", members);
-    }
+        lines.add("external", entry.json(scene.name()));
 }
 
 void addFault(FileLines& lines, const UnreadBlock& block)
@@ -194,10 +185,10 @@ void addScan(Session& session)
     constexpr unsigned int kMostJobs = 256;
     command.addNumber("--jobs", *jobs, 1, kMostJobs, "N", "work on so many files at once, up to 256");
     session.setWork(command, [&session, jobs] {
-        Batch batch;
-        const std::vector<std::string> names = session.files();
+        Batch batch = batchOf(session);
+        const std::vector<std::string> names = batch.files;
         batch.files = withoutFolders(names);
-        batch.isSeveral = session.isBatch() || batch.files != names;
+        batch.isSeveral = batch.isSeveral || batch.files != names;
         batch.areLinesLed = false;
         batch.jobs = *jobs;
         return forEachFile(session, batch, scan);

@@ -14,7 +14,6 @@
 #include <limits>
 #include <memory>
 #include <ostream>
-#include <sstream>
 
 using namespace vumo::Data;
 
@@ -101,9 +100,7 @@ eExitCode show(Job& job, const Head& head)
     }
     if (job.json)
     {
-        std::ostringstream document;
-        vumo::codec::writeJson(selected(scene, selection), document);
-        job.json->add("metadata", withoutLineEnd(document.str()));
+        job.json->add("metadata", vumo::codec::jsonDocument(selected(scene, selection)));
         addUnreadable(job, scene);
         return kDone;
     }
@@ -148,6 +145,9 @@ void addShow(Session& session)
     command.addChoice("--as", head->form, {"table", "script"},
                       "print tables, or a script that makes all that is shown anew, for apply");
     session.addJson(command);
-    session.setWork(command,
-                    [&session, head] { return forEachFile(session, [&head](Job& job) { return show(job, *head); }); });
+    session.setWork(command, [&session, head] {
+        if (session.isJson() && head->form == "script")
+            throw Failure(kWrongUsage, "--as script and --json are two forms of one thing; choose one");
+        return forEachFile(session, [&head](Job& job) { return show(job, *head); });
+    });
 }

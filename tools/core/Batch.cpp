@@ -129,7 +129,7 @@ private:
         if (mSession.isJson())
             mSession.out() << (mDelivered == 1 ? "[\n" : ",\n");
         mSession.out() << outcome.data;
-        mSession.flushToTerminal();
+        mSession.flushForPeople();
         mSession.say(outcome.words);
         if (outcome.code > kNo)
             mFailed.push_back(file);
@@ -146,9 +146,19 @@ private:
         if (mFailed.empty() || !mBatch.isSeveral)
             return mCode;
         mSession.say(std::to_string(mFailed.size()) + " of " + std::to_string(mBatch.files.size()) + " files failed:");
-        for (const std::string& name : mFailed) // in the form that --files-from reads
-            std::cerr << name << (mSession.endsWithZero() ? '\0' : '\n');
+        tellNames(mFailed.begin(), mFailed.end());
+        if (mDelivered < mBatch.files.size() && mSession.hasReader())
+            mSession.say("not tried:");
+        tellNames(mBatch.files.begin() + static_cast<std::ptrdiff_t>(mDelivered), mBatch.files.end());
         return kSomeFailed;
+    }
+
+    /// In the form that --files-from reads.
+    template <class Iterator>
+    void tellNames(Iterator name, Iterator end) const
+    {
+        for (; name != end; ++name)
+            std::cerr << *name << (mSession.endsWithZero() ? '\0' : '\n');
     }
 
     Session& mSession;
@@ -175,16 +185,34 @@ eExitCode once(Session& session, const FileWork& work)
 {
     JsonObject json;
     Job job{session, "", session.out(), session.isJson() ? &json : nullptr};
-    const eExitCode code = work(job);
+    eExitCode code = kDone;
+    try
+    {
+        code = work(job);
+    }
+    catch (const Failure& failure)
+    {
+        if (failure.code() == kWrongUsage)
+            throw;
+        code = failure.code();
+        session.flushForPeople();
+        session.say(failure.what());
+        json.addText("error", failure.what());
+    }
     if (session.isJson())
-        session.out() << json.text() << '\n';
+        session.out() << json.add("code", std::to_string(code)).text() << '\n';
     return code;
 }
 
-eExitCode forEachFile(Session& session, const FileWork& work)
+Batch batchOf(const Session& session)
 {
     Batch batch;
     batch.files = session.files();
     batch.isSeveral = session.isBatch();
-    return forEachFile(session, batch, work);
+    return batch;
+}
+
+eExitCode forEachFile(Session& session, const FileWork& work)
+{
+    return forEachFile(session, batchOf(session), work);
 }

@@ -29,11 +29,14 @@ struct Batch
     unsigned int jobs = 1;   ///< threads
 };
 
+/// The files of the session, one after the other.
+Batch batchOf(const Session& session);
+
 /// Does it with all files, and goes on after one that fails; tells of failures and shows progress. What comes of the
 /// files is written in their order. Returns the code for all of them. It throws a `Failure` only for wrong usage.
 eExitCode forEachFile(Session& session, const Batch& batch, const FileWork& work);
 
-/// The same for the files of the session, one after the other.
+/// The same for batchOf() the session.
 eExitCode forEachFile(Session& session, const FileWork& work);
 
 /// Does work that is not about one file each.

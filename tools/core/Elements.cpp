@@ -3,6 +3,7 @@
 #include "core/Nearest.h"
 #include "core/Text.h"
 #include "tools/codec/JsonElements.h"
+#include "vumo/data/IndexPair.h"
 #include "vumo/foundation/Ref.h"
 
 using namespace vumo::Data;
@@ -33,15 +34,18 @@ Index indexFrom(const SceneFile& scene, const Stream& stream, const std::string&
     }
     catch (Index::eCreationErrors)
     {
-        throw scene.failure(kNo, inQuotes(text) + " is not an index of type " + inQuotes(stream.indexType()));
+        const std::string type = stream.indexType();
+        throw scene.failure(kNo, inQuotes(text) + " is not an index of type " + inQuotes(type) +
+                                     (type == IndexPair::myTypeName ? ", which is one word, such as \"0 3\"" : ""));
     }
 }
 
-Handle elementAt(const SceneFile& scene, const Stream& stream, const std::string& text)
+Handle elementAt(const SceneFile& scene, const Stream& stream, const std::string& text, const std::string& advice)
 {
     const Index index = indexFrom(scene, stream, text);
     if (!stream.hasElement(index))
-        throw scene.failure(kNo, "stream " + inQuotes(stream.name()) + " has no element at index " + inQuotes(text));
+        throw scene.failure(kNo, "stream " + inQuotes(stream.name()) + " has no element at index " + inQuotes(text) +
+                                     advice);
     return stream.element(index);
 }
 

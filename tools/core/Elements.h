@@ -11,8 +11,10 @@
 /// The index that `text` means for the stream; throws a `Failure` when it means none.
 vumo::Data::Index indexFrom(const SceneFile& scene, const vumo::Data::Stream& stream, const std::string& text);
 
-/// The element at the index that `text` means, borrowed; throws a `Failure` when there is none.
-vumo::Data::Handle elementAt(const SceneFile& scene, const vumo::Data::Stream& stream, const std::string& text);
+/// The element at the index that `text` means, borrowed; throws a `Failure`, which ends with the advice, when there is
+/// none.
+vumo::Data::Handle elementAt(const SceneFile& scene, const vumo::Data::Stream& stream, const std::string& text,
+                             const std::string& advice = "");
 
 /// A member's values, or one of them.
 struct MemberPart

@@ -21,6 +21,17 @@ bool ExternalEntry::isMissing(const std::string& sceneFile) const
     return access(path.c_str(), F_OK) != 0;
 }
 
+JsonObject ExternalEntry::json(const std::string& sceneFile) const
+{
+    std::vector<std::string> texts;
+    for (const std::string& role : roles)
+        texts.push_back(vumo::codec::jsonText(role));
+    JsonObject object;
+    object.addText("index", index).addText("node", node).addText("key", key);
+    object.addText("unresolvedPath", unresolvedPath).addText("resolvedPath", resolvedPath);
+    return object.add("roles", jsonArray(texts)).add("missing", isMissing(sceneFile) ? "true" : "false");
+}
+
 std::vector<ExternalEntry> externalEntries(const Stream* table)
 {
     std::vector<ExternalEntry> entries;

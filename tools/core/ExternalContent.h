@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/JsonObject.h"
 #include "vumo/data/Stream.h"
 #include "vumo/data/StreamIterator.h"
 
@@ -23,6 +24,9 @@ struct ExternalEntry
     /// Whether there is nothing at its path: the resolved one, or the unresolved one where that is empty. One that
     /// does not begin with a slash starts at the folder of the scene. An entry without paths is missing.
     bool isMissing(const std::string& sceneFile) const;
+
+    /// The entry, and whether it is missing.
+    JsonObject json(const std::string& sceneFile) const;
 };
 
 /// The entries of the table, in the order of their indices; none for null.

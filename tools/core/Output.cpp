@@ -1,5 +1,6 @@
 #include "core/Output.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,6 +9,14 @@
 bool StandardOutput::isTerminal()
 {
     return isatty(STDOUT_FILENO) != 0;
+}
+
+bool StandardOutput::isSharedWithErrors()
+{
+    struct stat out = {};
+    struct stat errors = {};
+    return fstat(STDOUT_FILENO, &out) == 0 && fstat(STDERR_FILENO, &errors) == 0 && out.st_dev == errors.st_dev &&
+           out.st_ino == errors.st_ino;
 }
 
 StandardOutput::int_type StandardOutput::overflow(int_type byte)

@@ -13,6 +13,9 @@ public:
 
     static bool isTerminal();
 
+    /// Whether standard error leads to the same place, where data and words have to keep their order.
+    static bool isSharedWithErrors();
+
     /// `errno` of the write that failed, 0 when none did.
     int error() const { return mError; }
 

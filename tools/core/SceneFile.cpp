@@ -40,7 +40,7 @@ std::string obstacle(const std::string& fileName, SceneFile::eUse use)
         return "this is not a regular file; copy what it delivers to one";
     if (!Accessor::accessorByExtension(fileName))
         return "its name is not that of a scene; give it the ending .oa if it is an ASCII scene, .ob if it is binary";
-    const int rights = use == SceneFile::kEdit ? R_OK | W_OK : R_OK;
+    const int rights = use == SceneFile::kLook ? R_OK : R_OK | W_OK;
     return access(fileName.c_str(), rights) == 0 ? "" : systemFault();
 }
 
@@ -82,12 +82,14 @@ std::vector<std::string> namesOf(const Parts& parts, NameOf nameOf)
 } // namespace
 
 SceneFile::SceneFile(const Session& session, const std::string& fileName, eUse use)
-    : mFileName(fileName),
+    : mSession(&session),
+      mFileName(fileName),
+      mUse(use),
       mAccessor(Accessor::accessorByExtension(fileName))
 {
     const std::string fault = obstacle(fileName, use);
     if (!fault.empty())
-        throw Failure(kBadInput, mFileName + ": " + fault);
+        throw Failure(kBadInput, escaped(mFileName) + ": " + fault);
     mAccessor->setUnread(Accessor::kKeep);
     mAccessor->setNumbers(kExact);
     mAccessor->setLockWait(session.lockWait());
@@ -111,8 +113,12 @@ std::vector<ListedBlock> SceneFile::list()
 void SceneFile::read(const std::set<std::string>* nodes)
 {
     std::string errors;
+    const bool hadRecord = mUse != kRestore && !undoRecordOf(mFileName).empty();
     mAccessor->clear(); // a read alone does not release the structures of the read before it
-    if (!mAccessor->read(mFileName, nullptr, nodes, errors))
+    const bool isRead = mAccessor->read(mFileName, nullptr, nodes, errors);
+    if (hadRecord && undoRecordOf(mFileName).empty())
+        mSession->say(mFileName + ": a save was interrupted; it was undone, and its record removed");
+    if (!isRead)
         throw readFailure(errors);
 }
 
@@ -145,7 +151,7 @@ bool SceneFile::isEmpty() const
 std::string SceneFile::tail() const
 {
     std::ostringstream text;
-    text << std::hex << std::setfill('0') << std::setw(16) << mAccessor->checksum();
+    text << std::hex << std::setfill('0') << std::setw(kTailDigits) << mAccessor->checksum();
     return text.str();
 }
 
@@ -157,8 +163,9 @@ std::string SceneFile::unreadableText(const UnreadBlock& block)
            ", cannot be read: " + message(block.why) + (block.why.back() == '\n' ? "" : "\n");
 }
 
-eExitCode SceneFile::tellUnreadable(const Session& session) const
+eExitCode SceneFile::tellUnreadable(Session& session) const
 {
+    session.flushForPeople();
     eExitCode code = kDone;
     for (const UnreadBlock& block : mAccessor->unread())
     {
@@ -237,6 +244,6 @@ Failure SceneFile::readFailure(const std::string& messages) const
 
 Failure SceneFile::failure(eExitCode code, const std::string& message) const
 {
-    const bool isNamed = message.find(mFileName) != std::string::npos;
-    return {code, isNamed ? message : mFileName + ": " + message};
+    const bool isNamed = message.substr(0, message.find('\n')).find(mFileName) != std::string::npos;
+    return {code, isNamed ? message : escaped(mFileName) + ": " + message};
 }

@@ -20,7 +20,8 @@ public:
     enum eUse
     {
         kLook,
-        kEdit ///< the file must be writable, too
+        kEdit,   ///< the file must be writable, too
+        kRestore ///< likewise, and that an interrupted save was undone is told by others
     };
 
     /// What is to be said about a scene that isEmpty().
@@ -38,7 +39,7 @@ public:
     /// a plug-in brings all is read, and nothing is known of the text that it stands in: the blocks have no format.
     std::vector<vumo::Data::ListedBlock> list();
 
-    /// Reads the metadata of these nodes, or of all for null.
+    /// Reads the metadata of these nodes, or of all for null. Tells if a save was undone for it that was interrupted.
     void read(const std::set<std::string>* nodes = nullptr);
 
     /// Reads the metadata of one node.
@@ -53,14 +54,15 @@ public:
 
     bool isEmpty() const;
 
-    /// A checksum of the metadata as they were read, in hexadecimal digits.
+    /// A checksum of the metadata as they were read, in so many hexadecimal digits.
+    static constexpr int kTailDigits = 16;
     std::string tail() const;
 
     /// What a block is called that cannot be read, and why it cannot; ends with a newline.
     static std::string unreadableText(const vumo::Data::UnreadBlock& block);
 
     /// Tells what cannot be read of what was to be read. Returns kBadInput if there is any, else kDone.
-    eExitCode tellUnreadable(const Session& session) const;
+    eExitCode tellUnreadable(Session& session) const;
 
     /// What is at that address, owned by the metadata. A `Failure` names the nearest names of what there is.
     vumo::Data::Associations& node(const std::string& name);
@@ -80,6 +82,8 @@ private:
     Failure writeFailure(const std::string& messages) const;
     Failure readFailure(const std::string& messages) const;
 
+    const Session* mSession;
     std::string mFileName;
+    eUse mUse;
     std::unique_ptr<vumo::Data::Accessor> mAccessor;
 };

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -63,6 +64,16 @@ void leaveUnknownCommand(const CLI::App& commandLine, const std::string& word, c
     throw Failure(kWrongUsage, "there is no command " + inQuotes(word) + didYouMean(word, names) +
                                    (didYouMean(word, names).empty() ? "; " : " ") + "vumo --help lists them");
 }
+/// A file may have a name that is taken for an option.
+std::string dashHint(char** arguments)
+{
+    for (; *arguments; ++arguments)
+    {
+        if (**arguments == '-' && access(*arguments, F_OK) == 0)
+            return "there is a file " + inQuotes(*arguments) + "; names that begin with \"-\" stand after \"--\"";
+    }
+    return "";
+}
 } // namespace
 
 Session::Session()
@@ -100,7 +111,9 @@ void Session::addBatch(Command& command)
     command.addOptionForWord("--files-from", mFilesFrom, "FILE",
                              "work on the files whose names this file has, one a line; \"-\" for standard input");
     command.addFlag("-0,--null", mEndsWithZero, "such names, and values that are printed, end with a zero byte");
-    command.addFlag("--fail-fast", mIsFailFast, "stop at the first file that fails");
+    command.addFlag("--fail-fast", mIsFailFast,
+                    "stop at the first file that fails, and name those that were not tried");
+    command.addFlag("-H,--batch", mIsBatch, "treat one file as several are: its name leads each line");
     addLockWait(command);
 }
 
@@ -125,12 +138,13 @@ void Session::addJson(Command& command)
 
 void Session::addSaving(Command& command)
 {
+    addJson(command);
     command.addFlag("--dry-run", mSaving.isDryRun, "say what the save would cost, and write nothing");
     command.addOption("-o,--output", mSaving.out, "OUT", "leave the file as it is, and write the result to this one");
     command.addOption("--if-tail", mSaving.tail, "CHECKSUM",
                       "fail unless the metadata have this checksum, as scan gives it");
     command.addChoice("--digits", mSaving.digits, {"exact", "six"},
-                      "save floating-point numbers exactly, or with six digits");
+                      "save the floating-point numbers of the nodes that are written exactly, or with six digits");
 }
 
 void Session::setWork(Command& command, std::function<eExitCode()> work)
@@ -168,6 +182,8 @@ int Session::run(int argc, char** argv)
     }
     catch (const CLI::ParseError& error)
     {
+        if (error.get_exit_code() != 0)
+            say(dashHint(argv));
         return mCommandLine->exit(error) == 0 ? kDone : kWrongUsage;
     }
     catch (const Failure& failure)
@@ -198,6 +214,9 @@ std::vector<std::string> Session::files() const
     else
     {
         std::ifstream in(mFilesFrom, std::ios::binary);
+        std::error_code ignored;
+        if (std::filesystem::is_directory(mFilesFrom, ignored)) // it can be opened, and not be read
+            throw Failure(kBadInput, mFilesFrom + ": this is a folder; scan takes folders");
         names = readAll(in);
         if (!in)
             throw Failure(kBadInput, mFilesFrom + ": " + std::strerror(errno));
@@ -205,9 +224,16 @@ std::vector<std::string> Session::files() const
     return split(names, mEndsWithZero ? '\0' : '\n');
 }
 
+std::istream& Session::input() const
+{
+    if (mFilesFrom == "-")
+        throw Failure(kWrongUsage, "standard input cannot be both the list of files and what is done with them");
+    return std::cin;
+}
+
 bool Session::isBatch() const
 {
-    return !mFilesFrom.empty() || mCommand->get_option("FILE")->count() > 1;
+    return mIsBatch || !mFilesFrom.empty() || mCommand->get_option("FILE")->count() > 1;
 }
 
 std::vector<std::string> Session::words() const
@@ -229,9 +255,9 @@ void Session::say(const std::string& text) const
         std::cerr << "vumo: " + message(text) + (text.back() == '\n' ? "" : "\n");
 }
 
-void Session::flushToTerminal()
+void Session::flushForPeople()
 {
-    if (StandardOutput::isTerminal())
+    if (StandardOutput::isTerminal() || StandardOutput::isSharedWithErrors())
         mOut.flush();
 }
 

@@ -7,6 +7,7 @@
 #include "core/Saving.h"
 
 #include <functional>
+#include <istream>
 #include <memory>
 #include <ostream>
 #include <ratio>
@@ -52,6 +53,9 @@ public:
     /// The files to work on, by their names. Reads the list of them.
     std::vector<std::string> files() const;
 
+    /// What stands on standard input, for a command that reads it; refused when the names of files stand there.
+    std::istream& input() const;
+
     /// Whether there is a list of files, or several of them.
     bool isBatch() const;
     bool isFailFast() const { return mIsFailFast; }
@@ -61,6 +65,7 @@ public:
     const Selection& selection() const { return mSelection; }
     const Saving& saving() const { return mSaving; }
     bool isJson() const { return mIsJson; }
+    void setJson(bool isJson) { mIsJson = isJson; }
     bool isQuiet() const { return mIsQuiet; }
 
     /// Whether names that are read and values that are written end with a zero byte.
@@ -76,8 +81,8 @@ public:
     std::ostream& out() { return mOut; }
     bool hasReader() const { return mBuffer.error() == 0; }
 
-    /// Lets people see what there is so far.
-    void flushToTerminal();
+    /// Lets people see what there is so far, before what comes on standard error.
+    void flushForPeople();
 
     /// Writes words for people to standard error, on lines of their own, unless they are not wanted.
     void say(const std::string& text) const;
@@ -99,6 +104,7 @@ private:
     char mLineEnd = '\n';
     bool mEndsWithZero = false;
     bool mIsFailFast = false;
+    bool mIsBatch = false;
     bool mIsJson = false;
     bool mIsQuiet = false;
 

@@ -51,7 +51,7 @@ void applySet(const Edit& edit, SceneFile& scene)
     const Index index = indexFrom(scene, stream, *address.index);
     if (edit.add && !stream.hasElement(index))
         stream.setElement(index, Handle(stream.structure()));
-    Handle element = elementAt(scene, stream, *address.index);
+    Handle element = elementAt(scene, stream, *address.index, "; --add makes one");
     for (std::size_t i = kWordsOfElement; i < edit.words.size(); ++i)
         assign(scene, stream, edit.words[i], element);
 }

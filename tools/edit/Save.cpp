@@ -68,6 +68,14 @@ private:
 void printCost(const Job& job, const SceneFile& scene)
 {
     const Accessor::WriteCost cost = scene.estimateWrite();
+    if (job.json)
+    {
+        JsonObject object;
+        object.add("position", cost.position).add("bytes", cost.bytes);
+        object.add("oldLength", cost.oldLength).add("newLength", cost.newLength);
+        job.json->add(scene.name() == job.file ? "cost" : "costOfTo", object.text());
+        return;
+    }
     if (scene.name() != job.file)
         job.out << printable(scene.name()) << ": ";
     if (cost.bytes == 0 && cost.oldLength == cost.newLength)
@@ -152,6 +160,8 @@ SceneFile openToEdit(const Job& job, const std::string& fileName)
 {
     const Saving& saving = job.session.saving();
     const bool isWritten = saving.out.empty() && !saving.isDryRun;
+    if (saving.isDryRun && !SceneFile::undoRecordOf(fileName).empty()) // to read it would restore it
+        throw Failure(kNotRestored, fileName + ": a save was interrupted; vumo recover restores the file");
     SceneFile scene(job.session, fileName, isWritten ? SceneFile::kEdit : SceneFile::kLook);
     if (saving.digits == "six")
         scene.metadata().setNumbers(kSixDigits);
@@ -175,4 +185,9 @@ void checkSaving(const Session& session, bool writesTwice)
 {
     if (!session.saving().out.empty() && (session.isBatch() || writesTwice))
         throw Failure(kWrongUsage, "-o takes the result of one file");
+    const std::string& tail = session.saving().tail;
+    const bool isTail =
+        tail.size() == std::size_t{SceneFile::kTailDigits} && tail.find_first_not_of("0123456789abcdef") == tail.npos;
+    if (!tail.empty() && !isTail)
+        throw Failure(kWrongUsage, inQuotes(tail) + " is no checksum; scan gives them as \"tail\"");
 }

@@ -5,8 +5,8 @@ from __future__ import annotations
 import contextlib
 import hashlib
 import inspect
+import json
 import os
-import re
 from collections.abc import Callable, Iterator
 from dataclasses import dataclass
 from typing import Any, Protocol
@@ -20,7 +20,6 @@ from .errors import ChangedError, Error, LockedError
 LOCK_WAIT = 1.0
 
 _BUSY = 5
-_WOULD_WRITE = re.compile(rb"would write (\d+) bytes, from byte (\d+) on; the file has (\d+) bytes, and would have (\d+)\n")
 
 
 @dataclass
@@ -67,13 +66,9 @@ class ScriptEdit:
     @contextlib.contextmanager
     def prepare(self, file: bytes) -> Iterator[Change]:
         before = checksum(file)
-        said = self._apply(file, before, "--dry-run")
-        numbers = _WOULD_WRITE.fullmatch(said)
-        length = os.path.getsize(file)
-        cost = Cost(length, 0, length, length)
-        if numbers:
-            written, position, old_length, new_length = map(int, numbers.groups())
-            cost = Cost(position, written, old_length, new_length)
+        document = json.loads(self._apply(file, before, "--dry-run", "--json"))
+        said = document[0]["cost"]
+        cost = Cost(said["position"], said["bytes"], said["oldLength"], said["newLength"])
         yield Change(before, cost, lambda: self._apply(file, before), lambda: checksum(file))
 
     def _apply(self, file: bytes, before: int, *options: str) -> bytes:
