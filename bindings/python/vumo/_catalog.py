@@ -34,8 +34,11 @@ _TIME_STEP = 2_000_000_000
 
 _SURE = (0, MALFORMED)  # exit codes that will be the same while the file is; others say that it is worth a new try
 
-_FILES_AT_ONCE = 128  # for one run of the tool, so that its start does not count
+#: For one run of the tool: so many that its start does not count, and so few that all workers have some.
+_FILES_AT_ONCE = 512
 _BYTES_AT_ONCE = 64 << 20
+_LEAST_AT_ONCE = 8
+_PORTIONS = 32
 
 
 @dataclass(frozen=True)
@@ -242,12 +245,13 @@ def _identity(name: bytes) -> tuple[int, ...] | None:
 
 def _portions(names: list[bytes], there: dict[bytes, tuple[int, ...]]) -> Iterator[list[bytes]]:
     """The names in portions for one run of the tool each."""
+    count = min(max(_LEAST_AT_ONCE, len(names) // _PORTIONS), _FILES_AT_ONCE)
     portion: list[bytes] = []
     size = 0
     for name in names:
         portion.append(name)
         size += there[name][2]
-        if len(portion) == _FILES_AT_ONCE or size >= _BYTES_AT_ONCE:
+        if len(portion) == count or size >= _BYTES_AT_ONCE:
             yield portion
             portion, size = [], 0
     if portion:

@@ -9,7 +9,7 @@ import operator
 import sqlite3
 import time
 from collections import defaultdict
-from collections.abc import Iterable
+from collections.abc import Iterable, Iterator
 from typing import Any
 
 from ._rows import as_bytes, as_text
@@ -22,40 +22,46 @@ IDENTITY = ("device", "inode", "size", "mtime", "ctime")
 #: The tool's exit code for what cannot be read while it is as it is.
 MALFORMED = 3
 
+_PIECE = 100_000  # characters
+
 _STOPPED = "vumo stopped in the middle of it"
 
 _UPDATE = "UPDATE files SET device = ?, inode = ?, size = ?, mtime = ?, ctime = ?, tail = ?, code = ?, scanned = ? WHERE id = ?"
 
 
-def take_in(database: sqlite3.Connection, lines: Iterable[bytes | str], names: Iterable[bytes] = ()) -> int:
+def take_in(database: sqlite3.Connection, texts: Iterable[bytes | str], names: Iterable[bytes] = ()) -> int:
     """Puts in the lines, in place of what there was of their files; a file of `names` without a line has a fault.
 
-    Each text has one line or several. To be done in a transaction. Returns how many files have other metadata than before. Raises ValueError for what is
-    no line of a scan.
+    Each text has one line or several. To be done in a transaction. Returns how many files have other metadata than
+    before. Raises ValueError for what is no line of a scan.
     """
     changed = 0
-    waiting: dict[str | bytes, list[Line]] = {}
     missing = set(names)
-    for name, group in itertools.groupby(_parsed(lines), operator.itemgetter("file")):
-        if name in waiting:  # of another scan: it takes the place of what the first one said
-            changed += _Batch(database).put(waiting)
-            waiting = {}
-        waiting[name] = list(group)
+    batch = _Batch(database)
+    for name, lines in itertools.groupby(_parsed(texts), operator.itemgetter("file")):
+        if name in batch.names:  # of another scan: it takes the place of what the first one said
+            batch.write()
+            batch = _Batch(database)
+        changed += batch.add(name, lines)
         missing.discard(as_bytes(name))
     for unread in missing:
-        waiting[as_text(unread)] = [{"kind": "fault", "code": MALFORMED, "error": _STOPPED}]
-    return changed + _Batch(database).put(waiting)
+        changed += batch.add(as_text(unread), [{"kind": "fault", "code": MALFORMED, "error": _STOPPED}])
+    batch.write()
+    return changed
 
 
 def put_fault(database: sqlite3.Connection, name: bytes, error: str) -> None:
     """Says that nothing of that name can be read."""
-    _Batch(database).put({as_text(name): [{"kind": "fault", "code": MALFORMED, "error": error}]})
+    batch = _Batch(database)
+    batch.add(as_text(name), [{"kind": "fault", "code": MALFORMED, "error": error}])
+    batch.write()
 
 
 class _Batch:
     """What is to be done to the database for some files, one statement for many rows."""
 
     def __init__(self, database: sqlite3.Connection) -> None:
+        self.names: set[str | bytes] = set()
         self._database = database
         self._rows: dict[str, list[tuple[Any, ...]]] = defaultdict(list)  # new ones by their table
         self._updates: list[tuple[Any, ...]] = []
@@ -65,24 +71,24 @@ class _Batch:
         self._next_file = self._next("files")
         self._next_stream = self._next("streams")
 
-    def put(self, files: dict[str | bytes, list[Line]]) -> int:
-        """Puts in the lines of each file; returns how many have other metadata than before."""
-        changed = sum([self._add_file(name, lines) for name, lines in files.items()])
+    def write(self) -> None:
+        """Does it."""
         execute_many = self._database.executemany
-        execute_many("DELETE FROM faults WHERE name = ?", ((name,) for name in files))
+        execute_many("DELETE FROM faults WHERE name = ?", ((name,) for name in self.names))
         execute_many("DELETE FROM files WHERE id = ?", self._left)
         execute_many(_UPDATE, self._updates)
         execute_many("DELETE FROM content WHERE file = ?", ((values[-1],) for values in self._updates))
-        for table, rows in ((table, rows) for table, rows in self._rows.items() if rows):
-            execute_many(f"INSERT INTO {table} VALUES ({', '.join('?' * len(rows[0]))})", rows)
-        return changed
+        for table, rows in self._rows.items():
+            if rows:
+                execute_many(f"INSERT INTO {table} VALUES ({', '.join('?' * len(rows[0]))})", rows)
 
     def _next(self, table: str) -> int:
         (largest,) = self._database.execute(f"SELECT coalesce(max(id), 0) FROM {table}").fetchone()
         return int(largest) + 1
 
-    def _add_file(self, name: str | bytes, lines: list[Line]) -> bool:
-        """Notes what to do for one file; returns whether its metadata are others than before."""
+    def add(self, name: str | bytes, lines: Iterable[Line]) -> bool:
+        """Notes what to do for one more file; returns whether its metadata are others than before."""
+        self.names.add(name)
         of_kind: dict[str, list[Line]] = defaultdict(list)
         for line in lines:
             of_kind[line["kind"]].append(line)
@@ -146,13 +152,22 @@ class _Batch:
         self._described.add(structure)
 
 
-def _parsed(lines: Iterable[bytes | str]) -> list[Line]:
+def _parsed(texts: Iterable[bytes | str]) -> Iterator[Line]:
     """The objects of the lines; texts that are not UTF-8 are bytes in them."""
-    texts = (line if isinstance(line, str) else line.decode() for line in lines)
-    text = ",".join(filter(None, (text.rstrip("\n") for text in texts))).replace("\n", ",")
-    has_bytes = '{"base64": ' in text  # in no other place of a line can that stand; asking for each object takes time
-    found: list[Line] = json.loads(f"[{text}]", object_hook=_text_or_object if has_bytes else None)
-    return found
+    for text in texts:
+        for piece in _pieces(text if isinstance(text, str) else text.decode()):
+            has_bytes = '{"base64": ' in piece  # can stand in no other place; to ask for each object takes time
+            yield from json.loads(f"[{piece}]", object_hook=_text_or_object if has_bytes else None)
+
+
+def _pieces(text: str) -> Iterator[str]:
+    """The lines with commas between them, in parts of which the objects stay in the processor's cache."""
+    begin = 0
+    while begin < len(text):
+        end = text.find("\n", begin + _PIECE)
+        end = len(text) if end < 0 else end
+        yield text[begin:end].strip("\n").replace("\n", ",")
+        begin = end + 1
 
 
 def _text_or_object(found: Line) -> Line | bytes:
