@@ -43,10 +43,7 @@ protected:
     /// Ends a process in the middle of a write.
     static void crash(const Accessor& editor)
     {
-        FileCallScript script;
-        script.mPlace = "write scene";
-        script.mTurn = 1;
-        script.mAction = FileCallScript::kExitHalfway;
+        FileCallScript script = FileCallScript::at("write scene", 1, FileCallScript::kExitHalfway);
         std::string errors;
         EXPECT_TRUE(isEndedBy(script, [&] { return editor.write(errors); }));
     }

@@ -47,6 +47,23 @@ struct FileCallScript
     int mCount = 0;
     std::vector<std::string> mLog; // what was done, and to which kind of file; repetitions once
 
+    /// What happens at a turn of the calls that count at a place, or of the calls of one kind.
+    static FileCallScript at(const char* place, int turn, eAction action, int error = 0)
+    {
+        FileCallScript script;
+        script.mPlace = place;
+        script.mTurn = turn;
+        script.mAction = action;
+        script.mError = error;
+        return script;
+    }
+    static FileCallScript at(eCalls calls, int turn, eAction action, int error = 0)
+    {
+        FileCallScript script = at("", turn, action, error);
+        script.mCalls = calls;
+        return script;
+    }
+
     /// The script in force; none when null.
     static FileCallScript*& current()
     {

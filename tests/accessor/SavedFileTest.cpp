@@ -75,10 +75,7 @@ protected:
     /// Leaves the scene half written, with its record, as a process does that is killed then.
     void leaveHalfWritten(const std::string& name)
     {
-        FileCallScript script;
-        script.mPlace = "write scene";
-        script.mTurn = 2;
-        script.mAction = FileCallScript::kExitHalfway;
+        FileCallScript script = FileCallScript::at("write scene", 2, FileCallScript::kExitHalfway);
         ASSERT_TRUE(isEndedBy(script, [&] { return save(name); }));
         ASSERT_TRUE(fs::exists(fs::canonical(name).string() + kEnding));
         ASSERT_NE(bytesOf(name), mScene);
@@ -215,11 +212,7 @@ TEST_F(SavedFileTest, AFileInADirectoryThatCannotBeWrittenTo_IsWritten)
 
     setBytes(mName, mScene);
     EXPECT_EQ(asAnyUser([&] {
-                  FileCallScript script;
-                  script.mPlace = "write scene";
-                  script.mTurn = 3;
-                  script.mAction = FileCallScript::kFailHalfway;
-                  script.mError = ENOSPC;
+                  FileCallScript script = FileCallScript::at("write scene", 3, FileCallScript::kFailHalfway, ENOSPC);
                   const FileCallScript::Use use(script);
                   return save(mName) ? "saved" : mErrors;
               }),
@@ -382,11 +375,7 @@ TEST_F(SavedFileTest, Failures_HaveAKindAndTheSystemsNumber)
              Failure::kMalformed, 0},
             {"a bad disk",
              [&] {
-                 FileCallScript script;
-                 script.mCalls = FileCallScript::kReads;
-                 script.mTurn = 1;
-                 script.mAction = FileCallScript::kFail;
-                 script.mError = EIO;
+                 FileCallScript script = FileCallScript::at(FileCallScript::kReads, 1, FileCallScript::kFail, EIO);
                  const FileCallScript::Use use(script);
                  return reads(name);
              },
@@ -466,10 +455,7 @@ TEST_F(SavedFileTest, ARecordThatDoesNotFitTheFile_IsNotApplied)
 
 TEST_F(SavedFileTest, ARecordOfTheCompleteChange_IsOnlyRemoved)
 {
-    FileCallScript script;
-    script.mPlace = "remove record";
-    script.mTurn = 1;
-    script.mAction = FileCallScript::kExit;
+    FileCallScript script = FileCallScript::at("remove record", 1, FileCallScript::kExit);
     ASSERT_TRUE(isEndedBy(script, [&] { return save(mName); }));
     ASSERT_TRUE(fs::exists(mName + kEnding));
     EXPECT_TRUE(isSaved(mName)) << "a save that was done is not taken back";
@@ -539,11 +525,7 @@ TEST_F(SavedFileTest, WhatIsNoFile_IsNeitherReadNorWaitedFor)
 
 TEST_F(SavedFileTest, AProcessThatCanOpenNoMoreFiles_SeesNoRecords)
 {
-    FileCallScript script;
-    script.mCalls = FileCallScript::kOpens;
-    script.mTurn = 1;
-    script.mAction = FileCallScript::kFailForGood;
-    script.mError = EMFILE;
+    FileCallScript script = FileCallScript::at(FileCallScript::kOpens, 1, FileCallScript::kFailForGood, EMFILE);
     const FileCallScript::Use use(script);
     OvriBinaryFileAccessor accessor;
     EXPECT_FALSE(accessor.read(mName, mErrors));

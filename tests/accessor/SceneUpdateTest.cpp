@@ -113,10 +113,7 @@ protected:
     void leaveBetween()
     {
         mFile.setBytes("head, a scene, old tail");
-        FileCallScript script;
-        script.mPlace = "sync scene";
-        script.mTurn = 1;
-        script.mAction = FileCallScript::kExit;
+        FileCallScript script = FileCallScript::at("sync scene", 1, FileCallScript::kExit);
         FileChange change(18, "");
         change.add(15, "new", "", "");
         change.add(0, "HEAD", "", "");
@@ -174,10 +171,7 @@ TEST_F(SceneUpdatePropertyTest, WhateverTheDiskHadWhenTheMachineStopped_IsRestor
         FileChange change(after.size(), "cut");
         addTo(change, edits);
         mFile.setBytes(before);
-        FileCallScript script;
-        script.mPlace = "remove record";
-        script.mTurn = 1;
-        script.mAction = FileCallScript::kExit;
+        FileCallScript script = FileCallScript::at("remove record", 1, FileCallScript::kExit);
         isEndedBy(script, [&] { return run(change); });
         const std::string undo = mFile.record();
         for (int disk = 0; disk < 4 && mFile.hasRecord() && !HasFailure(); ++disk)
@@ -292,11 +286,7 @@ TEST_F(SceneUpdateTest, AReadThatFails_MakesNoRecordUnfit)
         SCOPED_TRACE(turn);
         mFile.setBytes(file);
         mFile.setRecord(good);
-        script = FileCallScript();
-        script.mCalls = FileCallScript::kReads;
-        script.mTurn = turn;
-        script.mAction = FileCallScript::kFail;
-        script.mError = EIO;
+        script = FileCallScript::at(FileCallScript::kReads, turn, FileCallScript::kFail, EIO);
         const FileCallScript::Use use(script);
         mErrors.clear();
         if (recover(UndoPlace(mFile.name()), LockWait(0), mFailure, mErrors))
