@@ -37,7 +37,11 @@ constexpr Rule kUnused = {"V06", "unused", "no stream uses the structure"};
 constexpr Rule kRefused = {"V07", "refused", "a save with exact numbers would be refused"};
 constexpr Rule kMissing = {"V08", "missing-content", "there is nothing at the path of an entry of external content"};
 
-constexpr Rule kRules[] = {kContainer, kUndoRecord, kUnreadable, kTwoLayouts, kTwoBlocks, kUnused, kRefused, kMissing};
+constexpr Rule kTwoElements = {"V09", "two-elements",
+                               "an index stands twice in a stream, and all but the last are passed over"};
+
+constexpr Rule kRules[] = {kContainer, kUndoRecord, kUnreadable, kTwoLayouts, kTwoBlocks,
+                           kUnused,    kRefused,    kMissing,    kTwoElements};
 
 struct Finding
 {
@@ -88,6 +92,30 @@ void findTwice(const SceneFile& scene, const std::vector<ListedBlock>& blocks, F
                          block.name,
                          isLayout ? "has two layouts in this file" : "stands twice in this file",
                          {}});
+    }
+}
+
+/// Streams that were read with fewer elements than their text has.
+void findTwoElements(const SceneFile& scene, const ListedBlock& block, Findings& findings)
+{
+    const auto node = scene.metadata().associations().find(block.name);
+    if (block.kind == MetadataBlock::kStructure || node == scene.metadata().associations().end())
+        return;
+    for (const ListedBlock::Channel& listed : block.channels)
+    {
+        const Channel* const channel = node->second.findChannel(listed.name);
+        for (const ListedBlock::Stream& text : listed.streams)
+        {
+            const Stream* const stream = channel ? channel->findDataStream(text.name) : nullptr;
+            if (stream && stream->elementCount() < text.elements)
+                findings.insert({kTwoElements.code,
+                                 kindOf(block),
+                                 block.name,
+                                 "channel " + inQuotes(listed.name) + ", stream " + inQuotes(text.name) + ": " +
+                                     std::to_string(text.elements) + " elements have " +
+                                     std::to_string(stream->elementCount()) + " indices",
+                                 {}});
+        }
     }
 }
 
@@ -181,6 +209,8 @@ Findings findAll(SceneFile& scene, Layouts& layouts)
     }
     findUnreadable(scene, findings);
     findTwice(scene, blocks, findings);
+    for (const ListedBlock& block : blocks)
+        findTwoElements(scene, block, findings);
     findOtherLayouts(scene, layouts, findings);
     findUnused(blocks, findings);
     findRefused(scene, findings);

@@ -127,8 +127,7 @@ eExitCode ls(Job& job, const LsOptions& options)
 void addLs(Session& session)
 {
     Command command = session.addCommand("ls", "List the streams of scenes, a line each, without reading values");
-    session.addFiles(command);
-    session.addSelection(command);
+    session.addSelectedFiles(command);
     const auto options = std::make_shared<LsOptions>();
     command.addFlag("--nodes", options->nodes, "list the nodes in place of the streams");
     command.addFlag("--structures", options->structures, "list the structures", "--nodes");

@@ -137,8 +137,7 @@ eExitCode show(Job& job, const Head& head)
 void addShow(Session& session)
 {
     Command command = session.addCommand("show", "Show what scenes hold, in aligned columns");
-    session.addFiles(command);
-    session.addSelection(command);
+    session.addSelectedFiles(command);
     const auto head = std::make_shared<Head>();
     command.addFlag("--all", head->isAll, "show all elements of each stream, not only the first 20");
     command.addNumber("--head", head->count, 0, std::numeric_limits<unsigned int>::max(), "N", "show so many");

@@ -98,6 +98,12 @@ void Session::addFiles(Command& command, const char* description)
     addBatch(command);
 }
 
+void Session::addSelectedFiles(Command& command)
+{
+    addFiles(command);
+    addSelection(command);
+}
+
 void Session::addFileAndWords(Command& command, const std::vector<Word>& words, std::size_t required)
 {
     command.addWord({"FILE", "the scene file; left out after --files-from"}, true);

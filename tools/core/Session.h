@@ -35,6 +35,9 @@ public:
     /// FILE..., and the options about many files; files() has them.
     void addFiles(Command& command, const char* description = "the scene files");
 
+    /// The same with patterns for what counts of the scenes; selection() has them.
+    void addSelectedFiles(Command& command);
+
     /// FILE, then words of which that many must be given, and the options about many files; with --files-from the
     /// command line leaves out FILE. words() has what comes after it.
     void addFileAndWords(Command& command, const std::vector<Word>& words, std::size_t required);
