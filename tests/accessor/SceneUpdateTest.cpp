@@ -6,7 +6,10 @@
 #include "tests/support/ScratchFile.h"
 #include "vumo/accessor/detail/Checksum.h"
 
+#include <sys/resource.h>
+
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 
 namespace vumo::test
@@ -101,10 +104,11 @@ std::string bytesOnDisk(Random& random, const std::string& before, const std::st
 class SceneUpdateTest : public testing::Test
 {
 protected:
-    bool run(FileChange& change)
+    bool run(FileChange& change, Accessor::eDurability durability = Accessor::kJournal)
     {
         AccessorState state;
         state.fileName = mFile.name();
+        state.durability = durability;
         SceneUpdate update(state);
         return update.begin(mErrors) && update.run(change, FileBlocks(), mErrors);
     }
@@ -273,6 +277,49 @@ TEST_F(SceneUpdateTest, AFileThatIsReplacedDuringTheSave_IsNotTakenForSaved)
         EXPECT_EQ(mFile.bytes(), script.hadItsTurn() ? "another scene" : "HEAD");
         EXPECT_FALSE(std::filesystem::exists(mFile.recordName()));
     }
+}
+
+TEST_F(SceneUpdateTest, ASignal_EndsTheProcessAfterTheWrite)
+{
+    for (const Accessor::eDurability durability : {Accessor::kMemoryOnly, Accessor::kJournal})
+    {
+        mFile.setBytes("head, a scene, old tail");
+        const pid_t child = fork();
+        if (child == 0)
+        {
+            FileCallScript script;
+            script.mTurn = 1;
+            script.mMeanwhile = [] { std::raise(SIGTERM); };
+            const FileCallScript::Use use(script);
+            FileChange change(18, "");
+            change.add(15, "new", "", "");
+            _exit(run(change, durability) ? 0 : 1);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
+        EXPECT_EQ(mFile.bytes(), "head, a scene, new");
+        EXPECT_FALSE(mFile.hasRecord());
+    }
+}
+
+TEST_F(SceneUpdateTest, ALimitOfTheSizeOfFiles_IsAFailureAndNoEnd)
+{
+    mFile.setBytes(std::string(400, 'a'));
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        const rlimit limit = {500, 500}; // too little for the change, and for the record
+        setrlimit(RLIMIT_FSIZE, &limit);
+        FileChange change(600, "");
+        change.add(200, std::string(400, 'b'), "", "");
+        _exit(run(change) ? 0 : 2);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << status;
+    EXPECT_EQ(mFile.bytes(), std::string(400, 'a'));
+    EXPECT_FALSE(mFile.hasRecord());
 }
 
 TEST_F(SceneUpdateTest, AReadThatFails_MakesNoRecordUnfit)

@@ -1,6 +1,7 @@
 #include "vumo/accessor/detail/FileRecovery.h"
 
 #include "vumo/accessor/detail/Refusal.h"
+#include "vumo/accessor/detail/SignalHold.h"
 #include "vumo/accessor/detail/UndoRecord.h"
 
 #include <cerrno>
@@ -52,6 +53,7 @@ bool apply(const UndoRecord& record, const File& file, const UndoPlace& place, A
         return refuse(errors,
                       "The undo record " + place.record + " does not fit " + place.file +
                           " any more, which was changed since. Remove the record to go on with the file as it is.\n");
+    const SignalHold hold;
     const bool isKnown = fit != UndoRecord::eFit::kUnknown;
     const bool isWhole = isKnown && (fit != UndoRecord::eFit::kMixed || record.restore(file));
     // Also a file that needs nothing is synced: its record goes next, and what it shows may not be on the disk yet.

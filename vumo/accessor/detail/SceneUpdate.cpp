@@ -1,6 +1,7 @@
 #include "vumo/accessor/detail/SceneUpdate.h"
 
 #include "vumo/accessor/detail/Refusal.h"
+#include "vumo/accessor/detail/SignalHold.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -74,6 +75,7 @@ bool SceneUpdate::makeChange(const FileChange& change, std::string& errors)
                             errors);
     if (!keepsName(errors))
         return false;
+    const SignalHold hold;
     if (mNeedsRecord && !makeRecord(errors))
         return false;
     // From here on nothing is allocated until the file is whole again: memory that runs out must not leave it halfway.
