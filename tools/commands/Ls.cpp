@@ -105,6 +105,23 @@ void listStreams(const Job& job, const std::vector<ListedBlock>& blocks, bool is
     }
 }
 
+/// Says which nodes nothing is known of but where they stand.
+void tellClosed(const Job& job, const SceneFile& scene, const std::vector<ListedBlock>& blocks)
+{
+    const Selection& selection = job.session.selection();
+    for (const ListedBlock& block : blocks)
+    {
+        if (block.kind == ListedBlock::kStructure || block.format == "raw" || block.format.empty() ||
+            !Selection::passes(selection.nodes, block.name))
+            continue;
+        job.session.flushForPeople();
+        job.session.say(scene
+                            .failure(kDone, nodeTitle(block.name) + " is in the format " + inQuotes(block.format) +
+                                                ", in which ls cannot look; show tells what it can")
+                            .what());
+    }
+}
+
 eExitCode ls(Job& job, const LsOptions& options)
 {
     SceneFile scene(job.session, job.file);
@@ -120,6 +137,8 @@ eExitCode ls(Job& job, const LsOptions& options)
         listStreams(job, blocks, options.isLong, layouts);
     if (options.isLong)
         addUnreadable(job, scene);
+    else if (!options.structures)
+        tellClosed(job, scene, blocks);
     return kDone;
 }
 } // namespace

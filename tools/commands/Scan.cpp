@@ -40,6 +40,24 @@ bool addIdentity(JsonObject& identity, const std::string& fileName)
     return !S_ISDIR(status.st_mode);
 }
 
+/// What is told of a structure and of its members, wherever it is used.
+struct Description
+{
+    explicit Description(const Structure& structure)
+    {
+        whole.addText("structure", structure.name()).addText("layout", layoutText(structure));
+        for (const Member& member : structure)
+        {
+            JsonObject& object = members.emplace_back();
+            object.addText("name", Member::name(&member)).addText("type", Member::typeName(Member::type(&member)));
+            object.add("length", Member::length(&member));
+        }
+    }
+
+    JsonObject whole;
+    std::vector<JsonObject> members;
+};
+
 /// The lines of one file.
 class FileLines
 {
@@ -49,38 +67,32 @@ public:
 
     void add(const char* kind, const JsonObject& members)
     {
-        mOut << JsonObject().addText("kind", kind).add(mIdentity).add(members).text() << '\n';
+        mOut << "{\"kind\": \"" << kind << "\", " << mIdentity.members() << ", " << members.members() << "}\n";
     }
 
-    /// The members that tell of a structure.
-    const JsonObject& describe(const Structure& structure)
+    const Description& describe(const Structure& structure)
     {
-        const auto [entry, isNew] = mStructures.try_emplace(&structure);
-        if (isNew)
-            entry->second.addText("structure", structure.name()).addText("layout", layoutText(structure));
-        return entry->second;
+        return mStructures.try_emplace(&structure, structure).first->second;
     }
 
 private:
     std::ostream& mOut;
     const JsonObject& mIdentity;
-    std::map<const Structure*, JsonObject> mStructures;
+    std::map<const Structure*, Description> mStructures;
 };
 
-std::string membersOf(const Stream& stream)
+std::string membersOf(const Stream& stream, const Description& description)
 {
     const std::vector<std::optional<Extremes>> extremes = extremesOf(stream);
-    std::vector<std::string> members;
-    for (const Member& member : stream.structure())
+    std::string members;
+    for (std::size_t i = 0; i < extremes.size(); ++i)
     {
-        JsonObject object;
-        object.addText("name", Member::name(&member)).addText("type", Member::typeName(Member::type(&member)));
-        object.add("length", Member::length(&member));
-        if (const std::optional<Extremes>& found = extremes[members.size()])
-            object.add("least", found->least).add("greatest", found->greatest);
-        members.push_back(object.text());
+        JsonObject object = description.members[i];
+        if (extremes[i])
+            object.add("least", extremes[i]->least).add("greatest", extremes[i]->greatest);
+        members.append(i == 0 ? "[{" : ", {").append(object.members()).append("}");
     }
-    return jsonArray(members);
+    return members + ']';
 }
 
 void addNode(FileLines& lines, const std::string& node, const Associations& channels, const ByteCounts& bytes)
@@ -95,12 +107,13 @@ void addNode(FileLines& lines, const std::string& node, const Associations& chan
         {
             JsonObject members;
             members.addText("node", node).addText("channel", channel.name()).addText("stream", stream->name());
-            members.add(lines.describe(stream->structure())).addText("indexType", stream->indexType());
+            const Description& description = lines.describe(stream->structure());
+            members.add(description.whole).addText("indexType", stream->indexType());
             members.add("elements", stream->elementCount());
             const auto count = bytes.find({node, channel.name(), stream->name()});
             if (count != bytes.end()) // there is none of a kind of files that a plug-in brings
                 members.add("bytes", count->second);
-            lines.add("stream", members.add("members", membersOf(*stream)));
+            lines.add("stream", members.add("members", membersOf(*stream, description)));
         }
     }
 }
@@ -127,7 +140,7 @@ void addAll(const Job& job, const SceneFile& scene, const ByteCounts& bytes, con
     FileLines lines(job.out, identity);
     lines.add("file", JsonObject().add("code", kDone).add("faults", unread.size()));
     for (const Structure* const structure : scene.metadata().structures())
-        lines.add("structure", lines.describe(*structure));
+        lines.add("structure", lines.describe(*structure).whole);
     for (const auto& [node, channels] : scene.metadata().associations())
         addNode(lines, node, channels, bytes);
     addExternal(lines, scene);

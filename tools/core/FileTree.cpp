@@ -12,6 +12,8 @@ namespace fs = std::filesystem;
 
 bool isScene(const std::string& name)
 {
+    if (name.rfind(kNewFileStart, 0) == 0)
+        return false; // what an edit with -o leaves that was killed
     return name.find('.') != std::string::npos && vumo::Data::Accessor::accessorByExtension(name);
 }
 

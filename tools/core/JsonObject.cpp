@@ -1,6 +1,6 @@
 #include "core/JsonObject.h"
 
-JsonObject& JsonObject::add(const std::string& key, const std::string& json)
+JsonObject& JsonObject::add(std::string_view key, std::string_view json)
 {
     mMembers.append(mMembers.empty() ? "\"" : ", \"").append(key).append("\": ").append(json);
     return *this;
@@ -12,12 +12,12 @@ JsonObject& JsonObject::add(const JsonObject& other)
     return *this;
 }
 
-JsonObject& JsonObject::add(const std::string& key, unsigned long long number)
+JsonObject& JsonObject::add(std::string_view key, unsigned long long number)
 {
     return add(key, std::to_string(number));
 }
 
-JsonObject& JsonObject::addText(const std::string& key, const std::string& text)
+JsonObject& JsonObject::addText(std::string_view key, const std::string& text)
 {
     return add(key, vumo::codec::jsonText(text));
 }

@@ -3,6 +3,7 @@
 #include "tools/codec/Json.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The text of a JSON object, member by member.
@@ -10,14 +11,17 @@ class JsonObject
 {
 public:
     /// Adds a member of that value, which is JSON itself. The key is plain letters.
-    JsonObject& add(const std::string& key, const std::string& json);
-    JsonObject& add(const std::string& key, unsigned long long number);
-    JsonObject& addText(const std::string& key, const std::string& text);
+    JsonObject& add(std::string_view key, std::string_view json);
+    JsonObject& add(std::string_view key, unsigned long long number);
+    JsonObject& addText(std::string_view key, const std::string& text);
 
     /// Adds the members of the other object.
     JsonObject& add(const JsonObject& other);
 
     std::string text() const { return '{' + mMembers + '}'; }
+
+    /// The text between the braces.
+    const std::string& members() const { return mMembers; }
 
 private:
     std::string mMembers;

@@ -19,27 +19,33 @@ Rows::~Rows()
 
 void Rows::add(const std::vector<Cell>& cells)
 {
+    if (mJob.json)
+        mObjects.push_back(objectOf(cells));
+    else
+        mLines.add(rowOf(cells));
+}
+
+std::string Rows::objectOf(const std::vector<Cell>& cells) const
+{
     JsonObject object;
-    Table::Row row;
     for (std::size_t i = 0; i < cells.size(); ++i)
     {
         if (const std::string* const text = std::get_if<std::string>(&cells[i]))
-        {
             object.addText(mColumns[i], *text);
-            row.push_back(escaped(*text));
-        }
         else if (const std::uint64_t* const number = std::get_if<std::uint64_t>(&cells[i]))
-        {
             object.add(mColumns[i], *number);
-            row.push_back(std::to_string(*number));
-        }
-        else
-        {
-            row.emplace_back();
-        }
     }
-    if (mJob.json)
-        mObjects.push_back(object.text());
-    else
-        mLines.add(row);
+    return object.text();
+}
+
+Table::Row Rows::rowOf(const std::vector<Cell>& cells)
+{
+    Table::Row row;
+    for (const Cell& cell : cells)
+    {
+        const std::string* const text = std::get_if<std::string>(&cell);
+        const std::uint64_t* const number = std::get_if<std::uint64_t>(&cell);
+        row.push_back(text ? escaped(*text) : number ? std::to_string(*number) : "");
+    }
+    return row;
 }

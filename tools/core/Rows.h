@@ -27,6 +27,9 @@ public:
     void add(const std::vector<Cell>& cells);
 
 private:
+    std::string objectOf(const std::vector<Cell>& cells) const;
+    static Table::Row rowOf(const std::vector<Cell>& cells);
+
     const Job& mJob;
     const std::string mKey;
     const std::vector<std::string> mColumns;

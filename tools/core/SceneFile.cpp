@@ -98,7 +98,9 @@ SceneFile::SceneFile(const Session& session, const std::string& fileName, eUse u
 std::string SceneFile::undoRecordOf(const std::string& fileName)
 {
     std::error_code ignored;
-    const std::string record = fs::weakly_canonical(fileName, ignored).string() + ".vumo-undo";
+    const bool isLink = fs::is_symlink(fs::symlink_status(fileName, ignored));
+    const std::string file = isLink ? fs::weakly_canonical(fileName, ignored).string() : fileName;
+    const std::string record = file + ".vumo-undo";
     return fs::exists(fs::symlink_status(record, ignored)) ? record : "";
 }
 

@@ -190,7 +190,10 @@ int Session::run(int argc, char** argv)
     {
         if (error.get_exit_code() != 0)
             say(dashHint(argv));
-        return mCommandLine->exit(error) == 0 ? kDone : kWrongUsage;
+        if (mCommandLine->exit(error) != 0)
+            return kWrongUsage;
+        std::cout.flush();
+        return std::cout ? kDone : kNotWritten;
     }
     catch (const Failure& failure)
     {
@@ -263,7 +266,7 @@ void Session::say(const std::string& text) const
 
 void Session::flushForPeople()
 {
-    if (StandardOutput::isTerminal() || StandardOutput::isSharedWithErrors())
+    if (mIsRead)
         mOut.flush();
 }
 

@@ -111,6 +111,7 @@ private:
     bool mIsJson = false;
     bool mIsQuiet = false;
 
+    const bool mIsRead = StandardOutput::isTerminal() || StandardOutput::isSharedWithErrors(); // by people
     StandardOutput mBuffer;
     std::ostream mOut{&mBuffer};
 };

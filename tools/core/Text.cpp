@@ -32,6 +32,9 @@ std::string printable(const std::string& text)
 
 std::string escaped(const std::string& text)
 {
+    const auto isPlain = [](char character) { return character != '\\' && !isControl(character); };
+    if (std::all_of(text.begin(), text.end(), isPlain)) // as nearly all texts are
+        return text;
     std::string result;
     for (const char character : text)
     {

@@ -1,5 +1,6 @@
 #include "edit/Save.h"
 
+#include "core/FileTree.h"
 #include "core/Text.h"
 
 #include <sys/stat.h>
@@ -24,7 +25,8 @@ public:
     {
         std::error_code error;
         mMode = fs::status(fs::exists(to, error) ? to : from, error).permissions();
-        const fs::path path = fs::path(to).replace_filename(".vumo-XXXXXX" + fs::path(to).extension().string());
+        const std::string name = std::string(kNewFileStart) + "XXXXXX" + fs::path(to).extension().string();
+        const fs::path path = fs::path(to).replace_filename(name);
         mName = path.string();
         const int file = mkstemps(mName.data(), static_cast<int>(path.extension().string().size()));
         if (file < 0)

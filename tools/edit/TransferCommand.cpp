@@ -1,11 +1,13 @@
 #include "edit/TransferCommand.h"
 
+#include "core/Text.h"
 #include "edit/Save.h"
 #include "edit/Script.h"
 #include "edit/Transfer.h"
 
 #include <filesystem>
 #include <memory>
+#include <set>
 
 namespace
 {
@@ -16,6 +18,17 @@ struct Request
     std::string merge = "fail";
     std::string toFile; ///< empty for the same one
 };
+
+/// Sees that what was saved stands there still, when it has been removed elsewhere.
+void expectUnchanged(const Job& job, const SceneFile& saved)
+{
+    SceneFile now(job.session, saved.name());
+    const std::set<std::string> none;
+    now.read(&none);
+    if (now.tail() != saved.tail())
+        throw saved.failure(kBusy, "somebody else has changed it meanwhile; see whether it has what was moved, which " +
+                                       escaped(job.file) + " has no more");
+}
 
 /// Copies or moves from one file to another. What is moved is saved there before it is removed here.
 eExitCode transferBetween(const Job& job, const Edit& edit, const std::string& toFile)
@@ -39,6 +52,8 @@ eExitCode transferBetween(const Job& job, const Edit& edit, const std::string& t
     {
         throw Failure(failure.code(), std::string(failure.what()) + "\nIt is in " + toFile + " by now, and here, too.");
     }
+    if (isMove && !job.session.saving().isDryRun)
+        expectUnchanged(job, to);
     return kDone;
 }
 
