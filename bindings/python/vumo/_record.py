@@ -79,8 +79,8 @@ class Record:
         """Raises ValueError for one that cannot be read."""
         return _load(self._entry) if self._entry.exists() else None
 
-    def store(self, entry: Entry) -> None:
-        write(self._entry, json.dumps(asdict(entry)).encode())
+    def store(self, entry: Entry, *, must_stay: bool = True) -> None:
+        write(self._entry, json.dumps(asdict(entry)).encode(), must_stay=must_stay)
 
     def forget(self) -> None:
         """Removes the entry: the file was not saved."""
@@ -94,10 +94,13 @@ class Record:
             yield
 
     def keep(self, position: int) -> str:
-        """Stores the bytes of the file from that position on; returns their digest."""
+        """Stores the bytes of the file from that position on, to stay there as the entry does that is stored next.
+
+        Returns their digest.
+        """
         with open(self.file, "rb") as file:
             old = _bytes_from(file, position)
-        write(self._old, old)
+        write(self._old, old, must_stay=False)
         return _digest(old)
 
     def old_bytes(self, entry: Entry) -> bytes:
@@ -114,7 +117,7 @@ class Record:
         if entry.position + len(new) != entry.new_length:
             raise ChangedError(f"{entry.file} was changed by somebody else after it was saved", entry.file)
         entry.state, entry.after, entry.new_digest = SAVED, f"{after:016x}", _digest(new)
-        self.store(entry)
+        self.store(entry, must_stay=False)  # the next run would find out by the old bytes
 
     def has_old_bytes(self, entry: Entry) -> bool:
         with open(self.file, "rb") as file:
@@ -178,8 +181,8 @@ def _locked(file: IO[bytes], path: bytes) -> Iterator[None]:
         fcntl.flock(file, fcntl.LOCK_UN)
 
 
-def write(path: Path, content: bytes, mode: int = 0o666) -> None:
-    """Writes the file, as a whole or not at all."""
+def write(path: Path, content: bytes, mode: int = 0o666, *, must_stay: bool = True) -> None:
+    """Writes the file, as a whole or not at all. Unless it must stay, a crash of the machine may bring back the old one."""
     path.parent.mkdir(parents=True, exist_ok=True)
     beside = path.with_name(f"{path.name}.{os.getpid()}")
     with open(os.open(beside, os.O_WRONLY | os.O_CREAT | os.O_TRUNC, mode), "wb") as file:
@@ -187,7 +190,8 @@ def write(path: Path, content: bytes, mode: int = 0o666) -> None:
         file.flush()
         os.fsync(file.fileno())
     beside.replace(path)
-    _sync(path.parent)
+    if must_stay:
+        _sync(path.parent)
 
 
 def _sync(folder: str | bytes | Path) -> None:
