@@ -131,7 +131,8 @@ Side nodesReading(const std::shared_ptr<const SceneFile>& file, std::size_t node
     return {round, digestOfNodes(nodes, records)};
 }
 
-Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records)
+Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records,
+                  bool isFreed)
 {
     // Made once: allocations of this size make the allocator tidy up, which would then be done before the watch runs.
     const auto texts = std::make_shared<std::vector<std::istringstream>>();
@@ -139,7 +140,7 @@ Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t node
     texts->emplace_back(recordStructureText());
     for (std::size_t i = 0; i < nodes; ++i)
         texts->emplace_back(text);
-    const auto round = [file, texts](Stopwatch& watch) {
+    const auto round = [file, texts, isFreed](Stopwatch& watch) {
         for (std::istringstream& in : *texts)
         {
             in.clear();
@@ -158,10 +159,13 @@ Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t node
         std::vector<std::uint64_t> digests;
         for (const std::unique_ptr<Associations>& associations : read)
             digests.push_back(digestOf(streamIn(*associations)));
+        if (isFreed)
+            watch.time([&] { read.clear(); });
         return digestOfNodes(digests);
     };
     return {round, digestOfNodes(nodes, records)};
 }
+
 Side fileReading(const std::shared_ptr<const SceneFile>& file, const std::vector<Record>& expected)
 {
     const auto round = [file](Stopwatch& watch) {

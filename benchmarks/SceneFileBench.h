@@ -44,8 +44,10 @@ std::shared_ptr<const SceneFile> sceneOfNodes(const std::string& extension, std:
 Side nodesReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records);
 
 /// The bytes of its metadata, into a buffer that is made for them as the library's is, and beside them the texts of as
-/// many nodes and of their structure.
-Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records);
+/// many nodes and of their structure. To free what was read counts, too, where so many are read that nobody could keep
+/// them all.
+Side partsReading(const std::shared_ptr<const SceneFile>& file, std::size_t nodes, const std::vector<Record>& records,
+                  bool isFreed = false);
 
 /// One label edited among many nodes: with a read of that node alone, which keeps the rest, against one of all.
 void compareNodeEdit(Comparison& comparison, const std::string& extension);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -54,8 +55,10 @@ std::uint64_t linesOf(const std::string& arguments)
     std::array<char, 65536> part{};
     while (const std::size_t length = std::fread(part.data(), 1, part.size(), pipe))
     {
-        for (std::size_t i = 0; i < length; ++i)
-            lines += part[i] == '\n' ? 1 : 0;
+        const char* const end = part.data() + length;
+        for (const char* at = part.data();
+             (at = static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)))); ++at)
+            ++lines; // at a cost that is not seen beside the tool's
     }
     if (pclose(pipe) != 0)
         throw WrongResult("the tool fails");
@@ -94,7 +97,7 @@ void compareScan(Comparison& comparison)
     const auto production = std::make_shared<const Production>(*scene, scenes);
     comparison.run(scenes * kNodesOfScene * kElementsOfScene,
                    toolRunning("scan " + production->folder(), scenes * kLinesOfScene, production),
-                   repeated(partsReading(scene, kNodesOfScene, records), static_cast<unsigned int>(scenes)));
+                   repeated(partsReading(scene, kNodesOfScene, records, true), static_cast<unsigned int>(scenes)));
 }
 
 void compareListing(Comparison& comparison)

@@ -17,7 +17,10 @@ void Lines::add(const Table::Row& row)
 {
     if (mIsAligned)
         return mTable.add(row);
-    for (Table::Row::size_type i = 0; i < row.size(); ++i)
-        mJob.out << (i == 0 ? "" : "\t") << row[i];
-    mJob.out << mJob.session.lineEnd();
+    std::string line;
+    for (const std::string& cell : row)
+        line.append(cell).append(1, '\t');
+    if (!row.empty())
+        line.back() = mJob.session.lineEnd();
+    mJob.out << line;
 }

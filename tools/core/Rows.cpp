@@ -41,6 +41,7 @@ std::string Rows::objectOf(const std::vector<Cell>& cells) const
 Table::Row Rows::rowOf(const std::vector<Cell>& cells)
 {
     Table::Row row;
+    row.reserve(cells.size());
     for (const Cell& cell : cells)
     {
         const std::string* const text = std::get_if<std::string>(&cell);
