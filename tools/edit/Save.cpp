@@ -188,8 +188,8 @@ void checkSaving(const Session& session, bool writesTwice)
     if (!session.saving().out.empty() && (session.isBatch() || writesTwice))
         throw Failure(kWrongUsage, "-o takes the result of one file");
     const std::string& tail = session.saving().tail;
-    const bool isTail =
-        tail.size() == std::size_t{SceneFile::kTailDigits} && tail.find_first_not_of("0123456789abcdef") == tail.npos;
+    const bool isTail = tail.size() == std::size_t{SceneFile::kTailDigits} &&
+                        tail.find_first_not_of("0123456789abcdef") == std::string::npos;
     if (!tail.empty() && !isTail)
         throw Failure(kWrongUsage, inQuotes(tail) + " is no checksum; scan gives them as \"tail\"");
 }
