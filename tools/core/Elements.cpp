@@ -34,7 +34,7 @@ Index indexFrom(const SceneFile& scene, const Stream& stream, const std::string&
     }
     catch (Index::eCreationErrors)
     {
-        const std::string type = stream.indexType();
+        const std::string& type = stream.indexType();
         throw scene.failure(kNo, inQuotes(text) + " is not an index of type " + inQuotes(type) +
                                      (type == IndexPair::myTypeName ? ", which is one word, such as \"0 3\"" : ""));
     }
