@@ -25,3 +25,14 @@ interrupt()
 {
     "${BASH_SOURCE[0]%/*}"/interrupt.py "$@"
 }
+
+# Puts another scene in the place of the scene $1 once that has a node $2, and lets nobody write to $3 until then.
+replace_while_waiting()
+{
+    exec 3<"$3"
+    flock 3
+    until vumo ls --node "$2" "$1" 2>/dev/null | grep -q .; do :; done
+    sleep 0.3 # until the tool waits for $3
+    cp example.oa new.oa
+    mv new.oa "$1"
+}

@@ -1,13 +1,15 @@
 #include "edit/TransferCommand.h"
 
 #include "core/Text.h"
+#include "edit/HeldScene.h"
 #include "edit/Save.h"
 #include "edit/Script.h"
+#include "edit/Selected.h"
 #include "edit/Transfer.h"
 
 #include <filesystem>
 #include <memory>
-#include <set>
+#include <optional>
 
 namespace
 {
@@ -19,15 +21,50 @@ struct Request
     std::string toFile; ///< empty for the same one
 };
 
-/// Sees that what was saved stands there still, when it has been removed elsewhere.
-void expectUnchanged(const Job& job, const SceneFile& saved)
+Failure withNote(const Failure& failure, const std::string& note)
 {
-    SceneFile now(job.session, saved.name());
-    const std::set<std::string> none;
-    now.read(&none);
-    if (now.tail() != saved.tail())
-        throw saved.failure(kBusy, "somebody else has changed it meanwhile; see whether it has what was moved, which " +
-                                       escaped(job.file) + " has no more");
+    return {failure.code(), withoutLineEnd(failure.what()) + "\n" + note};
+}
+
+/// Saves the scene with the nodes as they were again.
+void putBack(const vumo::codec::Metadata& before, SceneFile& scene, const std::string& goal)
+{
+    try
+    {
+        for (const auto& [node, channels] : before.nodes)
+            scene.metadata().associations()[node] = channels;
+        scene.write();
+    }
+    catch (const Failure& failure)
+    {
+        throw withNote(failure, "It was moved to " + goal +
+                                    ", which somebody else has replaced, and could not be put "
+                                    "back.");
+    }
+}
+
+/// Saves the scene without what is in the other one by now. `before` is what it had at first.
+void saveMoved(const Job& job, SceneFile& from, const vumo::codec::Metadata& before, const SceneFile& to)
+{
+    std::optional<HeldScene> held;
+    bool isRemoved = false;
+    try
+    {
+        held.emplace(job.session, to);
+        isRemoved = held->isThere();
+        if (isRemoved)
+            save(job, from);
+    }
+    catch (const Failure& failure)
+    {
+        throw withNote(failure, "It is in " + to.name() + " by now, and here, too.");
+    }
+    if (isRemoved && held->isThere())
+        return;
+    if (isRemoved) // whoever replaces a file asks for no lock
+        putBack(before, from, to.name());
+    throw to.failure(kBusy, "somebody else has changed or replaced it meanwhile; nothing was moved, " +
+                                escaped(job.file) + " has it still");
 }
 
 /// Copies or moves from one file to another. What is moved is saved there before it is removed here.
@@ -38,22 +75,17 @@ eExitCode transferBetween(const Job& job, const Edit& edit, const std::string& t
     if (std::filesystem::equivalent(job.file, toFile, ignored))
         throw Failure(kWrongUsage, "--to names the same file; without it something is copied or moved within one");
     SceneFile from = isMove ? openToEdit(job, job.file) : SceneFile(job.session, job.file);
-    from.readNode(edit.from().node);
+    const Address node({edit.from().node});
+    from.readNode(node.node);
+    const vumo::codec::Metadata before = selected(from, Selection(), &node);
     SceneFile to = openToEdit(job, toFile);
     to.readNode(edit.to().node);
     transfer(edit, from, to);
     save(job, to);
-    try
-    {
-        if (isMove)
-            save(job, from);
-    }
-    catch (const Failure& failure)
-    {
-        throw Failure(failure.code(), std::string(failure.what()) + "\nIt is in " + toFile + " by now, and here, too.");
-    }
-    if (isMove && !job.session.saving().isDryRun)
-        expectUnchanged(job, to);
+    if (isMove && job.session.saving().isDryRun)
+        save(job, from);
+    else if (isMove)
+        saveMoved(job, from, before, to);
     return kDone;
 }
 
