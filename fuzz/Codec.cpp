@@ -1,5 +1,5 @@
 // What a reader takes is written and read again as the same text; anything else is refused with a message.
-// The first byte of an input chooses the format, for CSV also the structure.
+// The first byte of an input chooses the format, for CSV also the structure, for NDJSON whether lines are counted.
 #include "fuzz/Fuzz.h"
 #include "tools/codec/CodecError.h"
 #include "tools/codec/Csv.h"
@@ -24,11 +24,14 @@ std::string rewriteJson(const std::string& text, unsigned int)
     return out.str();
 }
 
-std::string rewriteNdjson(const std::string& text, unsigned int)
+/// What need not be counted is, once it is written.
+std::string rewriteNdjson(const std::string& text, unsigned int choice)
 {
     std::istringstream in(text);
     std::ostringstream out;
-    vumo::codec::writeNdjson(vumo::codec::readNdjson(in), out);
+    const bool isCounted = choice % 2 == 0;
+    vumo::codec::writeNdjson(vumo::codec::readNdjson(in, isCounted ? vumo::codec::kCounted : vumo::codec::kUncounted),
+                             out);
     return out.str();
 }
 

@@ -58,9 +58,10 @@ for number, text in enumerate(["1e400", "-1e-320", "0x10", "inf", ".5e", "123456
     put("ValueText", f"{DOUBLE}_{number}", bytes([DOUBLE]) + text.encode())
 
 # The first byte chooses the format, for CSV also the structure: those of Bone and of Label.
-JSON, NDJSON, SCRIPT, CSV_BONE, CSV_LABEL = 0, 1, 2, 4 + 3, 8 + 3
+JSON, NDJSON, UNCOUNTED, SCRIPT, CSV_BONE, CSV_LABEL = 0, 1, 4 + 1, 2, 4 + 3, 8 + 3
 put("Codec", "json", bytes([JSON]) + (GOLDEN / "codec.json").read_bytes())
 put("Codec", "ndjson", bytes([NDJSON]) + (GOLDEN / "codec.ndjson").read_bytes())
+put("Codec", "ndjson_uncounted", bytes([UNCOUNTED]) + (GOLDEN / "codec.ndjson").read_bytes()[: -len('{"lines": 9}\n')])
 put("Codec", "csv_pair", bytes([CSV_BONE]) + b'index[0],index[1],w,s,b\n1,2,0.1,"a ""b"",\r\nc",true\n')
 put("Codec", "csv_string", bytes([CSV_LABEL]) + b'index:string,text\r\nA,\r\n"{""base64"": ""/w==""}","{""base64"": ""gA==""}"\r\n')
 put("Codec", "script", bytes([SCRIPT]) + (GOLDEN / "codec.script").read_bytes())

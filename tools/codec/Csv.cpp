@@ -154,7 +154,9 @@ private:
                 throw CodecError("a double quote belongs at both ends of its cell, or twice into a quoted one");
             cell += character;
         }
-        return mIn.good();
+        if (!mIn)
+            throw CodecError("the line does not end: the text may have been cut");
+        return true;
     }
 
     void readQuoted(std::string& cell)

@@ -15,6 +15,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <limits>
 #include <memory>
 #include <sstream>
 
@@ -22,6 +23,8 @@ using namespace vumo::Data;
 
 namespace
 {
+constexpr unsigned int kAnyCount = std::numeric_limits<unsigned int>::max();
+
 /// What the command line says, and the text that is imported.
 struct Request
 {
@@ -29,6 +32,8 @@ struct Request
     std::string format;
     std::string structure;
     std::string merge = "replace";
+    unsigned int elements = kAnyCount; ///< of CSV
+    bool isUncounted = false;          ///< of NDJSON
     std::string text;
 };
 
@@ -72,13 +77,32 @@ const Structure& structureFor(const Request& request, const Address& address, Sc
     return stream->structure();
 }
 
+/// Refuses a stream that may have been cut. CSV has no place to tell how long it is.
+void checkCount(const Request& request, const Address& address, const Stream& stream, SceneFile& scene)
+{
+    const std::size_t count = stream.elementCount();
+    const std::string counted = std::to_string(count);
+    if (request.elements != kAnyCount && count != request.elements)
+        throw vumo::codec::CodecError("the number of elements is " + counted + ", not " +
+                                      std::to_string(request.elements));
+    const Channel* const channel = nodeToEdit(scene, address.node).findChannel(*address.channel);
+    const Stream* const present = channel ? channel->findDataStream(*address.stream) : nullptr;
+    if (request.elements == kAnyCount && request.merge == "replace" && present && present->elementCount() > count)
+        throw scene.failure(kNotWritten, "stream " + inQuotes(*address.stream) + " has " +
+                                             std::to_string(present->elementCount()) + " elements, and the CSV has " +
+                                             counted + ": it may have been cut; --elements " + std::to_string(count) +
+                                             " says that it is whole");
+}
+
 /// The stream, as the only thing.
 vumo::codec::Metadata streamFromCsv(const Request& request, const Address& address, SceneFile& scene, std::istream& in)
 {
     const Structure& structure = structureFor(request, address, scene);
     vumo::codec::Metadata metadata;
     Channel channel = metadata.nodes[address.node].channel(*address.channel);
-    channel.setDataStream(vumo::codec::readCsv(in, structure, *address.stream));
+    const Stream stream = vumo::codec::readCsv(in, structure, *address.stream);
+    checkCount(request, address, stream, scene);
+    channel.setDataStream(stream);
     return metadata;
 }
 
@@ -109,8 +133,11 @@ eExitCode importText(const Job& job, const Request& request)
     std::set<std::string> nodes = {address.node};
     try
     {
-        if (format != "csv")
-            metadata = format == "json" ? vumo::codec::readJson(in) : vumo::codec::readNdjson(in);
+        if (format == "json")
+            metadata = vumo::codec::readJson(in);
+        else if (format == "ndjson")
+            metadata =
+                vumo::codec::readNdjson(in, request.isUncounted ? vumo::codec::kUncounted : vumo::codec::kCounted);
         for (const auto& node : metadata.nodes)
             nodes.insert(node.first);
         scene.read(&nodes);
@@ -134,6 +161,10 @@ void check(const Request& request, std::size_t words)
                                          : "NODE CHANNEL STREAM are for CSV; what else is imported has them");
     if (!isCsv && !request.structure.empty())
         throw Failure(kWrongUsage, "--structure is for CSV; what else is imported has it");
+    if (!isCsv && request.elements != kAnyCount)
+        throw Failure(kWrongUsage, "--elements is for CSV; what else is imported tells itself whether it is whole");
+    if (request.isUncounted && formatOf(request) != "ndjson")
+        throw Failure(kWrongUsage, "--uncounted is for NDJSON, lines that count themselves");
     mergeOf(request.merge);
 }
 } // namespace
@@ -150,6 +181,11 @@ void addImport(Session& session)
                       "the form of DATA, if its ending does not tell; json unless said");
     command.addOption("--structure", request->structure, "TEXT",
                       "the structure of a CSV stream that the scene does not have, as its text or by its name");
+    command.addNumber("--elements", request->elements, 0, kAnyCount - 1, "COUNT",
+                      "how many elements CSV must have; needed where it replaces a stream that has more");
+    command.addFlag("--uncounted", request->isUncounted,
+                    "take NDJSON that does not end with the line that counts the others, or with a wrong one, as other "
+                    "programs may make it; whether it was cut is not known then");
     command.addOption("--merge", request->merge, "keep|replace|fail",
                       "what becomes of a stream that is there already; replace unless said");
     session.setWork(command, [&session, request] {
