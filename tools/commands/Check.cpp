@@ -33,7 +33,7 @@ constexpr Rule kUnreadable = {"V03", "unreadable", "a structure or the metadata 
 constexpr Rule kTwoLayouts = {"V04", "two-layouts", "structures of one name differ, in the file or from one before it"};
 constexpr Rule kTwoBlocks = {"V05", "two-blocks",
                              "a structure or a node stands in the file twice, and one is passed over"};
-constexpr Rule kUnused = {"V06", "unused", "no stream uses the structure"};
+constexpr Rule kUnused = {"V06", "unused", "no stream uses the structure; rm --unused removes it"};
 constexpr Rule kRefused = {"V07", "refused", "a save with exact numbers would be refused"};
 constexpr Rule kMissing = {"V08", "missing-content", "there is nothing at the path of an entry of external content"};
 

@@ -2,17 +2,23 @@
 #include "core/Batch.h"
 #include "edit/Save.h"
 
+#include <memory>
+
 void addRm(Session& session)
 {
-    Command command = session.addCommand("rm", "Remove a node's metadata, a channel, a stream or an element");
-    session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.end() - 1}, 1);
+    Command command =
+        session.addCommand("rm", "Remove a node's metadata, a channel, a stream or an element, or unused structures");
+    session.addFileAndWords(command, {Session::kAddress.begin(), Session::kAddress.end() - 1}, 0);
     session.addSaving(command);
-    session.setWork(command, [&session] {
+    const auto edit = std::make_shared<Edit>();
+    edit->verb = Edit::kRemove;
+    command.addList("--structure", edit->structures, "NAME", "remove this structure, which no stream may use");
+    command.addFlag("--unused", edit->allUnused,
+                    "remove all structures that no stream uses any more; where a node cannot be read, none is removed");
+    session.setWork(command, [&session, edit] {
         checkSaving(session);
-        Edit edit;
-        edit.verb = Edit::kRemove;
-        edit.words = session.words();
-        edit.check();
-        return forEachFile(session, [&edit](Job& job) { return makeEdits(job, {edit}); });
+        edit->words = session.words();
+        edit->check();
+        return forEachFile(session, [&edit](Job& job) { return makeEdits(job, {*edit}); });
     });
 }

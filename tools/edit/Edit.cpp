@@ -5,6 +5,7 @@
 #include "edit/Assignment.h"
 #include "edit/Parts.h"
 #include "edit/Transfer.h"
+#include "edit/UnusedStructures.h"
 
 #include <algorithm>
 
@@ -68,9 +69,8 @@ void removeNode(SceneFile& scene, const std::string& name)
     scene.metadata().associations()[name] = Associations(); // without an entry, what was not read would stay
 }
 
-void applyRemove(const Edit& edit, SceneFile& scene)
+void removeAt(const Address& address, SceneFile& scene)
 {
-    const Address address = edit.from();
     if (!address.channel)
         return removeNode(scene, address.node);
     Channel& channel = scene.channel(address);
@@ -90,6 +90,16 @@ void applyRemove(const Edit& edit, SceneFile& scene)
     {
         scene.node(address.node).removeChannel(*address.channel);
     }
+}
+
+void applyRemove(const Edit& edit, SceneFile& scene)
+{
+    if (!edit.words.empty())
+        removeAt(edit.from(), scene);
+    if (!edit.structures.empty())
+        removeStructures(scene, edit.structures);
+    if (edit.allUnused)
+        removeUnusedStructures(scene);
 }
 
 [[noreturn]] void refuse(const std::string& text)
@@ -137,8 +147,9 @@ void Edit::check(bool isToOtherFile) const
 {
     if (verb == kSet)
         checkSet(*this);
-    else if (words.empty() || words.size() > kWordsOfElement)
-        refuse("NODE [CHANNEL [STREAM [INDEX]]] is needed");
+    else if ((words.empty() && !removesStructures()) || words.size() > kWordsOfElement)
+        refuse(verb == kRemove ? "NODE [CHANNEL [STREAM [INDEX]]] is needed, --structure or --unused"
+                               : "NODE [CHANNEL [STREAM [INDEX]]] is needed");
     if (verb == kCopy || verb == kMove)
         checkTransfer(*this, isToOtherFile);
 }

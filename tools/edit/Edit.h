@@ -32,6 +32,11 @@ struct Edit
     std::string indexType;             ///< of a new stream; empty for "numeric"
     std::vector<std::string> newWords; ///< the last words of the new address
     eMerge merge = kFail;
+    std::vector<std::string> structures; ///< that kRemove removes
+    bool allUnused = false;              ///< likewise all structures that no stream uses
+
+    /// Whether it is about structures that must not be used, so that all nodes are to be read.
+    bool removesStructures() const { return allUnused || !structures.empty(); }
 
     /// The address, and where something is copied or moved to.
     Address from() const;

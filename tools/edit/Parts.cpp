@@ -23,17 +23,6 @@ const Structure* structureByName(const SceneFile& scene, const std::string& name
     return nullptr;
 }
 
-/// The structure that is named.
-const Structure& knownStructure(const SceneFile& scene, const std::string& name)
-{
-    if (const Structure* const known = structureByName(scene, name))
-        return *known;
-    std::vector<std::string> names;
-    for (const Structure* const structure : scene.metadata().structures())
-        names.emplace_back(structure->name());
-    throw scene.failure(kNo, "there is no structure " + inQuotes(name) + didYouMean(name, names));
-}
-
 /// Puts the stream under another name without renaming those that share its elements.
 Stream named(const Stream& stream, const std::string& name)
 {
@@ -47,6 +36,16 @@ Stream named(const Stream& stream, const std::string& name)
     return *channel.findDataStream(name);
 }
 } // namespace
+
+const Structure& knownStructure(const SceneFile& scene, const std::string& name)
+{
+    if (const Structure* const known = structureByName(scene, name))
+        return *known;
+    std::vector<std::string> names;
+    for (const Structure* const structure : scene.metadata().structures())
+        names.emplace_back(structure->name());
+    throw scene.failure(kNo, "there is no structure " + inQuotes(name) + didYouMean(name, names));
+}
 
 const Structure& structureToUse(SceneFile& scene, const std::string& text)
 {

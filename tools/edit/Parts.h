@@ -8,8 +8,9 @@
 /// The steps that edits of a scene are made of. Where something is missing that they need, they throw a `Failure`, too.
 
 /// The structure that the text declares, or that has this name, referenced by the scene: new ones are added to it.
-/// Throws a `Failure` when there is another of the name.
+/// Throws a `Failure` when there is another of the name, or none.
 const vumo::Data::Structure& structureToUse(SceneFile& scene, const std::string& text);
+const vumo::Data::Structure& knownStructure(const SceneFile& scene, const std::string& name);
 const vumo::Data::Structure& addStructure(SceneFile& scene, const vumo::Data::Structure& structure);
 
 /// The node, to be added to; a new one where there is none. Throws a `Failure` for one that cannot be read.

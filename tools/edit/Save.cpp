@@ -6,10 +6,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 
 using namespace vumo::Data;
 namespace fs = std::filesystem;
@@ -151,7 +153,8 @@ eExitCode makeEdits(const Job& job, const std::vector<Edit>& edits)
 {
     SceneFile scene = openToEdit(job, job.file);
     const std::set<std::string> nodes = nodesOf(edits);
-    scene.read(&nodes);
+    const bool needsAll = std::any_of(edits.begin(), edits.end(), std::mem_fn(&Edit::removesStructures));
+    scene.read(needsAll ? nullptr : &nodes);
     for (const Edit& edit : edits)
         apply(edit, scene);
     save(job, scene);

@@ -70,6 +70,7 @@ private:
     void takeOption()
     {
         const bool isSet = mEdit.verb == Edit::kSet;
+        const bool isRemove = mEdit.verb == Edit::kRemove;
         const bool isTransfer = mEdit.verb == Edit::kCopy || mEdit.verb == Edit::kMove;
         const std::string::size_type equals = mWords[mAt].find('=');
         const std::string name = mWords[mAt].substr(0, equals);
@@ -77,6 +78,10 @@ private:
             mEdit.add = true;
         else if (isSet && name == "--structure")
             mEdit.structure = value(equals);
+        else if (isRemove && name == "--structure")
+            mEdit.structures.push_back(value(equals));
+        else if (isRemove && mWords[mAt] == "--unused")
+            mEdit.allUnused = true;
         else if (isSet && name == "--index-type")
             mEdit.indexType = value(equals);
         else if (isTransfer && name == "--merge")
