@@ -10,17 +10,18 @@ namespace vumo::Data::detail
 {
 namespace
 {
-/// Says whether nobody sees when a line arrives: there is nothing to flush, and no code of others to be called.
+template <class Buffer>
+bool writesTo(const std::ostream& out)
+{
+    const std::streambuf* const buffer = out.rdbuf();
+    return buffer && typeid(*buffer) == typeid(Buffer);
+}
+
+/// Says whether nobody sees when a line arrives: the text goes into a string, and no code of others is called. There a
+/// flush would do nothing, and take as long as half of a number.
 bool isUnwatched(const std::ostream& out)
 {
-    const std::streambuf* const buffer = out.rdbuf();
-    return buffer && typeid(*buffer) == typeid(StringBuffer) && !out.tie();
-}
-/// Says whether a flush can do anything: not where the text goes into a string. It takes as long as half of a number.
-bool canFlush(const std::ostream& out)
-{
-    const std::streambuf* const buffer = out.rdbuf();
-    return !buffer || (typeid(*buffer) != typeid(std::stringbuf) && typeid(*buffer) != typeid(StringBuffer));
+    return !out.tie() && (writesTo<StringBuffer>(out) || writesTo<std::stringbuf>(out));
 }
 } // namespace
 
@@ -28,8 +29,8 @@ LineWriter::LineWriter(std::ostream& out, Messages& messages, const LineOwner& o
     : mOut(out),
       mMessages(messages),
       mOwner(owner),
-      mGathers(use == kAlone && isUnwatched(out)),
-      mCanFlush(canFlush(out))
+      mIsUnwatched(isUnwatched(out)),
+      mGathers(use == kAlone && mIsUnwatched && writesTo<StringBuffer>(out))
 {
 }
 
@@ -53,11 +54,23 @@ void LineWriter::writeName(const char* keyword, const char* what, const std::str
 void LineWriter::endLine()
 {
     constexpr std::size_t kPiece = 4096;
+    startLine();
+    if (!mGathers || mBegin >= kPiece)
+        finish();
+}
+
+void LineWriter::endFirstOfTwo()
+{
+    startLine();
+    if (!mIsUnwatched)
+        finish();
+}
+
+void LineWriter::startLine()
+{
     mLine.append('\n');
     ++mRecord;
     mBegin = mLine.text().size();
-    if (!mGathers || mBegin >= kPiece)
-        finish();
 }
 
 void LineWriter::finish()
@@ -65,7 +78,7 @@ void LineWriter::finish()
     if (mLine.empty())
         return;
     mOut.write(mLine.text().data(), static_cast<std::streamsize>(mLine.text().size()));
-    if (mCanFlush)
+    if (!mIsUnwatched)
         mOut.flush(); // whoever reads along gets whole lines
     mLine.clear();
     mBegin = 0;

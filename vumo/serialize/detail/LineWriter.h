@@ -39,6 +39,10 @@ public:
     bool isTooLong() const { return mLine.text().size() - mBegin > kMaxLineLength; }
     void endLine();
 
+    /// The same for a line that another one follows before any code of others runs: on a string both may be written
+    /// at once.
+    void endFirstOfTwo();
+
     /// Writes what was gathered.
     void finish();
 
@@ -51,11 +55,13 @@ public:
     void refuse(const std::string& subject, const std::string& fault);
 
 private:
+    void startLine();
+
     std::ostream& mOut;
     Messages& mMessages;
     LineOwner mOwner;
+    const bool mIsUnwatched;
     const bool mGathers;
-    const bool mCanFlush;
     TextBuilder mLine;      // after those that were gathered
     std::size_t mBegin = 0; // of the line
     unsigned int mRecord = 1;

@@ -77,7 +77,7 @@ void StreamWriter::writeElements()
         if (isNumeric && !static_cast<IndexType*>(index))
         {
             mFormat.append(mLines.line(), index.index()); // always read back
-            mLines.endLine();
+            mLines.endFirstOfTwo();
         }
         else
             writeIndex(index);
