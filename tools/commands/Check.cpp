@@ -5,10 +5,14 @@
 #include "core/SceneFile.h"
 #include "core/Text.h"
 #include "vumo/accessor/AccessorOvri.h"
+#include "vumo/accessor/OvriAsciiFileAccessor.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cctype>
+#include <cstdint>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <set>
@@ -16,6 +20,7 @@
 #include <tuple>
 
 using namespace vumo::Data;
+namespace fs = std::filesystem;
 
 namespace
 {
@@ -40,8 +45,13 @@ constexpr Rule kMissing = {"V08", "missing-content", "there is nothing at the pa
 constexpr Rule kTwoElements = {"V09", "two-elements",
                                "an index stands twice in a stream, and all but the last are passed over"};
 
-constexpr Rule kRules[] = {kContainer, kUndoRecord, kUnreadable, kTwoLayouts, kTwoBlocks,
-                           kUnused,    kRefused,    kMissing,    kTwoElements};
+constexpr Rule kUnseen = {
+    "V10", "unseen",
+    "metadata stand above the last statement of the host in an ASCII scene, in the MiB before it: "
+    "nobody reads or replaces them"};
+
+constexpr Rule kRules[] = {kContainer, kUndoRecord, kUnreadable, kTwoLayouts,  kTwoBlocks,
+                           kUnused,    kRefused,    kMissing,    kTwoElements, kUnseen};
 
 struct Finding
 {
@@ -186,6 +196,36 @@ void findMissing(const SceneFile& scene, Findings& findings)
     }
 }
 
+/// Statements that begin in front of what was listed, which is all that reading comes by.
+void findUnseen(const SceneFile& scene, const std::vector<ListedBlock>& blocks, Findings& findings)
+{
+    constexpr std::uint64_t kMostBefore = 1U << 20U; // a scene may have gigabytes that are none of it
+    if (!dynamic_cast<const OvriAsciiFileAccessor*>(&scene.metadata()))
+        return;
+    std::error_code ignored;
+    const std::uint64_t end = blocks.empty() ? fs::file_size(scene.name(), ignored) : blocks.front().position;
+    MetadataBlock before;
+    before.length = std::min(end, kMostBefore);
+    before.position = end - before.length;
+    std::istringstream lines(blockBytes(scene, before));
+    std::string line;
+    if (before.position > 0)
+        std::getline(lines, line); // maybe not the whole of it
+    std::size_t count = 0;
+    while (std::getline(lines, line))
+    {
+        for (const std::string& command :
+             {AccessorOvri::Ascii::getDataStructureCommandName(), AccessorOvri::Ascii::getApplyMetadataCommandName()})
+            count += line.compare(0, command.size(), command) == 0 ? 1 : 0;
+    }
+    if (count > 0)
+        findings.insert({kUnseen.code,
+                         "file",
+                         "",
+                         "metadata statements above the last line of the host: " + std::to_string(count),
+                         {}});
+}
+
 Findings findAll(SceneFile& scene, Layouts& layouts)
 {
     Findings findings;
@@ -215,13 +255,24 @@ Findings findAll(SceneFile& scene, Layouts& layouts)
     findUnused(blocks, findings);
     findRefused(scene, findings);
     findMissing(scene, findings);
+    findUnseen(scene, blocks, findings);
     return findings;
 }
 
-eExitCode check(Job& job, Layouts& layouts)
+/// What all files of a run have in common.
+struct Run
 {
+    Layouts layouts;
+    std::size_t files = 0;
+    std::size_t sound = 0;
+};
+
+eExitCode check(Job& job, Run& run)
+{
+    ++run.files;
     SceneFile scene(job.session, job.file);
-    const Findings findings = findAll(scene, layouts);
+    const Findings findings = findAll(scene, run.layouts);
+    run.sound += findings.empty() ? 1 : 0;
     Rows rows(job, "findings", {"rule", "kind", "name", "text", "line", "excerpt"});
     for (const Finding& finding : findings)
     {
@@ -231,6 +282,16 @@ eExitCode check(Job& job, Layouts& layouts)
                   hasPlace ? Rows::Cell(finding.place.text) : Rows::Cell()});
     }
     return findings.empty() ? kDone : kNo;
+}
+
+/// For people, who would see nothing else of scenes in which nothing is found.
+void tellSound(Session& session, const Run& run)
+{
+    session.flushForPeople();
+    if (StandardOutput::isTerminal() && run.sound > 0)
+        session.say(run.files == 1
+                        ? "the scene is sound"
+                        : std::to_string(run.sound) + " of " + std::to_string(run.files) + " scenes are sound");
 }
 
 eExitCode listRules(Session& session)
@@ -254,7 +315,9 @@ void addCheck(Session& session)
     session.setWork(command, [&session, isListing] {
         if (*isListing)
             return listRules(session);
-        Layouts layouts;
-        return forEachFile(session, [&layouts](Job& job) { return check(job, layouts); });
+        Run run;
+        const eExitCode code = forEachFile(session, [&run](Job& job) { return check(job, run); });
+        tellSound(session, run);
+        return code;
     });
 }

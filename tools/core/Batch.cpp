@@ -101,7 +101,7 @@ private:
         }
         catch (const Failure& failure)
         {
-            if (failure.code() == kWrongUsage)
+            if (failure.code() == kWrongUsage && !dynamic_cast<const UnfitValue*>(&failure))
                 throw;
             outcome.code = failure.code();
             outcome.words = failure.what();

@@ -27,3 +27,10 @@ public:
 private:
     eExitCode mCode;
 };
+
+/// A value that is none of what a file wants: wrong usage, which says nothing about the other files of a batch.
+class UnfitValue : public Failure
+{
+public:
+    explicit UnfitValue(const std::string& text) : Failure(kWrongUsage, text) {}
+};

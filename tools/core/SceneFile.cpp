@@ -44,12 +44,20 @@ std::string obstacle(const std::string& fileName, SceneFile::eUse use)
     return access(fileName.c_str(), rights) == 0 ? "" : systemFault();
 }
 
-/// The messages of a read or write that failed, with what the system says unless they have it.
+/// What can be done about a scene that is no whole one.
+std::string adviceFor(Accessor::Failure::eKind kind)
+{
+    if (kind == Accessor::Failure::kNotScene)
+        return "\nIf this was a scene, it was cut off or damaged: restore it from a backup.";
+    return kind == Accessor::Failure::kMalformed ? "\nIt was cut off or damaged: restore it from a backup." : "";
+}
+
+/// The messages of a read or write that failed, with what the system says unless they have it, or with advice.
 std::string withReason(std::string messages, const Accessor& accessor)
 {
     const std::string reason = accessor.failure().systemReason();
     if (reason.empty() || messages.find(reason) != std::string::npos)
-        return messages;
+        return withoutLineEnd(messages) + adviceFor(accessor.failure().kind);
     messages.erase(messages.find_last_not_of(".\n") + 1);
     return messages + ": " + reason;
 }

@@ -20,10 +20,10 @@ std::vector<std::string> wordsOf(const std::string& text)
     return {std::istream_iterator<std::string>(in), std::istream_iterator<std::string>()};
 }
 
-void setString(const std::string& name, const std::string& value, const MemberPart& part, Handle& element)
+void setString(const std::string& value, const MemberPart& part, Handle& element)
 {
     if (part.count != 1)
-        throw Failure(kWrongUsage, "set the strings of " + inQuotes(name) + " one by one, as MEMBER[i]=VALUE");
+        throw CodecError("its strings are set one by one, as MEMBER[i]=VALUE");
     setValue(element, part.first, value);
 }
 
@@ -51,13 +51,13 @@ void assign(const SceneFile& scene, const Stream& stream, const std::string& tex
     try
     {
         if (element.dataType() == Member::kString)
-            setString(name, value, part, element);
+            setString(value, part, element);
         else
             setNumbers(value, part, *stream.structure().member(element.memberIndex()), element);
     }
     catch (const CodecError& error)
     {
-        throw scene.failure(kNotWritten, "member " + inQuotes(name) + ": " + error.what());
+        throw UnfitValue(scene.failure(kWrongUsage, "member " + inQuotes(name) + ": " + error.what()).what());
     }
 }
 
