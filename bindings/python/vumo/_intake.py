@@ -9,7 +9,7 @@ import operator
 import sqlite3
 import time
 from collections import defaultdict
-from collections.abc import Iterable, Iterator
+from collections.abc import Callable, Iterable, Iterator
 from typing import Any
 
 from ._rows import as_bytes, as_text
@@ -38,7 +38,7 @@ def take_in(database: sqlite3.Connection, texts: Iterable[bytes | str], names: I
     changed = 0
     missing = set(names)
     batch = _Batch(database)
-    for name, lines in itertools.groupby(_parsed(texts), operator.itemgetter("file")):
+    for name, lines in itertools.groupby(itertools.chain.from_iterable(_parsed(texts)), operator.itemgetter("file")):
         if name in batch.names:  # of another scan: it takes the place of what the first one said
             batch.write()
             batch = _Batch(database)
@@ -114,7 +114,7 @@ class _Batch:
         return not is_same
 
     def _add_metadata(self, file: int, of_kind: dict[str, list[Line]]) -> None:
-        declared = {self._structure(line) for line in of_kind["structure"]}
+        declared = {self._structures.get(line["layout"]) or self._structure(line) for line in of_kind["structure"]}
         self._rows["declarations"] += [(file, structure) for structure in declared]
         nodes = of_kind["node"]
         self._rows["nodes"] += [(file, line["node"]) for line in nodes]
@@ -123,27 +123,25 @@ class _Batch:
         for line in of_kind["stream"]:
             stream = self._next_stream
             self._next_stream += 1
-            structure = self._structure(line)
+            structure = self._structures.get(line["layout"]) or self._structure(line)
             members = line["members"]
             if structure not in self._described:
                 self._describe(structure, members)
             streams.append((stream, file, line["node"], line["channel"], line["stream"], structure,
                             line["indexType"], line["elements"], line["bytes"]))  # fmt: skip
-            ranges += [
-                (stream, place, number_for_database(member["least"]), number_for_database(member["greatest"]))
-                for place, member in enumerate(members)
-                if "least" in member
-            ]
+            for place, member in enumerate(members):
+                if "least" in member:
+                    least, greatest = member["least"], member["greatest"]
+                    if stored := _STORED.get(member["type"]):
+                        least, greatest = stored(least), stored(greatest)
+                    ranges.append((stream, place, least, greatest))
 
     def _structure(self, line: Line) -> int:
-        """The number of the structure of that text."""
-        layout = line["layout"]
-        number = self._structures.get(layout)
-        if number is None:
-            values = (line["structure"], layout)
-            self._database.execute("INSERT OR IGNORE INTO structures (name, layout) VALUES (?, ?)", values)
-            row = self._database.execute("SELECT id FROM structures WHERE layout = ?", (layout,)).fetchone()
-            number = self._structures[layout] = int(row[0])
+        """The number of the structure of that text, which is put in if it is new."""
+        values = (line["structure"], line["layout"])
+        self._database.execute("INSERT OR IGNORE INTO structures (name, layout) VALUES (?, ?)", values)
+        row = self._database.execute("SELECT id FROM structures WHERE layout = ?", values[1:]).fetchone()
+        number = self._structures[line["layout"]] = int(row[0])
         return number
 
     def _describe(self, structure: int, members: list[Line]) -> None:
@@ -152,12 +150,12 @@ class _Batch:
         self._described.add(structure)
 
 
-def _parsed(texts: Iterable[bytes | str]) -> Iterator[Line]:
+def _parsed(texts: Iterable[bytes | str]) -> Iterator[list[Line]]:
     """The objects of the lines; texts that are not UTF-8 are bytes in them."""
     for text in texts:
         for piece in _pieces(text if isinstance(text, str) else text.decode()):
             has_bytes = '{"base64": ' in piece  # can stand in no other place; to ask for each object takes time
-            yield from json.loads(f"[{piece}]", object_hook=_text_or_object if has_bytes else None)
+            yield json.loads(f"[{piece}]", object_hook=_text_or_object if has_bytes else None)
 
 
 def _pieces(text: str) -> Iterator[str]:
@@ -186,5 +184,13 @@ def _content(file: int, line: Line) -> tuple[Any, ...]:
 
 
 def number_for_database(value: Any) -> Any:
-    """A number as the database has it: beyond its range as 20 digits, which come after all numbers in its order."""
-    return f"{value:020}" if isinstance(value, int) and value >= 1 << 63 else value
+    """A whole number as the database has it: beyond its range as 20 digits, which come after all numbers in its order."""
+    return value if value is None or value < 1 << 63 else f"{value:020}"
+
+
+#: How numbers of these types become what the database has, others of which are as they are. The texts of floating-point
+#: ones can be those of whole numbers, of any size.
+_STORED: dict[str, Callable[[Any], Any]] = {
+    "uint64": number_for_database,
+    **dict.fromkeys(("float", "double", "flt4x4", "dbl4x4"), float),
+}
