@@ -62,12 +62,18 @@ struct Description
 class FileLines
 {
 public:
-    /// Borrows the output. The file's identity stands in each line.
-    FileLines(std::ostream& out, const JsonObject& identity) : mOut(out), mIdentity(identity) {}
+    /// Borrows the output. The file's identity stands in the first line, and what `others` has of it in the others.
+    FileLines(std::ostream& out, const JsonObject& identity, const JsonObject& others)
+        : mOut(out),
+          mIdentity(&identity),
+          mOthers(others)
+    {
+    }
 
     void add(const char* kind, const JsonObject& members)
     {
-        mOut << "{\"kind\": \"" << kind << "\", " << mIdentity.members() << ", " << members.members() << "}\n";
+        mOut << "{\"kind\": \"" << kind << "\", " << mIdentity->members() << ", " << members.members() << "}\n";
+        mIdentity = &mOthers;
     }
 
     const Description& describe(const Structure& structure)
@@ -77,7 +83,8 @@ public:
 
 private:
     std::ostream& mOut;
-    const JsonObject& mIdentity;
+    const JsonObject* mIdentity; // of the next line
+    const JsonObject& mOthers;
     std::map<const Structure*, Description> mStructures;
 };
 
@@ -134,10 +141,9 @@ void addFault(FileLines& lines, const UnreadBlock& block)
 }
 
 /// All lines of a file that could be read.
-void addAll(const Job& job, const SceneFile& scene, const ByteCounts& bytes, const JsonObject& identity)
+void addAll(FileLines lines, const SceneFile& scene, const ByteCounts& bytes)
 {
     const std::vector<UnreadBlock> unread = scene.metadata().unread();
-    FileLines lines(job.out, identity);
     lines.add("file", JsonObject().add("code", kDone).add("faults", unread.size()));
     for (const Structure* const structure : scene.metadata().structures())
         lines.add("structure", lines.describe(*structure).whole);
@@ -163,10 +169,11 @@ ByteCounts byteCounts(const SceneFile& scene)
     return bytes;
 }
 
-eExitCode scan(Job& job)
+eExitCode scan(Job& job, bool isBrief)
 {
-    JsonObject identity;
-    identity.addText("file", job.file);
+    const JsonObject name = JsonObject().addText("file", job.file);
+    JsonObject identity = name;
+    const JsonObject& others = isBrief ? name : identity;
     const bool isFile = addIdentity(identity, job.file);
     try
     {
@@ -174,12 +181,12 @@ eExitCode scan(Job& job)
         scene.metadata().setListing(Accessor::kListRead);
         scene.read();
         identity.addText("tail", scene.tail());
-        addAll(job, scene, byteCounts(scene), identity);
+        addAll(FileLines(job.out, identity, others), scene, byteCounts(scene));
         return kDone;
     }
     catch (const Failure& failure)
     {
-        FileLines lines(job.out, identity);
+        FileLines lines(job.out, identity, others);
         if (isFile)
             lines.add("file", JsonObject().add("code", std::to_string(failure.code())).add("faults", 1));
         lines.add(
@@ -197,13 +204,15 @@ void addScan(Session& session)
     const auto jobs = std::make_shared<unsigned int>(1);
     constexpr unsigned int kMostJobs = 256;
     command.addNumber("--jobs", *jobs, 1, kMostJobs, "N", "work on so many files at once, up to 256");
-    session.setWork(command, [&session, jobs] {
+    const auto isBrief = std::make_shared<bool>(false);
+    command.addFlag("--brief", *isBrief, "tell of a file's identity and times in its first line alone");
+    session.setWork(command, [&session, jobs, isBrief] {
         Batch batch = batchOf(session);
         const std::vector<std::string> names = batch.files;
         batch.files = withoutFolders(names);
         batch.isSeveral = batch.isSeveral || batch.files != names;
         batch.areLinesLed = false;
         batch.jobs = *jobs;
-        return forEachFile(session, batch, scan);
+        return forEachFile(session, batch, [brief = *isBrief](Job& job) { return scan(job, brief); });
     });
 }

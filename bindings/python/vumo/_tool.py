@@ -35,7 +35,7 @@ def scan(files: Sequence[bytes]) -> bytes:
     """
     names = b"".join(name + b"\0" for name in files)
     with tempfile.TemporaryFile() as lines:  # a pipe would be full while this process has other work
-        command = [program(), "scan", "--quiet", "-0", "--files-from", "-"]
+        command = [program(), "scan", "--brief", "--quiet", "-0", "--files-from", "-"]
         done = subprocess.run(command, input=names, stdout=lines, stderr=subprocess.DEVNULL, check=False)
         lines.seek(0)
         if done.returncode >= 0:
