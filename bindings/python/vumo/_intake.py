@@ -24,6 +24,8 @@ MALFORMED = 3
 
 _PIECE = 100_000  # characters
 
+_ROWS_AT_ONCE = 20  # each statement costs as much as two rows
+
 _STOPPED = "vumo stopped in the middle of it"
 
 _UPDATE = "UPDATE files SET device = ?, inode = ?, size = ?, mtime = ?, ctime = ?, tail = ?, code = ?, scanned = ? WHERE id = ?"
@@ -58,7 +60,7 @@ def put_fault(database: sqlite3.Connection, name: bytes, error: str) -> None:
 
 
 class _Batch:
-    """What is to be done to the database for some files, one statement for many rows."""
+    """What is to be done to the database for some files, all rows of a table together."""
 
     def __init__(self, database: sqlite3.Connection) -> None:
         self.names: set[str | bytes] = set()
@@ -79,8 +81,13 @@ class _Batch:
         execute_many(_UPDATE, self._updates)
         execute_many("DELETE FROM content WHERE file = ?", ((values[-1],) for values in self._updates))
         for table, rows in self._rows.items():
-            if rows:
-                execute_many(f"INSERT INTO {table} VALUES ({', '.join('?' * len(rows[0]))})", rows)
+            for begin in range(0, len(rows), _ROWS_AT_ONCE):
+                self._insert(table, rows[begin : begin + _ROWS_AT_ONCE])
+
+    def _insert(self, table: str, rows: list[tuple[Any, ...]]) -> None:
+        row = f"({', '.join('?' * len(rows[0]))})"
+        values = list(itertools.chain.from_iterable(rows))
+        self._database.execute(f"INSERT INTO {table} VALUES {', '.join([row] * len(rows))}", values)
 
     def _next(self, table: str) -> int:
         (largest,) = self._database.execute(f"SELECT coalesce(max(id), 0) FROM {table}").fetchone()
