@@ -6,6 +6,7 @@ SITE is the folder that packages are in.
 """
 
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -39,3 +40,10 @@ if root is not None:
     command = [root / "bin/vumo", "catalog", ":memory:", "update", root / "share/vumo"]
     said = subprocess.run(command, env=alone, check=True, stdout=subprocess.PIPE, text=True).stdout
     assert said.startswith("files="), said
+
+    # Away from the package the command says what it needs.
+    with tempfile.TemporaryDirectory() as folder:
+        lonely = shutil.copy(root / "bin/vumo-catalog", folder)
+        done = subprocess.run([lonely, "--help"], env=alone, stderr=subprocess.PIPE, text=True)
+    needs = "vumo: catalog needs the package vumo for Python, build or install that: No module named 'vumo'\n"
+    assert (done.returncode, done.stderr) == (3, needs), done

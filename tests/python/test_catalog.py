@@ -35,7 +35,8 @@ def show(tmp_path, monkeypatch):
             table.set_element(index, {"node": "Body", "key": "tex", "upath": path, "roles": "color;bump"})
         scene.declare(vumo.Structure("Unused", {"f": "f8"}))
     (root / "bad.ob").write_bytes(b"no scene")
-    (root / "note.txt").write_bytes(b"no scene either")
+    for name in ("note.txt", ".vumo-aB3dE9.ob"):
+        (root / name).write_bytes(b"no scene either")
     return root
 
 

@@ -8,6 +8,9 @@ from collections.abc import Iterable
 Paths = str | os.PathLike[str] | Iterable[str | os.PathLike[str]]
 
 
+_NEW_FILE_START = b".vumo-"  # of what the tool leaves that was killed while it made a new file
+
+
 class Tree:
     """The scenes in folders and those below them, and files that are named.
 
@@ -44,7 +47,7 @@ class Tree:
         for entry in entries:
             if entry.is_dir(follow_symlinks=False):
                 self._walk(entry.path)
-            elif entry.name.lower().endswith((b".oa", b".ob")):
+            elif entry.name.lower().endswith((b".oa", b".ob")) and not entry.name.startswith(_NEW_FILE_START):
                 self.files[entry.path] = None
 
 
