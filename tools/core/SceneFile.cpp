@@ -77,6 +77,13 @@ eExitCode codeOf(Accessor::Failure::eKind kind, eExitCode otherwise)
     }
 }
 
+std::string replaced(std::string text, const std::string& old, const std::string& other)
+{
+    for (std::size_t at = text.find(old); at != std::string::npos; at = text.find(old, at + other.size()))
+        text.replace(at, old.size(), other);
+    return text;
+}
+
 /// The names in a map, or of the parts of a node or a channel.
 template <class Parts, class NameOf>
 std::vector<std::string> namesOf(const Parts& parts, NameOf nameOf)
@@ -249,11 +256,14 @@ Failure SceneFile::writeFailure(const std::string& messages) const
 
 Failure SceneFile::readFailure(const std::string& messages) const
 {
-    return failure(codeOf(mAccessor->failure().kind, kBadInput), withReason(messages, *mAccessor));
+    const std::string unnamed = replaced(messages, " of " + mFileName, ""); // places are in no other file
+    return failure(codeOf(mAccessor->failure().kind, kBadInput), withReason(unnamed, *mAccessor));
 }
 
 Failure SceneFile::failure(eExitCode code, const std::string& message) const
 {
-    const bool isNamed = message.substr(0, message.find('\n')).find(mFileName) != std::string::npos;
-    return {code, isNamed ? message : escaped(mFileName) + ": " + message};
+    const std::string name = escaped(mFileName);
+    const std::string text = replaced(message, mFileName, name);
+    const bool isNamed = text.substr(0, text.find('\n')).find(name) != std::string::npos;
+    return {code, isNamed ? text : name + ": " + text};
 }
