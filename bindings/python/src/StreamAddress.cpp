@@ -18,15 +18,13 @@ std::size_t byteSize(const Member& member)
     return std::size_t{Member::length(&member)} * Member::typeSize(Member::type(&member));
 }
 
-/// The blocks of all elements in their order.
-std::vector<char*> allBlocks(const Stream& stream)
+/// Calls `visit` with the place of a member's values in each element, in the order of the elements.
+template <class Visit>
+void visitValues(const Stream& stream, const Member& member, Visit&& visit)
 {
-    std::vector<char*> blocks;
-    blocks.reserve(stream.elementCount());
     const StreamIterator end = stream.end();
     for (StreamIterator position = stream.begin(); position != end; ++position)
-        blocks.push_back(position->data());
-    return blocks;
+        visit(position->data() + Member::offset(&member));
 }
 
 /// The blocks of these elements.
@@ -50,27 +48,34 @@ std::vector<char*> blocksAt(const Stream& stream, const ElementIndices& indices)
     throw Missing{"There is no element " + index + " in the stream " + stream.name() + "."};
 }
 
-/// The values of a member that lie in these blocks.
+/// Copies a member's values of the elements at these indices; strings are lent.
 template <class T>
-void copyValues(const std::vector<char*>& blocks, const Member& member, T* values)
+void copyValues(const Stream& stream, const Member& member, const ElementIndices& indices, T* values)
 {
-    const std::size_t size = byteSize(member);
-    for (const char* const block : blocks)
+    std::size_t found = 0;
+    if (indices.areNumbers())
     {
-        std::memcpy(values, block + Member::offset(&member), size);
-        values += size / sizeof(T);
+        found = stream.getMemberValues(Member::name(&member), indices.numbers().data(),
+                                       static_cast<unsigned int>(indices.size()), values);
     }
+    else
+    {
+        const std::vector<char*> blocks = blocksAt(stream, indices);
+        while (found < blocks.size() && blocks[found])
+        {
+            std::memcpy(values, blocks[found++] + Member::offset(&member), byteSize(member));
+            values += byteSize(member) / sizeof(T);
+        }
+    }
+    if (found < indices.size())
+        refuseMissing(stream, indices);
 }
 
-/// Puts texts into a new array of objects, whose places hold nothing yet that somebody owns.
-void placeTexts(const std::vector<const char*>& texts, py::array& array)
+/// Puts texts into the next places of a new array of objects.
+void placeTexts(const char* const* texts, std::size_t count, PyObject**& place)
 {
-    auto* place = static_cast<PyObject**>(array.mutable_data());
-    for (const char* const text : texts)
-    {
-        Py_XDECREF(*place);
-        *place++ = toPython(text ? text : "").release().ptr();
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        *place++ = toPython(texts[i] ? texts[i] : "").release().ptr();
 }
 
 /// Makes the elements that are missing.
@@ -288,40 +293,35 @@ py::array StreamAddress::gather(const Text& memberName, const py::object& indice
 {
     const Stream& source = stream();
     const Member& wanted = member(memberName);
-    const bool isString = Member::type(&wanted) == Member::kString;
     const bool areAll = indices.is_none();
     const ElementIndices places(source, areAll ? py::object(py::list()) : indices);
     const std::size_t count = areAll ? source.elementCount() : places.size();
-
-    const auto fill = [&](auto* values) {
-        unsigned int found = 0;
-        if (places.areNumbers() && !areAll)
-        {
-            found = source.getMemberValues(Member::name(&wanted), places.numbers().data(),
-                                           static_cast<unsigned int>(count), values);
-        }
-        else
-        {
-            std::vector<char*> blocks = areAll ? allBlocks(source) : blocksAt(source, places);
-            blocks.erase(std::remove(blocks.begin(), blocks.end(), nullptr), blocks.end());
-            found = static_cast<unsigned int>(blocks.size());
-            copyValues(blocks, wanted, values);
-        }
-        if (found < count)
-            refuseMissing(source, places);
-    };
-    if (isString)
+    py::array array;
+    if (Member::type(&wanted) == Member::kString)
     {
-        py::array array(py::dtype("O"), shapeOf(wanted, count));
-        std::vector<const char*> texts(count * Member::length(&wanted));
-        fill(texts.data());
-        placeTexts(texts, array);
+        array = py::array(py::dtype("O"), shapeOf(wanted, count)); // of null pointers
+        auto* place = static_cast<PyObject**>(array.mutable_data());
+        if (areAll)
+        {
+            visitValues(source, wanted, [&](const char* values) {
+                placeTexts(reinterpret_cast<const char* const*>(values), Member::length(&wanted), place);
+            });
+            return array;
+        }
+        std::vector<const char*> texts(places.size() * Member::length(&wanted));
+        copyValues(source, wanted, places, texts.data());
+        placeTexts(texts.data(), texts.size(), place);
         return array;
     }
-    py::array array;
     visitNumbers(Member::type(&wanted), [&](auto value) {
         array = py::array(py::dtype::of<decltype(value)>(), shapeOf(wanted, count));
-        fill(static_cast<decltype(value)*>(array.mutable_data()));
+        auto* place = static_cast<decltype(value)*>(array.mutable_data());
+        if (!areAll)
+            return copyValues(source, wanted, places, place);
+        visitValues(source, wanted, [&](const char* values) {
+            std::memcpy(place, values, byteSize(wanted));
+            place += byteSize(wanted) / sizeof value;
+        });
     });
     return array;
 }
