@@ -305,21 +305,31 @@ TEST_F(SceneUpdateTest, ASignal_EndsTheProcessAfterTheWrite)
 
 TEST_F(SceneUpdateTest, ALimitOfTheSizeOfFiles_IsAFailureAndNoEnd)
 {
-    mFile.setBytes(std::string(400, 'a'));
-    const pid_t child = fork();
-    if (child == 0)
+    for (const bool isBlocked : {false, true})
     {
-        const rlimit limit = {500, 500}; // too little for the change, and for the record
-        setrlimit(RLIMIT_FSIZE, &limit);
-        FileChange change(600, "");
-        change.add(200, std::string(400, 'b'), "", "");
-        _exit(run(change) ? 0 : 2);
+        mFile.setBytes(std::string(400, 'a'));
+        const pid_t child = fork();
+        if (child == 0)
+        {
+            const rlimit limit = {500, 500}; // too little for the change, and for the record
+            setrlimit(RLIMIT_FSIZE, &limit);
+            sigset_t signals;
+            sigemptyset(&signals);
+            sigaddset(&signals, SIGXFSZ);
+            if (isBlocked)
+                pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+            FileChange change(600, "");
+            change.add(200, std::string(400, 'b'), "", "");
+            const bool isDone = run(change);
+            pthread_sigmask(SIG_UNBLOCK, &signals, nullptr); // nothing waits for that
+            _exit(isDone ? 0 : 2);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << status;
+        EXPECT_EQ(mFile.bytes(), std::string(400, 'a'));
+        EXPECT_FALSE(mFile.hasRecord());
     }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2) << status;
-    EXPECT_EQ(mFile.bytes(), std::string(400, 'a'));
-    EXPECT_FALSE(mFile.hasRecord());
 }
 
 TEST_F(SceneUpdateTest, AReadThatFails_MakesNoRecordUnfit)

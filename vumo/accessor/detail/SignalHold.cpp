@@ -20,6 +20,9 @@ sigset_t setOf(Signals... signals)
 SignalHold::SignalHold()
 {
     const sigset_t held = setOf(SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ);
+    sigset_t pending;
+    sigpending(&pending);
+    mHadLimit = sigismember(&pending, SIGXFSZ) != 0;
     pthread_sigmask(SIG_BLOCK, &held, &mBefore);
 }
 
@@ -28,7 +31,7 @@ SignalHold::~SignalHold()
     const int error = errno; // of a call that failed while this lived
     const sigset_t limit = setOf(SIGXFSZ);
     const timespec noTime = {};
-    if (!sigismember(&mBefore, SIGXFSZ)) // otherwise it is the caller's
+    if (!mHadLimit) // otherwise it is the caller's, who blocks it
         sigtimedwait(&limit, nullptr, &noTime);
     pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
     errno = error;

@@ -19,5 +19,6 @@ public:
 
 private:
     sigset_t mBefore;
+    bool mHadLimit; ///< was a SIGXFSZ waiting already?
 };
 } // namespace vumo::Data::detail
