@@ -101,12 +101,13 @@ bool MetadataRead::countsSoFar(std::size_t number)
         return false;
     mBlocks[other->second].state = FileBlock::kOutdone;
     mState.associations.erase(other->first);
+    mListedNodes.erase(other->first);
     other->second = number;
     return true;
 }
 
 /// The format of the texts that can be listed is the one that is written.
-void MetadataRead::list(const FileBlock& block, std::string_view text) const
+ListedBlock MetadataRead::listed(const FileBlock& block, std::string_view text)
 {
     ListedBlock listed;
     static_cast<MetadataBlock&>(listed) = static_cast<const MetadataBlock&>(block);
@@ -115,16 +116,17 @@ void MetadataRead::list(const FileBlock& block, std::string_view text) const
         listed.name = nameIn(text);
     else if (isKnown)
         listed.channels = listChannels(text);
-    mState.listed.push_back(std::move(listed));
+    return listed;
 }
 
 void MetadataRead::readStructure(std::size_t number, std::string_view text)
 {
     FileBlock& block = mBlocks[number];
-    if (mState.listing != Accessor::kListNothing)
-        list(block, text);
     if (onlyLists())
+    {
+        mState.listed.push_back(listed(block, text));
         return;
+    }
     std::string messages;
     // Nobody else knows the new structure yet; what is not registered is freed with the reference.
     const Ref<Structure> structure(deserializeStructure(block.format, text, messages));
@@ -132,6 +134,8 @@ void MetadataRead::readStructure(std::size_t number, std::string_view text)
         return refuseStructure(block, text, messages);
     block.name = structure->name();
     takeStructure(block, *structure);
+    if (mState.listing == Accessor::kListRead && block.state == FileBlock::kRead)
+        mState.listed.push_back(listed(block, text));
 }
 
 void MetadataRead::takeStructure(FileBlock& block, Structure& structure)
@@ -162,14 +166,19 @@ void MetadataRead::takeStructure(FileBlock& block, Structure& structure)
 void MetadataRead::readAssociations(std::size_t number, std::string_view text)
 {
     FileBlock& block = mBlocks[number];
-    if (mState.listing != Accessor::kListNothing)
-        list(block, text);
     if (onlyLists())
+    {
+        mState.listed.push_back(listed(block, text));
         return;
+    }
     std::string messages;
     Associations associations;
     if (deserializeAssociations(block.format, text, associations, messages))
+    {
         mState.associations[block.name] = associations;
+        if (mState.listing == Accessor::kListRead)
+            mListedNodes[block.name] = listed(block, text);
+    }
     else if (keepsUnread())
         leaveUnread(block, messages);
     else if (isLackOfStructures(messages))
@@ -233,6 +242,8 @@ bool MetadataRead::finish(std::string& errors)
 {
     if (mOrder == eOrder::kBackward)
         std::reverse(mBlocks.begin(), mBlocks.end());
+    for (auto& [name, listed] : mListedNodes)
+        mState.listed.push_back(std::move(listed));
     const auto standsBefore = [](const auto& a, const auto& b) { return a.position < b.position; };
     std::sort(mState.listed.begin(), mState.listed.end(), standsBefore);
     std::sort(mFaults.begin(), mFaults.end(), standsBefore);

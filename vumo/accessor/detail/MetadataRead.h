@@ -49,7 +49,7 @@ public:
     void leaveToHost() { mState.found.ofHost = mBlocks.size(); }
 
     /// Says whether further structures can matter.
-    bool wantsStructures() const { return keepsUnread() || !mStructureFilter.isExhausted(); }
+    bool wantsStructures() const { return keepsUnread() || onlyLists() || !mStructureFilter.isExhausted(); }
 
     /// Says whether the associations of that number are wanted. With a filter only the first ones of a name are, unless
     /// unread blocks are kept.
@@ -81,7 +81,7 @@ private:
     bool countsSoFar(std::size_t number);
     void takeStructure(FileBlock& block, Structure& structure);
     void refuseStructure(FileBlock& block, std::string_view text, const std::string& messages);
-    void list(const FileBlock& block, std::string_view text) const;
+    static ListedBlock listed(const FileBlock& block, std::string_view text);
     static void leaveUnread(FileBlock& block, const std::string& why);
     void addFault(const FileBlock& block, const std::string& messages, const std::string& what);
     bool isLackOfStructures(const std::string& messages);
@@ -91,8 +91,9 @@ private:
     NameFilter mStructureFilter;
     NameFilter mAssociationFilter;
     const eOrder mOrder;
-    std::map<std::string, std::size_t> mNumbers;    // of the associations that count, where unread blocks are kept
-    std::map<std::string, Ref<Structure>> mLeftOut; // structures that no filter wants, likewise
+    std::map<std::string, std::size_t> mNumbers;     // of the associations that count, where unread blocks are kept
+    std::map<std::string, Ref<Structure>> mLeftOut;  // structures that no filter wants, likewise
+    std::map<std::string, ListedBlock> mListedNodes; // of the associations that are read, where that is to be listed
     std::vector<Fault> mFaults;
     std::set<std::string, std::less<>> mLacking; // structures that were told to be missing or faulty
     std::size_t mMoreLacking = 0;                // nodes that fail for those alone

@@ -1,5 +1,6 @@
 #include "vumo/accessor/detail/RawListing.h"
 
+#include "vumo/data/Channel.h"
 #include "vumo/foundation/detail/Characters.h"
 #include "vumo/serialize/SerializerRaw.h"
 
@@ -9,6 +10,12 @@ namespace vumo::Data::detail
 {
 namespace
 {
+/// What follows the word and the blanks after it, as the readers take it.
+std::string_view restAfter(std::string_view word, std::string_view text)
+{
+    return text.substr(std::min(text.find_first_not_of(kBlanks, word.size()), text.size()));
+}
+
 /// Takes lines one by one, and adds to the channels what they say.
 class Lister
 {
@@ -36,14 +43,14 @@ public:
         if (word == SerializerRaw::keyword(SerializerRaw::kEndAssociations))
             return false;
         if (word == SerializerRaw::keyword(SerializerRaw::kChannel))
-            mChannels.emplace_back();
+            mChannels.emplace_back().name = Channel().name(); // unless it says something else
         if (mChannels.empty())
             return true;
         if (word == SerializerRaw::keyword(SerializerRaw::kChannelName))
-            mChannels.back().name = trimmed(text.substr(word.size()));
+            mChannels.back().name = restAfter(word, text);
         mIsInStream = text == SerializerRaw::keyword(SerializerRaw::kStream);
         if (mIsInStream)
-            mChannels.back().streams.emplace_back().indexType = "numeric"; // unless it says something else
+            mChannels.back().streams.emplace_back().indexType = "numeric"; // likewise
         return true;
     }
 
@@ -76,7 +83,7 @@ private:
     static bool takeHeaderLine(std::string_view text, ListedBlock::Stream& stream)
     {
         const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
-        const std::string_view value = trimmed(text.substr(word.size()));
+        const std::string_view value = restAfter(word, text);
         std::string* const field = word == SerializerRaw::keyword(SerializerRaw::kStreamName)  ? &stream.name
                                    : word == SerializerRaw::keyword(SerializerRaw::kIndexType) ? &stream.indexType
                                    : word == SerializerRaw::keyword(SerializerRaw::kStructure) ? &stream.structure
