@@ -1,24 +1,18 @@
 #include "commands/Commands.h"
 #include "core/Batch.h"
+#include "core/Text.h"
 #include "edit/Save.h"
 #include "edit/Script.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
 #include <memory>
+#include <sstream>
 
 namespace
 {
 std::vector<Edit> editsFrom(const Session& session, const std::string& name)
 {
-    if (name == "-")
-        return readScript(session.input(), "standard input");
-    std::ifstream file(name, std::ios::binary);
-    if (!file)
-        throw Failure(kBadInput, name + ": " + std::strerror(errno));
-    return readScript(file, name);
+    std::istringstream script(session.readInput(name));
+    return readScript(script, name == "-" ? "standard input" : escaped(name));
 }
 } // namespace
 

@@ -10,11 +10,6 @@
 #include "tools/codec/Ndjson.h"
 #include "vumo/foundation/Ref.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -50,17 +45,17 @@ std::string formatOf(const Request& request)
     return "json";
 }
 
+std::string titleOf(const std::string& name)
+{
+    return name == "-" ? "standard input" : escaped(name);
+}
+
+/// Refuses a text that has nothing in it, as a pipe delivers after a command that failed.
 std::string textOf(const Session& session, const std::string& name)
 {
-    const auto readAll = [](std::istream& in) {
-        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    };
-    if (name == "-")
-        return readAll(session.input());
-    std::ifstream file(name, std::ios::binary);
-    std::string text = readAll(file);
-    if (!file.is_open() || file.bad())
-        throw Failure(kBadInput, name + ": " + std::strerror(errno));
+    const std::string text = session.readInput(name);
+    if (text.find_first_not_of(" \t\r\n") == std::string::npos)
+        throw Failure(kBadInput, titleOf(name) + ": there is nothing in it");
     return text;
 }
 
@@ -146,7 +141,7 @@ eExitCode importText(const Job& job, const Request& request)
     }
     catch (const vumo::codec::CodecError& error)
     {
-        throw Failure(kBadInput, (request.name == "-" ? "standard input" : request.name) + ": " + error.what());
+        throw Failure(kBadInput, titleOf(request.name) + ": " + error.what());
     }
     put(metadata, mergeOf(request.merge), scene);
     save(job, scene);

@@ -32,9 +32,18 @@ constexpr const char* kExitCodes =
     "malformed; 4 write refused or failed, the file is as it was; 5 locked, or changed by somebody else; 6 an "
     "interrupted save that could not be repaired; 7 some of the files failed.";
 
-std::string readAll(std::istream& in)
+/// All of a file, or of standard input for "-".
+std::string readAll(const std::string& name)
 {
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    std::error_code ignored;
+    if (std::filesystem::is_directory(name, ignored)) // it can be opened, and not be read
+        throw Failure(kBadInput, escaped(name) + ": this is a folder");
+    std::ifstream file;
+    if (name != "-")
+        file.open(name, std::ios::binary);
+    if (!file)
+        throw Failure(kBadInput, escaped(name) + ": " + std::strerror(errno));
+    return {std::istreambuf_iterator<char>(name == "-" ? std::cin : file), std::istreambuf_iterator<char>()};
 }
 
 /// The parts of the text that end with `end`, without empty ones.
@@ -149,8 +158,9 @@ void Session::addSaving(Command& command)
     command.addOption("-o,--output", mSaving.out, "OUT", "leave the file as it is, and write the result to this one");
     command.addOption("--if-tail", mSaving.tail, "CHECKSUM",
                       "fail unless the metadata have this checksum, as scan gives it");
-    command.addChoice("--digits", mSaving.digits, {"exact", "six"},
-                      "save the floating-point numbers of the nodes that are written exactly, or with six digits");
+    command.addChoice(
+        "--digits", mSaving.digits, {"exact", "six"},
+        "save floating-point numbers exactly or with six digits, all those of the nodes that are written");
 }
 
 void Session::setWork(Command& command, std::function<eExitCode()> work)
@@ -215,29 +225,14 @@ std::vector<std::string> Session::files() const
         const CLI::Option* const file = mCommand->get_option("FILE");
         return file->results();
     }
-    std::string names;
-    if (mFilesFrom == "-")
-    {
-        names = readAll(std::cin);
-    }
-    else
-    {
-        std::ifstream in(mFilesFrom, std::ios::binary);
-        std::error_code ignored;
-        if (std::filesystem::is_directory(mFilesFrom, ignored)) // it can be opened, and not be read
-            throw Failure(kBadInput, mFilesFrom + ": this is a folder; scan takes folders");
-        names = readAll(in);
-        if (!in)
-            throw Failure(kBadInput, mFilesFrom + ": " + std::strerror(errno));
-    }
-    return split(names, mEndsWithZero ? '\0' : '\n');
+    return split(readAll(mFilesFrom), mEndsWithZero ? '\0' : '\n');
 }
 
-std::istream& Session::input() const
+std::string Session::readInput(const std::string& name) const
 {
-    if (mFilesFrom == "-")
+    if (name == "-" && mFilesFrom == "-")
         throw Failure(kWrongUsage, "standard input cannot be both the list of files and what is done with them");
-    return std::cin;
+    return readAll(name);
 }
 
 bool Session::isBatch() const

@@ -7,7 +7,6 @@
 #include "core/Saving.h"
 
 #include <functional>
-#include <istream>
 #include <memory>
 #include <ostream>
 #include <ratio>
@@ -56,8 +55,9 @@ public:
     /// The files to work on, by their names. Reads the list of them.
     std::vector<std::string> files() const;
 
-    /// What stands on standard input, for a command that reads it; refused when the names of files stand there.
-    std::istream& input() const;
+    /// All of a file that a command takes its work from, or of standard input for "-"; refused when the names of files
+    /// stand there.
+    std::string readInput(const std::string& name) const;
 
     /// Whether there is a list of files, or several of them.
     bool isBatch() const;
