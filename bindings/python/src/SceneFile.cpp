@@ -205,13 +205,21 @@ void SceneFile::load(const std::set<std::string>& names)
         throw unreadable(missing, errors);
 }
 
-/// The node with some of those after it. Each look at the file costs a walk over all of its metadata, so each brings
-/// along twice as many nodes as the one before: touching all of them one by one takes linear time.
+/// The node with some others that are not parsed yet. Each look at the file costs a walk over all of its metadata, so
+/// each brings along twice as many nodes as the one before: touching all of them one by one takes linear time, in
+/// whatever order.
 std::set<std::string> SceneFile::batchOf(const std::string& name)
 {
-    const auto first = std::find(mNodes.begin(), mNodes.end(), name);
-    const auto left = static_cast<std::size_t>(mNodes.end() - first);
-    return {first, first + static_cast<std::ptrdiff_t>(std::min(mBatch, left))};
+    std::set<std::string> batch;
+    auto next = std::find(mNodes.begin(), mNodes.end(), name);
+    for (std::size_t i = 0; i < mNodes.size() && batch.size() < mBatch; ++i)
+    {
+        if (mReader->associations().count(*next) == 0)
+            batch.insert(*next);
+        if (++next == mNodes.end())
+            next = mNodes.begin();
+    }
+    return batch;
 }
 
 const Associations& SceneFile::node(const std::string& name)
