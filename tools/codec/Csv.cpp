@@ -155,7 +155,7 @@ private:
             cell += character;
         }
         if (!mIn)
-            throw CodecError("the line does not end: the text may have been cut");
+            throw CodecError("the line has no end: the text may have been cut; if it was not, add a newline");
         return true;
     }
 

@@ -1,8 +1,24 @@
 #include "commands/Commands.h"
 #include "core/Batch.h"
+#include "core/Text.h"
 #include "edit/Save.h"
+#include "vumo/accessor/Accessor.h"
+
+#include <unistd.h>
 
 #include <memory>
+
+namespace
+{
+/// Files that stand in a row would be taken for a node's address.
+void checkForFiles(const Edit& edit)
+{
+    if (edit.removesStructures() && !edit.words.empty() && vumo::Data::Accessor::accessorByExtension(edit.words[0]) &&
+        access(edit.words[0].c_str(), F_OK) == 0)
+        throw Failure(kWrongUsage, inQuotes(edit.words[0]) + " stands where a NODE would; --files-from takes several "
+                                                             "files");
+}
+} // namespace
 
 void addRm(Session& session)
 {
@@ -19,6 +35,7 @@ void addRm(Session& session)
         checkSaving(session);
         edit->words = session.words();
         edit->check();
+        checkForFiles(*edit);
         return forEachFile(session, [&edit](Job& job) { return makeEdits(job, {*edit}); });
     });
 }
