@@ -273,6 +273,8 @@ eExitCode check(Job& job, Run& run)
     SceneFile scene(job.session, job.file);
     const Findings findings = findAll(scene, run.layouts);
     run.sound += findings.empty() ? 1 : 0;
+    if (findings.empty() && !job.json)
+        return kDone; // without titles over nothing
     Rows rows(job, "findings", {"rule", "kind", "name", "text", "line", "excerpt"});
     for (const Finding& finding : findings)
     {
