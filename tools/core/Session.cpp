@@ -26,11 +26,15 @@ const std::vector<Word> Session::kAddress = {{"NODE", "the node's name; \"\" for
 
 namespace
 {
-constexpr const char* kExitCodes =
+constexpr const char* kFooter =
     "Exit codes: 0 done; 1 the answer is no: absent, different, findings; 2 wrong usage; 3 input missing, unreadable "
     "or "
     "malformed; 4 write refused or failed, the file is as it was; 5 locked, or changed by somebody else; 6 an "
-    "interrupted save that could not be repaired; 7 some of the files failed.";
+    "interrupted save that could not be repaired; 7 some of the files failed.\n"
+    "Any other command is a program vumo-COMMAND beside this one or in PATH; the package for Python has catalog and "
+    "campaign.";
+
+const std::vector<std::string> kCommandsOfPython = {"catalog", "campaign"};
 
 /// All of a file, or of standard input for "-".
 std::string readAll(const std::string& name)
@@ -70,6 +74,10 @@ void leaveUnknownCommand(const CLI::App& commandLine, const std::string& word, c
     if (std::find(names.begin(), names.end(), word) != names.end())
         return;
     runOtherProgram(word, arguments);
+    names.insert(names.end(), kCommandsOfPython.begin(), kCommandsOfPython.end());
+    if (std::find(names.begin(), names.end(), word) != names.end())
+        throw Failure(kWrongUsage, "the command " + inQuotes(word) +
+                                       " comes with the package for Python, which is not installed beside the tool");
     throw Failure(kWrongUsage, "there is no command " + inQuotes(word) + didYouMean(word, names) +
                                    (didYouMean(word, names).empty() ? "; " : " ") + "vumo --help lists them");
 }
@@ -183,7 +191,7 @@ int Session::run(int argc, char** argv)
             "print this help, and that of all commands, as a page or a script: man, markdown or bash")
         ->type_name("FORM")
         ->trigger_on_parse();
-    mCommandLine->footer(kExitCodes);
+    mCommandLine->footer(kFooter);
     mCommandLine->failure_message([](const CLI::App* failed, const CLI::Error& error) {
         return "vumo: " + message(CLI::FailureMessage::simple(failed, error));
     });
