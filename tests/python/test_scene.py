@@ -119,6 +119,9 @@ FAILURES = {
     "too many": (lambda s: s["Body"]["vertex"]["weights"].__setitem__("Weight", [1] * 5), ValueError, ValueError, ""),
     "zero byte": (lambda s: s[""]["scene"]["notes"].__setitem__("Text", "a\0"), ValueError, ValueError, "zero"),
     "no string": (lambda s: s[""]["scene"]["notes"].__setitem__("Text", 7), TypeError, TypeError, "str or None"),
+    "size": (lambda s: s["Body"]["edge"].create("x", {"f": "f4"}, size=-1), ValueError, ValueError, "size .* not -1"),
+    "new size": (lambda s: s["Body"]["vertex"]["weights"].resize(2**32), ValueError, ValueError, "size .* not 42949"),
+    "dimension": (lambda s: vumo.Structure("S", {"s": (str, -1)}), ValueError, ValueError, "dimension .* not -1"),
     "resized pairs": (lambda s: s["Body"]["edge"]["seams"].resize(9), ValueError, ValueError, "numbers from 0"),
 }  # fmt: skip
 

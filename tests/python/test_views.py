@@ -94,6 +94,8 @@ def test_copies_share_until_one_is_edited(editable, weights):
     vertex["shared"] = weights
     head["vertex"] = vertex
     editable["New"] = editable["Body"]
+    assert editable["New"] == editable["Body"] and head["vertex"] == vertex and weights == vertex["shared"]
+    assert weights != vertex["viewed"] and editable["Body"]["edge"] != vertex and weights[0] == {"Weight": 5, "Locked": True}
     view[...] = 9 if (view := vertex["shared"]["Weight"]) is not None else 0
     expected = {"weights": 5, "viewed": 0, "shared": 5}
     assert {name: head["vertex"][name]["Weight"][0] for name in expected} == expected

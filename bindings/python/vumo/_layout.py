@@ -2,9 +2,10 @@
 
 from __future__ import annotations
 
+import operator
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
-from typing import Any
+from typing import Any, SupportsIndex
 
 import numpy as np
 import numpy.typing as npt
@@ -122,7 +123,7 @@ def _type_of(kind: Any) -> tuple[str, int]:
     if kind in (str, "string"):
         return "string", 1
     if isinstance(kind, tuple) and len(kind) == 2 and kind[0] in (str, "string"):
-        return "string", int(kind[1])
+        return "string", as_count("a dimension", kind[1])
     if isinstance(kind, str) and kind == "float":
         raise TypeError('"float" means different types in NumPy and in scenes: say "f4" or "f8"')
     dtype = np.dtype(kind)
@@ -132,6 +133,14 @@ def _type_of(kind: Any) -> tuple[str, int]:
     if len(shape) > 1 or base not in _TYPE_OF_NUMBERS:
         raise TypeError(f"no member can hold {dtype}")
     return _TYPE_OF_NUMBERS[base], shape[0] if shape else 1
+
+
+def as_count(what: str, count: SupportsIndex) -> int:
+    """The count as a number; ValueError for one that no stream can have."""
+    number = operator.index(count)
+    if not 0 <= number <= np.iinfo(np.uint32).max:
+        raise ValueError(f"{what} is a number from 0 to 4294967295, not {number}")
+    return number
 
 
 def as_values(values: npt.ArrayLike, dtype: np.dtype[Any], shape: tuple[int, ...]) -> npt.NDArray[Any]:

@@ -13,7 +13,7 @@ import numpy as np
 
 from . import _json, _vumo
 from ._column import Views
-from ._layout import Structure
+from ._layout import Structure, as_count
 from ._stream import Stream
 from .errors import not_found
 
@@ -89,7 +89,7 @@ class Channel(MutableMapping[str, Stream]):
             raise ValueError("only numbers are given to elements that nobody has named")
         if not isinstance(members, Structure):
             members = Structure(name if structure is None else structure, members)
-        self._address(name).create(members._layout, index_type, size)
+        self._address(name).create(members._layout, index_type, as_count("the size", size))
         return self[name]
 
     def to_dict(self) -> dict[str, Any]:

@@ -11,7 +11,7 @@ import numpy.typing as npt
 from . import _vumo
 from ._column import Column
 from ._json import stream_out
-from ._layout import Member, Structure, as_indices, as_strings, as_values
+from ._layout import Member, Structure, as_count, as_indices, as_strings, as_values
 from .errors import not_found
 
 if TYPE_CHECKING:
@@ -141,7 +141,7 @@ class Stream:
 
         Raises ValueError for other streams, and BufferError while arrays look at the elements.
         """
-        self._address.resize(size)
+        self._address.resize(as_count("the size", size))
 
     def to_frame(self) -> pandas.DataFrame:
         """A copy as a pandas frame: a column for each number or string of an element, the indices as its index."""
@@ -199,6 +199,19 @@ class Stream:
 
     def __delitem__(self, index: Any) -> None:
         self.remove_element(index)
+
+    def __eq__(self, other: object) -> bool:
+        """Whether both have the same structure, and the same values at the same indices."""
+        if not isinstance(other, Stream):
+            return NotImplemented
+        return (
+            self.structure == other.structure
+            and self.index_type == other.index_type
+            and np.array_equal(self.indices, other.indices)
+            and all(np.array_equal(self.gather(name)[1], other.gather(name)[1]) for name in self)
+        )
+
+    __hash__ = None  # type: ignore[assignment]  # what it holds can change
 
     def __repr__(self) -> str:
         if self._scene.closed or not self._address.exists():
@@ -269,6 +282,11 @@ class Element(MutableMapping[str, Any]):
 
     def __len__(self) -> int:
         return len(self._stream.keys())
+
+    def __eq__(self, other: object) -> bool:
+        if not isinstance(other, Mapping):
+            return NotImplemented
+        return self.keys() == other.keys() and all(np.array_equal(value, other[name]) for name, value in self.items())
 
     def __repr__(self) -> str:
         values = ", ".join(f"{name}={_plain(value)!r}" for name, value in self.items())
