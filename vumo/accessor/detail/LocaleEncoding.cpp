@@ -18,6 +18,7 @@ namespace
 /// The encoding of the current locale, as iconv names it.
 constexpr const char* kLocaleEncoding = "";
 constexpr const char* kUtf8 = "UTF-8";
+constexpr const char* kAscii = "ANSI_X3.4-1968"; // the name that the system has for it
 
 /// All characters that isPlain() allows.
 std::string plainCharacters()
@@ -31,10 +32,9 @@ std::string plainCharacters()
     return characters;
 }
 
-/// In such a locale what ASCII does not have is converted in neither direction: it is read and written as it is.
-bool isAsciiLocale()
+bool isLocaleIn(const char* encoding)
 {
-    return std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0; // the name that the system has for ASCII
+    return std::strcmp(nl_langinfo(CODESET), encoding) == 0;
 }
 } // namespace
 
@@ -45,8 +45,13 @@ public:
     /// Null where there is no such conversion, or where it changes nothing.
     static std::unique_ptr<Converter> open(const char* from, const char* to)
     {
+        if (isLocaleIn(kUtf8))
+            return nullptr; // an open one need not be asked
         auto converter = std::make_unique<Converter>(from, to);
-        return converter->isOpen() && !converter->isTrivial() ? std::move(converter) : nullptr;
+        if (!converter->isOpen() || converter->isTrivial())
+            return nullptr;
+        converter->learnWhatIsPlain();
+        return converter;
     }
 
     Converter(const char* from, const char* to) : mDescriptor(iconv_open(to, from))
@@ -101,7 +106,7 @@ private:
         int trivial = 0;
         return iconvctl(mDescriptor, ICONV_TRIVIALP, &trivial) == 0 && trivial != 0;
 #else
-        return std::strcmp(nl_langinfo(CODESET), kUtf8) == 0;
+        return false; // only that of UTF-8 to itself is, which is not opened
 #endif
     }
 
@@ -126,28 +131,29 @@ private:
     bool mKeepsPlainText = false;
 };
 
-LocaleEncoding::LocaleEncoding()
-    : mToUtf8(Converter::open(kLocaleEncoding, kUtf8)),
-      mFromUtf8(Converter::open(kUtf8, kLocaleEncoding)),
-      mCanChange(mFromUtf8 && !isAsciiLocale())
-{
-    for (const auto& converter : {mToUtf8.get(), mFromUtf8.get()})
-    {
-        if (converter)
-            converter->learnWhatIsPlain();
-    }
-}
+LocaleEncoding::LocaleEncoding() : mIsAscii(isLocaleIn(kAscii)) {}
 
 LocaleEncoding::~LocaleEncoding() = default;
 
+bool LocaleEncoding::convert(Way& way, const char* from, const char* to, std::string_view text,
+                             std::string& converted) const
+{
+    if (mIsAscii && isPlain(text))
+        return false; // what most scenes have alone: opening takes as long as parsing a hundred records
+    if (!way)
+        way = Converter::open(from, to);
+    Converter* const converter = way->get();
+    return converter && !converter->keeps(text) && converter->convert(text, converted);
+}
+
 bool LocaleEncoding::toUtf8(std::string_view text, std::string& converted) const
 {
-    return mToUtf8 && !mToUtf8->keeps(text) && mToUtf8->convert(text, converted);
+    return convert(mToUtf8, kLocaleEncoding, kUtf8, text, converted);
 }
 
 bool LocaleEncoding::fromUtf8(std::string_view text, std::string& converted) const
 {
-    return mFromUtf8 && !mFromUtf8->keeps(text) && mFromUtf8->convert(text, converted);
+    return convert(mFromUtf8, kUtf8, kLocaleEncoding, text, converted);
 }
 
 bool LocaleEncoding::isReadBack(std::string_view text, std::string_view written) const
@@ -156,6 +162,11 @@ bool LocaleEncoding::isReadBack(std::string_view text, std::string_view written)
         return true; // nothing was converted, and nothing needs to be
     std::string converted;
     return (fromUtf8(written, converted) ? converted : written) == text;
+}
+
+bool LocaleEncoding::canChangeByRewriting() const
+{
+    return !mIsAscii && !isLocaleIn(kUtf8);
 }
 
 bool LocaleEncoding::changesByRewriting(std::string_view utf8) const

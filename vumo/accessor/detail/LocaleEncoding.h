@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,7 +9,8 @@ namespace vumo::Data::detail
 {
 /// Passes the texts of binary scene files, which are UTF-8 there, to the encoding of the current locale and back.
 ///
-/// Opens the two conversions once, for the locale that is current then; so make one for each read or write.
+/// Opens either conversion once, for the first text that needs it, and for the locale that is current then; so make one
+/// for each read or write.
 class LocaleEncoding
 {
 public:
@@ -30,13 +32,16 @@ public:
     bool changesByRewriting(std::string_view utf8) const;
 
     /// Says whether that can happen to any text. If not, nobody needs to look.
-    bool canChangeByRewriting() const { return mCanChange; }
+    bool canChangeByRewriting() const;
 
 private:
     class Converter;
+    using Way = std::optional<std::unique_ptr<Converter>>; // null: all texts are used as they are
 
-    const std::unique_ptr<Converter> mToUtf8; // null: all texts are used as they are
-    const std::unique_ptr<Converter> mFromUtf8;
-    const bool mCanChange;
+    bool convert(Way& way, const char* from, const char* to, std::string_view text, std::string& converted) const;
+
+    mutable Way mToUtf8;
+    mutable Way mFromUtf8;
+    const bool mIsAscii; // of the locale: what ASCII does not have is read and written as it is
 };
 } // namespace vumo::Data::detail
