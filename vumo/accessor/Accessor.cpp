@@ -451,7 +451,7 @@ bool Accessor::list(const std::string& fileName, std::vector<ListedBlock>& entri
         return false;
     if (!isOfKnownKind(*accessor))
         return detail::refuse(errors, "Files like " + fileName + " can be read, but not listed.\n");
-    entries = accessor->mImpl->listed;
+    entries.swap(accessor->mImpl->listed);
     return true;
 }
 

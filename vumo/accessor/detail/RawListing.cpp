@@ -10,10 +10,23 @@ namespace vumo::Data::detail
 {
 namespace
 {
+/// The text up to its first blank. Words are short, and such a search costs less than one for any of kBlanks.
+std::string_view firstWord(std::string_view text)
+{
+    const auto isBlank = [](char c) { return c == kBlanks[0] || c == kBlanks[1]; };
+    return text.substr(0, static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isBlank) - text.begin()));
+}
+
 /// What follows the word and the blanks after it, as the readers take it.
 std::string_view restAfter(std::string_view word, std::string_view text)
 {
     return text.substr(std::min(text.find_first_not_of(kBlanks, word.size()), text.size()));
+}
+
+/// Where the line ends that begins there, with its newline.
+std::size_t lineEnd(std::string_view text, std::size_t begin)
+{
+    return std::min(text.find('\n', begin), text.size() - 1) + 1;
 }
 
 /// Takes lines one by one, and adds to the channels what they say.
@@ -26,11 +39,6 @@ public:
     /// The line comes with its end. False after the last one.
     bool take(std::string_view line)
     {
-        if (mElementLines > 0 && isSurelyFilled(line.front()))
-        {
-            takeElementLine(line.size());
-            return true;
-        }
         const std::string_view text = trimmed(line.substr(0, line.find('\n')));
         if (text.empty())
             return true;
@@ -39,7 +47,7 @@ public:
             takeStreamLine(text, line.size());
             return true;
         }
-        const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
+        const std::string_view word = firstWord(text);
         if (word == SerializerRaw::keyword(SerializerRaw::kEndAssociations))
             return false;
         if (word == SerializerRaw::keyword(SerializerRaw::kChannel))
@@ -54,15 +62,32 @@ public:
         return true;
     }
 
+    /// Takes the lines of elements that the text begins with, at one go, and gives their size in bytes: nearly all of a
+    /// text.
+    std::size_t takeElementLines(std::string_view text)
+    {
+        std::size_t size = 0;
+        std::uint64_t lines = 0;
+        while (mElementLines > 0 && size < text.size() && isSurelyFilled(text[size]))
+        {
+            size = lineEnd(text, size);
+            ++lines;
+        }
+        addElementLines(lines, size);
+        return size;
+    }
+
 private:
     /// Nearly all lines of elements are told by this from "endStream", and from empty ones.
     static bool isSurelyFilled(char first) { return first != 'e' && !isClassicSpace(first); }
 
-    void takeElementLine(std::size_t size)
+    void addElementLines(std::uint64_t lines, std::size_t size)
     {
+        if (lines == 0)
+            return;
         ListedBlock::Stream& stream = mChannels.back().streams.back();
         stream.bytes += size;
-        ++mElementLines;
+        mElementLines += lines;
         stream.elements = (mElementLines + 1) / 2; // a line with the index, and one with the values
     }
 
@@ -77,12 +102,12 @@ private:
             return;
         }
         if (mElementLines > 0 || !takeHeaderLine(text, stream))
-            takeElementLine(size);
+            addElementLines(1, size);
     }
 
     static bool takeHeaderLine(std::string_view text, ListedBlock::Stream& stream)
     {
-        const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
+        const std::string_view word = firstWord(text);
         const std::string_view value = restAfter(word, text);
         std::string* const field = word == SerializerRaw::keyword(SerializerRaw::kStreamName)  ? &stream.name
                                    : word == SerializerRaw::keyword(SerializerRaw::kIndexType) ? &stream.indexType
@@ -106,9 +131,10 @@ std::vector<ListedBlock::Channel> listChannels(std::string_view text)
     bool hasMore = true;
     while (hasMore && !text.empty())
     {
-        const std::string_view line = text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1);
-        text.remove_prefix(line.size());
+        const std::string_view line = text.substr(0, lineEnd(text, 0));
         hasMore = lister.take(line);
+        text.remove_prefix(line.size());
+        text.remove_prefix(lister.takeElementLines(text));
     }
     return channels;
 }
