@@ -324,9 +324,10 @@ bool Accessor::readMore(const std::set<std::string>& names, std::string& errors)
         return detail::refuse(errors, detail::changedMessage(fileName()));
     }
     std::string faults;
-    for (const UnreadBlock& block : more->unread())
+    for (const detail::FileBlock& block : now)
     {
-        if (block.kind == UnreadBlock::kAssociations && names.count(block.name) > 0)
+        if (block.state == detail::FileBlock::kUnread && block.kind == UnreadBlock::kAssociations &&
+            names.count(block.name) > 0)
             faults += detail::placedMessages(block.why, "the metadata of " + detail::nodeText(block.name),
                                              block.position, fileName());
     }

@@ -94,8 +94,10 @@ bool MetadataRead::wantsAssociations(std::size_t number)
 /// the place of others, those are forgotten.
 bool MetadataRead::countsSoFar(std::size_t number)
 {
-    const auto [other, isFirst] = mNumbers.try_emplace(mBlocks[number].name, number);
-    if (isFirst)
+    // Writers put names in order, so nearly all go to one end of the map.
+    const auto likely = mOrder == eOrder::kForward ? mNumbers.end() : mNumbers.begin();
+    const auto other = mNumbers.try_emplace(likely, mBlocks[number].name, number);
+    if (other->second == number)
         return true;
     if (mOrder == eOrder::kBackward)
         return false;
