@@ -55,9 +55,9 @@ bool isAtEnd(std::istream& in)
 }
 
 /// Reads a word by the classic rules, whatever width, flags and locale the input has.
-bool readWord(std::istream& in, std::string& word)
+bool readWord(std::istream& in, detail::ValueInput& input, std::string& word)
 {
-    detail::ValueInput input(in);
+    input.stream().clear(in.rdstate()); // a channel was read since
     input.stream() >> word;
     input.handOnState(in); // the next question is whether the input is at its end
     return !in.fail();
@@ -110,11 +110,12 @@ AssociationsSerializerRaw::~AssociationsSerializerRaw() = default;
 Associations* AssociationsSerializerRaw::read(std::istream& in, std::string& errors) const
 {
     detail::Messages messages;
+    detail::ValueInput input(in);
     std::unique_ptr<Associations> associations(Associations::create());
     while (!isAtEnd(in))
     {
         std::string word;
-        if (!readWord(in, word))
+        if (!readWord(in, input, word))
         {
             messages.add("Missing Associations keyword" + placeOf(in));
             break;

@@ -25,18 +25,23 @@ long long readPosition(std::istream& in)
     return move(in, 0);
 }
 
-ValueInput::ValueInput() : mStream(nullptr)
+ValueInput::ValueInput(std::istream& in)
 {
-    mStream.imbue(std::locale::classic());
-    mStream.rdbuf(&mBuffer);
-    mStream.exceptions(std::ios::badbit); // a text does not break: this is a lack of memory inside an extraction
+    open(in.rdbuf());
+    mStream->setstate(in.rdstate());
 }
 
-ValueInput::ValueInput(std::istream& in) : mStream(nullptr)
+void ValueInput::openText()
 {
-    mStream.imbue(std::locale::classic()); // while there is no buffer, which would be imbued as well
-    mStream.rdbuf(in.rdbuf());
-    mStream.setstate(in.rdstate());
+    open(&mBuffer);
+    mStream->exceptions(std::ios::badbit); // a text does not break: this is a lack of memory inside an extraction
+}
+
+void ValueInput::open(std::streambuf* buffer)
+{
+    mStream.emplace(nullptr);
+    mStream->imbue(std::locale::classic()); // while there is no buffer, which would be imbued as well
+    mStream->rdbuf(buffer);
 }
 
 bool ValueInput::skipToText()

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <istream>
+#include <optional>
 #include <string_view>
 
 namespace vumo::detail
@@ -26,7 +27,7 @@ public:
     using Traits = std::istream::traits_type;
 
     /// Reads the texts that are given to restart(). Throws what an extraction throws for a lack of memory.
-    ValueInput();
+    ValueInput() = default;
 
     /// Reads from the buffer of an input. Borrows both; the input is told by handOnState() what came of it.
     explicit ValueInput(std::istream& in);
@@ -41,30 +42,36 @@ public:
         mPosition = position;
         mAt = mBegin = text.data();
         mEnd = mAt + text.size();
-        mStream.clear();
         mFailure = std::ios::goodbit;
+        if (mStream)
+            mStream->clear();
     }
 
     /// Gives the state of all that failed or met the end to `in`, as if that had been read.
-    void handOnState(std::istream& in) const { in.setstate(mFailure | mStream.rdstate()); }
+    void handOnState(std::istream& in) const
+    {
+        in.setstate(mFailure | (mStream ? mStream->rdstate() : std::ios::goodbit));
+    }
 
     /// The input, from which everything is taken from now on.
     std::istream& stream()
     {
+        if (!mStream)
+            openText();
         if (mAt)
         {
             mBuffer.restart(mText, static_cast<std::size_t>(mAt - mText.data()), mPosition);
             mTaken = mAt - mBegin;
         }
         mAt = mEnd = nullptr;
-        return mStream;
+        return *mStream;
     }
 
     /// The next character, or the end, as which an input counts that has failed.
     Traits::int_type peek()
     {
         if (!mAt)
-            return mStream.good() ? mStream.peek() : Traits::eof();
+            return stream().good() ? mStream->peek() : Traits::eof();
         return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt);
     }
 
@@ -73,8 +80,8 @@ public:
     {
         if (mAt)
             return mAt == mEnd ? Traits::eof() : Traits::to_int_type(*mAt++);
-        const Traits::int_type next = mStream.get();
-        mTaken += mStream.gcount();
+        const Traits::int_type next = stream().get();
+        mTaken += mStream->gcount();
         return next;
     }
 
@@ -147,6 +154,9 @@ public:
     }
 
 private:
+    void openText();
+    void open(std::streambuf* buffer);
+
     /// Where the next word begins, or the end; null for what is not a text.
     const char* nextWord() const
     {
@@ -157,7 +167,7 @@ private:
     }
 
     MemoryBuffer mBuffer;
-    std::istream mStream; // on an input's buffer, or on mBuffer
+    std::optional<std::istream> mStream; // on an input's buffer, or on mBuffer, once something is not plain
     std::string_view mText;
     long long mPosition = 0;                        // of the text
     const char* mAt = nullptr;                      // in the text; null: the input is used
