@@ -101,7 +101,7 @@ private:
         }
         catch (const Failure& failure)
         {
-            if (failure.code() == kWrongUsage && !dynamic_cast<const UnfitValue*>(&failure))
+            if (failure.code() == kWrongUsage && !dynamic_cast<const WrongForFile*>(&failure))
                 throw;
             outcome.code = failure.code();
             outcome.words = failure.what();

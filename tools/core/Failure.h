@@ -28,9 +28,9 @@ private:
     eExitCode mCode;
 };
 
-/// A value that is none of what a file wants: wrong usage, which says nothing about the other files of a batch.
-class UnfitValue : public Failure
+/// Wrong usage for one file, such as a value that its member cannot hold. The others of a batch are worked on.
+class WrongForFile : public Failure
 {
 public:
-    explicit UnfitValue(const std::string& text) : Failure(kWrongUsage, text) {}
+    explicit WrongForFile(const std::string& text) : Failure(kWrongUsage, text) {}
 };

@@ -57,7 +57,7 @@ void assign(const SceneFile& scene, const Stream& stream, const std::string& tex
     }
     catch (const CodecError& error)
     {
-        throw UnfitValue(scene.failure(kWrongUsage, "member " + inQuotes(name) + ": " + error.what()).what());
+        throw WrongForFile(scene.failure(kWrongUsage, "member " + inQuotes(name) + ": " + error.what()).what());
     }
 }
 

@@ -73,7 +73,8 @@ eExitCode transferBetween(const Job& job, const Edit& edit, const std::string& t
     const bool isMove = edit.verb == Edit::kMove;
     std::error_code ignored;
     if (std::filesystem::equivalent(job.file, toFile, ignored))
-        throw Failure(kWrongUsage, "--to names the same file; without it something is copied or moved within one");
+        throw WrongForFile(escaped(job.file) +
+                           ": --to names the same file; without it something is copied or moved within one");
     SceneFile from = isMove ? openToEdit(job, job.file) : SceneFile(job.session, job.file);
     const Address node({edit.from().node});
     from.readNode(node.node);
