@@ -77,7 +77,7 @@ RandomChange randomChange(Random& random)
 void addTo(FileChange& change, const std::vector<Edit>& edits)
 {
     for (const Edit& edit : edits)
-        change.add(edit.position, edit.bytes, "seek", "write");
+        change.add({edit.position, edit.bytes, "seek", "write"});
 }
 
 /// What a machine may leave that stops during the change, or while it is undone: any of the sectors, any length
@@ -119,8 +119,8 @@ protected:
         mFile.setBytes("head, a scene, old tail");
         FileCallScript script = FileCallScript::at("sync scene", 1, FileCallScript::kExit);
         FileChange change(18, "");
-        change.add(15, "new", "", "");
-        change.add(0, "HEAD", "", "");
+        change.add({15, "new", "", ""});
+        change.add({0, "HEAD", "", ""});
         ASSERT_TRUE(isEndedBy(script, [&] { return run(change); }));
         ASSERT_EQ(mFile.bytes(), "HEAD, a scene, new tail");
     }
@@ -244,7 +244,7 @@ TEST_F(SceneUpdateTest, AFileThatWasReplacedMeanwhile_IsNotWritten)
     state.durability = Accessor::kMemoryOnly;
     SceneUpdate update(state);
     FileChange change(4, "");
-    change.add(0, "HEAD", "", "");
+    change.add({0, "HEAD", "", ""});
     ASSERT_TRUE(update.begin(mErrors));
     std::filesystem::rename(other.name(), mFile.name());
     EXPECT_FALSE(update.run(change, FileBlocks(), mErrors));
@@ -265,7 +265,7 @@ TEST_F(SceneUpdateTest, AFileThatIsReplacedDuringTheSave_IsNotTakenForSaved)
         state.fileName = mFile.name();
         SceneUpdate update(state);
         FileChange change(4, "");
-        change.add(0, "HEAD", "", "");
+        change.add({0, "HEAD", "", ""});
         ASSERT_TRUE(update.begin(mErrors));
         script = FileCallScript();
         script.mTurn = turn;
@@ -292,7 +292,7 @@ TEST_F(SceneUpdateTest, ASignal_EndsTheProcessAfterTheWrite)
             script.mMeanwhile = [] { std::raise(SIGTERM); };
             const FileCallScript::Use use(script);
             FileChange change(18, "");
-            change.add(15, "new", "", "");
+            change.add({15, "new", "", ""});
             _exit(run(change, durability) ? 0 : 1);
         }
         int status = 0;
@@ -319,7 +319,8 @@ TEST_F(SceneUpdateTest, ALimitOfTheSizeOfFiles_IsAFailureAndNoEnd)
             if (isBlocked)
                 pthread_sigmask(SIG_BLOCK, &signals, nullptr);
             FileChange change(600, "");
-            change.add(200, std::string(400, 'b'), "", "");
+            const std::string bytes(400, 'b');
+            change.add({200, bytes, "", ""});
             const bool isDone = run(change);
             pthread_sigmask(SIG_UNBLOCK, &signals, nullptr); // nothing waits for that
             _exit(isDone ? 0 : 2);
@@ -357,7 +358,7 @@ TEST_F(SceneUpdateTest, AReadThatFails_MakesNoRecordUnfit)
 
     const File scene(mFile.name(), File::eMode::kUpdate);
     FileChange change(18, "");
-    change.add(15, "new", "", "");
+    change.add({15, "new", "", ""});
     for (int turn = 1; turn == 1 || script.hadItsTurn(); ++turn)
     {
         script.mCount = 0;

@@ -261,13 +261,10 @@ MetadataForm chunkForm(const LocaleEncoding& encoding)
             "Could not write scene associations chunk to in-memory trailer."};
 }
 
-/// Appends what stands between two positions.
-bool appendBytes(std::istream& in, std::uint64_t from, std::uint64_t to, std::string& bytes)
+/// Reads what stands between two positions.
+bool readBytes(std::istream& in, std::uint64_t from, std::uint64_t to, char* bytes)
 {
-    const std::size_t oldSize = bytes.size();
-    bytes.resize(oldSize + (to - from));
-    return in.seekg(static_cast<std::streamoff>(from)) &&
-           in.read(&bytes[oldSize], static_cast<std::streamsize>(to - from));
+    return in.seekg(static_cast<std::streamoff>(from)) && in.read(bytes, static_cast<std::streamsize>(to - from));
 }
 
 std::string backwardChunk(std::uint32_t offset)
@@ -283,20 +280,25 @@ std::string backwardChunk(std::uint32_t offset)
 bool replaceInTrailer(SceneUpdate& update, Trailer trailer, Replacement& replacement, FileBlocks&& written,
                       std::string& errors)
 {
-    trailer.mEnd = replacement.newPlaceOf(trailer.mEnd);
+    const std::uint64_t oldEnd = trailer.mEnd;
+    trailer.mEnd = replacement.newPlaceOf(oldEnd);
     const std::uint64_t length = trailer.length();
     if (length > kLongestTrailer)
         return refuse(errors, "Failed to write the backward chunk size.");
     const auto offset = static_cast<std::uint32_t>(length + kHeaderSize + kBackwardOffsetSize);
     FileChange change(trailer.mainChunkEnd(), "Could not truncate the file.");
-    change.add(trailer.mSizePosition, bigEndian(Trailer::groupSize(length)),
-               "Failed to seek to the trailer size position.", "Failed to write the new trailer size.");
-    change.add(replacement.from(), std::move(replacement.bytes()), "Failed to seek to the trailer data start.",
-               "Failed to write the new trailer.");
-    change.add(trailer.mEnd, backwardChunk(offset), "Failed to write the backward chunk size.",
-               "Failed to write the backward chunk size.");
-    change.add(trailer.mMainSizePosition, bigEndian(trailer.mainChunkEnd() - kHeaderSize),
-               "Failed to the main chunk size position.", "Failed to write the new main chunk size.");
+    const std::string groupSize = bigEndian(Trailer::groupSize(length));
+    const std::string backward = backwardChunk(offset);
+    const std::string mainSize = bigEndian(trailer.mainChunkEnd() - kHeaderSize);
+    change.add({trailer.mSizePosition, groupSize, "Failed to seek to the trailer size position.",
+                "Failed to write the new trailer size."});
+    if (!replacement.addTo(change, oldEnd, update.file().size(), "Failed to seek to the trailer data start.",
+                           "Failed to write the new trailer."))
+        return false;
+    change.add({trailer.mEnd, backward, "Failed to write the backward chunk size.",
+                "Failed to write the backward chunk size."});
+    change.add({trailer.mMainSizePosition, mainSize, "Failed to the main chunk size position.",
+                "Failed to write the new main chunk size."});
     return update.run(change, std::move(written), errors);
 }
 } // namespace
@@ -327,8 +329,8 @@ bool BinaryWriter::writeMetadata(AccessorState& metadata, std::string& errors)
     FileInput in(update.file());
     Trailer trailer;
     FileRegion region;
-    Replacement replacement([&](std::uint64_t from, std::uint64_t to, std::string& bytes) {
-        return appendBytes(in, from, to, bytes) || refuse(errors, "Error reading chunk before metadata.");
+    Replacement replacement([&](std::uint64_t from, std::uint64_t to, char* bytes) {
+        return readBytes(in, from, to, bytes) || refuse(errors, "Error reading chunk before metadata.");
     });
     const LocaleEncoding encoding;
     FileBlocks written;

@@ -221,14 +221,12 @@ bool findRegion(std::istream& file, FileRegion& region, std::string& errors)
     return true;
 }
 
-/// Appends what stands between two positions.
-bool appendBytes(std::istream& file, std::uint64_t from, std::uint64_t to, std::string& bytes, std::string& errors)
+/// Reads what stands between two positions.
+bool readBytes(std::istream& file, std::uint64_t from, std::uint64_t to, char* bytes, std::string& errors)
 {
-    const std::string::size_type oldSize = bytes.size();
-    bytes.resize(oldSize + (to - from));
     if (!file.seekg(static_cast<std::streamoff>(from)))
         errors += "Failed to seek to the trailer position.";
-    else if (!file.read(&bytes[oldSize], static_cast<std::streamsize>(to - from)))
+    else if (!file.read(bytes, static_cast<std::streamsize>(to - from)))
         errors += "Failed to read the file trailer.";
     return static_cast<bool>(file);
 }
@@ -241,9 +239,8 @@ bool AsciiWriter::writeMetadata(AccessorState& metadata, std::string& errors)
         return false;
     FileInput in(update.file());
     FileRegion region;
-    Replacement replacement([&](std::uint64_t from, std::uint64_t to, std::string& bytes) {
-        return appendBytes(in, from, to, bytes, errors);
-    });
+    Replacement replacement(
+        [&](std::uint64_t from, std::uint64_t to, char* bytes) { return readBytes(in, from, to, bytes, errors); });
     FileBlocks written;
     if (!findRegion(in, region, errors))
         return update.failAs(Accessor::Failure::kMalformed);
@@ -252,8 +249,9 @@ bool AsciiWriter::writeMetadata(AccessorState& metadata, std::string& errors)
     if (!replaceMetadata(statementForm(), metadata, region, replacement, written, errors))
         return update.failAs(Accessor::Failure::kRefused);
     FileChange change(replacement.newPlaceOf(region.end), "Could not truncate the file.");
-    change.add(replacement.from(), std::move(replacement.bytes()), "Could not seek to metadata start.",
-               "Failed to append the file trailer.");
+    if (!replacement.addTo(change, region.end, region.end, "Could not seek to metadata start.",
+                           "Failed to append the file trailer."))
+        return update.failAs(Accessor::Failure::kRefused);
     return update.run(change, std::move(written), errors);
 }
 } // namespace vumo::Data::detail

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace vumo::Data::detail
 {
@@ -67,12 +66,6 @@ std::size_t sameAtEnd(Block& block, std::uint64_t position, std::string_view byt
 }
 } // namespace
 
-void FileChange::add(std::uint64_t position, std::string bytes, const char* seekFailed, const char* writeFailed)
-{
-    mBytes.push_back(std::move(bytes));
-    mEdits.push_back({position, mBytes.back(), seekFailed, writeFailed});
-}
-
 void FileChange::narrow(const File& file)
 {
     Block block(file);
@@ -82,6 +75,7 @@ void FileChange::narrow(const File& file)
         edit.position += atStart;
         edit.bytes.remove_prefix(atStart);
         edit.bytes.remove_suffix(sameAtEnd(block, edit.position, edit.bytes)); // of what is left, so not twice
+        edit.old = edit.old.substr(std::min(atStart, edit.old.size()), edit.bytes.size());
     }
 }
 

@@ -4,8 +4,6 @@
 #include "vumo/accessor/detail/File.h"
 
 #include <cstdint>
-#include <deque>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +16,7 @@ struct FileEdit
     std::string_view bytes;
     const char* seekFailed;
     const char* writeFailed;
+    std::string_view old = {}; ///< what stands in their place, unless nobody has read that
 };
 
 /// What is to become of a file: edits, none of which overlaps another, in the order of writing, and its new length.
@@ -29,8 +28,8 @@ public:
     FileChange(const FileChange&) = delete;
     FileChange& operator=(const FileChange&) = delete;
 
-    /// Takes the bytes over.
-    void add(std::uint64_t position, std::string bytes, const char* seekFailed, const char* writeFailed);
+    /// Borrows the bytes.
+    void add(const FileEdit& edit) { mEdits.push_back(edit); }
 
     /// Leaves out of the edits what the file begins and ends them with already: an edit that changes one node's
     /// metadata costs no more than that. An edit may get empty.
@@ -48,7 +47,6 @@ public:
 
 private:
     std::vector<FileEdit> mEdits;
-    std::deque<std::string> mBytes; // where the edits point to: a vector would move them
     std::uint64_t mLength;
     const char* mTruncateFailed;
 };

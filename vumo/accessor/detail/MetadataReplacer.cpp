@@ -143,9 +143,10 @@ private:
         const std::uint64_t place = count > 0                ? mRegion.blocks[count - 1].end
                                     : mRegion.blocks.empty() ? mRegion.insertion
                                                              : mRegion.blocks[0].begin;
+        const bool isAfterOld = mReplacement.staysUntil(place);
         if (!mReplacement.cut(place, place))
             return false;
-        if (!mRegion.endsLine && count == mRegion.blocks.size() && (mOut.empty() || mOut.back() != '\n'))
+        if (!mRegion.endsLine && count == mRegion.blocks.size() && isAfterOld)
             mOut += '\n';
         return true;
     }
@@ -225,8 +226,7 @@ bool replaceMetadata(const MetadataForm& form, const AccessorState& metadata, co
         return refuse(errors, changedMessage(metadata.fileName));
     written = blocksOfHost(metadata.found);
     if (isSame)
-        return MetadataReplacer(form, metadata, region, replacement, written, errors).run() &&
-               replacement.finish(region.end);
-    return replaceAll(form, metadata, region, replacement, written, errors) && replacement.copyUntil(region.end);
+        return MetadataReplacer(form, metadata, region, replacement, written, errors).run();
+    return replaceAll(form, metadata, region, replacement, written, errors);
 }
 } // namespace vumo::Data::detail

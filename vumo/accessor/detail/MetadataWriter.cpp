@@ -132,7 +132,7 @@ void MetadataWriter::addWritten(FileBlock::eKind kind, const std::string& name, 
     block.kind = kind;
     block.name = name;
     block.format = kFormatWritten;
-    block.position = mReplacement.from() + begin;
+    block.position = mReplacement.newPlaceOfByte(begin);
     mForm.measure(std::string_view(mOut).substr(begin), block);
     mWritten.blocks.push_back(std::move(block));
 }

@@ -102,7 +102,7 @@ void UndoRecord::addRanges(const FileChange& change)
     for (const FileEdit& edit : change.edits())
     {
         if (!edit.bytes.empty())
-            mRanges.push_back({edit.position, {}, edit.bytes});
+            mRanges.push_back({edit.position, edit.old, edit.bytes});
     }
     if (mNewLength < mOldLength)
         mRanges.push_back({mNewLength, {}, {}});
@@ -111,18 +111,21 @@ void UndoRecord::addRanges(const FileChange& change)
 
 bool UndoRecord::readOldBytes(const File& file)
 {
-    const auto oldSize = [this](const Range& range) {
+    const auto sizeToRead = [this](const Range& range) {
         const std::uint64_t end = range.newBytes.empty() ? mOldLength : std::min(range.end(), mOldLength);
-        return static_cast<std::size_t>(end - std::min(range.position, end));
+        const auto size = static_cast<std::size_t>(end - std::min(range.position, end));
+        return range.oldBytes.size() == size ? 0 : size;
     };
     std::size_t total = 0;
     for (const Range& range : mRanges)
-        total += oldSize(range);
+        total += sizeToRead(range);
     mBytes.resize(total); // once: the ranges point into it
     std::size_t place = 0;
     for (Range& range : mRanges)
     {
-        const std::size_t size = oldSize(range);
+        const std::size_t size = sizeToRead(range);
+        if (size == 0)
+            continue;
         if (file.read(range.position, &mBytes[place], size) != size)
             return false;
         range.oldBytes = std::string_view(mBytes).substr(place, size);
