@@ -462,11 +462,12 @@ TEST_F(KeptMetadataTest, List_TakesNamesAsAReadDoes)
     for (const Kind& kind : kKinds)
     {
         SCOPED_TRACE(kind.ending);
-        const auto accessor =
-            read(kind, kind.structure(kWeight) + kind.node("a", "channel\nstream\nname \t\vweights \nstructure Weight\n"
-                                                                "endStream\nendChannel\nendAssociations\n"));
+        const auto accessor = read(kind, kind.structure(" float=Value: name\t= Weight ") +
+                                             kind.node("a", "channel\nstream\nname \t\vweights \nstructure Weight\n"
+                                                            "endStream\nendChannel\nendAssociations\n"));
         std::vector<ListedBlock> entries;
         ASSERT_TRUE(Accessor::list(mFile->name(), entries, mErrors)) << mErrors;
+        EXPECT_EQ(entries.front().name, (*accessor->structures().begin())->name());
         const Channel& channel = *accessor->associations()["a"].begin();
         ASSERT_EQ(entries.back().channels.size(), 1U);
         EXPECT_EQ(entries.back().channels[0].name, channel.name());

@@ -4,7 +4,9 @@
 #include "vumo/accessor/detail/RawListing.h"
 #include "vumo/data/Structure.h"
 #include "vumo/foundation/Ref.h"
+#include "vumo/foundation/detail/Characters.h"
 #include "vumo/foundation/detail/Quoted.h"
+#include "vumo/serialize/SerializerRaw.h"
 
 #include <algorithm>
 #include <utility>
@@ -41,13 +43,20 @@ bool isSummary(std::string_view message)
     return message.find(" found, ") != std::string_view::npos && endsWith(message, " not created");
 }
 
-/// The name in the text of a structure that is faulty elsewhere; empty when it shows none.
+/// The name in the text of a structure, by the rules of its reader; empty when it shows none.
 std::string nameIn(std::string_view structureText)
 {
-    constexpr std::string_view kWord = "name=";
-    if (!startsWith(structureText, kWord))
-        return "";
-    return std::string(structureText.substr(kWord.size(), structureText.find(':') - kWord.size()));
+    std::string_view name;
+    while (!structureText.empty())
+    {
+        const std::string_view field = structureText.substr(0, structureText.find_first_of(":\n"));
+        structureText.remove_prefix(std::min(field.size() + 1, structureText.size()));
+        const std::string_view type = field.substr(0, field.find('='));
+        const std::string_view rest = field.substr(std::min(type.size() + 1, field.size()));
+        if (trimmed(type) == SerializerRaw::keyword(SerializerRaw::kStructureName) && rest.find('=') == rest.npos)
+            name = trimmed(rest); // the last one counts
+    }
+    return std::string(name);
 }
 } // namespace
 
