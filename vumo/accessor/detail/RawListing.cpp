@@ -47,11 +47,12 @@ public:
             takeStreamLine(text, line.size());
             return true;
         }
+        static const std::string theUnnamed = Channel().name();
         const std::string_view word = firstWord(text);
         if (word == SerializerRaw::keyword(SerializerRaw::kEndAssociations))
             return false;
         if (word == SerializerRaw::keyword(SerializerRaw::kChannel))
-            mChannels.emplace_back().name = Channel().name(); // unless it says something else
+            mChannels.emplace_back().name = theUnnamed; // unless it says something else
         if (mChannels.empty())
             return true;
         if (word == SerializerRaw::keyword(SerializerRaw::kChannelName))
