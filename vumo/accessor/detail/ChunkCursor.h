@@ -20,7 +20,7 @@ namespace vumo::Data::detail
 class ChunkCursor
 {
 public:
-    static constexpr std::uint64_t kWindowToRead = 4 << 20;  ///< larger ones are not read faster
+    static constexpr std::uint64_t kWindowToRead = 1 << 20;  ///< what is read stays in the cache, in few calls
     static constexpr std::uint64_t kWindowToSkip = 64 << 10; ///< many small chunks in one call, and little in vain
 
     /// The stream stands at the first chunk. As much as the window is read at once, unless a single chunk is longer.
