@@ -69,7 +69,8 @@ protected:
     static constexpr Change kChanges[] = {{"larger", 700, "0.5", false},
                                           {"smaller", 3, "0.5", false},
                                           {"of one size", kCount, "0.7", false},
-                                          {"larger among others", 710, "0.5", true}};
+                                          {"larger among others", 500, "0.5", true},
+                                          {"smaller among others", 3, "0.5", true}};
 
     /// Makes the scene file, the accessor that is going to write to it, and the bytes before and after that.
     void prepare(const Kind& kind, const Change& change)
