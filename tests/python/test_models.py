@@ -7,7 +7,7 @@ import hypothesis.strategies as st
 import numpy as np
 import pytest
 from conftest import ROOT, tool, write_scene
-from hypothesis import given
+from hypothesis import example, given
 from hypothesis.extra import numpy as hnp
 from hypothesis.stateful import RuleBasedStateMachine, invariant, rule, run_state_machine_as_test
 
@@ -46,6 +46,7 @@ def streams(draw):
 
 
 @given(streams(), st.sampled_from(["ob", "oa"]))
+@example(("numeric", [0], {"subnormal": (("f4", ()), np.array([1e-45], "f4"))}), "oa")
 def test_saved_and_read_again_is_the_same(tmp_path_factory, model, extension):
     index_type, indices, members = model
     path = write_scene(tmp_path_factory.mktemp("model") / f"scene.{extension}")

@@ -87,8 +87,14 @@ def _column_out(member: Member, values: Any) -> list[Any]:
     if member.type == "string":
         values = _each(text_out, values)
     elif values.dtype == np.float32:
-        values = _each(lambda value: float(str(value)), values)  # with no more digits than a float needs
+        values = _each(_shortened, values)
     return list(values.tolist())
+
+
+def _shortened(value: np.float32) -> float:
+    """The number with no more digits than a float needs; with six if they do, as the tool writes subnormal ones."""
+    six = float(f"{value:.6g}")
+    return six if np.float32(six) == value else float(str(value))
 
 
 def _each(function: Callable[[Any], Any], values: Any) -> Any:
