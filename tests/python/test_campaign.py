@@ -210,10 +210,11 @@ def stop(*_):
 
 
 @pytest.mark.parametrize("edit", [SCRIPT, add_one])
-@pytest.mark.parametrize("moment", ["before the save", "after it", "changed after it", "in the middle of the undo"])
+@pytest.mark.parametrize("moment", ["in the record", "before the save", "after it", "changed after it", "in the middle of the undo"])
 def test_whoever_is_stopped_at_any_moment_goes_on(show, monkeypatch, moment, edit):
     file = show / "b.ob"
     before = file.read_bytes()
+    names = sorted(show.iterdir())
     campaign = vumo.campaign(edit, file)
     work = (_campaign.edit_of(edit), campaign.record, bytes(file))
     with monkeypatch.context() as patch, pytest.raises(Stopped):
@@ -222,6 +223,8 @@ def test_whoever_is_stopped_at_any_moment_goes_on(show, monkeypatch, moment, edi
             put_back = _record.Record.put_back
             patch.setattr(_record.Record, "put_back", lambda *what: (put_back(*what), stop()))
             _campaign._undo_file(*work[1:])
+        if moment == "in the record":
+            patch.setattr(_record.os, "fsync", stop)
         keep = _record.Record.store
         store_and_stop = lambda *what: (keep(*what), stop())  # noqa: E731
         patch.setattr(_record.Record, *(("store", store_and_stop) if moment == "before the save" else ("note_saved", stop)))
@@ -239,6 +242,7 @@ def test_whoever_is_stopped_at_any_moment_goes_on(show, monkeypatch, moment, edi
         assert weights(file) == ([0, 7, 0.5, 1] if edit == SCRIPT else [1, 1.25, 1.5, 2])
     assert [outcome.state for outcome in campaign.undo()] == ["undone"]
     assert file.read_bytes() == before
+    assert sorted(show.iterdir()) == names and not list(campaign.record.glob("**/*.new"))
 
 
 DAMAGES = {  # what is damaged, how, what is said, and how many files are then undone

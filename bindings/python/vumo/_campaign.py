@@ -183,7 +183,8 @@ class Campaign:
 
     def _note_edit(self) -> None:
         self._check_record()  # once more, as another campaign may have begun in the same folder
-        write(self.record / _ABOUT, json.dumps({"version": _VERSION, **self._given_edit.describe()}).encode())
+        about = json.dumps({"version": _VERSION, **self._given_edit.describe()}).encode()
+        write(self.record / _ABOUT, about, end=f".{os.getpid()}")
 
     def _work_on(self, work: Callable[[bytes], Outcome], files: list[bytes], max_failures: int | None) -> Report:
         """What comes of the files, those that are busy after some more tries."""

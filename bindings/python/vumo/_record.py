@@ -181,10 +181,14 @@ def _locked(file: IO[bytes], path: bytes) -> Iterator[None]:
         fcntl.flock(file, fcntl.LOCK_UN)
 
 
-def write(path: Path, content: bytes, mode: int = 0o666, *, must_stay: bool = True) -> None:
-    """Writes the file, as a whole or not at all. Unless it must stay, a crash of the machine may bring back the old one."""
+def write(path: Path, content: bytes, mode: int = 0o666, *, must_stay: bool = True, end: str = ".new") -> None:
+    """Writes the file, as a whole or not at all. Unless it must stay, a crash of the machine may bring back the old one.
+
+    Until it is whole its name has that `end`. Nobody else may write to the same file meanwhile, unless with another end;
+    what somebody has left there who was killed is overwritten.
+    """
     path.parent.mkdir(parents=True, exist_ok=True)
-    beside = path.with_name(f"{path.name}.{os.getpid()}")
+    beside = path.with_name(path.name + end)
     with open(os.open(beside, os.O_WRONLY | os.O_CREAT | os.O_TRUNC, mode), "wb") as file:
         file.write(content)
         file.flush()
