@@ -37,6 +37,11 @@ void ValueInput::openText()
     mStream->exceptions(std::ios::badbit); // a text does not break: this is a lack of memory inside an extraction
 }
 
+void ValueInput::clearStream()
+{
+    mStream->clear();
+}
+
 void ValueInput::open(std::streambuf* buffer)
 {
     mStream.emplace(nullptr);

@@ -44,7 +44,7 @@ public:
         mEnd = mAt + text.size();
         mFailure = std::ios::goodbit;
         if (mStream)
-            mStream->clear();
+            clearStream();
     }
 
     /// Gives the state of all that failed or met the end to `in`, as if that had been read.
@@ -155,6 +155,7 @@ public:
 
 private:
     void openText();
+    void clearStream(); // not inline: g++ 12 would take the stream of a new object for one that is used unmade
     void open(std::streambuf* buffer);
 
     /// Where the next word begins, or the end; null for what is not a text.
