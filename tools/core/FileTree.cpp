@@ -30,7 +30,7 @@ void addFolder(const std::string& folder, std::vector<std::string>& files)
     for (const fs::directory_entry& entry : entries)
     {
         const std::string path = entry.path().string();
-        if (entry.symlink_status(error).type() == fs::file_type::directory)
+        if (!entry.is_symlink(error) && entry.is_directory(error)) // as the folder tells: the entry is not looked up
             addFolder(path, files);
         else if (isScene(entry.path().filename().string()))
             files.push_back(path);
