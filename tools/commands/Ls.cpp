@@ -125,9 +125,10 @@ void tellClosed(const Job& job, const SceneFile& scene, const std::vector<Listed
 eExitCode ls(Job& job, const LsOptions& options)
 {
     SceneFile scene(job.session, job.file);
-    const std::vector<ListedBlock> blocks = scene.list();
     if (options.isLong)
         scene.read();
+    SceneFile listing(job.session, job.file);
+    const std::vector<ListedBlock>& blocks = listing.list();
     const Layouts layouts = options.isLong ? layoutsOf(scene) : Layouts();
     if (options.structures)
         listStructures(job, blocks, options.isLong, layouts);

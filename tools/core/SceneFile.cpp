@@ -119,12 +119,15 @@ std::string SceneFile::undoRecordOf(const std::string& fileName)
     return fs::exists(fs::symlink_status(record, ignored)) ? record : "";
 }
 
-std::vector<ListedBlock> SceneFile::list()
+const std::vector<ListedBlock>& SceneFile::list()
 {
     mAccessor->setListing(Accessor::kListOnly);
     read();
     mAccessor->setListing(Accessor::kListNothing);
-    return isEmpty() ? mAccessor->listed() : listingOf(*mAccessor); // a kind of a plug-in is read all the same
+    if (isEmpty())
+        return mAccessor->listed();
+    mListing = listingOf(*mAccessor); // a kind of a plug-in is read all the same
+    return mListing;
 }
 
 void SceneFile::read(const std::set<std::string>* nodes)

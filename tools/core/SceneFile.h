@@ -37,7 +37,8 @@ public:
 
     /// What the file holds, block by block, without parsing values; what was read is forgotten. Of a kind of files that
     /// a plug-in brings all is read, and nothing is known of the text that it stands in: the blocks have no format.
-    std::vector<vumo::Data::ListedBlock> list();
+    /// They are there until the next read.
+    const std::vector<vumo::Data::ListedBlock>& list();
 
     /// Reads the metadata of these nodes, or of all for null. Tells if a save was undone for it that was interrupted.
     void read(const std::set<std::string>* nodes = nullptr);
@@ -86,4 +87,5 @@ private:
     std::string mFileName;
     eUse mUse;
     std::unique_ptr<vumo::Data::Accessor> mAccessor;
+    std::vector<vumo::Data::ListedBlock> mListing; // of a plug-in's kind of files
 };
