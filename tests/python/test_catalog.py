@@ -153,6 +153,10 @@ def test_a_file_that_stops_the_tool_is_a_fault_of_its_own(show, tmp_path, monkey
         assert catalog.update(show).faulty == 1
         assert len(catalog.files()) == 3
         assert [row["error"] for row in catalog.faults()] == ["vumo stopped in the middle of it"]
+        broken.write_text("#!/bin/sh\nexit 2\n")  # as of options that it does not know
+        with pytest.raises(vumo.Error, match="another version"):
+            catalog.update(show, anew=True)
+        assert len(catalog.files()) == 3
 
 
 def as_database(path, *statements):

@@ -10,7 +10,9 @@ import tempfile
 from collections.abc import Sequence
 from pathlib import Path
 
-from .errors import NoFileError
+from .errors import Error, NoFileError
+
+_MISUSED = 2  # the exit code for options that there are not
 
 
 @functools.cache
@@ -38,6 +40,8 @@ def scan(files: Sequence[bytes]) -> bytes:
         command = [program(), "scan", "--brief", "--quiet", "-0", "--files-from", "-"]
         done = subprocess.run(command, input=names, stdout=lines, stderr=subprocess.DEVNULL, check=False)
         lines.seek(0)
+        if done.returncode == _MISUSED:
+            raise Error(f"{program()} is another version of vumo")
         if done.returncode >= 0:
             return lines.read()
     return b"".join(scan([name]) for name in files) if len(files) > 1 else b""
