@@ -24,7 +24,7 @@ MALFORMED = 3
 
 _PIECE = 100_000  # characters
 
-_ROWS_AT_ONCE = 20  # each statement costs as much as two rows
+_ROWS_AT_ONCE = 50  # each statement costs as much as two rows
 
 _STOPPED = "vumo stopped in the middle of it"
 
@@ -85,9 +85,10 @@ class _Batch:
                 self._insert(table, rows[begin : begin + _ROWS_AT_ONCE])
 
     def _insert(self, table: str, rows: list[tuple[Any, ...]]) -> None:
+        """A failure rolls all back: SQLite need not be able to take back these rows alone, for which it would write a file."""
         row = f"({', '.join('?' * len(rows[0]))})"
         values = list(itertools.chain.from_iterable(rows))
-        self._database.execute(f"INSERT INTO {table} VALUES {', '.join([row] * len(rows))}", values)
+        self._database.execute(f"INSERT OR ROLLBACK INTO {table} VALUES {', '.join([row] * len(rows))}", values)
 
     def _next(self, table: str) -> int:
         (largest,) = self._database.execute(f"SELECT coalesce(max(id), 0) FROM {table}").fetchone()
