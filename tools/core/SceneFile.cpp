@@ -44,6 +44,14 @@ std::string obstacle(const std::string& fileName, SceneFile::eUse use)
     return access(fileName.c_str(), rights) == 0 ? "" : systemFault();
 }
 
+/// What an obstacle to that use ends with: what can be read and not be written to is no bad input.
+eExitCode codeOfObstacle(const std::string& fileName, SceneFile::eUse use)
+{
+    if (use == SceneFile::kLook || !obstacle(fileName, SceneFile::kLook).empty())
+        return kBadInput;
+    return use == SceneFile::kRestore ? kNotRestored : kNotWritten;
+}
+
 /// What can be done about a scene that is no whole one.
 std::string adviceFor(Accessor::Failure::eKind kind)
 {
@@ -104,7 +112,7 @@ SceneFile::SceneFile(const Session& session, const std::string& fileName, eUse u
 {
     const std::string fault = obstacle(fileName, use);
     if (!fault.empty())
-        throw Failure(kBadInput, escaped(mFileName) + ": " + fault);
+        throw Failure(codeOfObstacle(fileName, use), escaped(mFileName) + ": " + fault);
     mAccessor->setUnread(Accessor::kKeep);
     mAccessor->setNumbers(kExact);
     mAccessor->setLockWait(session.lockWait());
