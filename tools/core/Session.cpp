@@ -81,6 +81,23 @@ void leaveUnknownCommand(const CLI::App& commandLine, const std::string& word, c
     throw Failure(kWrongUsage, "there is no command " + inQuotes(word) + didYouMean(word, names) +
                                    (didYouMean(word, names).empty() ? "; " : " ") + "vumo --help lists them");
 }
+
+/// The words of the command line, from the last one on, as the parser takes them. A "--" after the words of an option
+/// that takes several ends no more than those for it, so a second one is added, which ends all options.
+std::vector<std::string> parserWords(const CLI::App& commandLine, int argc, char** argv)
+{
+    std::vector<std::string> words(std::make_reverse_iterator(argv + argc), std::make_reverse_iterator(argv + 1));
+    const auto end = std::find(words.rbegin(), words.rend(), "--").base();
+    const auto last = std::find_if(end, words.end(), [](const std::string& word) { return word.rfind('-', 0) == 0; });
+    if (end == words.begin() || last == words.end() || words.back()[0] == '-')
+        return words;
+    const CLI::App* const command = commandLine.get_subcommand(words.back());
+    const CLI::Option* const option = command->get_option_no_throw(last->substr(0, last->find('=')));
+    if (option && option->get_items_expected_max() > 1)
+        words.insert(end, "--");
+    return words;
+}
+
 /// A file may have a name that is taken for an option.
 std::string dashHint(char** arguments)
 {
@@ -200,7 +217,7 @@ int Session::run(int argc, char** argv)
         if (argc > 1 && argv[1][0] != '-')
             leaveUnknownCommand(*mCommandLine, argv[1], argv + 1);
         std::signal(SIGPIPE, SIG_IGN); // a closed pipe must not end a save in its middle
-        mCommandLine->parse(argc, argv);
+        mCommandLine->parse(parserWords(*mCommandLine, argc, argv));
         loadPlugins();
         return finish(mWork());
     }

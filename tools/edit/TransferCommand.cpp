@@ -110,7 +110,7 @@ void addTransfer(Session& session, Edit::eVerb verb, const std::string& name, co
     session.addSaving(command);
     const auto request = std::make_shared<Request>();
     request->edit.verb = verb;
-    constexpr int kMostWords = 4;
+    constexpr int kMostWords = 5; // one more than an address has, so that the list is open still when "--" comes
     command.addList("--as", request->edit.newWords, "WORD...",
                     "the new address, or its last words; stands after the address. A word that begins with \"-\" is "
                     "given as --as=WORD",
