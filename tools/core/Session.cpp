@@ -286,7 +286,7 @@ void Session::say(const std::string& text) const
 
 void Session::flushForPeople()
 {
-    if (mIsRead)
+    if (mIsRead && !mIsJson) // words stand before a document rather than in it
         mOut.flush();
 }
 

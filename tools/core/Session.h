@@ -84,7 +84,7 @@ public:
     std::ostream& out() { return mOut; }
     bool hasReader() const { return mBuffer.error() == 0; }
 
-    /// Lets people see what there is so far, before what comes on standard error.
+    /// Lets people see what there is so far, unless it is JSON, before what comes on standard error.
     void flushForPeople();
 
     /// Writes words for people to standard error, on lines of their own, unless they are not wanted.
