@@ -7,6 +7,8 @@
 #include "vumo/accessor/AccessorOvri.h"
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 using namespace vumo::Data;
 
@@ -23,15 +25,25 @@ struct Request
     bool isRelink() const { return !relinks.empty(); }
 };
 
-void print(const ExternalEntry& entry, const Job& job, Lines& lines, std::vector<std::string>& json)
+void print(const std::vector<ExternalEntry>& entries, Job& job, bool hasTitles)
 {
+    std::vector<std::string> json;
+    Lines lines(job);
+    if (hasTitles && !job.json)
+        lines.addTitles({"node", "key", "unresolvedPath", "resolvedPath", "roles"});
+    for (const ExternalEntry& entry : entries)
+    {
+        std::string roles;
+        for (const std::string& role : entry.roles)
+            roles += (roles.empty() ? "" : ";") + role;
+        if (job.json)
+            json.push_back(entry.json(job.file).text());
+        else
+            lines.add({escaped(entry.node), escaped(entry.key), escaped(entry.unresolvedPath),
+                       escaped(entry.resolvedPath), escaped(roles)});
+    }
     if (job.json)
-        return json.push_back(entry.json(job.file).text());
-    std::string roles;
-    for (const std::string& role : entry.roles)
-        roles += (roles.empty() ? "" : ";") + role;
-    lines.add({escaped(entry.node), escaped(entry.key), escaped(entry.unresolvedPath), escaped(entry.resolvedPath),
-               escaped(roles)});
+        job.json->add("content", jsonArray(json));
 }
 
 /// Replaces OLD at the start of the path, where it ends with a whole name.
@@ -67,11 +79,7 @@ eExitCode content(Job& job, const Request& request)
         scene.tellUnreadable(job.session);
     if (!table && request.isRelink())
         throw scene.failure(kNo, "the scene has no table of external content");
-    Lines lines(job);
-    if (!request.isRelink() && !job.json)
-        lines.addTitles({"node", "key", "unresolvedPath", "resolvedPath", "roles"});
-    std::vector<std::string> json;
-    bool hasFound = false;
+    std::vector<ExternalEntry> found;
     for (StreamIterator element = table ? table->cbegin() : StreamIterator(); element.valid(); ++element)
     {
         ExternalEntry entry(element);
@@ -79,18 +87,16 @@ eExitCode content(Job& job, const Request& request)
         const bool isRelinked = relink(request.relinks, entry.resolvedPath) || isPath;
         if (request.isRelink() ? !isRelinked : request.isMissing && !entry.isMissing(job.file))
             continue;
-        hasFound = true;
         if (isRelinked &&
             !Table::setEntry(*element, entry.node, entry.key, entry.unresolvedPath, entry.resolvedPath, entry.roles))
             throw scene.failure(kNotWritten,
                                 "the table of external content cannot hold " + inQuotes(entry.resolvedPath));
-        print(entry, job, lines, json);
+        found.push_back(std::move(entry));
     }
-    if (job.json)
-        job.json->add("content", jsonArray(json));
-    if (request.isRelink() && hasFound)
-        save(job, scene);
-    const bool isGood = request.isRelink() ? hasFound : !request.isMissing || !hasFound;
+    if (request.isRelink() && !found.empty())
+        save(job, scene); // first, as what is listed is changed then
+    print(found, job, !request.isRelink());
+    const bool isGood = request.isRelink() ? !found.empty() : !request.isMissing || found.empty();
     return isGood ? kDone : kNo;
 }
 } // namespace
