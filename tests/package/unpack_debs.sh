@@ -26,6 +26,14 @@ mapfile -t programs < <(find "$root/usr" -name vumo -type f -perm -u+x -o -name 
 paths=$(readelf -d "${programs[@]}" | sed -n 's/.*R.*PATH.*\[\(.*\)\]/\1/p')
 [[ $paths = "\$ORIGIN/"* && $paths != *:* ]] || fail "The run paths lead elsewhere: $paths"
 
+# What belongs to the tool comes with it, and what belongs to programs with the headers.
+share=$root/usr/share
+for file in "$share/man/man1/vumo.1" "$share/bash-completion/completions/vumo" "$share/doc/vumo/docs/tutorial.md" \
+    "$share/doc/vumo/examples/write_scene.cpp"; do
+    [ -s "$file" ] || fail "There is no $file"
+done
+
 # Nothing of this environment helps the tool to its library.
-env -i "$root/usr/bin/vumo" --version
+weight=$(env -i "$root/usr/bin/vumo" get "$share/doc/vumo/examples/scenes/example.ob" Head face weights 1 Weight)
+[ "$weight" = 0.25 ] || fail "It reads $weight"
 env -i LD_TRACE_LOADED_OBJECTS=1 "$root/usr/bin/vumo" | grep -qF "$(realpath "$root")/usr/" || fail "It finds no library"
