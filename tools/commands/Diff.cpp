@@ -1,9 +1,11 @@
 #include "commands/Commands.h"
 #include "core/BlockText.h"
 #include "core/Elements.h"
+#include "core/Listing.h"
 #include "core/Rows.h"
 #include "core/SceneFile.h"
 #include "core/Text.h"
+#include "core/Unmatched.h"
 #include "vumo/data/Channel.h"
 #include "vumo/data/StreamIterator.h"
 
@@ -252,6 +254,10 @@ eExitCode diff(Job& job, const DiffOptions& options)
     SceneFile b(job.session, options.b);
     a.readSelected(job.session.selection().nodes);
     b.readSelected(job.session.selection().nodes);
+    std::vector<ListedBlock> known = listingOf(a.metadata());
+    const std::vector<ListedBlock> others = listingOf(b.metadata());
+    known.insert(known.end(), others.begin(), others.end());
+    tellUnmatched(job.session, known);
     return Comparison(job, options.tolerance).compare(a, b) ? kNo : kDone;
 }
 } // namespace

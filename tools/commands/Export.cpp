@@ -1,5 +1,7 @@
 #include "commands/Commands.h"
 #include "core/Batch.h"
+#include "core/Listing.h"
+#include "core/Unmatched.h"
 #include "edit/Selected.h"
 #include "tools/codec/CodecError.h"
 #include "tools/codec/Csv.h"
@@ -13,10 +15,13 @@
 namespace
 {
 /// Reads no more nodes than are needed; says what is missing at the address.
-void read(SceneFile& scene, const std::optional<Address>& address, const Selection& selection)
+void read(Session& session, SceneFile& scene, const std::optional<Address>& address)
 {
     if (!address)
-        return scene.readSelected(selection.nodes);
+    {
+        scene.readSelected(session.selection().nodes);
+        return tellUnmatched(session, listingOf(scene.metadata()));
+    }
     scene.readNode(address->node);
     scene.node(address->node);
     if (address->stream)
@@ -41,7 +46,7 @@ eExitCode exportFile(const Job& job, const std::string& format)
     const std::optional<Address> address = words.empty() ? std::nullopt : std::optional<Address>(words);
     const Selection& selection = job.session.selection();
     SceneFile scene(job.session, job.file);
-    read(scene, address, selection);
+    read(job.session, scene, address);
     const vumo::codec::Metadata metadata = selected(scene, selection, address ? &*address : nullptr);
     if (format == "csv")
         vumo::codec::writeCsv(scene.stream(*address), job.out);

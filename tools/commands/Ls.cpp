@@ -2,6 +2,7 @@
 #include "core/Rows.h"
 #include "core/SceneFile.h"
 #include "core/Text.h"
+#include "core/Unmatched.h"
 #include "core/Unreadable.h"
 
 #include <algorithm>
@@ -136,6 +137,7 @@ eExitCode ls(Job& job, const LsOptions& options)
         listNodes(job, blocks);
     else
         listStreams(job, blocks, options.isLong, layouts);
+    tellUnmatched(job.session, blocks);
     if (options.isLong)
         addUnreadable(job, scene);
     else if (!options.structures)

@@ -1,8 +1,10 @@
 #include "commands/Commands.h"
 #include "core/Batch.h"
 #include "core/Elements.h"
+#include "core/Listing.h"
 #include "core/Table.h"
 #include "core/Text.h"
+#include "core/Unmatched.h"
 #include "core/Unreadable.h"
 #include "edit/Script.h"
 #include "edit/Selected.h"
@@ -93,6 +95,7 @@ eExitCode show(Job& job, const Head& head)
     const Selection& selection = job.session.selection();
     SceneFile scene(job.session, job.file);
     scene.readSelected(selection.nodes);
+    tellUnmatched(job.session, listingOf(scene.metadata()));
     if (head.form == "script")
     {
         printScript(job, scene);

@@ -37,5 +37,13 @@ std::vector<ListedBlock> listingOf(const Accessor& metadata)
         for (const Channel& channel : channels)
             block.channels.push_back(listed(channel));
     }
+    for (const UnreadBlock& unread : metadata.unread())
+    {
+        if (unread.kind != UnreadBlock::kAssociations)
+            continue;
+        ListedBlock& block = blocks.emplace_back();
+        block.kind = ListedBlock::kAssociations;
+        block.name = unread.name;
+    }
     return blocks;
 }

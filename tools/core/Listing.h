@@ -6,4 +6,5 @@
 #include <vector>
 
 /// What an accessor has read of a file that cannot be listed, as a listing: without a format, places and bytes.
+/// Of nodes that were left unread the names alone are known.
 std::vector<vumo::Data::ListedBlock> listingOf(const vumo::Data::Accessor& metadata);

@@ -262,7 +262,8 @@ std::string Session::readInput(const std::string& name) const
 
 bool Session::isBatch() const
 {
-    return mIsBatch || !mFilesFrom.empty() || mCommand->get_option("FILE")->count() > 1;
+    const CLI::Option* const file = mCommand->get_option_no_throw("FILE"); // diff has A and B
+    return mIsBatch || !mFilesFrom.empty() || (file && file->count() > 1);
 }
 
 std::vector<std::string> Session::words() const
