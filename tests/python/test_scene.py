@@ -2,9 +2,11 @@
 
 import contextlib
 import copy
+import errno
 import fcntl
 import os
 import pickle
+import sys
 import threading
 import time
 from concurrent.futures import ThreadPoolExecutor
@@ -64,6 +66,9 @@ def test_what_cannot_be_read_is_named_and_kept(path):
             scene["Body"]["vertex"]
         error = caught.value
         assert (error.file, error.node, error.position) == (str(path), "Body", fault.position)
+        with pytest.raises(vumo.MalformedError) as caught:
+            scene.load(["Head", "Body"])
+        assert (caught.value.node, caught.value.position) == ("Body", fault.position)
         assert error.text and isinstance(error, ValueError)
         scene["Head"]["face"]["weights"]["Weight"] = 1
     assert b"0,25" in path.read_bytes()
@@ -90,7 +95,11 @@ def test_nodes_and_channels_come_and_go(path):
         scene.create("New").create("channel").create("stream", {"i": "i4"}, size=2)
         del scene["Head"]["face"]
         scene.declare(vumo.Structure("Unused", {"f": "f8"}))
+        scene["New"]["channel"].create("short-lived", {"i": "i4"})
+        del scene["New"]["channel"]["short-lived"]
+        document = scene.to_dict()
     scene = vumo.open(path)
+    assert scene.to_dict() == document
     assert sorted(scene) == ["", "New"] and "Unused" in scene.structures
     assert tool("get", path, "New", "channel", "stream").count("\n") >= 2
 
@@ -99,13 +108,14 @@ FAILURES = {
     "no such file": (lambda s: vumo.open("missing.ob"), vumo.NoFileError, FileNotFoundError, "missing.ob"),
     "too long a name": (lambda s: vumo.open(300 * "x" + ".ob"), vumo.SystemCallError, OSError, "xx.ob"),
     "no scene by its name": (lambda s: vumo.open("scene.py"), vumo.NotSceneError, ValueError, "scene.py"),
+    "zero byte in a name": (lambda s: vumo.open("scene\0.ob"), ValueError, ValueError, "zero character"),
     "no mode": (lambda s: vumo.open("scene.ob", "w"), ValueError, ValueError, "'w'"),
     "node": (lambda s: s["Bodi"], vumo.NotFoundError, KeyError, "There is no node 'Bodi' in .*; did you mean 'Body'?"),
     "channel": (lambda s: s["Body"]["vertx"], vumo.NotFoundError, KeyError, "the node 'Body'; did you mean 'vertex'?"),
     "stream": (lambda s: s["Body"]["edge"]["seam"], vumo.NotFoundError, KeyError, "did you mean 'seams'?"),
     "member": (lambda s: s["Body"]["edge"]["seams"]["stich"], KeyError, KeyError, "did you mean 'Stitch'?"),
     "element": (lambda s: s["Body"]["edge"]["seams"][9, 9], KeyError, KeyError, "no element \\(9, 9\\) in 'seams'"),
-    "elements": (lambda s: s["Body"]["edge"]["seams"].gather("Stitch", [(0, 3), (7, 8)]), KeyError, KeyError, "7 8"),
+    "elements": (lambda s: s["Body"]["edge"]["seams"].gather("Stitch", [(0, 3), (7, 8)]), vumo.NotFoundError, KeyError, "7 8"),
     "index": (lambda s: s["Body"]["vertex"]["weights"][-1], IndexError, IndexError, "0 to 4294967295"),
     "half a pair": (lambda s: s["Body"]["edge"]["seams"][3], ValueError, ValueError, "shape"),
     "not whole": (lambda s: s["Body"]["vertex"]["weights"].gather("Weight", [0.5]), TypeError, TypeError, "whole"),
@@ -131,8 +141,15 @@ def test_failures_say_what_is_wrong(editable, case):
     action, kind, base, text = FAILURES[case]
     with pytest.raises(kind, match=text) as caught:
         action(editable)
-    assert isinstance(caught.value, base) and "unknown" not in str(caught.value).lower()
-    assert str(copy.copy(caught.value)) == str(pickle.loads(pickle.dumps(caught.value))) == str(caught.value)
+    error = caught.value
+    assert isinstance(error, base) and "unknown" not in str(error).lower()
+    fields = ("text", "file", "node", "position", "errno", "filename")
+    for copied in (copy.copy(error), pickle.loads(pickle.dumps(error))):
+        assert str(copied) == str(error) and [getattr(copied, f, 0) for f in fields] == [getattr(error, f, 0) for f in fields]
+    if isinstance(error, vumo.NotFoundError):
+        assert error.file == editable.file and (error.node == "Body") == (case != "node")
+    if isinstance(error, OSError):
+        assert error.errno in (errno.ENOENT, errno.ENAMETOOLONG) and error.filename == error.file
 
 
 @contextlib.contextmanager
@@ -207,7 +224,7 @@ def test_a_save_that_fails_leaves_the_file(path):
     before = path.read_bytes()
     with pytest.raises(vumo.RefusedError, match="Weight") as caught, vumo.open(path, "r+") as scene:
         scene["Body"]["vertex"]["weights"]["Weight"][0] = np.nan
-    assert path.read_bytes() == before and caught.value.file == str(path)
+    assert path.read_bytes() == before and (caught.value.file, caught.value.node) == (str(path), "Body")
     mine, theirs = vumo.open(path, "r+"), vumo.open(path, "r+")
     for value, scene in enumerate((theirs, mine)):
         scene["Body"]["vertex"]["weights"]["Weight"] = value
@@ -254,6 +271,16 @@ def test_reprs_and_frames_show_what_is_there(editable):
     assert list(frame.columns) == ["Stitch", "Offset[0]", "Offset[1]", "Offset[2]"]
     assert frame.loc[(0, 3), "Offset[2]"] == -2.5
     assert editable[""]["scene"]["notes"].to_frame().index.tolist() == ["ann"]
+    del node["vertex"]
+    editable.close()
+    assert all("no longer there" in repr(part) for part in shown.values() if part is not editable)
+
+
+def test_frames_alone_need_pandas(weights, monkeypatch):
+    monkeypatch.setitem(sys.modules, "pandas", None)
+    assert weights.records["Weight"].tolist() == [0, 0.25, 0.5, 1]
+    with pytest.raises(ImportError, match="pandas"):
+        weights.to_frame()
 
 
 def test_threads_read_and_save_scenes_of_their_own(tmp_path):

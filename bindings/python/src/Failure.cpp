@@ -80,10 +80,6 @@ void translate(std::exception_ptr pending)
     {
         raise(failure);
     }
-    catch (const Missing& missing)
-    {
-        raise(PyExc_KeyError, missing.text);
-    }
     catch (const StillViewed& viewed)
     {
         raise(PyExc_BufferError, viewed.text);

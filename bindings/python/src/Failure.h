@@ -12,6 +12,7 @@ struct Failure
 {
     // The names of classes in Python.
     static constexpr const char* kNotScene = "NotSceneError";
+    static constexpr const char* kNotFound = "NotFoundError";
     static constexpr const char* kClosed = "ClosedError";
     static constexpr const char* kReadOnly = "ReadOnlyError";
     static constexpr const char* kRefused = "RefusedError";
@@ -30,12 +31,6 @@ struct Failure
     std::optional<std::string> node = std::nullopt;
     std::optional<std::uint64_t> position = std::nullopt; ///< in the file, of the first byte of what is meant
     int systemError = 0;
-};
-
-/// Something that is not there: a `KeyError` in Python.
-struct Missing
-{
-    std::string text;
 };
 
 /// What would move or free memory that arrays look at: a `BufferError` in Python.

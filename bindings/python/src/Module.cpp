@@ -107,7 +107,9 @@ std::vector<Text> streamsOf(SceneFile& scene, const Text& node, const Text& chan
 {
     const Channel* const found = scene.node(node.bytes).findChannel(channel.bytes);
     if (!found)
-        throw Missing{"There is no channel " + channel.bytes + " any more in the node " + node.bytes + "."};
+        throw Failure{Failure::kNotFound,
+                      "There is no channel " + channel.bytes + " any more in the node " + node.bytes + ".",
+                      scene.fileName(), node.bytes};
     std::vector<Text> names;
     for (const Stream* const stream : *found)
         names.push_back({stream->name()});

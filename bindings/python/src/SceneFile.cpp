@@ -18,6 +18,14 @@ std::unordered_map<const void*, std::size_t>& views()
     static auto* const all = new std::unordered_map<const void*, std::size_t>; // outlives arrays at the very end
     return *all;
 }
+
+/// Whether these messages of the library are about the metadata of that node.
+bool tellsOf(const std::string& node, const std::string& text)
+{
+    const std::string name = node.empty() ? "the scene" : "node '" + node + "'";
+    return text.find("The metadata of " + name + " cannot be written") != std::string::npos ||
+           text.find("in the metadata of " + name + ", from byte") != std::string::npos;
+}
 } // namespace
 
 /// What a capsule under an array holds.
@@ -132,7 +140,7 @@ void SceneFile::save()
         std::unique_ptr<Accessor> writer = edited();
         std::string errors;
         if (!writer->write(errors))
-            throw Failure::of(*writer, errors);
+            throw unsaved(*writer, errors);
         mReader = std::move(writer);
     });
     mEdited.clear();
@@ -150,7 +158,7 @@ Accessor::WriteCost SceneFile::estimateSave()
         const std::unique_ptr<Accessor> writer = edited();
         std::string errors;
         if (!writer->estimateWrite(cost, errors))
-            throw Failure::of(*writer, errors);
+            throw unsaved(*writer, errors);
     });
     return cost;
 }
@@ -225,7 +233,7 @@ std::set<std::string> SceneFile::batchOf(const std::string& name)
 const Associations& SceneFile::node(const std::string& name)
 {
     if (!hasNode(name))
-        throw Missing{"There is no node " + name + " in " + mFileName + "."};
+        throw notFound("There is no node " + name + ".");
     auto found = mReader->associations().find(name);
     if (found != mReader->associations().end())
         return found->second;
@@ -281,7 +289,7 @@ void SceneFile::removeNode(const std::string& name)
         }
     }
     if (mNodeSet.erase(name) == 0)
-        throw Missing{"There is no node " + name + " in " + mFileName + "."};
+        throw notFound("There is no node " + name + ".");
     mNodes.erase(std::find(mNodes.begin(), mNodes.end(), name));
     mReader->associations()[name] = Associations(); // an empty entry removes what is in the file
     mEdited.insert(name);
@@ -296,7 +304,7 @@ void SceneFile::removeChannel(const std::string& node, const std::string& channe
             requireUnviewed(*stream);
     }
     if (!associations.removeChannel(channel))
-        throw Missing{"There is no channel " + channel + " in the node " + node + "."};
+        throw notFound("There is no channel " + channel + " in the node " + node + ".", node);
 }
 
 void SceneFile::removeStream(const std::string& node, const std::string& channel, const std::string& stream)
@@ -305,7 +313,7 @@ void SceneFile::removeStream(const std::string& node, const std::string& channel
     if (const Stream* const old = found ? found->findDataStream(stream) : nullptr)
         requireUnviewed(*old);
     if (!found || !found->removeDataStream(stream))
-        throw Missing{"There is no stream " + stream + " in the channel " + channel + "."};
+        throw notFound("There is no stream " + stream + " in the channel " + channel + ".", node);
 }
 
 std::map<std::string, const Structure*> SceneFile::structures() const
@@ -313,7 +321,10 @@ std::map<std::string, const Structure*> SceneFile::structures() const
     requireOpen();
     std::map<std::string, const Structure*> all;
     for (const auto& [name, structure] : mAdded)
-        all.emplace(name, structure.get());
+    {
+        if (structure->refCount() > 1) // else no stream uses it any more
+            all.emplace(name, structure.get());
+    }
     for (const Structure* const structure : mReader->structures())
     {
         if (mRemoved.count(structure->name()) == 0)
@@ -324,9 +335,6 @@ std::map<std::string, const Structure*> SceneFile::structures() const
 
 const Structure& SceneFile::adopt(const Structure& structure)
 {
-    const auto added = mAdded.find(structure.name());
-    if (added != mAdded.end() && added->second->refCount() == 1) // no stream uses it any more
-        mAdded.erase(added);
     const std::map<std::string, const Structure*> all = structures();
     const auto found = all.find(structure.name());
     if (found == all.end())
@@ -349,7 +357,7 @@ void SceneFile::undeclare(const std::string& name)
 {
     requireWritable();
     if (structures().count(name) == 0)
-        throw Missing{"There is no structure " + name + " in the scene."};
+        throw notFound("There is no structure " + name + ".");
     mRemoved.insert(name);
 }
 
@@ -387,13 +395,31 @@ void SceneFile::requireWritable() const
                       mFileName};
 }
 
+Failure SceneFile::notFound(const std::string& text, const std::optional<std::string>& node) const
+{
+    return {Failure::kNotFound, text, mFileName, node};
+}
+
+/// Says which of the nodes that were edited could not be written.
+Failure SceneFile::unsaved(const Accessor& writer, const std::string& text) const
+{
+    Failure result = Failure::of(writer, text);
+    for (const std::string& name : mEdited)
+    {
+        if (tellsOf(name, text))
+            result.node = name;
+    }
+    return result;
+}
+
 /// Says which of the nodes could not be read, and where it stands.
 Failure SceneFile::unreadable(const std::set<std::string>& names, const std::string& text) const
 {
     Failure result = Failure::of(*mReader, text);
     for (const UnreadBlock& block : mReader->unread())
     {
-        if (names.size() == 1 && block.kind == UnreadBlock::kAssociations && names.count(block.name) > 0)
+        if (block.kind == UnreadBlock::kAssociations && names.count(block.name) > 0 &&
+            (names.size() == 1 || tellsOf(block.name, text)))
         {
             result.node = block.name;
             result.position = block.position;

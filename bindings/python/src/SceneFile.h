@@ -140,7 +140,9 @@ private:
     std::unique_ptr<vumo::Data::Accessor> edited();
     void listNodes(const std::optional<std::vector<std::string>>& wanted);
     std::set<std::string> batchOf(const std::string& name);
+    Failure notFound(const std::string& text, const std::optional<std::string>& node = std::nullopt) const;
     Failure unreadable(const std::set<std::string>& names, const std::string& text) const;
+    Failure unsaved(const vumo::Data::Accessor& writer, const std::string& text) const;
     void releaseIfUnused();
 
     const std::string mFileName;

@@ -1,6 +1,5 @@
 #include "StreamAddress.h"
 
-#include "ElementIndices.h"
 #include "MemberType.h"
 
 #include <algorithm>
@@ -37,38 +36,24 @@ std::vector<char*> blocksAt(const Stream& stream, const ElementIndices& indices)
     return blocks;
 }
 
-[[noreturn]] void refuseMissing(const Stream& stream, const ElementIndices& indices)
-{
-    std::string index;
-    for (std::size_t i = 0; i < indices.size() && index.empty(); ++i)
-    {
-        if (!stream.hasElement(indices[i]))
-            index = indices[i].asString();
-    }
-    throw Missing{"There is no element " + index + " in the stream " + stream.name() + "."};
-}
-
-/// Copies a member's values of the elements at these indices; strings are lent.
+/// Copies a member's values of the elements at these indices, up to the first that is missing; strings are lent.
+/// Returns of how many elements.
 template <class T>
-void copyValues(const Stream& stream, const Member& member, const ElementIndices& indices, T* values)
+std::size_t copyValues(const Stream& stream, const Member& member, const ElementIndices& indices, T* values)
 {
-    std::size_t found = 0;
     if (indices.areNumbers())
     {
-        found = stream.getMemberValues(Member::name(&member), indices.numbers().data(),
-                                       static_cast<unsigned int>(indices.size()), values);
+        return stream.getMemberValues(Member::name(&member), indices.numbers().data(),
+                                      static_cast<unsigned int>(indices.size()), values);
     }
-    else
+    std::size_t found = 0;
+    const std::vector<char*> blocks = blocksAt(stream, indices);
+    while (found < blocks.size() && blocks[found])
     {
-        const std::vector<char*> blocks = blocksAt(stream, indices);
-        while (found < blocks.size() && blocks[found])
-        {
-            std::memcpy(values, blocks[found++] + Member::offset(&member), byteSize(member));
-            values += byteSize(member) / sizeof(T);
-        }
+        std::memcpy(values, blocks[found++] + Member::offset(&member), byteSize(member));
+        values += byteSize(member) / sizeof(T);
     }
-    if (found < indices.size())
-        refuseMissing(stream, indices);
+    return found;
 }
 
 /// Puts texts into the next places of a new array of objects.
@@ -76,17 +61,6 @@ void placeTexts(const char* const* texts, std::size_t count, PyObject**& place)
 {
     for (std::size_t i = 0; i < count; ++i)
         *place++ = toPython(texts[i] ? texts[i] : "").release().ptr();
-}
-
-/// Makes the elements that are missing.
-void createMissing(Stream& stream, const ElementIndices& indices)
-{
-    const Handle defaults(stream.structure());
-    for (std::size_t i = 0; i < indices.size(); ++i)
-    {
-        if (!stream.hasElement(indices[i]) && !stream.setElement(indices[i], defaults))
-            throw Missing{"There can be no element " + indices[i].asString() + " in the stream " + stream.name() + "."};
-    }
 }
 
 /// Lets a dense stream take elements at these numbers: dense storage would fill the gaps before them with elements that
@@ -118,6 +92,34 @@ StreamAddress::StreamAddress(std::shared_ptr<SceneFile> scene, std::string node,
 {
 }
 
+Failure StreamAddress::notFound(const std::string& text) const
+{
+    return {Failure::kNotFound, text, mScene->fileName(), mNode};
+}
+
+/// Says which of the elements is not there.
+void StreamAddress::refuseMissing(const Stream& stream, const ElementIndices& indices) const
+{
+    std::string index;
+    for (std::size_t i = 0; i < indices.size() && index.empty(); ++i)
+    {
+        if (!stream.hasElement(indices[i]))
+            index = indices[i].asString();
+    }
+    throw notFound("There is no element " + index + " in the stream " + mName + ".");
+}
+
+/// Makes the elements that are missing.
+void StreamAddress::createMissing(Stream& stream, const ElementIndices& indices) const
+{
+    const Handle defaults(stream.structure());
+    for (std::size_t i = 0; i < indices.size(); ++i)
+    {
+        if (!stream.hasElement(indices[i]) && !stream.setElement(indices[i], defaults))
+            throw notFound("There can be no element " + indices[i].asString() + " in the stream " + mName + ".");
+    }
+}
+
 bool StreamAddress::exists() const
 {
     if (!mScene->hasNode(mNode))
@@ -137,7 +139,7 @@ Stream& StreamAddress::heldStream() const
     const Channel* const channel = mScene->node(mNode).findChannel(mChannel);
     const Stream* const stream = channel ? channel->findDataStream(mName) : nullptr;
     if (!stream)
-        throw Missing{"There is no stream " + mName + " any more in the channel " + mChannel + " of " + mNode + "."};
+        throw notFound("There is no stream " + mName + " any more in the channel " + mChannel + " of " + mNode + ".");
     return const_cast<Stream&>(*stream);
 }
 
@@ -251,7 +253,7 @@ const Member& StreamAddress::member(const Text& memberName) const
         if (memberName.bytes == Member::name(layout.member(i)))
             return *layout.member(i);
     }
-    throw Missing{"The structure " + std::string(layout.name()) + " has no member " + memberName.bytes + "."};
+    throw notFound("The structure " + std::string(layout.name()) + " has no member " + memberName.bytes + ".");
 }
 
 /// An array over the elements of the dense stream. The first dimension steps from element to element.
@@ -309,7 +311,8 @@ py::array StreamAddress::gather(const Text& memberName, const py::object& indice
             return array;
         }
         std::vector<const char*> texts(places.size() * Member::length(&wanted));
-        copyValues(source, wanted, places, texts.data());
+        if (copyValues(source, wanted, places, texts.data()) < places.size())
+            refuseMissing(source, places);
         placeTexts(texts.data(), texts.size(), place);
         return array;
     }
@@ -317,7 +320,11 @@ py::array StreamAddress::gather(const Text& memberName, const py::object& indice
         array = py::array(py::dtype::of<decltype(value)>(), shapeOf(wanted, count));
         auto* place = static_cast<decltype(value)*>(array.mutable_data());
         if (!areAll)
-            return copyValues(source, wanted, places, place);
+        {
+            if (copyValues(source, wanted, places, place) < places.size())
+                refuseMissing(source, places);
+            return;
+        }
         visitValues(source, wanted, [&](const char* values) {
             std::memcpy(place, values, byteSize(wanted));
             place += byteSize(wanted) / sizeof value;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ElementIndices.h"
+#include "Failure.h"
 #include "SceneFile.h"
 #include "Text.h"
 #include "vumo/data/Index.h"
@@ -69,6 +71,9 @@ public:
     void scatterStrings(const Text& member, const pybind11::object& indices, const pybind11::list& values);
 
 private:
+    Failure notFound(const std::string& text) const;
+    [[noreturn]] void refuseMissing(const vumo::Data::Stream& stream, const ElementIndices& indices) const;
+    void createMissing(vumo::Data::Stream& stream, const ElementIndices& indices) const;
     const vumo::Data::Stream& stream() const;
     vumo::Data::Stream& heldStream() const;
     vumo::Data::Stream& edit();

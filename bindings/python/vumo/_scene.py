@@ -15,6 +15,7 @@ from . import _json, _vumo
 from ._column import Views
 from ._layout import Structure, as_count
 from ._stream import Stream
+from ._tree import Path
 from .errors import not_found
 
 
@@ -119,6 +120,8 @@ class Channel(MutableMapping[str, Stream]):
         return isinstance(name, str) and self._address(name).exists()
 
     def __repr__(self) -> str:
+        if self._scene.closed or self.name not in self._scene.get(self.node, ()):
+            return f"<vumo.Channel {self.name!r} of {self.node!r}, no longer there>"
         lines = [f"<vumo.Channel {self.name!r} of {self.node!r}: {_counted(len(self), 'stream')}"]
         lines += [f"  {name}: {len(stream)} × {stream.structure!r}" for name, stream in self.items()]
         return "\n".join(lines) + ">"
@@ -174,6 +177,8 @@ class Node(MutableMapping[str, Channel]):
         return len(self._scene._file.channels(self.name))
 
     def __repr__(self) -> str:
+        if self._scene.closed or self.name not in self._scene:
+            return f"<vumo.Node {self.name!r}, no longer there>"
         lines = [f"<vumo.Node {self.name!r}: {_counted(len(self), 'channel')}"]
         lines += [f"  {name}: {', '.join(channel)}" for name, channel in self.items()]
         return "\n".join(lines) + ">"
@@ -258,7 +263,10 @@ class Scene(MutableMapping[str, Node]):
 
         Raises ValueError for what is no such document; the scene has then what came before the fault.
         """
-        _json.scene_in(self, document)
+        try:
+            _json.scene_in(self, document)
+        except (TypeError, IndexError) as error:  # of a value or an index
+            raise ValueError(f"the document is not of the form of docs/formats/json.md: {error}") from error
 
     def to_json(self) -> str:
         """The text of `to_dict`."""
@@ -331,7 +339,7 @@ class Scene(MutableMapping[str, Node]):
 
 
 def open(
-    path: str | os.PathLike[str],
+    path: Path,
     mode: Literal["r", "r+"] = "r",
     nodes: Iterable[str] | None = None,
     *,
@@ -356,6 +364,8 @@ def open(
     if mode not in ("r", "r+"):
         raise ValueError(f"the mode is 'r' or 'r+', not {mode!r}")
     name = os.fsdecode(path)
+    if "\0" in name:
+        raise ValueError(f"a name of a file has no zero character: {name!r}")
     names = None if nodes is None else list(nodes)
     wait = round(lock_wait * 1000)
     file = _vumo.SceneFile(os.fsencode(name), names, mode == "r+", exact, overwrite, durable, wait)

@@ -214,7 +214,7 @@ class Stream:
     __hash__ = None  # type: ignore[assignment]  # what it holds can change
 
     def __repr__(self) -> str:
-        if self._scene.closed or not self._address.exists():
+        if self._is_gone:
             return f"<vumo.Stream {self.name!r}, no longer there>"
         members = self.structure.members.values()
         lines = [
@@ -228,6 +228,10 @@ class Stream:
                 break
             lines.append(f"  {index}: " + ", ".join(repr(_plain(value)) for value in element.values()))
         return "\n".join(lines) + ">"
+
+    @property
+    def _is_gone(self) -> bool:
+        return self._scene.closed or not self._address.exists()
 
     def _member(self, name: str) -> Member:
         members = self.structure.members
@@ -289,6 +293,8 @@ class Element(MutableMapping[str, Any]):
         return self.keys() == other.keys() and all(np.array_equal(value, other[name]) for name, value in self.items())
 
     def __repr__(self) -> str:
+        if self._stream._is_gone or not self._stream.has_element(self.index):
+            return f"<vumo.Element {self.index!r} of {self._stream.name!r}, no longer there>"
         values = ", ".join(f"{name}={_plain(value)!r}" for name, value in self.items())
         return f"<vumo.Element {self.index!r} of {self._stream.name!r}: {values}>"
 

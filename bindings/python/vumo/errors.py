@@ -5,6 +5,7 @@ from __future__ import annotations
 import difflib
 import os
 from collections.abc import Iterable
+from typing import Any
 
 
 class Error(Exception):
@@ -32,6 +33,10 @@ class Error(Exception):
 
     def __str__(self) -> str:
         return self.text
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        system_error = getattr(self, "errno", None) or 0  # which OSError would leave behind
+        return _of, (type(self), self.text, self.file, self.node, self.position, system_error)
 
 
 class NoFileError(Error, FileNotFoundError):
@@ -97,7 +102,13 @@ def make(
     text = text.strip()
     if file is not None and file not in text:
         text = f"{file}: {text}"
-    error: Error = globals()[kind](text, file, node, position)
+    return _of(globals()[kind], text, file, node, position, system_error)
+
+
+def _of(
+    kind: type[Error], text: str, file: str | None, node: str | None, position: int | None, system_error: int
+) -> Error:
+    error = kind(text, file, node, position)
     if isinstance(error, OSError):
         error.filename = file
         if system_error:
