@@ -184,6 +184,14 @@ def test_the_example_of_the_page_comes_back(tmp_path):
         (('"int8"', '"int9"'), "needs a name of its own, a type"),
         (('{"index": 0,', '{"index": 1, "values": {"i": 1, "s": ""}}, {"index": 1,'), "index comes twice"),
         (('"s": "x"', '"s": 7'), "no text"),
+        (('"i": 1', '"i": "1"'), "numbers are expected"),
+        (('"i": 1', '"i": NaN'), "NaN is no number"),
+        (('{"i": 1, "s": "x"}', "[1]"), "2 values"),
+        (('"index": 0', '"index": "x"'), "whole numbers"),
+        (('"index": 0', '"index": -1'), "0 to 4294967295"),
+        (('"numeric"', "5"), "no type of indices"),
+        (('{"channel": "c", "streams": [', '{"channel": "c", "streams": {}}, {"channel": "d", "streams": ['), "no list of streams"),
+        (('"int8"', '"int8", "length": "x"'), "integer"),
     ],
 )
 def test_documents_with_faults_are_refused(editable, change, message):
@@ -198,3 +206,15 @@ def test_documents_with_faults_are_refused(editable, change, message):
         editable.from_json(text.replace(*change))
     editable.from_json(text)
     assert editable["N"]["c"]["s"][0]["s"] == "x"
+
+
+@pytest.mark.parametrize("number", [np.nan, np.inf])
+def test_numbers_that_are_not_finite_go_neither_out_nor_in(editable, weights, number):
+    document = editable.to_dict()
+    weights["Weight"][0] = number
+    with pytest.raises(ValueError, match="'Weight' is not finite"):
+        weights.to_dict()
+    [body] = [node for node in document["nodes"] if node["node"] == "Body"]
+    body["channels"][1]["streams"][0]["elements"][0]["values"]["Weight"] = number
+    with pytest.raises(ValueError, match="'Weight' is not finite"):
+        editable.from_dict(document)

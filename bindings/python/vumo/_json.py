@@ -10,7 +10,7 @@ from typing import TYPE_CHECKING, Any
 
 import numpy as np
 
-from ._layout import Member, Structure
+from ._layout import Member, Structure, as_count, as_values
 
 if TYPE_CHECKING:
     from ._scene import Channel, Node, Scene
@@ -82,13 +82,17 @@ def _indices_out(stream: Stream) -> list[Any]:
 
 
 def _column_out(member: Member, values: Any) -> list[Any]:
-    if values.dtype.kind == "f" and not np.isfinite(values).all():
-        raise ValueError(f"a value of the member {member.name!r} is not finite")
+    _require_finite(member, values)
     if member.type == "string":
         values = _each(text_out, values)
     elif values.dtype == np.float32:
         values = _each(_shortened, values)
     return list(values.tolist())
+
+
+def _require_finite(member: Member, values: Any) -> None:
+    if values.dtype.kind == "f" and not np.isfinite(values).all():
+        raise ValueError(f"a value of the member {member.name!r} is not finite")
 
 
 def _shortened(value: np.float32) -> float:
@@ -128,16 +132,21 @@ def load_json(text: str | bytes) -> Any:
             raise ValueError("a key comes twice in an object")
         return result
 
-    return json.loads(text, object_pairs_hook=unique)
+    def refuse(constant: str) -> Any:
+        raise ValueError(f"{constant} is no number in JSON")
+
+    return json.loads(text, object_pairs_hook=unique, parse_constant=refuse)
 
 
 def _structure_in(name: str, content: tuple[Any, ...]) -> Structure:
     members = []
-    for member in content[0]:
+    for member in _list(content[0], f"members in the structure {name!r}"):
         length = member.get("length", 1) if isinstance(member, dict) else None
         fields = {key: value for key, value in member.items() if key != "length"} if length is not None else member
         member_name, member_type = _take(fields, f"a member of the structure {name!r}", "name", "type")
-        members.append((text_in(member_name), member_type, length))
+        if not isinstance(member_type, str):
+            raise ValueError(f"{member_type!r} is no type of members")
+        members.append((text_in(member_name), member_type, as_count("a length", length)))
     return Structure.of_types(name, members)
 
 
@@ -147,10 +156,12 @@ def _stream_in(
     layout = layouts.get(text_in(structure))
     if layout is None:
         raise ValueError(f"there is no structure {structure!r} for the stream {name!r}")
+    if not isinstance(index_type, str):
+        raise ValueError(f"{index_type!r} is no type of indices")
     if name in channel:
         del channel[name]
     stream = channel.create(name, layout, index_type=index_type)
-    if not elements:
+    if not _list(elements, f"elements in the stream {name!r}"):
         return
     members = list(layout.members.values())
     indices, rows = [], []
@@ -159,6 +170,8 @@ def _stream_in(
         indices.append(index if index_type in ("numeric", "pair") else text_in(index))
         if isinstance(values, dict):
             values = _take(values, f"the element {index!r} of {name!r}", *(member.name for member in members))
+        elif not isinstance(values, list) or len(values) != len(members):
+            raise ValueError(f"the element {index!r} of {name!r} does not have {len(members)} values")
         rows.append(values)
     if len(set(map(repr, indices))) < len(indices):
         raise ValueError(f"an index comes twice in the stream {name!r}")
@@ -167,6 +180,9 @@ def _stream_in(
         values = [row[place] for row in rows]
         if member.type == "string":
             values = _each(lambda value: None if value is None else text_in(value), _objects(values, member))
+        else:
+            values = as_values(values, member.dtype, (len(values), *member.shape))
+            _require_finite(member, values)
         stream.scatter(member.name, indices, values)
 
 
@@ -181,15 +197,19 @@ def _objects(values: list[Any], member: Member) -> Any:
 def _named(entries: Any, kind: str, *keys: str) -> Iterator[tuple[str, tuple[Any, ...]]]:
     """The names of these objects, each of them once, and what they hold under the other keys."""
     seen = set()
-    if not isinstance(entries, list):
-        raise ValueError(f"there is no list of {kind}s")
-    for entry in entries:
+    for entry in _list(entries, f"{kind}s"):
         name, *content = _take(entry, f"a {kind}", kind, *keys)
         name = text_in(name)
         if name in seen:
             raise ValueError(f"the {kind} {name!r} comes twice")
         seen.add(name)
         yield name, tuple(content)
+
+
+def _list(entries: Any, of: str) -> list[Any]:
+    if not isinstance(entries, list):
+        raise ValueError(f"there is no list of {of}")
+    return entries
 
 
 def _take(entry: Any, what: str, *keys: str) -> tuple[Any, ...]:
