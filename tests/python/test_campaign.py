@@ -79,7 +79,8 @@ def test_a_campaign_is_planned_and_done_and_undone(show, edit, workers):
     assert campaign.run().bytes == 0
     assert contents(show) == after
 
-    undone = vumo.campaign(record="record").undo()
+    assert re.search("Campaign '.*/record': .*Edit.* in 5 files", repr(campaign))
+    undone = vumo.campaign(record=b"record").undo()
     assert contents(show) == before
     assert (len(undone.of("undone")), undone.growth) == (4, -done.growth)
     assert len(campaign.run().of("saved")) == 4
@@ -114,11 +115,16 @@ def test_a_campaign_stops_when_too_many_files_fail_and_goes_on(show):
     assert (stopped.left, len(stopped.failures)) == (2, 2)
     assert contents(show) == before
     assert (len(vumo.campaign(fail_on_binary, show, max_failures=3).run().of("saved"))) == 2
+    calls = itertools.count()
+    late = vumo.campaign(lambda scene: 1 / (next(calls) < len(before)), show, max_failures=2, record="late").run()
+    assert (late.left, len(late.failures)) == (2, 2)  # in the run itself
     (show / "mended").touch()
     assert not vumo.campaign(fail_on_binary, show).run().failures
     assert all(weights(path)[0] == 1 for path in before)
     with pytest.raises(ValueError, match="another campaign"):
-        vumo.campaign(grow, show)
+        vumo.campaign(grow, bytes(show), record=b"campaign")
+    with pytest.raises(TypeError, match="not 7"):
+        vumo.campaign(7, show)
 
 
 def test_a_script_without_a_guard_has_worker_processes(show):

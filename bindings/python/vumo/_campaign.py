@@ -15,6 +15,7 @@ from ._edits import Change, Edit, checksum, edit_of, is_busy
 from ._record import SAVED, SAVING, UNDONE, Entry, Record, write
 from ._rows import Rows
 from ._scene import Scene
+from ._tree import Path as AnyPath
 from ._tree import Paths, Tree
 from ._work import Progress, Workers
 from .errors import Error, NoFileError
@@ -94,7 +95,7 @@ class Campaign:
         files: Paths = (),
         workers: int = 1,
         *,
-        record: str | os.PathLike[str] = "campaign",
+        record: AnyPath = "campaign",
         client: Any = None,
         scheduler: str | None = None,
         max_failures: int = 10,
@@ -114,7 +115,7 @@ class Campaign:
 
         Raises ValueError when the record is that of another script, damaged or of another version.
         """
-        self.record = Path(record).absolute()
+        self.record = Path(os.fsdecode(record)).absolute()
         self._edit = None if script is None else edit_of(script)
         self._files = list(Tree(files).files)
         self._workers = Workers(workers, client, scheduler)
@@ -154,6 +155,9 @@ class Campaign:
         entries = [entry for record in records if (entry := record.load())]
         rows = [[getattr(entry, column) for column in columns] for entry in entries]
         return Rows(columns, rows + [[str(path), "damaged", *[None] * 4] for path in damaged])
+
+    def __repr__(self) -> str:
+        return f"<vumo.Campaign {str(self.record)!r}: {self._edit!r} in {len(self._files)} files>"
 
     @property
     def _given_edit(self) -> Edit:

@@ -15,7 +15,7 @@ from . import _tool
 from ._intake import IDENTITY, MALFORMED, number_for_database, put_fault, take_in
 from ._rows import Rows, as_bytes, as_text
 from ._schema import failure, open_database
-from ._tree import Paths, Tree
+from ._tree import Path, Paths, Tree
 from ._work import Progress, Workers
 
 _VERSIONS = """
@@ -68,8 +68,8 @@ class Catalog:
     Queries are methods, and `sql` for all others; docs/catalogue.md has the tables. Names in queries are exact.
     """
 
-    def __init__(self, path: str | os.PathLike[str]) -> None:
-        self.path = os.fspath(path)
+    def __init__(self, path: Path) -> None:
+        self.path = os.fsdecode(path)
         self._database = open_database(self.path)
 
     def update(

@@ -111,7 +111,11 @@ class FunctionEdit:
 def edit_of(script: str | Callable[[Scene], Any] | Edit) -> Edit:
     if isinstance(script, str):
         return ScriptEdit(script)
-    return script if hasattr(script, "prepare") else FunctionEdit(script)  # type: ignore[return-value]
+    if hasattr(script, "prepare"):
+        return script  # type: ignore[return-value]
+    if not callable(script):
+        raise TypeError(f"an edit is a function or the text of a script, not {script!r}")
+    return FunctionEdit(script)
 
 
 def checksum(file: bytes) -> int:

@@ -5,7 +5,8 @@ from __future__ import annotations
 import os
 from collections.abc import Iterable
 
-Paths = str | os.PathLike[str] | Iterable[str | os.PathLike[str]]
+Path = str | bytes | os.PathLike[str] | os.PathLike[bytes]
+Paths = Path | Iterable[Path]
 
 
 _NEW_FILE_START = b".vumo-"  # of what the tool leaves that was killed while it made a new file
@@ -20,7 +21,7 @@ class Tree:
     """
 
     def __init__(self, roots: Paths) -> None:
-        named = [roots] if isinstance(roots, (str, os.PathLike)) else roots
+        named = [roots] if isinstance(roots, (str, bytes, os.PathLike)) else roots
         self._roots = [os.path.abspath(os.fsencode(root)) for root in named]
         self.files: dict[bytes, None] = {}
         self.unreadable: dict[bytes, str] = {}
