@@ -87,6 +87,18 @@ def test_a_campaign_is_planned_and_done_and_undone(show, edit, workers):
     assert contents(show) == after
 
 
+def test_a_file_of_several_names_is_edited_once(show):
+    os.link(show / "b.ob", show / "z.ob")
+    (show / "0.ob").symlink_to("c d.ob")
+    before = contents(show)
+    campaign = vumo.campaign(add_one, show)
+    assert len(campaign.run().of("saved")) == 4
+    vumo.campaign(add_one, show / "0.ob").run()
+    assert [weights(path)[0] for path in before] == [1] * 6
+    assert not campaign.undo().failures
+    assert contents(show) == before
+
+
 def test_what_somebody_else_has_changed_since_is_left_alone(show):
     campaign = vumo.campaign(add_one, show)
     before = contents(show)

@@ -106,7 +106,7 @@ class Campaign:
         Args:
             script: the lines of a script (docs/formats/script.md), or a function that edits a scene; None for a campaign
                 that is only to be undone.
-            files: scenes, and folders of them.
+            files: scenes, and folders of them. One that has several names, by links, is edited once.
             workers: processes of this machine that work, unless there is a Dask `client`, or the address of a Dask
                 `scheduler`.
             record: the folder that says what was done to each file. All workers have to see it under this name.
@@ -117,7 +117,7 @@ class Campaign:
         """
         self.record = Path(os.fsdecode(record)).absolute()
         self._edit = None if script is None else edit_of(script)
-        self._files = list(Tree(files).files)
+        self._files = Tree(files).once()
         self._workers = Workers(workers, client, scheduler)
         self._max_failures = max_failures
         self._retries = retries

@@ -39,6 +39,19 @@ class Tree:
         """Whether nobody can say if there is a file of that name."""
         return any(_is_below(name, folder) for folder in self.unreadable)
 
+    def once(self) -> list[bytes]:
+        """The files, each of them under one name: where links lead to, and of several names of one file the first."""
+        found: dict[object, bytes] = {}
+        for name in self.files:
+            target = os.path.realpath(name) if os.path.islink(name) else name
+            try:
+                status = os.stat(target)
+            except OSError:
+                found[target] = target
+            else:
+                found.setdefault((status.st_dev, status.st_ino), target)
+        return list(found.values())
+
     def _walk(self, folder: bytes) -> None:
         try:
             entries = sorted(os.scandir(folder), key=lambda entry: entry.name)
