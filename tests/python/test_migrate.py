@@ -84,6 +84,8 @@ def test_a_number_that_does_not_fit_leaves_the_file_as_it_is(file):
         ("name=N:flt4x4=a:int8=b", {}, "does not become"),
         ("name=N:float=a", {"rename": {"b": "a"}}, "the same one"),
         ("name=N:float=a:int8=b", {"default": {"b": 1}}, "has a default"),
+        ("name=N:float=a:int8=c:string=s", {"drop": ["b"], "default": {"c": 300, "s": 7}}, "'c' .* 300: .*'s' .* 7: it is no text"),
+        ("name=N:float=a:int8[2]=c", {"drop": ["b"], "default": {"c": [1, 2, 3]}}, "'c' cannot have"),
         ("name=N:float=a:int8=b", {"drop": ["x"], "renam": {}}, "no rule 'renam'; there is no old member 'x'"),
         ("float=a", {}, "no text of a structure"),
     ],

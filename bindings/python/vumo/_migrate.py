@@ -114,6 +114,7 @@ class Migration:
         old, new = self.old.members, self.new.members
         faults = [f"there is no old member {name!r}" for name in [*renamed, *self._dropped] if name not in old]
         faults += [f"there is no new member {name!r}" for name in self._defaults if name not in new]
+        faults += [fault for name, value in self._defaults.items() if name in new and (fault := _misfit(value, new[name]))]
         faults += [f"no rule says what becomes of {old!r}" for new_, old in self._sources.items() if new_ not in new]
         taken = [name for name in self._sources if name in new]
         faults += [f"no rule says where {name!r} comes from" for name in new if name not in [*taken, *self._defaults]]
@@ -216,6 +217,17 @@ def _is_set(values: npt.NDArray[Any]) -> npt.NDArray[np.bool_]:
     if values.dtype != object:
         return np.asarray(values != 0)
     return np.array([bool(value) for value in values.ravel()], dtype=bool).reshape(values.shape)
+
+
+def _misfit(value: Any, member: Member) -> str | None:
+    """Why the value is none for that member."""
+    try:
+        values = _as_array(value, member)
+    except (TypeError, ValueError) as error:
+        return f"{member.name!r} cannot have the default {value!r}: {error}"
+    if member.type == "string" and not all(isinstance(text, str) for text in values.flat):
+        return f"{member.name!r} cannot have the default {value!r}: it is no text"
+    return None
 
 
 def _as_array(value: Any, member: Member) -> npt.NDArray[Any]:
