@@ -125,7 +125,9 @@ eExitCode importText(const Job& job, const Request& request)
     std::istringstream in(request.text);
     SceneFile scene = openToEdit(job, job.file);
     vumo::codec::Metadata metadata;
-    std::set<std::string> nodes = {address.node};
+    std::set<std::string> nodes;
+    if (format == "csv")
+        nodes.insert(address.node);
     try
     {
         if (format == "json")

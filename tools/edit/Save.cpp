@@ -147,6 +147,14 @@ void saveCopy(const Job& job, SceneFile& scene, const std::string& out)
     copy.write();
     file.keep();
 }
+/// Saves the file as it is: what was read would be written in the words of this version, even where nothing changed.
+void saveUnchanged(const Job& job)
+{
+    SceneFile scene = openToEdit(job, job.file);
+    const std::set<std::string> none;
+    scene.read(&none);
+    save(job, scene);
+}
 } // namespace
 
 eExitCode makeEdits(const Job& job, const std::vector<Edit>& edits)
@@ -155,9 +163,15 @@ eExitCode makeEdits(const Job& job, const std::vector<Edit>& edits)
     const std::set<std::string> nodes = nodesOf(edits);
     const bool needsAll = std::any_of(edits.begin(), edits.end(), std::mem_fn(&Edit::removesStructures));
     scene.read(needsAll ? nullptr : &nodes);
+    const Accessor::StructureSet structures = scene.metadata().structures();
     for (const Edit& edit : edits)
         apply(edit, scene);
-    save(job, scene);
+    const bool keepsNodes =
+        std::all_of(edits.begin(), edits.end(), [](const Edit& edit) { return edit.words.empty(); });
+    if (keepsNodes && scene.metadata().structures() == structures)
+        saveUnchanged(job);
+    else
+        save(job, scene);
     return kDone;
 }
 
