@@ -55,12 +55,12 @@ def test_a_worker_that_dies_loses_nothing_and_repeats_nothing(cluster, tmp_path,
             time.sleep(0.01)
         workers[0].kill()
 
-    killer = threading.Thread(target=kill_in_the_middle)
+    killer = threading.Thread(target=kill_in_the_middle, daemon=True)
     killer.start()
     campaign = vumo.campaign(add_one, show, client=client, record=tmp_path / "record")
     report = campaign.run()
-    killer.join()
-    assert workers[0].wait() != 0
+    killer.join(60)
+    assert workers[0].wait(60) != 0
     assert not report.failures
     assert len(report.of("saved")) == COUNT
     with vumo.catalog(tmp_path / "c.sqlite") as catalog:
