@@ -53,7 +53,7 @@ std::string titleOf(const std::string& name)
 /// Refuses a text that has nothing in it, as a pipe delivers after a command that failed.
 std::string textOf(const Session& session, const std::string& name)
 {
-    const std::string text = session.readInput(name);
+    std::string text = session.readInput(name);
     if (text.find_first_not_of(" \t\r\n") == std::string::npos)
         throw Failure(kBadInput, titleOf(name) + ": there is nothing in it");
     return text;

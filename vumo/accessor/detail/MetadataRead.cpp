@@ -53,7 +53,8 @@ std::string nameIn(std::string_view structureText)
         structureText.remove_prefix(std::min(field.size() + 1, structureText.size()));
         const std::string_view type = field.substr(0, field.find('='));
         const std::string_view rest = field.substr(std::min(type.size() + 1, field.size()));
-        if (trimmed(type) == SerializerRaw::keyword(SerializerRaw::kStructureName) && rest.find('=') == rest.npos)
+        if (trimmed(type) == SerializerRaw::keyword(SerializerRaw::kStructureName) &&
+            rest.find('=') == std::string_view::npos)
             name = trimmed(rest); // the last one counts
     }
     return std::string(name);
